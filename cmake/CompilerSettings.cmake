@@ -1,0 +1,29 @@
+# use_project_settings(TARGET): language, warnings and hardening that all our targets share.
+
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_link_options(-Wl,-z,relro -Wl,-z,now)
+
+function(use_project_settings target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_compile_options(${target} PRIVATE
+      -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+      $<$<BOOL:${VLTEXTSTREAM_WARNINGS_AS_ERRORS}>:-Werror>
+      -fstack-protector-strong
+      # Scores are compared exactly: no operation may be fused into another.
+      -ffp-contract=off)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}
+      ${PROJECT_BINARY_DIR}/include)
+  set_target_properties(${target} PROPERTIES
+      CXX_EXTENSIONS OFF
+      CXX_VISIBILITY_PRESET hidden
+      VISIBILITY_INLINES_HIDDEN ON
+      POSITION_INDEPENDENT_CODE ON)
+endfunction()

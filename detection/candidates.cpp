@@ -1,0 +1,215 @@
+// A character of the sampled lines that is no part of words and numbers may separate fields. For
+// each such character one delimited candidate is built; for the space, also a space-aligned one,
+// which turns into a fixed-width one when all its data lines have one length and columns of blanks
+// run through them.
+#include "detection/candidates.hpp"
+
+#include <algorithm>
+#include <bitset>
+#include <cmath>
+
+#include "scoring/line_statistics.hpp"
+#include "strategy/delimited_strategy.hpp"
+#include "strategy/fixed_width_strategy.hpp"
+#include "strategy/scan.hpp"
+#include "strategy/space_aligned_strategy.hpp"
+
+namespace textio::detection {
+namespace {
+
+constexpr std::size_t kAsciiCount = 128;
+constexpr std::u16string_view kNeverDelimiters = u"@-.\"$'+\r\n\x1A";
+
+bool is_word_char(char16_t unit) {
+  return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
+         (unit >= u'0' && unit <= u'9');
+}
+
+bool may_delimit(char16_t unit) {
+  return unit < kAsciiCount && !is_word_char(unit) && !contains(kNeverDelimiters, unit);
+}
+
+// The lines in the middle, where header and trailer do not reach; of a few lines, all but the
+// first.
+struct Range {
+  std::size_t first;
+  std::size_t last;
+};
+Range lines_to_scan(std::size_t n) {
+  if (n > 5) return {(n + 2) / 3, n * 5 / 6};
+  return {n == 1 ? std::size_t{0} : std::size_t{1}, n};
+}
+
+bool all_as_long_as_the_first(const std::vector<Field>& lines, std::size_t begin) {
+  return std::all_of(lines.begin() + static_cast<std::ptrdiff_t>(begin), lines.end(),
+                     [&](const Field& line) { return line.length == lines[0].length; });
+}
+
+double mean_deviation(const std::vector<std::size_t>& counts, std::size_t from) {
+  double sum = 0.0;
+  for (const std::size_t count : counts) {
+    sum += static_cast<double>(count > from ? count - from : from - count);
+  }
+  return sum / static_cast<double>(counts.size());
+}
+
+CandidateTrace trace_of(Strategy& strategy, CandidateFate fate) {
+  CandidateTrace trace;
+  trace.mode = strategy.mode();
+  if (const auto* delimited = dynamic_cast<const DelimitedStrategy*>(&strategy)) {
+    trace.delimiter = delimited->delimiter()->strings.front();
+  }
+  if (const auto* fixed = dynamic_cast<const FixedWidthStrategy*>(&strategy)) {
+    trace.widths = fixed->widths();
+  }
+  trace.valuation = strategy.valuation();
+  trace.header_lines = strategy.header_lines();
+  trace.fate = fate;
+  return trace;
+}
+
+class CandidateBuilder {
+ public:
+  CandidateBuilder(const CandidateInput& input, SelectionTrace* trace)
+      : input_(input), trace_(trace) {}
+
+  Candidates build(const std::u16string& chars) {
+    for (const char16_t c : chars) {
+      if (c == u' ') add_space_aligned();
+      add_if_accepted(std::make_shared<DelimitedStrategy>(input_.options, c));
+    }
+    return std::move(candidates_);
+  }
+
+ private:
+  void add_space_aligned() {
+    auto aligned = std::make_shared<SpaceAlignedStrategy>(input_.options);
+    if (!input_.options.detect_header_lines) aligned->header_lines(input_.header_lines);
+    const std::vector<Field> lines = aligned->populate_fields(input_.text, input_.num_lines);
+    aligned->valuation();
+    // Without a data line, or with nothing but blanks in them, there are no columns to find.
+    const bool has_data =
+        lines.size() > 1 && aligned->header_lines() < lines.size() && lines[0].length > 0;
+    if (has_data && all_as_long_as_the_first(lines, aligned->header_lines())) {
+      add_aligned_or_fixed(aligned, lines);
+    } else {
+      add_if_accepted(aligned);
+    }
+  }
+
+  // `lines` are those of `aligned`; its data lines have one length.
+  void add_aligned_or_fixed(const std::shared_ptr<SpaceAlignedStrategy>& aligned,
+                            const std::vector<Field>& lines) {
+    const StrategyValuation& score = aligned->valuation();
+    std::size_t begin = aligned->header_lines();
+    if (input_.options.detect_header_lines) {
+      while (begin > 0 && lines[begin - 1].length == lines[begin].length) --begin;
+    }
+    std::vector<unsigned long> widths;
+    if (score.data_variation != 0.0) {
+      widths = find_column_widths({lines.begin() + static_cast<std::ptrdiff_t>(begin), lines.end()},
+                                  lines[begin].length, score.data_variation, score.num_variables);
+    }
+    if (widths.empty()) {
+      add(aligned, CandidateFate::kept);
+      return;
+    }
+    record(*aligned, CandidateFate::made_fixed_width);
+    auto fixed = std::make_shared<FixedWidthStrategy>(input_.options, widths);
+    fixed->header_lines(begin);
+    fixed->populate_fields(input_.text, lines.size());
+    fixed->valuation();
+    add(fixed, CandidateFate::kept);
+  }
+
+  void add_if_accepted(const std::shared_ptr<Strategy>& strategy) {
+    strategy->populate_fields(input_.text, input_.num_lines);
+    const CandidateFate fate = judge(strategy->valuation());
+    if (fate == CandidateFate::kept) {
+      add(strategy, fate);
+    } else {
+      record(*strategy, fate);
+    }
+  }
+
+  CandidateFate judge(const StrategyValuation& score) const {
+    if (!(score.data_variation < 1.0)) return CandidateFate::irregular;
+    const bool caller_wants_it = !input_.options.detect_num_variables && score.num_lines > 1;
+    const bool several_columns = score.modal_field_count > 1;
+    return several_columns || caller_wants_it ? CandidateFate::kept : CandidateFate::single_column;
+  }
+
+  void add(const std::shared_ptr<Strategy>& strategy, CandidateFate fate) {
+    record(*strategy, fate);
+    candidates_.push_back(strategy);
+  }
+
+  void record(Strategy& strategy, CandidateFate fate) {
+    if (trace_) trace_->candidates.push_back(trace_of(strategy, fate));
+  }
+
+  const CandidateInput& input_;
+  SelectionTrace* trace_;
+  Candidates candidates_;
+};
+
+}  // namespace
+
+std::u16string find_candidate_chars(const std::vector<Field>& lines) {
+  const auto is_empty = [](const Field& line) { return line.length == 0; };
+  const auto n =
+      lines.size() - static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), is_empty));
+  const Range range = lines_to_scan(n);
+  std::u16string chars;
+  std::bitset<kAsciiCount> seen;
+  std::size_t index = 0;
+  for (const Field& line : lines) {
+    if (is_empty(line)) continue;
+    const std::size_t i = index++;
+    if (i < range.first || i >= range.last) continue;
+    for (const char16_t unit : view_of(line).substr(0, view_of(line).find(kEndMark))) {
+      if (!may_delimit(unit) || seen[unit]) continue;
+      seen[unit] = true;
+      chars.push_back(unit);
+    }
+  }
+  return chars;
+}
+
+Candidates build_candidates(const std::u16string& chars, const CandidateInput& input,
+                            SelectionTrace* trace) {
+  return CandidateBuilder(input, trace).build(chars);
+}
+
+std::vector<unsigned long> find_column_widths(const std::vector<Field>& data_lines,
+                                              std::size_t width, double variation,
+                                              std::size_t most_columns) {
+  // A place stays blank while every line so far has a space there; text behind such a place
+  // begins a column.
+  std::vector<char> blank(width, true);
+  std::vector<std::size_t> counts;
+  counts.reserve(data_lines.size());
+  for (const Field& line : data_lines) {
+    std::size_t columns = 1;
+    for (std::size_t j = 0; j < width; ++j) {
+      if (j >= line.length || line.data[j] != u' ') blank[j] = false;
+      if (j > 0 && blank[j - 1] && !blank[j]) ++columns;
+    }
+    counts.push_back(columns);
+  }
+  const double deviation = mean_deviation(counts, get_modified_median(counts, 0));
+  if (deviation > variation || counts.back() > most_columns) return {};
+
+  // The blanks in front of a text are part of its column, so a column ends where blanks begin.
+  std::vector<unsigned long> widths;
+  std::size_t begin = 0;
+  for (std::size_t j = 1; j < width; ++j) {
+    if (blank[j - 1] || !blank[j]) continue;
+    widths.push_back(j - begin);
+    begin = j;
+  }
+  widths.push_back(width - begin);
+  return widths;
+}
+
+}  // namespace textio::detection

@@ -1,0 +1,40 @@
+// The strategies that are worth comparing for a sample.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "detection/selection_trace.hpp"
+#include "options/parser_options.hpp"
+#include "strategy/strategy.hpp"
+
+namespace textio::detection {
+
+using Candidates = std::vector<std::shared_ptr<Strategy>>;
+
+// The characters of the middle lines that could separate fields, in order of first appearance.
+// `lines` are all sampled lines, empty ones included.
+std::u16string find_candidate_chars(const std::vector<Field>& lines);
+
+// What candidates are made from.
+struct CandidateInput {
+  const parser::options& options;
+  unsigned long header_lines;  // of the caller, when he settled them
+  Field text;
+  unsigned long num_lines;
+};
+
+// The candidates for `chars`, in their order; each has sampled the text and has been valued.
+// What was built, kept and refused is added to `trace`, if there is one.
+Candidates build_candidates(const std::u16string& chars, const CandidateInput& input,
+                            SelectionTrace* trace);
+
+// The column widths that fit lines with these texts: a column begins with the blanks that stand in
+// front of its text in all lines. Nothing when the lines have more columns in the end than
+// `most_columns`, or vary by more than `variation`.
+std::vector<unsigned long> find_column_widths(const std::vector<Field>& data_lines,
+                                              std::size_t width, double variation,
+                                              std::size_t most_columns);
+
+}  // namespace textio::detection

@@ -1,0 +1,28 @@
+#include "detection/fixed_stream.hpp"
+
+#include "host/delimiter_set.hpp"
+#include "strategy/scan.hpp"
+
+namespace textio {
+namespace {
+
+// The length of `text` up to and including the first unit of its last line ending.
+std::size_t length_to_last_line(const Field& text, const DelimiterSet& line_endings) {
+  for (std::size_t length = text.length; length > 0; --length) {
+    if (match_length(line_endings, text, length - 1) > 0) return length;
+  }
+  return 0;
+}
+
+}  // namespace
+
+Field get_fixed_stream(const TextStream& stream, const std::vector<std::u16string>& line_endings) {
+  if (stream.at(kSampleUnits) == TextStream::kEnd) {
+    const unsigned long length = stream.find_first_pos_of(TextStream::kEnd, 0);
+    return {stream.window_begin(), length};
+  }
+  const Field most(stream.window_begin(), kSampleUnits);
+  return {most.data, length_to_last_line(most, *get_or_create_delim(line_endings))};
+}
+
+}  // namespace textio

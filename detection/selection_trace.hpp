@@ -1,0 +1,65 @@
+// SelectionTrace: how a selection came to its answer.
+//
+//   detection::SelectionTrace trace;
+//   auto winner = selector.pick_strategy(text, 100, trace);
+//   for (const auto& candidate : trace.candidates) ...
+//
+// A plain record without views: it stays valid when the text, the options and the strategies are
+// gone. Tracing never changes the outcome.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include <vltextstream/host/export.hpp>
+#include <vltextstream/scoring/strategy_valuation.hpp>
+
+namespace textio::detection {
+
+// What became of a candidate when it was built.
+enum class CandidateFate {
+  kept,
+  irregular,        // refused: its data lines deviate by one field or more on average
+  single_column,    // refused: its lines have one field
+  made_fixed_width  // replaced by a fixed-width candidate
+};
+
+// How a selection ended.
+enum class SelectionEnd {
+  single_survivor,   // a filter left one candidate
+  only_candidate,    // there was one candidate from the start
+  no_candidate,      // no character of the sample separates fields: the line reader
+  empty_sample,      // no line was sampled: the line reader
+  whole_line_dates,  // each line as a whole is a date: the single-column fallback
+  unresolved_tie     // several candidates passed all filters: the single-column fallback
+};
+
+struct VLTEXTSTREAM_EXPORT CandidateTrace {
+  int mode = 0;
+  std::u16string delimiter;         // of a delimited candidate
+  std::vector<std::size_t> widths;  // of a fixed-width candidate, in code units
+  std::size_t header_lines = 0;
+  StrategyValuation valuation;
+  CandidateFate fate = CandidateFate::kept;
+};
+
+struct VLTEXTSTREAM_EXPORT FilterTrace {
+  std::string name;                    // of the filter, such as "reduce_by_dates"
+  std::vector<std::size_t> survivors;  // indexes into the kept candidates, ascending
+};
+
+struct VLTEXTSTREAM_EXPORT SelectionTrace {
+  // The characters for which candidates were built, in order.
+  std::u16string candidate_chars;
+
+  // All candidates that were built, in order, the refused ones included.
+  std::vector<CandidateTrace> candidates;
+
+  // The filters that ran, in order. Their survivors count the kept candidates only, from 0.
+  std::vector<FilterTrace> filters;
+
+  SelectionEnd end = SelectionEnd::no_candidate;
+};
+
+}  // namespace textio::detection

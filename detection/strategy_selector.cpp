@@ -1,0 +1,138 @@
+// The cascade of a selection: dates as a whole, no sample, no candidate, one candidate, and then
+// the filters one after the other until one candidate is left.
+#include "detection/strategy_selector.hpp"
+
+#include <functional>
+#include <numeric>
+
+#include "detection/candidates.hpp"
+#include "strategy/delimited_strategy.hpp"
+#include "strategy/line_reader_strategy.hpp"
+
+namespace textio::detection {
+namespace {
+
+// A strategy that brings the options record it was made from.
+struct SingleColumn {
+  explicit SingleColumn(const parser::options& given)
+      : options(with_one_column(given)), strategy(options) {}
+
+  static parser::options with_one_column(parser::options options) {
+    options.delimiters = {u","};
+    options.detect_delimiters = false;
+    options.detect_header_lines = false;
+    options.header_lines = 0;
+    options.num_variables = 1;
+    return options;
+  }
+
+  parser::options options;
+  DelimitedStrategy strategy;
+};
+
+bool reads_as_dates(const StrategyValuation& score) {
+  return static_cast<std::int32_t>(score.date_columns + score.datetime_columns) >= 1;
+}
+
+}  // namespace
+
+StrategySelector::StrategySelector(const parser::options& options)
+    : options_(&options),
+      delimiters_(options.delimiters),
+      header_lines_(options.header_lines),
+      detect_delimiters_(options.detect_delimiters),
+      detect_header_lines_(options.detect_header_lines) {}
+
+StrategySelector::~StrategySelector() = default;
+StrategySelector::StrategySelector(const StrategySelector&) = default;
+StrategySelector& StrategySelector::operator=(const StrategySelector&) = default;
+
+std::shared_ptr<Strategy> StrategySelector::pick_strategy(const Field& text,
+                                                          unsigned long num_lines) const {
+  return pick(text, num_lines, nullptr);
+}
+
+std::shared_ptr<Strategy> StrategySelector::pick_strategy(const Field& text,
+                                                          unsigned long num_lines,
+                                                          SelectionTrace& trace) const {
+  trace = SelectionTrace();
+  return pick(text, num_lines, &trace);
+}
+
+std::shared_ptr<Strategy> StrategySelector::pick(const Field& text, unsigned long num_lines,
+                                                 SelectionTrace* trace) const {
+  const auto ended = [trace](SelectionEnd end) {
+    if (trace) trace->end = end;
+  };
+
+  auto reader = std::make_shared<LineReaderStrategy>(*options_);
+  reader->header_lines(0);
+  const std::vector<Field> lines = reader->populate_fields(text, num_lines);
+  if (reads_as_dates(reader->valuation())) {
+    ended(SelectionEnd::whole_line_dates);
+    return single_column(text, num_lines);
+  }
+  if (lines.empty()) {
+    ended(SelectionEnd::empty_sample);
+    return reader;
+  }
+
+  const std::u16string chars = find_candidate_chars(lines);
+  if (trace) trace->candidate_chars = chars;
+  const Candidates candidates =
+      build_candidates(chars, {*options_, header_lines_, text, num_lines}, trace);
+  if (candidates.empty()) {
+    ended(SelectionEnd::no_candidate);
+    return reader;
+  }
+  if (candidates.size() == 1) {
+    ended(SelectionEnd::only_candidate);
+    return candidates.front();
+  }
+
+  Valuations valuations;
+  for (const auto& candidate : candidates) valuations.push_back(candidate->valuation());
+  Survivors survivors(candidates.size());
+  std::iota(survivors.begin(), survivors.end(), 0UL);
+
+  using Filter = Survivors (StrategySelector::*)(const Survivors&, const Valuations&) const;
+  const auto run = [&](Filter filter) {
+    return
+        [this, filter, &valuations](const Survivors& s) { return (this->*filter)(s, valuations); };
+  };
+  const struct {
+    const char* name;
+    bool applies;
+    std::function<Survivors(const Survivors&)> filter;
+  } cascade[] = {
+      {"reduce_by_numvariables", !options_->detect_num_variables,
+       run(&StrategySelector::reduce_by_numvariables)},
+      {"reduce_by_dates", true, run(&StrategySelector::reduce_by_dates)},
+      {"reduce_by_variation", true, run(&StrategySelector::reduce_by_variation)},
+      {"reduce_by_class_value", true, run(&StrategySelector::reduce_by_class_value)},
+      {"reduce_by_header_lines", true,
+       [&](const Survivors& s) { return reduce_by_header_lines(s, valuations, candidates); }},
+      {"reduce_by_non_empty", true, run(&StrategySelector::reduce_by_non_empty)},
+      {"reduce_by_priors_rank", true, run(&StrategySelector::reduce_by_priors_rank)},
+  };
+  for (const auto& step : cascade) {
+    if (!step.applies) continue;
+    survivors = step.filter(survivors);
+    if (trace) trace->filters.push_back({step.name, {survivors.begin(), survivors.end()}});
+    if (survivors.size() == 1) {
+      ended(SelectionEnd::single_survivor);
+      return candidates[survivors.front()];
+    }
+  }
+  ended(SelectionEnd::unresolved_tie);
+  return single_column(text, num_lines);
+}
+
+std::shared_ptr<Strategy> StrategySelector::single_column(const Field& text,
+                                                          unsigned long num_lines) const {
+  const auto holder = std::make_shared<SingleColumn>(*options_);
+  holder->strategy.populate_fields(text, num_lines);
+  return {holder, &holder->strategy};
+}
+
+}  // namespace textio::detection

@@ -1,0 +1,96 @@
+// StrategySelector: decides which strategy describes a text.
+//
+//   parser::options options;
+//   detection::StrategySelector selector(options);
+//   std::shared_ptr<Strategy> winner = selector.pick_strategy(sample, 100);
+//   winner->mode();                    // Strategy::kDelimited, ...
+//
+// Candidates are built from the characters of the sampled lines, valued, and narrowed down by the
+// reduce_by_* filters in the order in which they are declared.
+//
+// Units      line budgets and header lines count lines; see strategy/strategy.hpp.
+// Ownership  the options record must outlive the selector and every strategy it returns; the text
+//            must outlive every use of the returned strategy's lines and fields.
+// Errors     none of its own; std::bad_alloc passes.
+// Cost       each candidate samples the text once or twice and is valued once; filters are free.
+// Threads    one thread at a time; selectors that share an options record are independent.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <vltextstream/detection/selection_trace.hpp>
+#include <vltextstream/host/export.hpp>
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/scoring/strategy_valuation.hpp>
+#include <vltextstream/strategy/field.hpp>
+#include <vltextstream/strategy/strategy.hpp>
+
+namespace textio::detection {
+
+class VLTEXTSTREAM_EXPORT StrategySelector {
+ public:
+  // Indexes of candidates, ascending.
+  using Survivors = std::vector<unsigned long>;
+  using Valuations = std::vector<StrategyValuation>;
+
+  explicit StrategySelector(const parser::options& options);
+  ~StrategySelector();
+  StrategySelector(const StrategySelector&);
+  StrategySelector& operator=(const StrategySelector&);
+
+  // The strategy that fits the first `num_lines` data lines of `text` best, populated and valued;
+  // never null. Without a candidate that is the line reader. When each line is a date, or the
+  // filters leave several candidates, it is a comma-delimited strategy for a single column, which
+  // brings its own options and has not been valued.
+  std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines) const;
+
+  // The same, and tells how it came about; what `trace` held before is lost.
+  std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines,
+                                          SelectionTrace& trace) const;
+
+  // What the options held when the selector was made; a detection does not change it.
+  const std::vector<std::u16string>& delimiters() const { return delimiters_; }
+  unsigned long header_lines() const { return header_lines_; }
+
+  // The filters. Each returns those of `survivors`, in their order, whose valuation meets its
+  // criterion, or all of them when none does.
+
+  // The number of variables is the one that the options give.
+  Survivors reduce_by_numvariables(const Survivors& survivors, const Valuations& valuations) const;
+
+  // At least one column holds dates, with or without a time.
+  Survivors reduce_by_dates(const Survivors& survivors, const Valuations& valuations) const;
+
+  // The data lines deviate hardly more than those of the most regular survivor.
+  Survivors reduce_by_variation(const Survivors& survivors, const Valuations& valuations) const;
+
+  // The column classes are worth as much as the best survivor's.
+  Survivors reduce_by_class_value(const Survivors& survivors, const Valuations& valuations) const;
+
+  // Perfectly regular with the fewest header lines; for detected header lines only, and only when
+  // the first survivor is perfectly regular.
+  Survivors reduce_by_header_lines(const Survivors& survivors, const Valuations& valuations,
+                                   const std::vector<std::shared_ptr<Strategy>>& candidates) const;
+
+  // The share of columns that are not empty is as large as the best survivor's.
+  Survivors reduce_by_non_empty(const Survivors& survivors, const Valuations& valuations) const;
+
+  // The one survivor with the smallest prior rank, if that rank is in the priority list.
+  Survivors reduce_by_priors_rank(const Survivors& survivors, const Valuations& valuations) const;
+
+ private:
+  VLTEXTSTREAM_LOCAL std::shared_ptr<Strategy> pick(const Field& text, unsigned long num_lines,
+                                                    SelectionTrace* trace) const;
+  VLTEXTSTREAM_LOCAL std::shared_ptr<Strategy> single_column(const Field& text,
+                                                             unsigned long num_lines) const;
+
+  const parser::options* options_;
+  std::vector<std::u16string> delimiters_;
+  unsigned long header_lines_;
+  bool detect_delimiters_;
+  bool detect_header_lines_;
+};
+
+}  // namespace textio::detection

@@ -1,0 +1,18 @@
+// The datatype class of a column.
+#pragma once
+
+#include <cstdint>
+
+namespace textio {
+
+// The numbers are part of the interface; the gaps among them are intended.
+enum class DatatypeCode : std::uint16_t {
+  number = 1,    // a real or complex literal
+  text = 2,      // anything else that is not empty
+  datetime = 3,  // a date with a time of day
+  empty = 5,     // no field that is not empty
+  date = 7,      // a date alone
+  duration = 8,  // a clock value: groups of digits between colons
+};
+
+}  // namespace textio

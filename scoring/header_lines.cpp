@@ -1,0 +1,77 @@
+// Header lines stand at the top and deviate, data lines agree. The squared running mean of the
+// deviations, scaled by length, rises over the header and falls after it; where it bends most
+// sharply the header ends. Long runs without deviation are cut off first, and an answer that takes
+// most of the file for a header is not believed.
+#include "scoring/header_lines.hpp"
+
+#include <algorithm>
+
+namespace textio::detection {
+namespace {
+
+// Deviations summed up, those after the first at most `cap` each.
+std::vector<double> running_sums(const std::vector<std::size_t>& d, bool cap_deviations) {
+  std::vector<double> sums(d.size());
+  sums[0] = static_cast<double>(d[0]);
+  for (std::size_t i = 1; i < d.size(); ++i) {
+    const auto deviation = static_cast<double>(d[i]);
+    sums[i] = sums[i - 1] + (cap_deviations ? std::min(2.0, deviation) : deviation);
+  }
+  return sums;
+}
+
+std::vector<std::size_t> running_zeros(const std::vector<std::size_t>& d) {
+  std::vector<std::size_t> zeros(d.size());
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < d.size(); ++i) zeros[i] = count += d[i] == 0 ? 1 : 0;
+  return zeros;
+}
+
+// The squared running mean times the number of entries it is taken over.
+void to_scaled_square_means(std::vector<double>& sums) {
+  for (std::size_t i = 0; i < sums.size(); ++i) {
+    sums[i] = (sums[i] / static_cast<double>(i + 1)) * sums[i];
+  }
+}
+
+}  // namespace
+
+std::vector<double> three_point_filter(const std::vector<double>& x, double a, double b, double c) {
+  const std::size_t n = x.size();
+  if (n < 2) return x;
+  std::vector<double> smooth(n);
+  smooth[0] = (b + a) * x[0] + c * x[1];
+  for (std::size_t i = 1; i + 1 < n; ++i) smooth[i] = a * x[i - 1] + b * x[i] + c * x[i + 1];
+  smooth[n - 1] = (b + c) * x[n - 1] + c * x[n - 2];
+  return smooth;
+}
+
+std::size_t get_header_lines(const std::vector<std::size_t>& d, std::size_t first,
+                             bool cap_deviations) {
+  const std::size_t n = d.size();
+  if (n < 2) return first;
+  if (n == 2) return d[0] != d[1] ? 1 : 0;
+
+  // The first k entries are candidates; the last of all never is.
+  std::size_t k = n - 1;
+  while (k > first && d[k - 1] == 0) --k;
+  if (k <= first) return first;
+
+  // Not more than half of the candidates may agree with the modal count.
+  const std::vector<std::size_t> zeros = running_zeros(d);
+  while (k > first && zeros[k - 1] > k / 2) --k;
+  if (k <= first) return first;
+
+  std::vector<double> series = running_sums(d, cap_deviations);
+  to_scaled_square_means(series);
+  const std::vector<double> bend = three_point_filter(series, -1.0, 2.0, -1.0);
+  const auto sharpest =
+      std::max_element(bend.begin(), bend.begin() + static_cast<std::ptrdiff_t>(k));
+  k = std::max(static_cast<std::size_t>(sharpest - bend.begin()) + 1, first);
+
+  while (k > 0 && d[k - 1] == 0) --k;
+  if (k == 0) return 0;
+  return 3 * k > 2 * n ? first : k;
+}
+
+}  // namespace textio::detection

@@ -1,0 +1,125 @@
+// The valuation of a strategy: from the number of fields on each line follow the modal count, the
+// deviations from it, the header lines, the number of variables and, at last, the column classes.
+#include "scoring/strategy_valuation.hpp"
+
+#include <algorithm>
+#include <limits>
+
+#include "scoring/header_lines.hpp"
+#include "scoring/line_statistics.hpp"
+#include "strategy/strategy.hpp"
+
+namespace textio {
+namespace {
+
+constexpr auto kUnknown = std::numeric_limits<std::size_t>::max();
+
+// The number of fields of each of `num_lines` lines, from the running totals.
+std::vector<std::size_t> counts_per_line(const std::vector<std::size_t>& totals,
+                                         std::size_t num_lines) {
+  std::vector<std::size_t> counts(num_lines, 0);
+  std::size_t before = 0;
+  for (std::size_t i = 0; i < std::min(num_lines, totals.size()); ++i) {
+    counts[i] = totals[i] - before;
+    before = totals[i];
+  }
+  return counts;
+}
+
+std::vector<std::size_t> indexes_of_zeros(const std::vector<std::size_t>& counts) {
+  std::vector<std::size_t> indexes;
+  for (std::size_t i = 0; i < counts.size(); ++i) {
+    if (counts[i] == 0) indexes.push_back(i);
+  }
+  return indexes;
+}
+
+}  // namespace
+
+const StrategyValuation& Strategy::valuation() {
+  if (!valuation_done_) {
+    value_cut(get_fields_from_lines());
+    valuation_done_ = true;
+  }
+  return valuation_;
+}
+
+void Strategy::value_cut(const FieldArray& fields) {
+  const std::size_t n = lines_.size();
+  valuation_.num_lines = n;
+  const std::vector<std::size_t> counts = counts_per_line(fields.counts, n);
+
+  // The first line that may hold data: a header line has one field, a data line more.
+  std::size_t first = 0;
+  if (header_lines_auto_) {
+    const auto found =
+        std::find_if(counts.begin(), counts.end(), [](std::size_t count) { return count != 1; });
+    first = static_cast<std::size_t>(found - counts.begin());
+    if (first == n) {
+      header_lines_ = 0;
+      return;
+    }
+  } else if (n == 0) {
+    return;
+  }
+
+  valuation_.modal_field_count = static_cast<std::int32_t>(get_modified_median(counts, first));
+  if (valuation_.modal_field_count >= 2) {
+    settle_header_lines(counts, get_abs_diffs(counts), first);
+  } else if (header_lines_auto_) {
+    header_lines_ = first;
+  }
+  inspect_datatypes(fields);
+}
+
+void Strategy::settle_header_lines(const std::vector<std::size_t>& line_counts,
+                                   const std::vector<std::size_t>& diffs, std::size_t first) {
+  const std::vector<std::size_t> empty_lines = indexes_of_zeros(line_counts);
+  if (diffs.size() < 2) {
+    // Too little to judge by: given header lines are overridden as well.
+    header_lines_ = std::max(skip_to_data(0, empty_lines, line_counts), first);
+    return;
+  }
+  valuation_.total_variation = get_total_variation(diffs);
+  calculate_headerlines(diffs, first);
+  valuation_.data_variation = get_data_variation(diffs);
+  if (header_lines_auto_) {
+    if (valuation_.data_variation > 1.0 && first < header_lines_) {
+      header_lines_ = first;
+      valuation_.data_variation = get_data_variation(diffs);
+    }
+    header_lines_ = skip_to_data(header_lines_, empty_lines, line_counts);
+  }
+  valuation_.num_variables = get_number_of_variables(line_counts);
+}
+
+void Strategy::calculate_headerlines(const std::vector<std::size_t>& diffs, std::size_t first) {
+  if (header_lines_ != kUnknown) return;
+  header_lines_ = valuation_.total_variation == 0.0
+                      ? 0
+                      : detection::get_header_lines(diffs, first, space_separated_);
+}
+
+double Strategy::get_total_variation(const std::vector<std::size_t>& diffs) const {
+  return textio::get_total_variation(diffs);
+}
+
+double Strategy::get_data_variation(const std::vector<std::size_t>& diffs) const {
+  return textio::get_data_variation(diffs, header_lines_, valuation_.total_variation);
+}
+
+std::size_t Strategy::get_number_of_variables(const std::vector<std::size_t>& line_counts) const {
+  return textio::get_number_of_variables(line_counts, header_lines_);
+}
+
+std::vector<std::size_t> Strategy::get_abs_diffs(
+    const std::vector<std::size_t>& line_counts) const {
+  return textio::get_abs_diffs(line_counts, valuation_.modal_field_count);
+}
+
+std::size_t Strategy::get_modified_median(const std::vector<std::size_t>& line_counts,
+                                          std::size_t first) const {
+  return textio::get_modified_median(line_counts, first);
+}
+
+}  // namespace textio

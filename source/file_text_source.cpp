@@ -1,0 +1,140 @@
+// A fill asks for one byte per free unit, converts what came, folds surrogate pairs into single
+// units, and goes on with the room that is left. Whatever the converter has not finished stays in
+// the converter, so the chunk of bytes can live in the frame of the call.
+#include "source/file_text_source.hpp"
+
+#include <algorithm>
+#include <cstdio>
+#include <stdexcept>
+
+#include "host/code_converter.hpp"
+#include "host/file_layer.hpp"
+
+namespace textio {
+namespace {
+
+constexpr std::size_t kChunkBytes = 65'535;
+constexpr std::size_t kScratchUnits = 65'535;
+
+// Stands for every character outside the Basic Multilingual Plane.
+constexpr char16_t kFoldedPair = 0x001A;
+
+constexpr bool is_low_surrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+constexpr bool is_high_surrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+
+// Makes one unit of every surrogate pair in [begin, end); returns the new end.
+char16_t* fold_pairs(char16_t* begin, char16_t* end) {
+  char16_t* const folded_end = std::remove_if(begin, end, is_low_surrogate);
+  std::replace_if(begin, folded_end, is_high_surrogate, kFoldedPair);
+  return folded_end;
+}
+
+struct CloseFile {
+  void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------
+// FileStreamBufferManager
+
+std::size_t FileStreamBufferManager::resize(std::size_t n, char16_t*& begin, char16_t*& end) {
+  if (n > units_.capacity()) {
+    std::u16string grown;
+    grown.reserve(n);
+    grown = units_;
+    units_.swap(grown);
+  }
+  const bool grows = n > units_.size();
+  units_.resize(n);
+  if (grows && units_.capacity() > n) units_.shrink_to_fit();
+  begin = units_.data();
+  end = begin + n;
+  return n;
+}
+
+char16_t* FileStreamBufferManager::begin() { return units_.data(); }
+
+char16_t* FileStreamBufferManager::end() { return units_.data() + units_.size(); }
+
+FileStreamBufferManager::~FileStreamBufferManager() = default;
+
+// ---------------------------------------------------------------------------------------------
+// FileTextSource
+
+struct FileTextSource::FileState {
+  FileState(const std::u16string& path, const std::string& encoding)
+      : file(open_file(path, "rb")), converter(encoding, true) {}
+
+  // Looks at the next byte; the position of the file does not change.
+  bool at_end() const {
+    const int byte = std::fgetc(file.get());
+    if (byte == EOF) return true;
+    std::ungetc(byte, file.get());
+    return false;
+  }
+
+  std::size_t decode(char16_t* begin, char16_t* end);
+
+  std::unique_ptr<std::FILE, CloseFile> file;
+  StreamCodeConverter converter;
+};
+
+// Fills [begin, end) as far as the text reaches; returns the number of units written. At the end
+// of the file the converter is asked once more, without bytes: it may hold an unfinished
+// character that the last read, filling its room exactly, did not show to be the last.
+std::size_t FileTextSource::FileState::decode(char16_t* begin, char16_t* end) {
+  char chunk[kChunkBytes];
+  char16_t* cursor = begin;
+  while (cursor != end) {
+    const std::size_t ask = std::min(static_cast<std::size_t>(end - cursor), kChunkBytes);
+    const std::size_t got = at_end() ? 0 : std::fread(chunk, 1, ask, file.get());
+    char16_t* const first = cursor;
+    const char* in = chunk;
+    if (converter.convert(cursor, end, in, chunk + got, got < ask)) converter.reset(false);
+    cursor = fold_pairs(first, cursor);
+    if (got == 0 && cursor == first) break;
+  }
+  return static_cast<std::size_t>(cursor - begin);
+}
+
+FileTextSource::FileTextSource() = default;
+
+FileTextSource::~FileTextSource() = default;
+
+void FileTextSource::init_stream(const std::u16string& path, const std::string& encoding) {
+  auto opened = std::make_unique<FileState>(path, encoding);
+  if (!opened->file) throw std::runtime_error("File not found");
+  file_state = std::move(opened);
+}
+
+std::size_t FileTextSource::fillBuffer(char16_t* begin, char16_t* end) {
+  return file_state ? file_state->decode(begin, end) : 0;
+}
+
+bool FileTextSource::isEoS() const { return !file_state || file_state->at_end(); }
+
+BufferManager* FileTextSource::getBufferManager() { return &buffer_manager_; }
+
+source_pos FileTextSource::getPos() const {
+  return file_state ? ::ftello64(file_state->file.get()) : 0;
+}
+
+// An input that cannot seek, such as a pipe, has no position (it reports -1): it is read on from
+// where it stands, which is where its reader wants to go on.
+unsigned long FileTextSource::skipFromPos(source_pos pos, unsigned long count) {
+  if (!file_state) return 0;
+  file_state->converter.reset(pos == 0);
+  if (pos >= 0 && ::fseeko64(file_state->file.get(), pos, SEEK_SET) != 0) return 0;
+  char16_t scratch[kScratchUnits];
+  unsigned long skipped = 0;
+  while (skipped < count) {
+    const std::size_t ask = std::min<std::size_t>(count - skipped, kScratchUnits);
+    const std::size_t passed = file_state->decode(scratch, scratch + ask);
+    if (passed == 0) break;
+    skipped += passed;
+  }
+  return skipped;
+}
+
+}  // namespace textio

@@ -1,0 +1,64 @@
+// MemoryTextSource: a text that lies in memory already, lent to its reader without a copy.
+//
+//   std::u16string text = u"a,b\n1,2\n";
+//   MemoryTextSource source(text.data(), text.size());
+//   TextStream stream(&source);        // reads `text` in place
+//
+// The text is handed out as it stands: whoever needs one unit per character folds surrogate pairs
+// before.
+//
+// Units      everything counts UTF-16 code units.
+// Ownership  borrows the text, which must outlive the source and is never written to.
+// Cost       no operation copies or allocates.
+#pragma once
+
+#include <cstddef>
+
+#include <vltextstream/source/text_source.hpp>
+
+namespace textio {
+
+class VLTEXTSTREAM_EXPORT MemoryTextSource : public TextSource {
+ public:
+  MemoryTextSource(const char16_t* text, std::size_t length);
+
+  // Succeeds only when `begin` is the next unit to hand out, and then hands out all of [begin,
+  // end); otherwise hands out nothing. `end` lies within the lent text.
+  std::size_t fillBuffer(char16_t* begin, char16_t* end) override;
+
+  // Always true: what is lent is all there is.
+  bool isEoS() const override;
+
+  BufferManager* getBufferManager() override;
+
+  // The number of units handed out by the last fill, or where the last skip ended.
+  source_pos getPos() const override;
+
+  // Lends the text from pos + count on, or from its end when it is shorter.
+  unsigned long skipFromPos(source_pos pos, unsigned long count) override;
+
+  ~MemoryTextSource() override;
+
+ private:
+  // Lends the rest of the source's text, whatever size is asked for.
+  class VLTEXTSTREAM_LOCAL LendingBufferManager : public BufferManager {
+   public:
+    explicit LendingBufferManager(MemoryTextSource* source) : source_(source) {}
+    std::size_t resize(std::size_t n, char16_t*& begin, char16_t*& end) override;
+    char16_t* begin() override;
+    char16_t* end() override;
+    ~LendingBufferManager() override;
+
+   private:
+    MemoryTextSource* source_;
+  };
+
+  char16_t* next_;
+  char16_t* lent_end_;
+  char16_t* text_;
+  std::size_t position_ = 0;
+  std::size_t length_;
+  LendingBufferManager buffer_manager_;
+};
+
+}  // namespace textio

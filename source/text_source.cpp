@@ -1,0 +1,8 @@
+#include "source/text_source.hpp"
+
+namespace textio {
+
+BufferManager::~BufferManager() = default;
+TextSource::~TextSource() = default;
+
+}  // namespace textio

@@ -1,0 +1,215 @@
+#include "standalone/detect_layout.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <set>
+
+#include <fmt/format.h>
+
+#include "detection/fixed_stream.hpp"
+#include "detection/strategy_selector.hpp"
+#include "host/file_layer.hpp"
+#include "scoring/datatype_recognizers.hpp"
+#include "source/file_text_source.hpp"
+#include "source/memory_text_source.hpp"
+#include "source/text_stream.hpp"
+#include "standalone/encoding.hpp"
+#include "standalone/utf_text.hpp"
+#include "strategy/delimited_strategy.hpp"
+#include "strategy/fixed_width_strategy.hpp"
+
+namespace textio::standalone {
+namespace {
+
+using detection::SelectionEnd;
+
+// ---------------------------------------------------------------------------------------------
+// Names of the variables
+
+std::vector<Field> cut(Strategy& strategy, const Field& line) {
+  std::vector<Field> fields;
+  strategy.cut_line(line, fields);
+  for (Field& field : fields) {
+    const auto rest = static_cast<std::size_t>(line.data + line.length - field.data);
+    field.length = std::min(field.length, rest);
+  }
+  return fields;
+}
+
+// The fields of sampled line `index`. A fixed-width strategy remembers the column that it stopped
+// at, so the line is cut by a new one.
+std::vector<Field> fields_of_line(Strategy& strategy, const parser::options& options,
+                                  std::size_t index) {
+  const Field& line = strategy.lines()[index];
+  if (const auto* fixed = dynamic_cast<const FixedWidthStrategy*>(&strategy)) {
+    FixedWidthStrategy from_first_column(options, fixed->widths());
+    return cut(from_first_column, line);
+  }
+  return cut(strategy, line);
+}
+
+bool is_typed(DatatypeCode code) {
+  return code != DatatypeCode::text && code != DatatypeCode::empty;
+}
+
+// Reads the names of the variables out of one line of a detected table.
+class NamesReader {
+ public:
+  NamesReader(Strategy& strategy, const parser::options& options, Layout& layout)
+      : strategy_(strategy), options_(options), layout_(layout) {}
+
+  void read() {
+    const std::size_t header_lines = layout_.header_lines;
+    const std::size_t lines = strategy_.lines().size();
+    if (header_lines > 0 && header_lines <= lines && names_every_variable(header_lines - 1)) {
+      take(header_lines);
+    } else if (header_lines < lines && names_every_variable(header_lines) &&
+               differs_from_columns()) {
+      take(header_lines + 1);
+    }
+  }
+
+ private:
+  bool names_every_variable(std::size_t index) {
+    fields_ = fields_of_line(strategy_, options_, index);
+    names_.clear();
+    for (const Field& field : fields_) names_.push_back(value_text(field, options_.whitespace));
+    return names_.size() == layout_.num_variables &&
+           std::none_of(names_.begin(), names_.end(),
+                        [](const auto& name) { return name.empty(); });
+  }
+
+  bool differs_from_columns() const {
+    const std::set<std::u16string> different(names_.begin(), names_.end());
+    const bool all_text = std::none_of(fields_.begin(), fields_.end(), [&](const Field& field) {
+      return is_typed(classify_field(field, options_.whitespace));
+    });
+    return different.size() == names_.size() && all_text &&
+           std::any_of(layout_.classes.begin(), layout_.classes.end(), is_typed);
+  }
+
+  void take(std::size_t line) {
+    layout_.names_line = line;
+    layout_.names = std::move(names_);
+  }
+
+  Strategy& strategy_;
+  const parser::options& options_;
+  Layout& layout_;
+  std::vector<Field> fields_;
+  std::vector<std::u16string> names_;
+};
+
+// ---------------------------------------------------------------------------------------------
+// The layout of a sample
+
+std::optional<std::u16string> first_line_ending(const Field& sample,
+                                                const std::vector<std::u16string>& endings) {
+  const std::u16string_view text(sample.data, sample.length);
+  std::size_t nearest = text.npos;
+  std::optional<std::u16string> found;
+  for (const std::u16string& ending : endings) {
+    if (ending.empty()) continue;
+    const std::size_t at = text.substr(0, nearest).find(ending);
+    if (at >= nearest) continue;
+    nearest = at;
+    found = ending;
+  }
+  return found;
+}
+
+void describe_separators(const Strategy& strategy, Layout& layout) {
+  if (const auto* delimited = dynamic_cast<const DelimitedStrategy*>(&strategy)) {
+    layout.delimiters = delimited->delimiter()->strings;
+  } else if (const auto* fixed = dynamic_cast<const FixedWidthStrategy*>(&strategy)) {
+    layout.widths = fixed->widths();
+  } else if (layout.mode == LayoutMode::space_aligned) {
+    layout.delimiters = {u" ", u"\t"};
+  }
+}
+
+// The strategy for a single column comes without valuation and so without classes.
+void describe_columns(Strategy& strategy, Layout& layout) {
+  const bool valued = strategy.num_variables() >= 0;
+  layout.num_variables = valued ? static_cast<std::size_t>(strategy.num_variables()) : 1;
+  layout.classes = valued ? strategy.column_classes()
+                          : strategy.classify_columns(strategy.get_fields_from_lines());
+  layout.classes.resize(layout.num_variables, DatatypeCode::empty);
+}
+
+Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
+  detection::SelectionTrace trace;
+  const auto strategy = detection::StrategySelector(settings.options)
+                            .pick_strategy(sample, settings.num_lines, trace);
+  Layout layout;
+  layout.mode = static_cast<LayoutMode>(strategy->mode());
+  layout.header_lines = strategy->header_lines();
+  describe_separators(*strategy, layout);
+  describe_columns(*strategy, layout);
+  NamesReader(*strategy, settings.options, layout).read();
+  layout.line_ending = first_line_ending(sample, settings.options.line_endings);
+  layout.lines_sampled = strategy->lines().size();
+  layout.characters_sampled = sample.length;
+  layout.end = trace.end;
+  if (trace.end == SelectionEnd::single_survivor) layout.decided_by = trace.filters.back().name;
+  if (settings.trace) layout.trace = std::move(trace);
+  return layout;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Files
+
+// The library says no more than that a file was not found; opening it once more tells the reason.
+void throw_if_not_readable(const std::string& path, const std::u16string& wide_path) {
+  errno = 0;
+  if (std::FILE* const file = open_file(wide_path, "rb")) {
+    std::fclose(file);
+    return;
+  }
+  throw FileError(fmt::format("cannot open '{}': {}", path, std::strerror(errno)));
+}
+
+void open_source(FileTextSource& source, const std::string& path, const std::string& encoding) {
+  const std::u16string wide_path = from_utf8(path);
+  try {
+    source.init_stream(wide_path, encoding);
+  } catch (const std::runtime_error&) {
+    throw_if_not_readable(path, wide_path);
+    throw;
+  }
+}
+
+bool is_low_surrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+bool is_high_surrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+
+}  // namespace
+
+FileError::~FileError() = default;
+
+Layout detect_layout(const std::string& path, const DetectSettings& settings) {
+  const FoundEncoding encoding = settings.encoding
+                                     ? FoundEncoding{*settings.encoding, EncodingFound::given}
+                                     : find_encoding(from_utf8(path));
+  FileTextSource source;
+  open_source(source, path, encoding.name);
+  const TextStream stream(&source);
+  Layout layout =
+      layout_of_sample(get_fixed_stream(stream, settings.options.line_endings), settings);
+  layout.encoding = encoding.name;
+  layout.encoding_found = encoding.found;
+  return layout;
+}
+
+Layout detect_layout(std::u16string_view text, const DetectSettings& settings) {
+  // One unit per character, as a file's text has it.
+  std::u16string folded(text);
+  folded.erase(std::remove_if(folded.begin(), folded.end(), is_low_surrogate), folded.end());
+  std::replace_if(folded.begin(), folded.end(), is_high_surrogate, u'\x1A');
+  MemoryTextSource source(folded.data(), folded.size());
+  const TextStream stream(&source);
+  return layout_of_sample(get_fixed_stream(stream, settings.options.line_endings), settings);
+}
+
+}  // namespace textio::standalone

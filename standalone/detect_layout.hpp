@@ -1,0 +1,114 @@
+// detect_layout: a whole detection in one call, with plain values for an answer.
+//
+//   textio::standalone::Layout layout = textio::standalone::detect_layout("measurements.csv");
+//   layout.delimiters;                 // {u","}
+//   layout.num_variables;              // 4
+//
+// Units      lines count from 1 over the sampled lines: a quoted field with line endings inside is
+//            one line, a comment is none. Widths count characters.
+// Ownership  a layout holds no view of the text; it is a value to copy and keep.
+// Errors     FileError when the file cannot be read, std::invalid_argument for an encoding that is
+//            not known; std::bad_alloc.
+// Cost       reads no more than the first 4,194,304 characters, each byte of them once; a prefix of
+//            at most 64 KB is read once more when the encoding is to be found.
+// Threads    detections may run side by side, also with one and the same settings.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <vltextstream/detection/selection_trace.hpp>
+#include <vltextstream/host/export.hpp>
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/scoring/datatype_code.hpp>
+
+namespace textio::standalone {
+
+// How fields are separated; the numbers are those of Strategy::mode().
+enum class LayoutMode { delimited = 0, space_aligned = 1, fixed_width = 2, line_reader = 3 };
+
+// Where the name of the encoding came from.
+enum class EncodingFound {
+  given,            // the settings name it
+  byte_order_mark,  // the file starts with the mark
+  valid_utf8,       // the beginning of the file is well-formed UTF-8
+  fallback          // none of these: taken for windows-1252
+};
+
+struct VLTEXTSTREAM_EXPORT DetectSettings {
+  // Data lines to sample.
+  unsigned long num_lines = 100;
+
+  // Name of the encoding, as ICU knows it; not engaged means "find it".
+  std::optional<std::string> encoding;
+
+  // The choices of the caller. `options.encoding` is not read: see `encoding`.
+  parser::options options;
+
+  // Fill in Layout::trace.
+  bool trace = false;
+};
+
+struct VLTEXTSTREAM_EXPORT Layout {
+  LayoutMode mode = LayoutMode::line_reader;
+
+  // Delimited: the delimiters. Space-aligned: space and tab. Otherwise none.
+  std::vector<std::u16string> delimiters;
+
+  // Fixed-width: the column widths in characters. Otherwise none.
+  std::vector<std::size_t> widths;
+
+  // Lines before the data.
+  std::size_t header_lines = 0;
+
+  // The line that holds the names of the variables, if one does, and these names, trimmed and
+  // without quotes. It is the last header line when that has a text for every variable; otherwise
+  // the first line after the header when its fields are different texts above columns that are
+  // not all text.
+  std::optional<std::size_t> names_line;
+  std::vector<std::u16string> names;
+
+  // Columns, and the datatype class of each.
+  std::size_t num_variables = 1;
+  std::vector<DatatypeCode> classes;
+
+  std::string encoding;
+  EncodingFound encoding_found = EncodingFound::given;
+
+  // The first line ending in the sample, if there is one.
+  std::optional<std::u16string> line_ending;
+
+  // The lines the answer rests on, header and empty lines included, and the characters that were
+  // at hand.
+  std::size_t lines_sampled = 0;
+  std::size_t characters_sampled = 0;
+
+  // How the selection ended, and the filter that left a single candidate, if one did.
+  detection::SelectionEnd end = detection::SelectionEnd::no_candidate;
+  std::string decided_by;
+
+  // On request: everything that was weighed.
+  std::optional<detection::SelectionTrace> trace;
+};
+
+// A file that cannot be read; what() names the file and the reason of the operating system.
+class VLTEXTSTREAM_EXPORT FileError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+  ~FileError() override;
+};
+
+// The layout of the file at `path`, a path in the file system's own bytes.
+VLTEXTSTREAM_EXPORT Layout detect_layout(const std::string& path,
+                                         const DetectSettings& settings = {});
+
+// The layout of `text`. Characters outside the Basic Multilingual Plane may be surrogate pairs;
+// `encoding` of the settings is not used.
+VLTEXTSTREAM_EXPORT Layout detect_layout(std::u16string_view text,
+                                         const DetectSettings& settings = {});
+
+}  // namespace textio::standalone

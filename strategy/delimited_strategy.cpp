@@ -1,0 +1,63 @@
+#include "strategy/delimited_strategy.hpp"
+
+#include "strategy/scan.hpp"
+
+namespace textio {
+namespace {
+
+// The one-character delimiters that are plausible before any text is seen, best first.
+constexpr std::u16string_view kPriority = u",\t; ";
+
+// A character that is not in the list ranks as its search says: at 2^64, far behind, yet measured.
+double priors_rank_of(char16_t delimiter) { return static_cast<double>(kPriority.find(delimiter)); }
+
+}  // namespace
+
+DelimitedStrategy::DelimitedStrategy(const parser::options& options,
+                                     const std::vector<std::u16string>& delimiters)
+    : Strategy(options),
+      tokenizer_(delimiters, options.line_endings),
+      line_endings_(get_or_create_delim(options.line_endings)) {
+  std::u16string whitespace = options.whitespace;
+  for (const std::u16string& delimiter : delimiters) {
+    if (delimiter.size() == 1) remove_in_place(whitespace, delimiter[0]);
+  }
+  reset_whitespace(whitespace);
+  if (delimiters.size() == 1 && delimiters[0].size() == 1) {
+    valuation_.priors_rank = priors_rank_of(delimiters[0][0]);
+    space_separated_ = delimiters[0][0] == u' ';
+  }
+}
+
+DelimitedStrategy::DelimitedStrategy(const parser::options& options)
+    : DelimitedStrategy(options, options.delimiters) {}
+
+DelimitedStrategy::DelimitedStrategy(const parser::options& options, char16_t delimiter)
+    : DelimitedStrategy(options, {std::u16string(1, delimiter)}) {}
+
+DelimitedStrategy::~DelimitedStrategy() = default;
+
+int DelimitedStrategy::mode() const { return kDelimited; }
+
+// A line is made of whole fields, so that a line ending inside quotes does not end it. A field
+// that consumed nothing stopped at a line ending or at the end of the text: the loop gets on with
+// every field.
+FieldExtent DelimitedStrategy::get_line_extent(const Field& text, unsigned long start) const {
+  std::size_t pos = start;
+  while (!ends_at(text, pos)) {
+    const FieldExtent field = tokenizer_.tokenize(text, pos);
+    const std::size_t end = pos + field.field.length;
+    pos = field.next;
+    if (pos != end) continue;
+    if (const std::size_t ending = match_length(*line_endings_, text, end)) {
+      return {slice(text, start, end), end + ending};
+    }
+  }
+  return {slice(text, start, pos), pos};
+}
+
+FieldExtent DelimitedStrategy::get_next_field(const Field& line, unsigned long start) {
+  return tokenizer_.tokenize(line, start);
+}
+
+}  // namespace textio

@@ -1,0 +1,43 @@
+// DelimitedStrategy: fields are separated by one of a list of delimiters, and may be quoted.
+//
+//   DelimitedStrategy strategy(options, u';');
+//
+// Every delimiter closes a field: two in a row enclose an empty one, and white space beside a
+// delimiter belongs to the field. A quoted field may hold delimiters and line endings, so one
+// sampled line may be several lines of the file.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <vltextstream/host/delimiter_set.hpp>
+#include <vltextstream/strategy/field_tokenizer.hpp>
+#include <vltextstream/strategy/strategy.hpp>
+
+namespace textio {
+
+class VLTEXTSTREAM_EXPORT DelimitedStrategy : public Strategy {
+ public:
+  // Of two delimiters that match, the earlier in the list wins.
+  DelimitedStrategy(const parser::options& options, const std::vector<std::u16string>& delimiters);
+
+  // Separated by the delimiters of the options.
+  explicit DelimitedStrategy(const parser::options& options);
+
+  DelimitedStrategy(const parser::options& options, char16_t delimiter);
+  ~DelimitedStrategy() override;
+
+  int mode() const override;
+  FieldExtent get_line_extent(const Field& text, unsigned long start) const override;
+  FieldExtent get_next_field(const Field& line, unsigned long start) override;
+
+  // The delimiters; owned by the strategy, never null.
+  const DelimiterSet* delimiter() const { return tokenizer_.delimiters_.get(); }
+
+ private:
+  FieldTokenizer tokenizer_;
+  std::shared_ptr<const DelimiterSet> line_endings_;
+};
+
+}  // namespace textio

@@ -1,0 +1,35 @@
+// FieldTokenizer: the scan that finds the end of a field which may be quoted.
+//
+// Fields are separated by the delimiters. A field that starts with the quote character runs at
+// least to the closing quote, whatever stands in between, and keeps its quotes; a doubled quote
+// does not close it.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <vltextstream/host/delimiter_set.hpp>
+#include <vltextstream/host/export.hpp>
+#include <vltextstream/strategy/field.hpp>
+
+namespace textio {
+
+struct VLTEXTSTREAM_EXPORT FieldTokenizer {
+  FieldTokenizer(const std::vector<std::u16string>& delimiters,
+                 const std::vector<std::u16string>& line_endings);
+
+  // The field of `text` that starts at `pos`. `next` lies after the delimiter if one ended the
+  // field; at a line ending, a U+FFFF or the end of the text it is where the field ends.
+  FieldExtent tokenize(const Field& text, std::size_t pos) const;
+
+  char16_t quote_ = u'"';
+  std::shared_ptr<const DelimiterSet> delimiters_;
+  std::shared_ptr<const DelimiterSet> line_endings_;
+
+  // The units at which a scan must look closer, ascending.
+  std::u16string stop_chars_;
+};
+
+}  // namespace textio

@@ -1,0 +1,41 @@
+// FixedWidthStrategy: every field occupies a fixed number of characters.
+//
+//   FixedWidthStrategy strategy(options, {8, 10, 12});
+//
+// A field reports the full width of its column even where the line is shorter. The column index
+// runs on from line to line: a line with one field more shifts the widths of all lines after it.
+//
+// Errors  the constructor throws std::invalid_argument when the list of widths is empty or sums
+//         to 0: no scan would ever get on.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include <vltextstream/host/delimiter_set.hpp>
+#include <vltextstream/strategy/strategy.hpp>
+
+namespace textio {
+
+class VLTEXTSTREAM_EXPORT FixedWidthStrategy : public Strategy {
+ public:
+  // `widths` in code units, in column order.
+  FixedWidthStrategy(const parser::options& options, const std::vector<unsigned long>& widths);
+  ~FixedWidthStrategy() override;
+
+  int mode() const override;
+  FieldExtent get_line_extent(const Field& text, unsigned long start) const override;
+  FieldExtent get_next_field(const Field& line, unsigned long start) override;
+
+  // The column widths in code units; lives as long as the strategy.
+  const std::vector<std::size_t>& widths() const { return widths_; }
+
+ private:
+  std::shared_ptr<const DelimiterSet> line_endings_;
+  std::vector<std::size_t> widths_;
+  std::size_t total_width_;
+  std::size_t next_column_ = 0;
+};
+
+}  // namespace textio

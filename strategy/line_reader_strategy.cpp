@@ -1,0 +1,35 @@
+#include "strategy/line_reader_strategy.hpp"
+
+#include "strategy/scan.hpp"
+
+namespace textio {
+
+LineReaderStrategy::LineReaderStrategy(const parser::options& options)
+    : Strategy(options),
+      line_endings_(get_or_create_delim(options.line_endings)),
+      delimiters_(get_or_create_delim({})),
+      stop_chars_(make_stop_chars(options.line_endings, {})) {}
+
+LineReaderStrategy::~LineReaderStrategy() = default;
+
+int LineReaderStrategy::mode() const { return kLineReader; }
+
+FieldExtent LineReaderStrategy::get_line_extent(const Field& text, unsigned long start) const {
+  if (ends_at(text, start)) return {slice(text, start, start), start};
+  std::size_t i = start;
+  do {
+    i = find_first_of(text, i, stop_chars_);
+    if (ends_at(text, i) || match_length(*delimiters_, text, i) > 0) break;
+    if (const std::size_t ending = match_length(*line_endings_, text, i)) {
+      return {slice(text, start, i), i + ending};
+    }
+    ++i;
+  } while (!ends_at(text, i));
+  return {slice(text, start, i), i};
+}
+
+FieldExtent LineReaderStrategy::get_next_field(const Field& line, unsigned long start) {
+  return get_line_extent(line, start);
+}
+
+}  // namespace textio

@@ -1,0 +1,57 @@
+// The few questions that every scan over a text asks.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/delimiter_set.hpp"
+#include "strategy/field.hpp"
+
+namespace textio {
+
+// Marks the end of the valid text; also what a scan sees past the end.
+inline constexpr char16_t kEndMark = 0xFFFF;
+
+inline std::u16string_view view_of(const Field& text) { return {text.data, text.length}; }
+
+// The units from `begin` up to `end`; both may lie past the end of the text and then mean its end.
+inline Field slice(const Field& text, std::size_t begin, std::size_t end) {
+  const std::size_t from = std::min(begin, text.length);
+  return {text.data + from, std::max(from, std::min(end, text.length)) - from};
+}
+
+// Whether no text is left at `i`.
+inline bool ends_at(const Field& text, std::size_t i) {
+  return i >= text.length || text.data[i] == kEndMark;
+}
+
+inline bool contains(std::u16string_view set, char16_t unit) { return set.find(unit) != set.npos; }
+
+// The first position from `i` on whose unit is in `set`, the text's length when there is none.
+inline std::size_t find_first_of(const Field& text, std::size_t i, std::u16string_view set) {
+  while (i < text.length && !contains(set, text.data[i])) ++i;
+  return i;
+}
+
+// The first position from `i` on whose unit is not in `set`, the text's length when there is none.
+inline std::size_t find_first_not_of(const Field& text, std::size_t i, std::u16string_view set) {
+  while (i < text.length && contains(set, text.data[i])) ++i;
+  return i;
+}
+
+// Length of the first marker of `set` that stands at `i`, 0 when none does. An empty marker ends
+// the search.
+std::size_t match_length(const DelimiterSet& set, const Field& text, std::size_t i);
+
+// The distinct first characters of all markers of both lists, ascending.
+std::u16string make_stop_chars(const std::vector<std::u16string>& a,
+                               const std::vector<std::u16string>& b);
+
+// Takes every `unit` out of `chars` by moving the later characters forward without shortening the
+// text: the last places keep the characters that stood there. So a unit in the last place stays.
+void remove_in_place(std::u16string& chars, char16_t unit);
+
+}  // namespace textio

@@ -1,0 +1,56 @@
+#include "strategy/space_aligned_strategy.hpp"
+
+#include "strategy/scan.hpp"
+
+namespace textio {
+namespace {
+
+constexpr std::u16string_view kBlankChars = u" \t";
+
+const std::vector<std::u16string>& blank_delimiters() {
+  static const std::vector<std::u16string> list = {u" ", u"\t"};
+  return list;
+}
+
+}  // namespace
+
+SpaceAlignedStrategy::SpaceAlignedStrategy(const parser::options& options)
+    : Strategy(options),
+      tokenizer_(blank_delimiters(), options.line_endings),
+      line_endings_(get_or_create_delim(options.line_endings)) {
+  std::u16string whitespace = options.whitespace;
+  remove_in_place(whitespace, u'\t');
+  remove_in_place(whitespace, u' ');
+  reset_whitespace(whitespace);
+  space_separated_ = true;
+  valuation_.priors_rank = 3.5;  // behind every delimiter of the priority list, before all others
+}
+
+SpaceAlignedStrategy::~SpaceAlignedStrategy() = default;
+
+int SpaceAlignedStrategy::mode() const { return kSpaceAligned; }
+
+// As for delimited text, with the blanks after a field as one separator. A field that nothing
+// follows, no blank and no line ending, stopped at the end of the text.
+FieldExtent SpaceAlignedStrategy::get_line_extent(const Field& text, unsigned long start) const {
+  const std::size_t line_start = find_first_not_of(text, start, kBlankChars);
+  std::size_t pos = line_start;
+  while (!ends_at(text, pos)) {
+    const FieldExtent field = tokenizer_.tokenize(text, pos);
+    const std::size_t end = pos + field.field.length;
+    pos = find_first_not_of(text, field.next, kBlankChars);
+    if (pos != end) continue;
+    if (const std::size_t ending = match_length(*line_endings_, text, end)) {
+      return {slice(text, line_start, end), end + ending};
+    }
+  }
+  return {slice(text, line_start, pos), pos};
+}
+
+FieldExtent SpaceAlignedStrategy::get_next_field(const Field& line, unsigned long start) {
+  FieldExtent extent = tokenizer_.tokenize(line, start);
+  extent.next = find_first_not_of(line, extent.next, kBlankChars);
+  return extent;
+}
+
+}  // namespace textio

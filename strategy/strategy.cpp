@@ -1,0 +1,120 @@
+// Making a strategy, and the sampling and cutting that all strategies share. The scores are
+// computed in scoring/strategy_valuation.cpp.
+#include "strategy/strategy.hpp"
+
+#include <algorithm>
+#include <limits>
+
+#include "strategy/line_cleaning.hpp"
+#include "strategy/scan.hpp"
+
+namespace textio {
+namespace {
+
+constexpr auto kUnknown = std::numeric_limits<std::size_t>::max();
+
+std::size_t saturating_add(std::size_t a, std::size_t b) {
+  return a > kUnknown - b ? kUnknown : a + b;
+}
+
+// Whether a line whose cleaned text is `text` is a comment. Only the start marker counts: what a
+// block comment encloses is dropped line by line, where a line begins with the marker itself.
+bool is_comment(const Field& text, const std::vector<std::u16string>& comment_style) {
+  return !comment_style.empty() && !comment_style[0].empty() &&
+         view_of(text).substr(0, comment_style[0].size()) == comment_style[0];
+}
+
+// Whether `field`, a field of `line`, ends where the line ends. A field may report more units than
+// the line has.
+bool ends_with(const Field& line, const Field& field) {
+  const auto offset = static_cast<std::size_t>(field.data - line.data);
+  return offset <= line.length && field.length == line.length - offset;
+}
+
+}  // namespace
+
+Strategy::Strategy(const parser::options& options)
+    : options_(&options),
+      header_lines_(options.header_lines),
+      header_lines_auto_(options.detect_header_lines) {
+  quoted_format_.quote = u'"';
+  number_format_.exp_chars = options.exp_chars;
+  number_format_.exp_chars_default = options.exp_chars == u"eEdD";
+  reset_whitespace(options.whitespace);
+}
+
+Strategy::~Strategy() = default;
+
+void Strategy::reset_fields() {}
+
+void Strategy::reset_whitespace(const std::u16string& whitespace) {
+  text_format_.whitespace = whitespace;
+  quoted_format_.whitespace = whitespace;
+  number_format_.whitespace = whitespace;
+}
+
+void Strategy::header_lines(unsigned long n) {
+  header_lines_ = n;
+  header_lines_auto_ = n == kUnknown;
+}
+
+long Strategy::num_variables() const {
+  return valuation_done_ ? static_cast<long>(valuation_.num_variables) : -1;
+}
+
+std::vector<Field> Strategy::populate_fields(const Field& text, unsigned long num_lines) {
+  text_ = text;
+  lines_.clear();
+  const std::size_t target =
+      header_lines_auto_ ? num_lines : saturating_add(num_lines, header_lines_);
+  lines_.reserve(std::min(target, saturating_add(text.length, 1)));
+
+  // Every line extent ends behind its start while there is text: it holds a unit, or a line
+  // ending, or both. So the loop ends.
+  std::size_t pos = 0;
+  std::size_t count = 0;
+  while (!ends_at(text, pos) && count < target) {
+    const FieldExtent line = get_line_extent(text, pos);
+    pos = line.next;
+    Field cleaned = clean_line(line.field, text_format_);
+    if (cleaned.length == 0)
+      cleaned = Field(text_format_.empty_text.data(), text_format_.empty_text.size());
+    if (cleaned.length == 0) {
+      lines_.push_back(empty_field());
+    } else if (!is_comment(cleaned, options_->comment_style)) {
+      lines_.push_back(line.field);
+      ++count;
+    }
+  }
+  return lines_;
+}
+
+// Every field moves `pos` on: it holds a unit, or a delimiter, or both. (Only columns of width 0 do
+// not, and not all columns have width 0.)
+void Strategy::cut_line(const Field& line, std::vector<Field>& fields) {
+  std::size_t pos = 0;
+  const auto take = [&] {
+    const FieldExtent extent = get_next_field(line, pos);
+    fields.push_back(extent.field);
+    pos = extent.next;
+  };
+  while (!ends_at(line, pos)) {
+    take();
+    // A line that ends with a delimiter has one more, empty, field behind it; the same step gives
+    // a line that is too short for its fixed widths one field more.
+    if (ends_at(line, pos) && !ends_with(line, fields.back())) take();
+  }
+}
+
+FieldArray Strategy::get_fields_from_lines() {
+  FieldArray result;
+  result.counts.reserve(lines_.size());
+  for (const Field& line : lines_) {
+    cut_line(line, result.fields);
+    reset_fields();
+    result.counts.push_back(result.fields.size());
+  }
+  return result;
+}
+
+}  // namespace textio

@@ -1,0 +1,40 @@
+#include "support/example_cases.hpp"
+
+#include <fstream>
+
+#include "standalone/utf_text.hpp"
+
+namespace textio::testing_support {
+
+std::string ExampleCase::path() const { return std::string(EXAMPLES_DIR "/") + file; }
+
+std::ostream& operator<<(std::ostream& out, const ExampleCase& example) {
+  return out << example.file;
+}
+
+std::vector<ExampleCase> example_cases() {
+  std::ifstream file(EXAMPLES_DIR "/expected.json");
+  std::vector<ExampleCase> cases;
+  for (const auto& entry : nlohmann::json::parse(file)) {
+    ExampleCase example;
+    example.file = entry.at("file");
+    example.expect = entry.at("expect");
+    const auto options = entry.value("options", nlohmann::json::object());
+    if (options.contains("encoding")) {
+      example.settings.encoding = options["encoding"].get<std::string>();
+      example.arguments.insert(example.arguments.end(), {"--encoding", options["encoding"]});
+    }
+    if (options.contains("lines")) {
+      example.settings.num_lines = options["lines"];
+      example.arguments.insert(example.arguments.end(), {"--lines", options["lines"].dump()});
+    }
+    for (const std::string marker : options.value("comment_style", nlohmann::json::array())) {
+      example.settings.options.comment_style.push_back(standalone::from_utf8(marker));
+      example.arguments.insert(example.arguments.end(), {"--comment-style", marker});
+    }
+    cases.push_back(example);
+  }
+  return cases;
+}
+
+}  // namespace textio::testing_support

@@ -1,0 +1,27 @@
+// The cases of examples/expected.json.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "standalone/detect_layout.hpp"
+
+namespace textio::testing_support {
+
+struct ExampleCase {
+  std::string file;  // name in the folder of the examples
+  standalone::DetectSettings settings;
+  std::vector<std::string> arguments;  // the same for the tool
+  nlohmann::json expect;               // members that the layout must have
+
+  std::string path() const;
+};
+std::ostream& operator<<(std::ostream& out, const ExampleCase& example);
+
+// All cases, in the order of the file; throws when it cannot be read.
+std::vector<ExampleCase> example_cases();
+
+}  // namespace textio::testing_support

@@ -1,0 +1,108 @@
+// Every example is laid out as its case says, through the library and through the tool.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "standalone/detect_layout.hpp"
+#include "standalone/utf_text.hpp"
+#include "support/command.hpp"
+#include "support/example_cases.hpp"
+#include "tool/json_report.hpp"
+
+namespace textio {
+namespace {
+
+using standalone::detect_layout;
+using standalone::DetectSettings;
+using testing_support::CommandResult;
+using testing_support::example_cases;
+using testing_support::ExampleCase;
+using testing_support::run_command;
+
+void expect_members(const nlohmann::json& actual, const nlohmann::json& expected) {
+  ASSERT_FALSE(expected.empty());
+  for (const auto& [name, value] : expected.items()) {
+    ASSERT_TRUE(actual.contains(name)) << name;
+    EXPECT_EQ(actual[name], value) << name;
+  }
+}
+
+nlohmann::json as_json(const std::string& file, const standalone::Layout& layout) {
+  return nlohmann::json::parse(tool::json_report(file, layout).dump());
+}
+
+std::string name_of_case(const testing::TestParamInfo<ExampleCase>& info) {
+  std::string name = info.param.file;
+  std::replace_if(
+      name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
+  return name;
+}
+
+class Examples : public testing::TestWithParam<ExampleCase> {};
+
+TEST_P(Examples, AreLaidOutAsTheirCaseSays) {
+  const ExampleCase& example = GetParam();
+  expect_members(as_json(example.file, detect_layout(example.path(), example.settings)),
+                 example.expect);
+}
+
+TEST_P(Examples, AreReportedByTheToolAsTheirCaseSays) {
+  const ExampleCase& example = GetParam();
+  std::vector<std::string> arguments = {"--json", example.path()};
+  arguments.insert(arguments.end(), example.arguments.begin(), example.arguments.end());
+  const CommandResult result = run_command(VLTEXT_PROGRAM, arguments);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  const auto document = nlohmann::json::parse(result.out);
+  EXPECT_EQ(document["schema"], tool::kJsonSchema);
+  ASSERT_EQ(document["files"].size(), 1U);
+  expect_members(document["files"][0], example.expect);
+}
+
+TEST_P(Examples, GiveTheSameLayoutWithAndWithoutTrace) {
+  const ExampleCase& example = GetParam();
+  DetectSettings traced = example.settings;
+  traced.trace = true;
+  auto with_trace = detect_layout(example.path(), traced);
+  ASSERT_TRUE(with_trace.trace.has_value());
+  with_trace.trace.reset();
+  EXPECT_EQ(as_json("", with_trace), as_json("", detect_layout(example.path(), example.settings)));
+}
+
+// Of the examples in UTF-8 the bytes are text that can be handed over as it is.
+TEST_P(Examples, GiveTheSameLayoutAsFileAndAsText) {
+  const ExampleCase& example = GetParam();
+  if (example.expect["encoding_found"] != "valid UTF-8") return;
+  std::ifstream file(example.path(), std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  auto from_file = as_json("", detect_layout(example.path(), example.settings));
+  auto from_text = as_json(
+      "", detect_layout(std::u16string_view(standalone::from_utf8(bytes)), example.settings));
+  for (const char* name : {"encoding", "encoding_found"}) {
+    from_file.erase(name);
+    from_text.erase(name);
+  }
+  EXPECT_EQ(from_text, from_file);
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Examples, testing::ValuesIn(example_cases()), name_of_case);
+
+TEST(ExamplesFolder, HasACaseForEveryFile) {
+  std::set<std::string> files;
+  for (const auto& entry : std::filesystem::directory_iterator(EXAMPLES_DIR)) {
+    files.insert(entry.path().filename());
+  }
+  files.erase("README.md");
+  files.erase("expected.json");
+  std::set<std::string> cases;
+  for (const ExampleCase& example : example_cases()) cases.insert(example.file);
+  EXPECT_EQ(files, cases);
+  EXPECT_GE(cases.size(), 16U);
+}
+
+}  // namespace
+}  // namespace textio

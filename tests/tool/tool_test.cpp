@@ -1,0 +1,227 @@
+// The tool as a user meets it: what it prints, what it refuses, how it ends.
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/command.hpp"
+#include "support/rule_name.hpp"
+
+namespace textio {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+using testing_support::ByRule;
+using testing_support::CommandResult;
+using testing_support::run_command;
+
+const std::string kComma = EXAMPLES_DIR "/comma.csv";
+
+CommandResult vltext(const std::vector<std::string>& arguments) {
+  return run_command(VLTEXT_PROGRAM, arguments);
+}
+
+// A folder of the test's own, gone at its end.
+class Tool : public testing::Test {
+ protected:
+  Tool() {
+    std::string name = (std::filesystem::temp_directory_path() / "vltext-XXXXXX").string();
+    folder_ = mkdtemp(name.data());
+  }
+  ~Tool() override { std::filesystem::remove_all(folder_); }
+
+  std::string file_with(const std::string& name, const std::string& bytes) const {
+    const std::filesystem::path path = folder_ / name;
+    std::ofstream(path, std::ios::binary) << bytes;
+    return path.string();
+  }
+
+  std::filesystem::path folder_;
+};
+
+TEST_F(Tool, PrintsTheLayoutInWords) {
+  const CommandResult result = vltext({file_with("t.csv", "x,y\n1,a\n2,b\n")});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.out, (folder_ / "t.csv").string() +
+                            "\n"
+                            "  layout          delimited by comma\n"
+                            "  header lines    0\n"
+                            "  names           in line 1\n"
+                            "  variables       2\n"
+                            "               1  number    x\n"
+                            "               2  text      y\n"
+                            "  encoding        UTF-8 (valid UTF-8)\n"
+                            "  line ending     \"\\n\"\n"
+                            "  sampled         3 lines of 12 characters\n"
+                            "  decided by      only-candidate\n");
+}
+
+TEST_F(Tool, ExplainsWithCandidatesAndFilters) {
+  const CommandResult result = vltext({"--explain", file_with("t.csv", "a b,c\n1 2,3\n4 5,6\n")});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, HasSubstr("#0  space-aligned"));
+  EXPECT_THAT(result.out, HasSubstr("#1  delimited by space"));
+  EXPECT_THAT(result.out, HasSubstr("#2  delimited by comma"));
+  EXPECT_THAT(result.out, HasSubstr("reduce_by_dates"));
+}
+
+TEST_F(Tool, PutsTheTraceIntoTheJson) {
+  const CommandResult result =
+      vltext({"--explain", "--json", file_with("t.csv", "x,y\n1,a\n2,b\n")});
+  const auto document = nlohmann::json::parse(result.out);
+  EXPECT_EQ(document["schema"], 1);
+  const auto& trace = document["files"][0]["trace"];
+  EXPECT_EQ(trace["candidate_chars"], ",");
+  ASSERT_EQ(trace["candidates"].size(), 1U);
+  EXPECT_EQ(trace["candidates"][0]["valuation"]["num_variables"], 2);
+  EXPECT_EQ(trace["candidates"][0]["fate"], "kept");
+  EXPECT_TRUE(trace["filters"].empty());
+}
+
+TEST_F(Tool, SamplesAsManyDataLinesAsAsked) {
+  const CommandResult result =
+      vltext({"--json", "--lines", "2", file_with("t.csv", "1,2\n3,4\n5,6\n7,8\n")});
+  EXPECT_EQ(nlohmann::json::parse(result.out)["files"][0]["lines_sampled"], 2);
+}
+
+TEST_F(Tool, GoesOnAfterAFileThatFails) {
+  const CommandResult result = vltext({"--json", kComma, (folder_ / "none").string(), kComma});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(nlohmann::json::parse(result.out)["files"].size(), 2U);
+  EXPECT_THAT(result.err, HasSubstr("No such file or directory"));
+}
+
+struct RefusalCase {
+  const char* rule;
+  std::vector<std::string> arguments;
+  std::string message;  // part of what stands on standard error
+};
+std::ostream& operator<<(std::ostream& out, const RefusalCase& row) { return out << row.rule; }
+
+const RefusalCase kRefusals[] = {
+    {"NoFile", {}, "FILE is required"},
+    {"MissingFile", {"no/such/file.csv"}, "no/such/file.csv': No such file or directory"},
+    {"Folder", {EXAMPLES_DIR}, "Is a directory"},
+    {"FileAsFolder", {kComma + "/x"}, "Not a directory"},
+    {"EmptyPath", {""}, "No such file or directory"},
+    {"VeryLongName", {std::string(5000, 'x')}, "File name too long"},
+    {"UnknownEncoding", {"--encoding", "klingon", kComma}, "unknown encoding 'klingon'"},
+    {"EmptyEncoding", {"--encoding", "", kComma}, "unknown encoding ''"},
+    {"NegativeLines", {"--lines", "-1", kComma}, "--lines"},
+    {"LinesThatAreNoNumber", {"--lines", "many", kComma}, "--lines"},
+    {"TooManyLines", {"--lines", "18446744073709551616", kComma}, "--lines"},
+    {"UnknownOption", {"--frobnicate", kComma}, "--frobnicate"},
+    {"ThreeCommentMarkers",
+     {"--comment-style", "a", "--comment-style", "b", "--comment-style", "c", kComma},
+     "--comment-style: expected at most two markers, got 3"},
+};
+
+class ToolRefusal : public testing::TestWithParam<RefusalCase> {};
+TEST_P(ToolRefusal, SaysWhatAndWhyAndPrintsNothing) {
+  const CommandResult result = vltext(GetParam().arguments);
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(result.err, HasSubstr(GetParam().message));
+}
+INSTANTIATE_TEST_SUITE_P(Table, ToolRefusal, testing::ValuesIn(kRefusals), ByRule());
+
+// The superuser reads everything, so the program is started as somebody else then.
+TEST_F(Tool, SaysWhenAFileIsNotReadable) {
+  const std::string path = file_with("secret.csv", "1,2\n");
+  ASSERT_EQ(chmod(path.c_str(), 0), 0);
+  ASSERT_EQ(chmod(folder_.c_str(), 0755), 0);
+  const uid_t self = geteuid();
+  CommandResult result;
+  if (self == 0) {
+    result = run_command("/usr/bin/setpriv", {"--reuid=65534", "--clear-groups", "--inh-caps=-all",
+                                              VLTEXT_PROGRAM, path});
+  } else {
+    result = vltext({path});
+  }
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(result.err, HasSubstr("cannot open '" + path + "': Permission denied"));
+}
+
+TEST_F(Tool, ReadsAPathThatIsNotUtf8) {
+  const CommandResult result = vltext({file_with("caf\xE9.csv", "1;2\n3;4\n")});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, HasSubstr("delimited by semicolon"));
+}
+
+TEST_F(Tool, ReadsAPipe) {
+  const std::string path = (folder_ / "pipe").string();
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  const CommandResult result = run_command(
+      "/bin/sh", {"-c", "printf '1;2\\n3;4\\n' > \"$1\" & \"$0\" \"$1\"", VLTEXT_PROGRAM, path});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, HasSubstr("delimited by semicolon"));
+}
+
+TEST_F(Tool, FailsWhenItsOutputCannotBeWritten) {
+  const CommandResult result =
+      run_command("/bin/sh", {"-c", "\"$0\" \"$1\" > /dev/full", VLTEXT_PROGRAM, kComma});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.err, HasSubstr("No space left on device"));
+}
+
+TEST_F(Tool, TellsItsVersionAndItsOptions) {
+  EXPECT_THAT(vltext({"--version"}).out, StartsWith("vltext "));
+  const CommandResult help = vltext({"--help"});
+  EXPECT_EQ(help.status, 0);
+  for (const char* option : {"--json", "--explain", "--lines", "--encoding", "--comment-style"}) {
+    EXPECT_THAT(help.out, HasSubstr(option));
+  }
+}
+
+// Inputs that hold no table at all: an answer, no crash.
+struct OddInput {
+  const char* rule;
+  std::string bytes;
+  std::string mode;
+};
+std::ostream& operator<<(std::ostream& out, const OddInput& row) { return out << row.rule; }
+
+const OddInput kOddInputs[] = {
+    {"Nothing", "", "line-reader"},
+    {"OneByte", "a", "line-reader"},
+    {"OneNul", std::string(1, '\0'), "line-reader"},
+    {"OnlyNuls", std::string(1000, '\0'), "line-reader"},
+    {"OnlyAMark", "\xEF\xBB\xBF", "line-reader"},
+    {"OnlyAWideMark", "\xFF\xFE", "line-reader"},
+    {"OnlyLineEnds", std::string(1000, '\n'), "line-reader"},
+    {"OneLineWithoutEnd", "one two three", "line-reader"},
+    {"EveryByte",
+     [] {
+       std::string bytes;
+       for (int i = 0; i < 65'536; ++i) bytes.push_back(static_cast<char>(i * 7 + i / 256));
+       return bytes;
+     }(),
+     ""},
+};
+
+class ToolOddInput : public Tool, public testing::WithParamInterface<OddInput> {};
+TEST_P(ToolOddInput, GetsAnAnswer) {
+  const CommandResult result = vltext({"--json", file_with("odd", GetParam().bytes)});
+  EXPECT_EQ(result.status, 0);
+  const auto layout = nlohmann::json::parse(result.out)["files"][0];
+  EXPECT_EQ(layout["classes"].size(), layout["num_variables"].get<std::size_t>());
+  if (!GetParam().mode.empty()) {
+    EXPECT_EQ(layout["mode"], GetParam().mode);
+  }
+}
+INSTANTIATE_TEST_SUITE_P(Table, ToolOddInput, testing::ValuesIn(kOddInputs), ByRule());
+
+}  // namespace
+}  // namespace textio

@@ -1,0 +1,215 @@
+#include "tool/report.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+#include <fmt/format.h>
+
+#include <vltextstream/standalone/utf_text.hpp>
+
+namespace textio::tool {
+namespace {
+
+using detection::CandidateFate;
+using detection::CandidateTrace;
+using detection::SelectionEnd;
+using standalone::EncodingFound;
+using standalone::Layout;
+using standalone::LayoutMode;
+using standalone::to_utf8;
+
+using Out = std::back_insert_iterator<std::string>;
+
+// A marker with control characters spelled out, and the usual ones by name.
+std::string shown(std::u16string_view marker) {
+  if (marker == u",") return "comma";
+  if (marker == u"\t") return "tab";
+  if (marker == u";") return "semicolon";
+  if (marker == u" ") return "space";
+  if (marker == u"|") return "bar";
+  if (marker == u":") return "colon";
+  std::string out = "\"";
+  for (const char16_t unit : marker) {
+    if (unit == u'\n') {
+      out += "\\n";
+    } else if (unit == u'\r') {
+      out += "\\r";
+    } else if (unit < 0x20 || unit == 0x7F) {
+      fmt::format_to(Out(out), "\\x{:02X}", static_cast<unsigned>(unit));
+    } else {
+      out += to_utf8(std::u16string_view(&unit, 1));
+    }
+  }
+  return out + "\"";
+}
+
+// Text from the file on one line of the terminal. U+001A stands for a character that was folded.
+std::string on_one_line(std::u16string_view text) {
+  std::u16string clean(text);
+  std::replace(clean.begin(), clean.end(), u'\x1A', u'\xFFFD');
+  std::replace_if(
+      clean.begin(), clean.end(), [](char16_t unit) { return unit < 0x20; }, u' ');
+  return to_utf8(clean);
+}
+
+std::string joined(const std::vector<std::size_t>& numbers) {
+  return fmt::format("{}", fmt::join(numbers, ", "));
+}
+
+std::string separators(const Layout& layout) {
+  if (layout.mode == LayoutMode::fixed_width) return ", widths " + joined(layout.widths);
+  if (layout.mode != LayoutMode::delimited) return "";
+  std::vector<std::string> names;
+  for (const std::u16string& delimiter : layout.delimiters) names.push_back(shown(delimiter));
+  return fmt::format(" by {}", fmt::join(names, ", "));
+}
+
+std::string ending(const std::optional<std::u16string>& line_ending) {
+  return line_ending ? shown(*line_ending) : "none";
+}
+
+std::string number(double value) { return std::isinf(value) ? "-" : fmt::format("{:.4g}", value); }
+
+void add_columns(std::string& out, const Layout& layout) {
+  for (std::size_t i = 0; i < layout.classes.size(); ++i) {
+    const std::string name = i < layout.names.size() ? on_one_line(layout.names[i]) : "";
+    fmt::format_to(Out(out), "  {:>14}  {:<10}{}", i + 1, name_of(layout.classes[i]), name);
+    out.erase(out.find_last_not_of(' ') + 1);
+    out.push_back('\n');
+  }
+}
+
+std::string candidate_name(const CandidateTrace& candidate) {
+  const auto mode = static_cast<LayoutMode>(candidate.mode);
+  if (mode == LayoutMode::delimited) return "delimited by " + shown(candidate.delimiter);
+  return std::string(name_of(mode));
+}
+
+void add_trace(std::string& out, const detection::SelectionTrace& trace) {
+  fmt::format_to(Out(out), "  candidates      {} characters seen\n", trace.candidate_chars.size());
+  std::size_t index = 0;
+  for (const CandidateTrace& candidate : trace.candidates) {
+    const bool kept = candidate.fate == CandidateFate::kept;
+    const StrategyValuation& v = candidate.valuation;
+    fmt::format_to(Out(out), "  {:>14}  {}\n", kept ? fmt::format("#{}", index++) : "refused",
+                   candidate_name(candidate));
+    if (!candidate.widths.empty()) {
+      fmt::format_to(Out(out), "  {:14}    widths {}\n", "", joined(candidate.widths));
+    }
+    fmt::format_to(Out(out),
+                   "  {:14}    {} lines, {} of them header; {} fields usual, {} variables\n", "",
+                   v.num_lines, candidate.header_lines, v.modal_field_count, v.num_variables);
+    fmt::format_to(Out(out), "  {:14}    variation {} in all, {} in the data; prior rank {}\n", "",
+                   number(v.total_variation), number(v.data_variation), number(v.priors_rank));
+    fmt::format_to(Out(out), "  {:14}    columns: {} typed, {} number, {} date, {} datetime\n", "",
+                   v.typed_columns, v.numeric_columns, v.date_columns, v.datetime_columns);
+    if (!kept) fmt::format_to(Out(out), "  {:14}    {}\n", "", name_of(candidate.fate));
+  }
+  for (const detection::FilterTrace& filter : trace.filters) {
+    std::vector<std::string> left;
+    for (const std::size_t survivor : filter.survivors)
+      left.push_back(fmt::format("#{}", survivor));
+    fmt::format_to(Out(out), "  {:<22}  left {}\n", filter.name, fmt::join(left, " "));
+  }
+}
+
+}  // namespace
+
+std::string_view name_of(LayoutMode mode) {
+  switch (mode) {
+    case LayoutMode::delimited:
+      return "delimited";
+    case LayoutMode::space_aligned:
+      return "space-aligned";
+    case LayoutMode::fixed_width:
+      return "fixed-width";
+    case LayoutMode::line_reader:
+      return "line-reader";
+  }
+  return "";
+}
+
+std::string_view name_of(EncodingFound found) {
+  switch (found) {
+    case EncodingFound::given:
+      return "given";
+    case EncodingFound::byte_order_mark:
+      return "byte-order mark";
+    case EncodingFound::valid_utf8:
+      return "valid UTF-8";
+    case EncodingFound::fallback:
+      return "fallback";
+  }
+  return "";
+}
+
+std::string_view name_of(DatatypeCode code) {
+  switch (code) {
+    case DatatypeCode::number:
+      return "number";
+    case DatatypeCode::text:
+      return "text";
+    case DatatypeCode::datetime:
+      return "datetime";
+    case DatatypeCode::empty:
+      return "empty";
+    case DatatypeCode::date:
+      return "date";
+    case DatatypeCode::duration:
+      return "duration";
+  }
+  return "";
+}
+
+std::string_view name_of(CandidateFate fate) {
+  switch (fate) {
+    case CandidateFate::kept:
+      return "kept";
+    case CandidateFate::irregular:
+      return "irregular";
+    case CandidateFate::single_column:
+      return "single-column";
+    case CandidateFate::made_fixed_width:
+      return "made-fixed-width";
+  }
+  return "";
+}
+
+std::string_view name_of_end(const Layout& layout) {
+  switch (layout.end) {
+    case SelectionEnd::single_survivor:
+      return layout.decided_by;
+    case SelectionEnd::only_candidate:
+      return "only-candidate";
+    case SelectionEnd::no_candidate:
+      return "no-candidate";
+    case SelectionEnd::empty_sample:
+      return "empty-sample";
+    case SelectionEnd::whole_line_dates:
+      return "whole-line-dates";
+    case SelectionEnd::unresolved_tie:
+      return "unresolved-tie";
+  }
+  return "";
+}
+
+std::string report(const std::string& file, const Layout& layout) {
+  std::string out = file + "\n";
+  fmt::format_to(Out(out), "  layout          {}{}\n", name_of(layout.mode), separators(layout));
+  fmt::format_to(Out(out), "  header lines    {}\n", layout.header_lines);
+  fmt::format_to(Out(out), "  names           {}\n",
+                 layout.names_line ? fmt::format("in line {}", *layout.names_line) : "none");
+  fmt::format_to(Out(out), "  variables       {}\n", layout.num_variables);
+  add_columns(out, layout);
+  fmt::format_to(Out(out), "  encoding        {} ({})\n", layout.encoding,
+                 name_of(layout.encoding_found));
+  fmt::format_to(Out(out), "  line ending     {}\n", ending(layout.line_ending));
+  fmt::format_to(Out(out), "  sampled         {} lines of {} characters\n", layout.lines_sampled,
+                 layout.characters_sampled);
+  fmt::format_to(Out(out), "  decided by      {}\n", name_of_end(layout));
+  if (layout.trace) add_trace(out, *layout.trace);
+  return out;
+}
+
+}  // namespace textio::tool

@@ -1,0 +1,23 @@
+// What the tool prints about a layout for people to read.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <vltextstream/standalone/detect_layout.hpp>
+
+namespace textio::tool {
+
+// The words for the values of a layout; the same for people and in JSON.
+std::string_view name_of(standalone::LayoutMode mode);
+std::string_view name_of(standalone::EncodingFound found);
+std::string_view name_of(DatatypeCode code);
+std::string_view name_of(detection::CandidateFate fate);
+
+// How the selection ended: the filter that decided it, or "only-candidate", "empty-sample", ...
+std::string_view name_of_end(const standalone::Layout& layout);
+
+// The layout of one file, in lines; with the candidates and filters if the layout has a trace.
+std::string report(const std::string& file, const standalone::Layout& layout);
+
+}  // namespace textio::tool

@@ -1,0 +1,16 @@
+// The version stamp of the library that is loaded.
+#pragma once
+
+#include <vltextstream/host/export.hpp>
+
+extern "C" {
+
+// Where the library lies below the installation's root, such as "lib/libvltextstream.so".
+VLTEXTSTREAM_EXPORT extern const char* const libvltextstream_relative_path;
+
+// Day of the build, UTC, "2026-11-20"; that of SOURCE_DATE_EPOCH when the build has it set.
+VLTEXTSTREAM_EXPORT extern const char* const libvltextstream_build_date;
+
+// Three numbers, "1.0.0".
+VLTEXTSTREAM_EXPORT extern const char* const libvltextstream_version;
+}

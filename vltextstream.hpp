@@ -1,0 +1,34 @@
+// libvltextstream: works out how the table in a text file is laid out. Includes all of it.
+#pragma once
+
+#include <vltextstream/detection/fixed_stream.hpp>
+#include <vltextstream/detection/selection_trace.hpp>
+#include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/host/array.hpp>
+#include <vltextstream/host/code_converter.hpp>
+#include <vltextstream/host/datetime.hpp>
+#include <vltextstream/host/delimiter_set.hpp>
+#include <vltextstream/host/error_channel.hpp>
+#include <vltextstream/host/export.hpp>
+#include <vltextstream/host/file_layer.hpp>
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/scoring/datatype_code.hpp>
+#include <vltextstream/scoring/datatype_inspection.hpp>
+#include <vltextstream/scoring/datatype_recognizers.hpp>
+#include <vltextstream/scoring/header_lines.hpp>
+#include <vltextstream/scoring/line_statistics.hpp>
+#include <vltextstream/scoring/strategy_valuation.hpp>
+#include <vltextstream/source/file_text_source.hpp>
+#include <vltextstream/source/memory_text_source.hpp>
+#include <vltextstream/source/text_source.hpp>
+#include <vltextstream/source/text_stream.hpp>
+#include <vltextstream/standalone/detect_layout.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/field.hpp>
+#include <vltextstream/strategy/field_array.hpp>
+#include <vltextstream/strategy/field_tokenizer.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
+#include <vltextstream/strategy/strategy.hpp>
+#include <vltextstream/version.hpp>
