@@ -23,6 +23,7 @@
 #include <vltextstream/source/text_source.hpp>
 #include <vltextstream/source/text_stream.hpp>
 #include <vltextstream/standalone/detect_layout.hpp>
+#include <vltextstream/standalone/utf_text.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>
 #include <vltextstream/strategy/field.hpp>
 #include <vltextstream/strategy/field_array.hpp>

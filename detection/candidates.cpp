@@ -132,11 +132,13 @@ class CandidateBuilder {
     }
   }
 
+  // A reading with one column is kept when the caller has settled the number of variables.
   CandidateFate judge(const StrategyValuation& score) const {
-    if (!(score.data_variation < 1.0)) return CandidateFate::irregular;
-    const bool caller_wants_it = !input_.options.detect_num_variables && score.num_lines > 1;
     const bool several_columns = score.modal_field_count > 1;
-    return several_columns || caller_wants_it ? CandidateFate::kept : CandidateFate::single_column;
+    const bool caller_wants_it = !input_.options.detect_num_variables && score.num_lines > 1;
+    const bool regular = score.data_variation < 1.0;
+    if (regular && (several_columns || caller_wants_it)) return CandidateFate::kept;
+    return several_columns ? CandidateFate::irregular : CandidateFate::single_column;
   }
 
   void add(const std::shared_ptr<Strategy>& strategy, CandidateFate fate) {

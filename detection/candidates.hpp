@@ -20,13 +20,13 @@ std::u16string find_candidate_chars(const std::vector<Field>& lines);
 // What candidates are made from.
 struct CandidateInput {
   const parser::options& options;
-  unsigned long header_lines;  // of the caller, when he settled them
+  unsigned long header_lines;  // when the caller has settled them
   Field text;
   unsigned long num_lines;
 };
 
-// The candidates for `chars`, in their order; each has sampled the text and has been valued.
-// What was built, kept and refused is added to `trace`, if there is one.
+// The candidates for `chars`, which are distinct, in their order; each has sampled the text and has
+// been valued. What was built, kept and refused is added to `trace`, if there is one.
 Candidates build_candidates(const std::u16string& chars, const CandidateInput& input,
                             SelectionTrace* trace);
 

@@ -36,6 +36,9 @@ class VLTEXTSTREAM_IMPORT StreamCodeConverter {
   // True when the converter must be reset before it is used again.
   bool convert(char16_t*& out, char16_t* out_end, const char*& in, const char* in_end, bool final);
 
+  // Whether it keeps units that found no room, or bytes of an unfinished character.
+  bool has_more() const;
+
   // Forgets unfinished characters and units held back. `at_start` says that the next byte is the
   // first of the text: only there is a byte-order mark looked for and dropped. A byte order that
   // an earlier mark fixed stays in force.

@@ -70,7 +70,7 @@ std::size_t get_number_of_variables(const std::vector<std::size_t>& line_counts,
 std::size_t skip_to_data(std::size_t h, const std::vector<std::size_t>& empty_lines,
                          const std::vector<std::size_t>& line_counts) {
   for (const std::size_t empty_line : empty_lines) {
-    if (h >= empty_line) ++h;
+    if (h >= empty_line && h != std::numeric_limits<std::size_t>::max()) ++h;
   }
   while (h < line_counts.size() && line_counts[h] <= 1) ++h;
   return h;

@@ -112,7 +112,9 @@ std::size_t FileTextSource::fillBuffer(char16_t* begin, char16_t* end) {
   return file_state ? file_state->decode(begin, end) : 0;
 }
 
-bool FileTextSource::isEoS() const { return !file_state || file_state->at_end(); }
+bool FileTextSource::isEoS() const {
+  return !file_state || (file_state->at_end() && !file_state->converter.has_more());
+}
 
 BufferManager* FileTextSource::getBufferManager() { return &buffer_manager_; }
 

@@ -25,12 +25,16 @@ char16_t fold_ascii(char16_t unit) {
 
 }  // namespace
 
-// Keeps a copy of the text ahead of the window while a refill overwrites it, and puts it back when
-// the refill throws. When even that fails, the stream reads as ended rather than as zeros.
+// Keeps a copy of the text ahead of the window while a refill overwrites it, and puts it back, and
+// the source with it, when the refill throws. When even that fails, the stream reads as ended
+// rather than as zeros.
 class TextStream::Rollback {
  public:
   explicit Rollback(TextStream& stream)
-      : stream_(stream), saved_(stream.window_start, stream.data_end), eos_(stream.eos) {}
+      : stream_(stream),
+        saved_(stream.window_start, stream.data_end),
+        source_pos_(stream.source->getPos()),
+        eos_(stream.eos) {}
   Rollback(const Rollback&) = delete;
   Rollback& operator=(const Rollback&) = delete;
 
@@ -48,6 +52,7 @@ class TextStream::Rollback {
 
  private:
   void restore() {
+    if (stream_.source->getPos() != source_pos_) stream_.source->skipFromPos(source_pos_, 0);
     stream_.window_start = stream_.buffer_begin;
     BufferManager& storage = *stream_.buffer_manager;
     if (distance(storage.begin(), storage.end()) < saved_.size()) {
@@ -59,6 +64,7 @@ class TextStream::Rollback {
 
   TextStream& stream_;
   std::u16string saved_;
+  source_pos source_pos_;
   bool eos_;
   bool armed_ = true;
 };

@@ -14,6 +14,8 @@
 namespace textio {
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr char16_t kByteOrderMark = 0xFEFF;
 constexpr char16_t kReplacement = 0xFFFD;
 constexpr std::size_t kPivotUnits = 8192;
@@ -50,11 +52,45 @@ std::string canonical_name(UConverter* converter) {
   return std::string(name.substr(0, name.find(',')));
 }
 
-// "UTF-16" or "UTF-32" with the byte order that its first bytes tell; big-endian without a mark.
-std::string with_byte_order(const std::string& name, std::string_view head) {
-  using namespace std::string_view_literals;
-  const std::string_view little = name == "UTF-16" ? "\xFF\xFE"sv : "\xFF\xFE\0\0"sv;
-  return name + (head.substr(0, little.size()) == little ? "LE" : "BE");
+// Some of ICU's tables exchange three control characters, as an old code page for screens did:
+// U+001A, which stands for a folded character here, would come from the byte of another one.
+bool exchanges_controls(UConverter* converter) {
+  const char bytes[] = {0x1A, 0x1C, 0x7F};
+  char16_t units[8];
+  UErrorCode status = U_ZERO_ERROR;
+  const std::int32_t count = ucnv_toUChars(converter, units, 8, bytes, sizeof bytes, &status);
+  return U_SUCCESS(status) &&
+         std::u16string_view(units, static_cast<std::size_t>(count)) == u"\x1C\x7F\x1A";
+}
+
+char16_t control_of_its_byte(char16_t unit) {
+  switch (unit) {
+    case 0x1C:
+      return 0x1A;
+    case 0x7F:
+      return 0x1C;
+    case 0x1A:
+      return 0x7F;
+    default:
+      return unit;
+  }
+}
+
+// The byte-order mark of "UTF-16" or "UTF-32", little-endian and big-endian.
+std::string_view little_mark(const std::string& family) {
+  return family == "UTF-16" ? "\xFF\xFE"sv : "\xFF\xFE\0\0"sv;
+}
+std::string_view big_mark(const std::string& family) {
+  return family == "UTF-16" ? "\xFE\xFF"sv : "\0\0\xFE\xFF"sv;
+}
+
+bool is_mark(const std::string& family, std::string_view head) {
+  return head == little_mark(family) || head == big_mark(family);
+}
+
+// The encoding with the byte order that its first bytes tell; big-endian without a mark.
+std::string with_byte_order(const std::string& family, std::string_view head) {
+  return family + (head == little_mark(family) ? "LE" : "BE");
 }
 
 }  // namespace
@@ -74,10 +110,11 @@ struct StreamCodeConverter::State {
     for (; begin != end; ++begin) {
       const bool is_second_half = *begin >= 0xDC00 && *begin <= 0xDFFF;
       if (one_unit_per_character && is_second_half) continue;
+      const char16_t unit = controls_exchanged ? control_of_its_byte(*begin) : *begin;
       if (out.cursor != out.end) {
-        *out.cursor++ = *begin;
+        *out.cursor++ = unit;
       } else {
-        held.push_back(*begin);
+        held.push_back(unit);
       }
     }
   }
@@ -90,13 +127,13 @@ struct StreamCodeConverter::State {
 
   void decode(Output out, std::string_view bytes, bool final) {
     const char* in = bytes.data();
-    char16_t pivot[kPivotUnits];
+    char16_t pivot[kPivotUnits] = {};
     UErrorCode status = U_BUFFER_OVERFLOW_ERROR;
     while (status == U_BUFFER_OVERFLOW_ERROR) {
       status = U_ZERO_ERROR;
       char16_t* pivot_end = pivot;
       ucnv_toUnicode(converter.get(), &pivot_end, pivot + kPivotUnits, &in,
-                     bytes.data() + bytes.size(), nullptr, final, &status);
+                     bytes.data() + bytes.size(), nullptr, final ? 1 : 0, &status);
       put(out, pivot, pivot_end);
     }
     if (U_FAILURE(status)) {
@@ -107,12 +144,15 @@ struct StreamCodeConverter::State {
   Converter converter;
   bool one_unit_per_character = false;
   bool at_start = true;
+  bool controls_exchanged = false;
 
-  // Of "UTF-16" or "UTF-32" while the byte order is not known: the name, the number of bytes that
-  // tell the order, and the bytes so far.
-  std::string undecided;
+  // "UTF-16" or "UTF-32" if that is the encoding, whose first bytes tell the order: how many, and
+  // those read so far.
+  std::string family;
   std::size_t head_bytes = 0;
   std::string head;
+  bool order_known = false;
+  bool order_marked = false;
 
   // Units that found no room.
   std::u16string held;
@@ -122,9 +162,10 @@ StreamCodeConverter::StreamCodeConverter(const std::string& encoding, bool one_u
     : state_(std::make_unique<State>()) {
   state_->converter = open_converter(encoding);
   state_->one_unit_per_character = one_unit_per_character;
+  state_->controls_exchanged = exchanges_controls(state_->converter.get());
   const std::string name = canonical_name(state_->converter.get());
   if (name == "UTF-16" || name == "UTF-32") {
-    state_->undecided = name;
+    state_->family = name;
     state_->head_bytes = name == "UTF-16" ? 2 : 4;
   }
 }
@@ -136,24 +177,34 @@ bool StreamCodeConverter::convert(char16_t*& out, char16_t* out_end, const char*
   State& state = *state_;
   const State::Output output{out, out_end};
   state.put_held(output);
-  if (!state.undecided.empty()) {
+  if (!state.family.empty() && !state.order_known) {
     const auto wanted = static_cast<std::ptrdiff_t>(state.head_bytes - state.head.size());
     const char* const head_end = in + std::min(wanted, in_end - in);
     state.head.append(in, head_end);
     in = head_end;
     if (state.head.size() < state.head_bytes && !final) return false;
-    state.converter = open_converter(with_byte_order(state.undecided, state.head));
-    state.undecided.clear();
+    state.converter = open_converter(with_byte_order(state.family, state.head));
+    state.order_known = true;
+    state.order_marked = is_mark(state.family, state.head);
     state.decode(output, state.head, final && in == in_end);
+    state.head.clear();
   }
   state.decode(output, {in, static_cast<std::size_t>(in_end - in)}, final);
   in = in_end;
   return final && state.held.empty();
 }
 
+bool StreamCodeConverter::has_more() const {
+  UErrorCode status = U_ZERO_ERROR;
+  const State& state = *state_;
+  return !state.held.empty() || !state.head.empty() ||
+         ucnv_toUCountPending(state.converter.get(), &status) > 0;
+}
+
 void StreamCodeConverter::reset(bool at_start) {
   ucnv_resetToUnicode(state_->converter.get());
   state_->at_start = at_start;
+  if (at_start && !state_->order_marked) state_->order_known = false;
   state_->head.clear();
   state_->held.clear();
 }

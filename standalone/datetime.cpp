@@ -309,10 +309,10 @@ struct ThreeGroups {
   unsigned year;
 };
 
-bool take_three_groups(Cursor& cursor, std::size_t fewest, std::size_t year_digits,
+bool take_three_groups(Cursor& cursor, View marks, std::size_t fewest, std::size_t year_digits,
                        ThreeGroups& groups) {
   if (!cursor.take_number(fewest, 2, groups.first)) return false;
-  const char16_t mark = cursor.take_one_of(kDateMarks);
+  const char16_t mark = cursor.take_one_of(marks);
   return mark != Cursor::kNone && cursor.take_number(fewest, 2, groups.second) &&
          cursor.take(mark) && cursor.take_number(year_digits, year_digits, groups.year);
 }
@@ -326,16 +326,24 @@ bool is_on_calendar_in_some_order(const ThreeGroups& groups) {
 // 01.03.2024, 3/1/2024
 bool day_and_month_then_year(Cursor& cursor) {
   ThreeGroups groups{};
-  return take_three_groups(cursor, 1, 4, groups) && is_on_calendar_in_some_order(groups);
+  return take_three_groups(cursor, kDateMarks, 1, 4, groups) &&
+         is_on_calendar_in_some_order(groups);
 }
 
-// 01.03.24. With fewer digits, "1.3.24" is a version as well as a date.
-bool three_pairs_of_digits(Cursor& cursor) {
+bool take_groups_with_short_year(Cursor& cursor, View marks, std::size_t fewest) {
   ThreeGroups groups{};
-  if (!take_three_groups(cursor, 2, 2, groups)) return false;
+  if (!take_three_groups(cursor, marks, fewest, 2, groups)) return false;
   groups.year = from_two_digits(groups.year);
   return is_on_calendar_in_some_order(groups);
 }
+
+// 3/1/24, 03/01/24
+bool slashes_then_short_year(Cursor& cursor) {
+  return take_groups_with_short_year(cursor, u"/", 1);
+}
+
+// 01.03.24, 01-03-24. With fewer digits, "1.3.24" is a version as well as a date.
+bool three_pairs_of_digits(Cursor& cursor) { return take_groups_with_short_year(cursor, u"-.", 2); }
 
 // 1 Mar 2024, 1-Mar-24, 1st March, 2024, 1. March 2024
 bool day_name_year(Cursor& cursor) {
@@ -367,6 +375,7 @@ bool year_name_day(Cursor& cursor) {
 constexpr Rule kDates[] = {
     year_month_day,           // 2024-03-01
     day_and_month_then_year,  // 01.03.2024, 03/01/2024
+    slashes_then_short_year,  // 3/1/24
     three_pairs_of_digits,    // 01.03.24
     day_name_year,            // 1 Mar 2024
     name_day_year,            // March 1, 2024

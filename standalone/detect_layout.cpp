@@ -19,6 +19,7 @@
 #include "standalone/utf_text.hpp"
 #include "strategy/delimited_strategy.hpp"
 #include "strategy/fixed_width_strategy.hpp"
+#include "strategy/line_reader_strategy.hpp"
 
 namespace textio::standalone {
 namespace {
@@ -105,19 +106,12 @@ class NamesReader {
 // ---------------------------------------------------------------------------------------------
 // The layout of a sample
 
+// What a line reader consumes behind the first line.
 std::optional<std::u16string> first_line_ending(const Field& sample,
-                                                const std::vector<std::u16string>& endings) {
-  const std::u16string_view text(sample.data, sample.length);
-  std::size_t nearest = text.npos;
-  std::optional<std::u16string> found;
-  for (const std::u16string& ending : endings) {
-    if (ending.empty()) continue;
-    const std::size_t at = text.substr(0, nearest).find(ending);
-    if (at >= nearest) continue;
-    nearest = at;
-    found = ending;
-  }
-  return found;
+                                                const parser::options& options) {
+  const FieldExtent line = LineReaderStrategy(options).get_line_extent(sample, 0);
+  if (line.next == line.field.length) return std::nullopt;
+  return std::u16string(line.field.data + line.field.length, line.next - line.field.length);
 }
 
 void describe_separators(const Strategy& strategy, Layout& layout) {
@@ -149,7 +143,7 @@ Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
   describe_separators(*strategy, layout);
   describe_columns(*strategy, layout);
   NamesReader(*strategy, settings.options, layout).read();
-  layout.line_ending = first_line_ending(sample, settings.options.line_endings);
+  layout.line_ending = first_line_ending(sample, settings.options);
   layout.lines_sampled = strategy->lines().size();
   layout.characters_sampled = sample.length;
   layout.end = trace.end;

@@ -9,8 +9,8 @@
 // Ownership  a layout holds no view of the text; it is a value to copy and keep.
 // Errors     FileError when the file cannot be read, std::invalid_argument for an encoding that is
 //            not known; std::bad_alloc.
-// Cost       reads no more than the first 4,194,304 characters, each byte of them once; a prefix of
-//            at most 64 KB is read once more when the encoding is to be found.
+// Cost       looks at no more than the first 4,194,304 characters and reads hardly further, each byte
+//            once; a prefix of at most 64 KB is read once more when the encoding is to be found.
 // Threads    detections may run side by side, also with one and the same settings.
 #pragma once
 

@@ -1,0 +1,278 @@
+// A table is made line by line from the number of the line; what looks like measured values comes
+// out of a mixing function, so that no two lines are alike.
+#include "bench/shapes.hpp"
+
+#include <algorithm>
+#include <cstdint>
+#include <initializer_list>
+#include <iterator>
+
+namespace textio::bench {
+namespace {
+
+using Line = std::u16string (*)(std::size_t row);
+
+// As many whole lines as fit.
+std::u16string lines_of(std::size_t units, Line line) {
+  std::u16string text;
+  text.reserve(units);
+  for (std::size_t row = 0;; ++row) {
+    const std::u16string next = line(row);
+    if (text.size() + next.size() > units) return text;
+    text += next;
+  }
+}
+
+// `pattern` again and again, the last one cut off.
+std::u16string repeat(std::size_t units, std::u16string_view pattern) {
+  std::u16string text;
+  text.reserve(units + pattern.size());
+  while (text.size() < units) text += pattern;
+  text.resize(units);
+  return text;
+}
+
+std::u16string join(std::initializer_list<std::u16string_view> parts) {
+  std::u16string text;
+  for (const std::u16string_view part : parts) text += part;
+  return text;
+}
+
+// A number below `limit` that depends on row and column.
+std::size_t value(std::size_t row, std::size_t column, std::size_t limit) {
+  std::uint64_t mixed = (row + 1) * 0x9E3779B97F4A7C15U + (column + 1) * 0xBF58476D1CE4E5B9U;
+  mixed ^= mixed >> 29;
+  mixed *= 0x94D049BB133111EBU;
+  mixed ^= mixed >> 32;
+  return static_cast<std::size_t>(mixed % limit);
+}
+
+// At least `width` digits.
+std::u16string digits(std::size_t number, std::size_t width) {
+  std::u16string text;
+  while (text.size() < width || number > 0) {
+    text.insert(text.begin(), static_cast<char16_t>(u'0' + number % 10));
+    number /= 10;
+  }
+  return text;
+}
+
+// 0.000 to 999.999
+std::u16string measured(std::size_t row, std::size_t column) {
+  return join(
+      {digits(value(row, column, 1000), 1), u".", digits(value(row, column + 1000, 1000), 3)});
+}
+
+constexpr std::u16string_view kWords[] = {u"north", u"alpha", u"river", u"seven",
+                                          u"cloud", u"stone", u"amber", u"field"};
+
+std::u16string_view word(std::size_t row, std::size_t column) {
+  return kWords[value(row, column, std::size(kWords))];
+}
+
+std::u16string sentence(std::size_t row, std::size_t column, std::size_t words) {
+  std::u16string text(word(row, column));
+  for (std::size_t i = 1; i < words; ++i) {
+    text += u' ';
+    text += word(row, column + 100 * i);
+  }
+  return text;
+}
+
+std::u16string day(std::size_t row, std::size_t column) {
+  return join({digits(1990 + value(row, column, 40), 4), u"-",
+               digits(1 + value(row, column + 1, 12), 2), u"-",
+               digits(1 + value(row, column + 2, 28), 2)});
+}
+
+std::u16string clock(std::size_t row) {
+  return join(
+      {digits(row / 3600 % 24, 2), u":", digits(row / 60 % 60, 2), u":", digits(row % 60, 2)});
+}
+
+std::u16string padded(std::u16string text, std::size_t width) {
+  text.resize(std::max(width, text.size()), u' ');
+  return text;
+}
+
+// Every ASCII character that a detection tries as a delimiter, in ascending order.
+std::u16string candidate_chars() {
+  constexpr std::u16string_view kNever = u"@-.\"$'+\r\n\x1A";
+  std::u16string chars;
+  for (char16_t c = 0; c < 128; ++c) {
+    const bool is_word_char =
+        (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z');
+    if (!is_word_char && kNever.find(c) == kNever.npos) chars.push_back(c);
+  }
+  return chars;
+}
+
+// `count` measured values, separated by commas.
+std::u16string values(std::size_t row, std::size_t count) {
+  std::u16string line = measured(row, 0);
+  for (std::size_t column = 1; column < count; ++column) {
+    line += u',';
+    line += measured(row, column);
+  }
+  return line;
+}
+
+// --- lines of tables ---------------------------------------------------------------------------
+
+std::u16string narrow_line(std::size_t row) {
+  return join({values(row, 2), u",", word(row, 2), u"\n"});
+}
+
+std::u16string regular_line(std::size_t row) {
+  return join({day(row, 0), u" ", clock(row), u",", word(row, 7), u"/", word(row, 8), u",",
+               values(row, 18), u"\n"});
+}
+
+std::u16string wide_line(std::size_t row) { return join({values(row, 200), u"\n"}); }
+
+// Fields that hold delimiters, doubled quotes and, now and then, a line ending.
+std::u16string quoted_line(std::size_t row) {
+  return join({u"\"", sentence(row, 0, 2), u", ", word(row, 2), u"\",\"", word(row, 3), u" \"\"",
+               word(row, 4), u"\"\"\",", measured(row, 5), u",\"", sentence(row, 6, 3),
+               row % 8 == 0 ? u"\n" : u" ", word(row, 7), u"\"\n"});
+}
+
+// Columns under each other. Their numbers have one to seven digits, so the runs of blanks between
+// them differ from line to line, and so do the lines' lengths.
+std::u16string aligned_line(std::size_t row) {
+  constexpr std::size_t kLimits[] = {10, 100, 1000, 10000, 100000, 1000000, 10000000};
+  std::u16string line;
+  for (std::size_t column = 0; column < 8; ++column) {
+    const std::size_t limit = kLimits[value(row, column + 100, std::size(kLimits))];
+    line += padded(digits(value(row, column, limit), 1), 10);
+  }
+  return join({line, word(row, 8), digits(value(row, 9, 100000), 1), u"\n"});
+}
+
+// A text of one to three words makes the number of blanks useless; the lines have one length.
+std::u16string fixed_line(std::size_t row) {
+  return join({digits(row % 100000, 5), u" ", padded(sentence(row, 1, 1 + value(row, 2, 3)), 20),
+               digits(value(row, 3, 1000), 3), u" ", digits(value(row, 4, 1000000), 6), u"\n"});
+}
+
+std::u16string dates_line(std::size_t row) {
+  return join({day(row, 0), u" ", clock(row), u";", day(row, 3), u";", clock(row + 17), u";",
+               word(row, 6), u"\n"});
+}
+
+std::u16string text_line(std::size_t row) {
+  return join({sentence(row, 0, 5 + value(row, 1, 12)), u"\n"});
+}
+
+std::u16string all_candidates_line(std::size_t row) {
+  return join({values(row, 19), u",", candidate_chars(), u"\n"});
+}
+
+// A digit before every candidate character: each of them gives a line the same number of fields.
+std::u16string crowded_line(std::size_t row) {
+  const std::u16string chars = candidate_chars();
+  std::u16string line;
+  for (std::size_t i = 0; i < chars.size(); ++i) {
+    line += digits(value(row, i, 10), 1);
+    line += chars[(row + i) % chars.size()];
+  }
+  line += u"0\n";
+  return line;
+}
+
+// --- texts -------------------------------------------------------------------------------------
+
+// One line of values without an end.
+std::u16string long_line(std::size_t units) {
+  std::u16string text;
+  text.reserve(units + 16);
+  for (std::size_t i = 0; text.size() < units; ++i) text += join({measured(i, 0), u","});
+  text.resize(units);
+  return text;
+}
+
+// The field that the first unit opens is never closed.
+std::u16string open_quote(std::size_t units) {
+  std::u16string text = lines_of(units - 1, narrow_line);
+  text.insert(text.begin(), u'"');
+  return text;
+}
+
+// A small table whose last line holds one huge field: the line that is classified first.
+std::u16string field_of_doubled_quotes(std::size_t units) {
+  const std::u16string table = u"x,1\nx,2\nx,3\n";
+  const std::u16string rest = u",4\n";
+  const std::size_t used = table.size() + rest.size() + 2;
+  return join({table, doubled_quotes(units > used ? (units - used) / 2 : 0), rest});
+}
+
+}  // namespace
+
+const std::vector<Shape>& data_shapes() {
+  static const std::vector<Shape> shapes = {
+      {"narrow", [](std::size_t units) { return lines_of(units, narrow_line); }},
+      {"regular", [](std::size_t units) { return lines_of(units, regular_line); }},
+      {"wide", [](std::size_t units) { return lines_of(units, wide_line); }},
+      {"quoted", [](std::size_t units) { return lines_of(units, quoted_line); }},
+      {"aligned", [](std::size_t units) { return lines_of(units, aligned_line); }},
+      {"fixed", [](std::size_t units) { return lines_of(units, fixed_line); }},
+      {"dates", [](std::size_t units) { return lines_of(units, dates_line); }},
+      {"text", [](std::size_t units) { return lines_of(units, text_line); }},
+      {"one_long_line", long_line},
+      {"all_candidates", [](std::size_t units) { return lines_of(units, all_candidates_line); }},
+  };
+  return shapes;
+}
+
+const std::vector<Shape>& adversarial_shapes() {
+  static const std::vector<Shape> shapes = {
+      {"one_line", [](std::size_t units) { return repeat(units, u"abc 12.5 "); }},
+      {"only_quotes", [](std::size_t units) { return repeat(units, u"\""); }},
+      {"open_quote", open_quote},
+      {"crowded", [](std::size_t units) { return lines_of(units, crowded_line); }},
+      {"only_line_ends", [](std::size_t units) { return repeat(units, u"\n"); }},
+      {"only_blanks", [](std::size_t units) { return repeat(units, u" "); }},
+      {"only_commas", [](std::size_t units) { return repeat(units, u","); }},
+      {"doubled_quotes", field_of_doubled_quotes},
+  };
+  return shapes;
+}
+
+const Shape* find_shape(std::string_view name) {
+  for (const std::vector<Shape>* shapes : {&data_shapes(), &adversarial_shapes()}) {
+    const auto found = std::find_if(shapes->begin(), shapes->end(),
+                                    [name](const Shape& shape) { return shape.name == name; });
+    if (found != shapes->end()) return &*found;
+  }
+  return nullptr;
+}
+
+std::u16string ascii_text(std::size_t units) { return lines_of(units, text_line); }
+
+std::u16string two_byte_text(std::size_t units) {
+  std::u16string text = ascii_text(units);
+  for (std::size_t i = 0; i < text.size(); i += 20) {
+    if (text[i] != u'\n') text[i] = u'\u00E9';
+  }
+  return text;
+}
+
+std::u16string doubled_quotes(std::size_t pairs) { return std::u16string(2 * pairs + 2, u'"'); }
+
+std::string ascii_bytes(std::u16string_view text) {
+  std::string bytes(text.size(), '\0');
+  std::transform(text.begin(), text.end(), bytes.begin(),
+                 [](char16_t unit) { return static_cast<char>(unit); });
+  return bytes;
+}
+
+std::string utf16_bytes(std::u16string_view text) {
+  std::string bytes = "\xFF\xFE";
+  for (const char16_t unit : text) {
+    bytes.push_back(static_cast<char>(unit & 0xFF));
+    bytes.push_back(static_cast<char>(unit >> 8));
+  }
+  return bytes;
+}
+
+}  // namespace textio::bench

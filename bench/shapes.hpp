@@ -1,0 +1,46 @@
+// Texts of known shape to measure detections with. Every text is the same on each run and on each
+// machine, and all but one of them are ASCII.
+//
+// Units  a size counts UTF-16 code units.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace textio::bench {
+
+struct Shape {
+  const char* name;
+
+  // A text of `units` units, or a little less where only whole lines fit.
+  std::u16string (*make)(std::size_t units);
+};
+
+// Tables as people keep them: narrow, regular (20 columns, four candidate characters), wide,
+// quoted, aligned, fixed, dates, text, one long line, and a regular one in which all candidate
+// characters occur.
+const std::vector<Shape>& data_shapes();
+
+// Texts that no table looks like, each a trap for some scan.
+const std::vector<Shape>& adversarial_shapes();
+
+// The shape called `name` of either list, null when there is none.
+const Shape* find_shape(std::string_view name);
+
+// Prose in ASCII, and the same with every twentieth character replaced by one that takes two bytes
+// in UTF-8.
+std::u16string ascii_text(std::size_t units);
+std::u16string two_byte_text(std::size_t units);
+
+// A quoted field of `pairs` doubled quotes.
+std::u16string doubled_quotes(std::size_t pairs);
+
+// The bytes of a text of ASCII units.
+std::string ascii_bytes(std::u16string_view text);
+
+// The bytes of a text in UTF-16, little end first, with a byte-order mark.
+std::string utf16_bytes(std::u16string_view text);
+
+}  // namespace textio::bench

@@ -1,0 +1,174 @@
+// How much of a file a detection reads. The file is made up here: this program opens files for the
+// library, and gives it a stream that notes each byte it hands out.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <vltextstream/vltextstream.hpp>
+
+#include "support/rule_name.hpp"
+
+namespace {
+
+// A file in memory that knows how often each of its bytes has been read.
+struct WatchedFile {
+  std::string bytes;
+  std::vector<std::uint8_t> reads;
+  std::size_t position = 0;
+  std::size_t times_opened = 0;
+
+  void put(std::string content) {
+    reads.assign(content.size(), 0);
+    bytes = std::move(content);
+    times_opened = 0;
+  }
+
+  std::size_t bytes_touched() const {
+    return bytes.size() - static_cast<std::size_t>(std::count(reads.begin(), reads.end(), 0));
+  }
+};
+
+WatchedFile watched;
+
+ssize_t read_watched(void* /*file*/, char* to, std::size_t size) {
+  const std::size_t count = std::min(size, watched.bytes.size() - watched.position);
+  std::memcpy(to, watched.bytes.data() + watched.position, count);
+  for (std::size_t i = 0; i < count; ++i) ++watched.reads[watched.position + i];
+  watched.position += count;
+  return static_cast<ssize_t>(count);
+}
+
+int seek_watched(void* /*file*/, off64_t* offset, int whence) {
+  const std::size_t base = whence == SEEK_SET   ? 0
+                           : whence == SEEK_CUR ? watched.position
+                                                : watched.bytes.size();
+  watched.position = std::min(base + static_cast<std::size_t>(*offset), watched.bytes.size());
+  *offset = static_cast<off64_t>(watched.position);
+  return 0;
+}
+
+}  // namespace
+
+namespace textio {
+
+// There is one file, whatever the path.
+std::FILE* open_file(const std::u16string& /*path*/, const char* mode) {
+  ++watched.times_opened;
+  watched.position = 0;
+  return ::fopencookie(&watched, mode, {read_watched, nullptr, seek_watched, nullptr});
+}
+
+namespace {
+
+using testing_support::ByRule;
+
+// Lines of eight characters.
+std::string table_of(std::size_t characters) {
+  std::string text;
+  text.reserve(characters);
+  while (text.size() < characters) text += "1.5,abc\n";
+  text.resize(characters);
+  return text;
+}
+
+std::string as_utf16(const std::string& ascii) {
+  std::string bytes = "\xFF\xFE";
+  for (const char c : ascii) bytes.append({c, '\0'});
+  return bytes;
+}
+
+// The same number of characters, every eighth of which takes two bytes.
+std::string with_two_byte_characters(const std::string& ascii) {
+  std::string bytes;
+  for (const char c : ascii) bytes += c == 'b' ? std::string("\xC3\xA9") : std::string(1, c);
+  return bytes;
+}
+
+standalone::Layout detect(const std::string& bytes, const std::string& encoding) {
+  watched.put(bytes);
+  standalone::DetectSettings settings;
+  settings.encoding = encoding;
+  return standalone::detect_layout("table.csv", settings);
+}
+
+struct FileCase {
+  const char* rule;
+  std::size_t characters;
+};
+std::ostream& operator<<(std::ostream& out, const FileCase& row) { return out << row.rule; }
+
+const FileCase kFilesThatFit[] = {
+    {"OneCharacter", 1},
+    {"FewLines", 800},
+    {"JustBelowOneBuffer", TextStream::kBufferUnits - 1},
+    {"ExactlyOneBuffer", TextStream::kBufferUnits},
+    {"JustAboveOneBuffer", TextStream::kBufferUnits + 1},
+    {"SeveralBuffers", 10 * TextStream::kBufferUnits + 8},
+    {"ExactlyTheSample", kSampleUnits},
+    {"OneCharacterMore", kSampleUnits + 1},
+};
+
+class BytesRead : public testing::TestWithParam<FileCase> {
+ protected:
+  static void expect_each_byte_once(const std::string& bytes, const std::string& encoding) {
+    detect(bytes, encoding);
+    const auto once = std::count(watched.reads.begin(), watched.reads.end(), 1);
+    EXPECT_EQ(static_cast<std::size_t>(once), bytes.size()) << encoding;
+    EXPECT_EQ(watched.times_opened, 1u) << encoding;
+  }
+};
+
+TEST_P(BytesRead, IsEachByteOfTheFileOnce) {
+  const std::string text = table_of(GetParam().characters);
+  expect_each_byte_once(text, "UTF-8");
+  expect_each_byte_once(text, "windows-1252");
+  expect_each_byte_once(with_two_byte_characters(text), "UTF-8");
+  expect_each_byte_once(as_utf16(text), "UTF-16");
+}
+INSTANTIATE_TEST_SUITE_P(Table, BytesRead, testing::ValuesIn(kFilesThatFit), ByRule());
+
+// Behind the sample lies what the stream has loaded in whole buffers, and the one block that the C
+// stream has at hand.
+constexpr std::size_t kCharactersBehindTheSample = 2 * TextStream::kBufferUnits;
+
+class BytesReadOfALongFile : public testing::Test {
+ protected:
+  static void expect_sample_once_and_little_more(const std::string& bytes,
+                                                 std::size_t bytes_per_character,
+                                                 const std::string& encoding) {
+    detect(bytes, encoding);
+    const auto sample_end =
+        watched.reads.begin() + static_cast<std::ptrdiff_t>(bytes_per_character * kSampleUnits);
+    const auto reads_once = [](std::uint8_t reads) { return reads == 1; };
+    EXPECT_TRUE(std::all_of(watched.reads.begin(), sample_end, reads_once));
+    EXPECT_TRUE(std::none_of(sample_end, watched.reads.end(),
+                             [](std::uint8_t reads) { return reads > 1; }));
+    EXPECT_LE(watched.bytes_touched(),
+              bytes_per_character * (kSampleUnits + kCharactersBehindTheSample) + BUFSIZ);
+    EXPECT_EQ(watched.times_opened, 1u);
+  }
+};
+
+TEST_F(BytesReadOfALongFile, StopSoonBehindTheSample) {
+  expect_sample_once_and_little_more(table_of(3 * kSampleUnits), 1, "UTF-8");
+}
+
+TEST_F(BytesReadOfALongFile, StopSoonBehindTheSampleOfTwoByteUnits) {
+  expect_sample_once_and_little_more(as_utf16(table_of(3 * kSampleUnits)), 2, "UTF-16");
+}
+
+TEST(BytesReadByTheWatchedFile, BelongToTheTableThatIsDetected) {
+  const standalone::Layout layout = detect(table_of(800), "UTF-8");
+  EXPECT_EQ(layout.characters_sampled, 800u);
+  EXPECT_EQ(layout.num_variables, 2u);
+  EXPECT_EQ(watched.bytes_touched(), 800u);
+}
+
+}  // namespace
+}  // namespace textio

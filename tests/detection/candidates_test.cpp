@@ -1,0 +1,552 @@
+// Candidate characters, column widths and the candidates that are built from them.
+
+#include <cstddef>
+#include <limits>
+#include <memory>
+#include <ostream>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "detection/candidates.hpp"
+#include "support/exact_text.hpp"
+#include "support/printing.hpp"
+#include "support/rule_name.hpp"
+#include "support/selection.hpp"
+
+namespace textio {
+namespace {
+
+using detection::build_candidates;
+using detection::CandidateFate;
+using detection::CandidateInput;
+using detection::Candidates;
+using detection::find_candidate_chars;
+using detection::find_column_widths;
+using detection::SelectionTrace;
+using testing_support::ByRule;
+using testing_support::delimiter_of;
+using testing_support::describe;
+using testing_support::ExactText;
+using testing_support::readable;
+using testing_support::widths_of;
+
+constexpr unsigned long kUnknown = std::numeric_limits<unsigned long>::max();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// Lines of their own, each in a block of exactly its size; empty ones as a line reader keeps them.
+class Lines {
+ public:
+  explicit Lines(const std::vector<std::u16string>& texts) {
+    for (const std::u16string& text : texts) {
+      blocks_.emplace_back(text);
+      fields_.push_back(text.empty() ? empty_field() : blocks_.back().field());
+    }
+  }
+  const std::vector<Field>& fields() const { return fields_; }
+
+ private:
+  std::vector<ExactText> blocks_;
+  std::vector<Field> fields_;
+};
+
+// -- candidate characters -----------------------------------------------------------------------
+
+struct CharsCase {
+  const char* rule;
+  std::vector<std::u16string> lines;
+  std::u16string chars;
+};
+std::ostream& operator<<(std::ostream& out, const CharsCase& row) { return out << row.rule; }
+
+const CharsCase kCharsCases[] = {
+    {"NoLines", {}, u""},
+    {"OnlyEmptyLines", {u"", u"", u""}, u""},
+    {"ALoneLineIsScanned", {u"a,b"}, u","},
+    {"ALoneLineAmongEmptyOnesIsScanned", {u"", u"a,b", u""}, u","},
+    // From here on the first line may be a header and is passed over.
+    {"OfTwoLinesTheSecond", {u"a,b", u"1;2"}, u";"},
+    {"OfThreeLinesTheLastTwo", {u"a,b", u"1;2", u"3|4"}, u";|"},
+    {"OfFiveLinesTheLastFour", {u"0,", u"1;", u"2|", u"3:", u"4#"}, u";|:#"},
+    // 6 lines: from (6 + 2) / 3 = 2 up to, not including, 6 * 5 / 6 = 5
+    {"OfSixLinesTheMiddleThree", {u"0,", u"1;", u"2|", u"3:", u"4#", u"5!"}, u"|:#"},
+    // 7 lines: 9 / 3 = 3 to 35 / 6 = 5
+    {"OfSevenLinesTwo", {u"0,", u"1;", u"2|", u"3:", u"4#", u"5!", u"6%"}, u":#"},
+    // 12 lines: 14 / 3 = 4 to 60 / 6 = 10
+    {"OfTwelveLinesFourToNine",
+     {u"0!", u"1#", u"2%", u"3&", u"4(", u"5)", u"6*", u"7,", u"8/", u"9:", u"a;", u"b<"},
+     u"()*,/:"},
+    // The third and fourth line that are not empty.
+    {"EmptyLinesAreNotCounted",
+     {u"", u"0,", u"1;", u"", u"2|", u"", u"3:", u"4#", u"5!", u"", u"", u"6%"},
+     u":#"},
+    {"EachCharacterOnceInOrderOfAppearance", {u"x", u"1;2,3;4", u"5|6,7;8"}, u";,|"},
+    {"LettersDigitsAndTheirCompanyAreNone",
+     {u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ@0123456789-.\"$'+\r\n\u001A"},
+     u""},
+    {"NeighboursOfTheExcludedRangesAreSome", {u"/:A[`{Z@"}, u"/:[`{"},
+    {"NothingAbove127", {u"a\u0080b\u00e9c\u2028d\u3000e\ufffe"}, u""},
+    {"ControlCharactersAreSome",
+     {std::u16string(u"a\0b\x01"
+                     u"c\td\v\f\x1b\x1f\x7f",
+                     12)},
+     std::u16string(u"\0\x01\t\v\f\x1b\x1f\x7f", 8)},
+    {"AnEndMarkEndsItsLineOnly", {u"x", u"1;2\uffff3,4", u"5|6"}, u";|"},
+    {"ALineThatIsOnlyAnEndMarkCounts", {u"\uffff,", u"1;2"}, u";"},
+};
+
+class FindCandidateChars : public testing::TestWithParam<CharsCase> {};
+TEST_P(FindCandidateChars, ReadsTheMiddleLines) {
+  const Lines lines(GetParam().lines);
+  EXPECT_EQ(readable(find_candidate_chars(lines.fields())), readable(GetParam().chars));
+}
+INSTANTIATE_TEST_SUITE_P(Table, FindCandidateChars, testing::ValuesIn(kCharsCases), ByRule());
+
+TEST(FindCandidateCharsAscii, HasFiftySixCandidates) {
+  // 128 less 52 letters, 10 digits, 7 companions @-."$'+ and 3 control characters.
+  std::u16string ascii;
+  for (char16_t unit = 0; unit < 256; ++unit) ascii.push_back(unit);
+  const Lines lines({ascii});
+  EXPECT_EQ(find_candidate_chars(lines.fields()).size(), 56U);
+}
+
+// -- column widths ------------------------------------------------------------------------------
+
+struct WidthsCase {
+  const char* rule;
+  std::vector<std::u16string> lines;  // all of one length
+  double variation;
+  std::size_t most_columns;
+  std::vector<unsigned long> widths;
+};
+std::ostream& operator<<(std::ostream& out, const WidthsCase& row) { return out << row.rule; }
+
+// A line counts 1 and one more for each place where text follows a column that is blank in it and
+// all lines before it. The blanks in front of a text belong to its column.
+const WidthsCase kWidthsCases[] = {
+    {"BlanksBelongToTheColumnBehindThem", {u"ab  12", u"cd  34"}, 0, 2, {2, 4}},
+    {"ASingleBlankIsEnough", {u"a b", u"c d"}, 0, 2, {1, 2}},
+    {"OneLineIsEnough", {u"a bc d"}, 0, 3, {1, 3, 2}},
+    {"ABlankInOneLineOnlyIsText", {u"a b cd", u"efg hi"}, 1, 2, {3, 3}},
+    // Blank in both are positions 4 and 5 alone.
+    {"OnlyWhatIsBlankInAllLines", {u"ab    12", u"cdef  34", u"gh    56"}, 0, 2, {4, 4}},
+    // Columns 0, 1 and 4 are blank: text follows twice, so each line counts 3, yet the widths
+    // change only in front of position 4.
+    {"LeadingBlanksBelongToTheFirstColumn", {u"  ab 1", u"  cd 2"}, 0, 3, {4, 2}},
+    {"LeadingBlanksAreCounted", {u"  ab 1", u"  cd 2"}, 0, 2, {}},
+    // No text follows the blanks: each line counts 1, yet there are two widths.
+    {"TrailingBlanksAreAColumn", {u"ab  ", u"cd  "}, 0, 1, {2, 2}},
+    {"NoBlankIsOneColumn", {u"abc", u"def"}, 0, 1, {3}},
+    {"OnlyBlanksAreOneColumn", {u"   ", u"   "}, 0, 1, {3}},
+    {"OneUnitIsOneColumn", {u"x", u" "}, 0, 1, {1}},
+    {"ATabIsText", {u"a\tb", u"c\td"}, 0, 1, {3}},
+    {"ANoBreakSpaceIsText", {u"a\u00a0b"}, 0, 1, {3}},
+    // Line 0 counts 3, line 1 only 2: median 2, mean deviation 0.5.
+    {"AVariationUpToTheLimit", {u"a b c", u"abc d"}, 0.5, 2, {3, 2}},
+    {"AVariationBeyondTheLimit", {u"a b c", u"abc d"}, 0.49, 2, {}},
+    {"OnlyTheLastLineMustHaveFewColumns", {u"a b c", u"abc d"}, kInfinity, 2, {3, 2}},
+    {"TooManyColumnsInTheLastLine", {u"a b c", u"abc d"}, kInfinity, 1, {}},
+    {"AsManyColumnsAsAllowed", {u"a b c", u"d e f"}, 0, 3, {1, 2, 2}},
+    {"OneColumnTooMany", {u"a b c", u"d e f"}, 0, 2, {}},
+    // Eleven lines count 1, four 3: fewer than a third of 15 count more, so the median is 1; the
+    // mean deviation is 8 / 15.
+    {"TheMedianIsOneWhenFewLinesHaveColumns",
+     {u"a b c", u"a b c", u"a b c", u"a b c", u"abcde", u"abcde", u"abcde", u"abcde", u"abcde",
+      u"abcde", u"abcde", u"abcde", u"abcde", u"abcde", u"abcde"},
+     0.54,
+     1,
+     {5}},
+    {"TheMedianIsOneAndTheLinesVaryTooMuch",
+     {u"a b c", u"a b c", u"a b c", u"a b c", u"abcde", u"abcde", u"abcde", u"abcde", u"abcde",
+      u"abcde", u"abcde", u"abcde", u"abcde", u"abcde", u"abcde"},
+     0.53,
+     1,
+     {}},
+};
+
+class FindColumnWidths : public testing::TestWithParam<WidthsCase> {};
+TEST_P(FindColumnWidths, CutInFrontOfCommonBlanks) {
+  const WidthsCase& row = GetParam();
+  const Lines lines(row.lines);
+  EXPECT_EQ(
+      find_column_widths(lines.fields(), row.lines.at(0).size(), row.variation, row.most_columns),
+      row.widths);
+}
+INSTANTIATE_TEST_SUITE_P(Table, FindColumnWidths, testing::ValuesIn(kWidthsCases), ByRule());
+
+// -- candidates ---------------------------------------------------------------------------------
+
+// What is expected of one candidate.
+struct Expected {
+  int mode;
+  std::u16string delimiter;
+  std::vector<std::size_t> widths;
+  unsigned long header_lines;
+  long num_variables;
+};
+
+std::string describe(const Expected& candidate) {
+  std::ostringstream out;
+  out << "mode " << candidate.mode << " delimiter '" << readable(candidate.delimiter) << "' widths "
+      << describe(candidate.widths) << "header " << candidate.header_lines << " variables "
+      << candidate.num_variables << '\n';
+  return out.str();
+}
+
+Expected delimited(std::u16string delimiter, unsigned long header_lines, long num_variables) {
+  return {Strategy::kDelimited, std::move(delimiter), {}, header_lines, num_variables};
+}
+Expected space_aligned(unsigned long header_lines, long num_variables) {
+  return {Strategy::kSpaceAligned, u"", {}, header_lines, num_variables};
+}
+Expected fixed_width(std::vector<std::size_t> widths, unsigned long header_lines,
+                     long num_variables) {
+  return {Strategy::kFixedWidth, u"", std::move(widths), header_lines, num_variables};
+}
+
+struct BuildCase {
+  const char* rule;
+  std::u16string chars;
+  std::u16string text;
+  unsigned long header_lines;  // kUnknown: to be detected
+  std::vector<Expected> candidates;
+};
+std::ostream& operator<<(std::ostream& out, const BuildCase& row) { return out << row.rule; }
+
+std::u16string times(std::size_t count, const std::u16string& line) {
+  std::u16string text;
+  for (std::size_t i = 0; i < count; ++i) text += line;
+  return text;
+}
+
+// Lines of 14 units: a name up to unit 11, a number in the last two. One name holds a blank, so
+// the space-aligned reading has 2, 2, 2, 3, 2 fields: median 2, mean deviation 0.2. One deviation
+// among five is no header. Only unit 11 is blank in all lines.
+const std::u16string kNames =
+    u"Anna        12\n"
+    u"Bartholomew 34\n"
+    u"Cid         56\n"
+    u"Dan Xu      78\n"
+    u"Eve         90\n";
+
+// The same with a last line of 13 units.
+const std::u16string kNamesWithAShortLine =
+    u"Anna        12\n"
+    u"Bartholomew 34\n"
+    u"Cid         56\n"
+    u"Dan Xu      78\n"
+    u"Eve        90\n";
+
+const BuildCase kBuildCases[] = {
+    {"NoCharactersNoCandidates", u"", u"a,b\n1,2\n", kUnknown, {}},
+    {"OneDelimiter", u",", u"a,b\n1,2\n3,4\n", kUnknown, {delimited(u",", 0, 2)}},
+    {"InTheOrderOfTheCharacters",
+     u";,",
+     u"a,b;c;d\n1,2;3;4\n5,6;7;8\n",
+     kUnknown,
+     {delimited(u";", 0, 3), delimited(u",", 0, 2)}},
+    // A space that separates all lines alike makes both readings perfectly regular.
+    {"ASpaceMakesTwoCandidates",
+     u" ",
+     u"a b\nc d\ne f\n",
+     kUnknown,
+     {space_aligned(0, 2), delimited(u" ", 0, 2)}},
+    // The blanks vary, so the single space finds 3, 2, 5 and 4 fields: median 3 (the lower middle
+    // one), whose last line is line 0: a single deviation measures nothing.
+    {"RaggedBlanksAreAligned",
+     u" ",
+     u"a  b\nc d\ne    f\ng   h\n",
+     kUnknown,
+     {space_aligned(0, 2)}},
+    // Fields 2, 2, 2, 1, 2: mean deviation 0.2. One deviation among five is no header.
+    {"AFewDeviationsAreAccepted",
+     u",",
+     u"1,2\n3,4\n5,6\n7\n8,9\n",
+     kUnknown,
+     {delimited(u",", 0, 2)}},
+    // Fields 2, 1, 2, 2: the bend comes after the second line, and two lines of four may be header.
+    {"ADeviationNearTheTopIsAHeader",
+     u",",
+     u"1,2\n3\n4,5\n6,7\n",
+     kUnknown,
+     {delimited(u",", 2, 2)}},
+    // Fields 2, 4, 2, 4, 2: median 2, deviations 0, 2, 0, 2, 0: mean 0.8.
+    {"ADeviationBelowOneIsAccepted",
+     u",",
+     u"1,2\n1,2,3,4\n1,2\n1,2,3,4\n1,2\n",
+     0,
+     {delimited(u",", 0, 4)}},
+    // Fields 2, 5, 2, 4, 2: deviations 0, 3, 0, 2, 0: mean 1.
+    {"ADeviationOfOneIsRefused", u",", u"1,2\n1,2,3,4,5\n1,2\n1,2,3,4\n1,2\n", 0, {}},
+    {"OneLineMeasuresNothing", u",", u"1,2\n", kUnknown, {}},
+    {"ACharacterThatIsNotThere", u";", u"a,b\n1,2\n3,4\n", kUnknown, {}},
+    {"NoTextNoCandidates", u", ;", u"", kUnknown, {}},
+
+    // Columns of fixed width.
+    {"LinesOfOneLengthAreFixedWidth", u" ", kNames, kUnknown, {fixed_width({11, 3}, 0, 2)}},
+    {"AShorterLineKeepsTheReadingAligned",
+     u" ",
+     kNamesWithAShortLine,
+     kUnknown,
+     {space_aligned(0, 3)}},
+    // Detected: the names' line has the data's length and shows no deviation of its own. The
+    // single space now finds 9, 9, 2, 10, 8, 10 fields: median 9, and up to the last line with 9
+    // nothing deviates.
+    {"ANamesLineOfTheSameLengthIsData",
+     u" ",
+     u"Name        Nr\n" + kNames,
+     kUnknown,
+     {fixed_width({11, 3}, 0, 2), delimited(u" ", 0, 10)}},
+    // Given: it is not looked at again.
+    {"AGivenHeaderLineStays",
+     u" ",
+     u"Name        Nr\n" + kNames,
+     1,
+     {fixed_width({11, 3}, 1, 2), delimited(u" ", 1, 10)}},
+    // The header line holds text at unit 11, but the columns come from the data lines. The single
+    // space finds 1, 9, 2, 10, 8, 10 fields: after the header line nothing deviates from 9.
+    {"AGivenHeaderLineHasNoColumns",
+     u" ",
+     u"Name,NameXXXNr\n" + kNames,
+     1,
+     {fixed_width({11, 3}, 1, 2), delimited(u" ", 1, 10)}},
+    // The data lines agree with each other, but not with the line above them. The single space
+    // finds 11, 9, 2, 10, 8, 10 fields: the lower middle one is 9 again.
+    {"AHeaderOfAnotherLengthKeepsTheReadingAligned",
+     u" ",
+     u"Name          Nr\n" + kNames,
+     1,
+     {space_aligned(1, 3), delimited(u" ", 1, 10)}},
+    // From the first line with two fields on there are eleven, two of them with two fields: fewer
+    // than a third, so that the aligned reading has one column and is not measured. Nothing stands
+    // against one column of 6 units, and the lines above have that length too.
+    {"WordsOfOneLengthAreOneColumn",
+     u" ",
+     times(4, u"abcdef\n") + times(2, u"ab def\n") + times(9, u"abcdef\n"),
+     kUnknown,
+     {fixed_width({6}, 0, 1)}},
+    // The same with a longer line between the two words and the lines above: the first data line
+    // does not move up over it.
+    {"HeaderLinesEndAtALineOfAnotherLength",
+     u" ",
+     u"abcdef\nabcdefgh\n" + times(2, u"ab def\n") + times(9, u"abcdef\n"),
+     kUnknown,
+     {fixed_width({6}, 2, 1)}},
+    // Two deviations and two header lines: nothing is left to measure, and the two data lines are
+    // one column of 5 units.
+    {"HeaderLinesThatTakeAllDeviations",
+     u" ",
+     u"ab cd\nab cd\nabcde\nabcde\n",
+     2,
+     {fixed_width({5}, 2, 1)}},
+
+    // Header lines given beyond the sample.
+    {"AsManyHeaderLinesAsLines", u" ", u"a b\nc d\n", 2, {}},
+    // A mean over less than nothing is a (negative) zero, which is regular.
+    {"MoreHeaderLinesThanLines",
+     u" ,",
+     u"a b,c\nd e,f\n",
+     3,
+     {space_aligned(3, 1), delimited(u" ", 3, 1), delimited(u",", 3, 1)}},
+    {"ManyMoreHeaderLinesThanLines",
+     u" ",
+     u"a b\nc d\n",
+     kUnknown - 1,
+     {space_aligned(kUnknown - 1, 1), delimited(u" ", kUnknown - 1, 1)}},
+};
+
+class BuildCandidates : public testing::TestWithParam<BuildCase> {
+ protected:
+  BuildCandidates() : text_(GetParam().text) {
+    options_.header_lines = GetParam().header_lines;
+    options_.detect_header_lines = GetParam().header_lines == kUnknown;
+  }
+
+  Candidates build(SelectionTrace* trace) const {
+    return build_candidates(GetParam().chars, {options_, options_.header_lines, text_.field(), 100},
+                            trace);
+  }
+
+  parser::options options_;
+  ExactText text_;
+};
+
+TEST_P(BuildCandidates, GivesTheUsableOnesInOrder) {
+  std::string expected;
+  for (const Expected& candidate : GetParam().candidates) expected += describe(candidate);
+  std::string built;
+  for (const auto& candidate : build(nullptr)) {
+    built += describe(Expected{candidate->mode(), delimiter_of(*candidate), widths_of(*candidate),
+                               candidate->header_lines(), candidate->num_variables()});
+  }
+  EXPECT_EQ(built, expected);
+}
+
+TEST_P(BuildCandidates, GivesTheSameWithATrace) {
+  SelectionTrace trace;
+  const Candidates traced = build(&trace);
+  const Candidates plain = build(nullptr);
+  ASSERT_EQ(traced.size(), plain.size());
+  for (std::size_t i = 0; i < plain.size(); ++i) {
+    EXPECT_EQ(describe(*traced[i]), describe(*plain[i]));
+    EXPECT_EQ(describe(traced[i]->valuation()), describe(plain[i]->valuation()));
+  }
+}
+
+TEST_P(BuildCandidates, TracesTheKeptOnesAsTheyAre) {
+  SelectionTrace trace;
+  const Candidates candidates = build(&trace);
+  std::vector<detection::CandidateTrace> kept;
+  for (const auto& candidate : trace.candidates) {
+    if (candidate.fate == CandidateFate::kept) kept.push_back(candidate);
+  }
+  ASSERT_EQ(kept.size(), candidates.size());
+  for (std::size_t i = 0; i < kept.size(); ++i) {
+    EXPECT_EQ(kept[i].mode, candidates[i]->mode());
+    EXPECT_EQ(kept[i].delimiter, delimiter_of(*candidates[i]));
+    EXPECT_EQ(kept[i].widths, widths_of(*candidates[i]));
+    EXPECT_EQ(kept[i].header_lines, candidates[i]->header_lines());
+    EXPECT_EQ(describe(kept[i].valuation), describe(candidates[i]->valuation()));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, BuildCandidates, testing::ValuesIn(kBuildCases), ByRule());
+
+// One candidate each, unlike the table, with options of its own.
+class BuildOneCandidate : public testing::Test {
+ protected:
+  Candidates build(const std::u16string& chars, const ExactText& text,
+                   unsigned long num_lines = 100) {
+    return build_candidates(chars, {options_, options_.header_lines, text.field(), num_lines},
+                            &trace_);
+  }
+
+  parser::options options_;
+  SelectionTrace trace_;
+};
+
+TEST_F(BuildOneCandidate, TellsWhatBecameOfEach) {
+  // The single space finds 9, 2, 10, 8 and 10 fields: median 9, whose last line is the first.
+  const ExactText text(kNames);
+  build(u" ", text);
+  ASSERT_EQ(trace_.candidates.size(), 3U);
+
+  EXPECT_EQ(trace_.candidates[0].mode, Strategy::kSpaceAligned);
+  EXPECT_EQ(trace_.candidates[0].fate, CandidateFate::made_fixed_width);
+  EXPECT_EQ(trace_.candidates[0].delimiter, u"");
+  EXPECT_EQ(trace_.candidates[0].valuation.data_variation, 1.0 / 5);
+  EXPECT_EQ(trace_.candidates[0].valuation.num_variables, 3U);
+
+  EXPECT_EQ(trace_.candidates[1].mode, Strategy::kFixedWidth);
+  EXPECT_EQ(trace_.candidates[1].fate, CandidateFate::kept);
+  EXPECT_EQ(trace_.candidates[1].widths, (std::vector<std::size_t>{11, 3}));
+  EXPECT_EQ(trace_.candidates[1].header_lines, 0U);
+
+  EXPECT_EQ(trace_.candidates[2].mode, Strategy::kDelimited);
+  EXPECT_EQ(trace_.candidates[2].delimiter, u" ");
+  EXPECT_EQ(trace_.candidates[2].fate, CandidateFate::irregular);
+  EXPECT_EQ(trace_.candidates[2].valuation.modal_field_count, 9);
+  EXPECT_EQ(trace_.candidates[2].valuation.data_variation, kInfinity);
+}
+
+TEST_F(BuildOneCandidate, TellsOfASingleColumn) {
+  const ExactText text(kNames);
+  EXPECT_TRUE(build(u",", text).empty());
+  ASSERT_EQ(trace_.candidates.size(), 1U);
+  EXPECT_EQ(trace_.candidates[0].delimiter, u",");
+  EXPECT_EQ(trace_.candidates[0].valuation.modal_field_count, 1);
+  EXPECT_EQ(trace_.candidates[0].fate, CandidateFate::single_column);
+}
+
+TEST_F(BuildOneCandidate, TellsOfADeviationOfOne) {
+  // Fields 2, 5, 2, 4, 2: deviations 0, 3, 0, 2, 0: mean 1.
+  options_.header_lines = 0;
+  options_.detect_header_lines = false;
+  const ExactText text(u"1,2\n1,2,3,4,5\n1,2\n1,2,3,4\n1,2\n");
+  EXPECT_TRUE(build(u",", text).empty());
+  ASSERT_EQ(trace_.candidates.size(), 1U);
+  EXPECT_EQ(trace_.candidates[0].fate, CandidateFate::irregular);
+  EXPECT_EQ(trace_.candidates[0].valuation.data_variation, 1.0);
+}
+
+TEST_F(BuildOneCandidate, ValuesTheFixedWidthOne) {
+  const ExactText text(kNames);
+  const Candidates candidates = build(u" ", text);
+  ASSERT_EQ(candidates.size(), 1U);
+  const StrategyValuation& valuation = candidates[0]->valuation();
+  EXPECT_EQ(valuation.num_lines, 5U);
+  EXPECT_EQ(valuation.modal_field_count, 2);
+  EXPECT_EQ(valuation.data_variation, 0.0);
+  EXPECT_EQ(valuation.typed_columns, 2U);    // a name and
+  EXPECT_EQ(valuation.numeric_columns, 1U);  // a number
+  EXPECT_EQ(valuation.priors_rank, kInfinity);
+}
+
+TEST_F(BuildOneCandidate, FixedWidthSamplesWhatTheAlignedReadingSampled) {
+  // A budget of five lines, of six.
+  const ExactText text(kNames + u"Fay Ng      11\n");
+  const Candidates candidates = build(u" ", text, 5);
+  ASSERT_EQ(candidates.size(), 1U);
+  EXPECT_EQ(candidates[0]->mode(), Strategy::kFixedWidth);
+  EXPECT_EQ(candidates[0]->lines().size(), 5U);
+}
+
+TEST_F(BuildOneCandidate, RefusesOneColumnWithAFixedNumberOfVariablesToo) {
+  // One field on most lines: no deviation is measured, whatever the caller asks for.
+  options_.detect_num_variables = false;
+  options_.num_variables = 1;
+  const ExactText text(times(12, u"abc\n"));
+  EXPECT_TRUE(build(u",", text).empty());
+  ASSERT_EQ(trace_.candidates.size(), 1U);
+  EXPECT_NE(trace_.candidates[0].fate, CandidateFate::kept);
+}
+
+TEST_F(BuildOneCandidate, LeavesTheGivenNumberOfHeaderLinesToTheAlignedReading) {
+  // The caller knows the number of header lines, yet gives "not known": the aligned reading
+  // detects them. The title has one field, the data lines two; the title is longer.
+  options_.detect_header_lines = false;
+  options_.header_lines = kUnknown;
+  const ExactText text(u"title\na b\nc d\ne f\ng h\n");
+  const Candidates candidates = build(u" ", text);
+  ASSERT_EQ(candidates.size(), 2U);
+  EXPECT_EQ(candidates[0]->mode(), Strategy::kSpaceAligned);
+  EXPECT_EQ(candidates[0]->header_lines(), 1U);
+  EXPECT_EQ(candidates[0]->num_variables(), 2);
+}
+
+TEST_F(BuildOneCandidate, NeverMakesColumnsOfBlankLines) {
+  // White space that holds no blank keeps blank lines; without their leading blanks they are all
+  // empty and of one length. The single space finds four fields in each.
+  options_.whitespace = u"";
+  const ExactText text(u"   \n   \n   \n");
+  const Candidates candidates = build(u" ", text);
+  ASSERT_EQ(candidates.size(), 1U);
+  EXPECT_EQ(delimiter_of(*candidates[0]), u" ");
+  EXPECT_EQ(candidates[0]->num_variables(), 4);
+  EXPECT_EQ(candidates[0]->valuation().typed_columns, 0U);
+}
+
+TEST_F(BuildOneCandidate, ReadsQuotedLineEndingsAsText) {
+  const ExactText text(u"a,b\n\"x\ny\",1\n2,3\n4,5\n");
+  const Candidates candidates = build(u",", text);
+  ASSERT_EQ(candidates.size(), 1U);
+  EXPECT_EQ(testing_support::sampled_lines_of(*candidates[0]),
+            (std::vector<std::u16string>{u"a,b", u"\"x\ny\",1", u"2,3", u"4,5"}));
+}
+
+TEST_F(BuildOneCandidate, CandidatesOutliveTheInputAndTheTrace) {
+  auto text = std::make_unique<ExactText>(kNames);
+  auto trace = std::make_unique<SelectionTrace>();
+  const Candidates candidates =
+      build_candidates(u" ", {options_, kUnknown, text->field(), 100}, trace.get());
+  text.reset();
+  trace.reset();
+  ASSERT_EQ(candidates.size(), 1U);
+  EXPECT_EQ(candidates[0]->num_variables(), 2);
+}
+
+}  // namespace
+}  // namespace textio

@@ -1,0 +1,30 @@
+// Comparing the library with the plain reference, every result bit for bit.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace textio::differential {
+
+// The choices of a caller that a detection reads.
+struct Choices {
+  std::vector<std::u16string> line_endings{u"\r\n", u"\n", u"\r"};
+  std::vector<std::u16string> comment_style;
+  std::u16string whitespace = u" \b\t";
+  std::optional<std::size_t> header_lines;   // nothing: to be detected
+  std::optional<std::size_t> num_variables;  // nothing: to be detected
+  unsigned long num_lines = 100;
+};
+
+// Where the library and the reference part when they detect the layout of `text`; empty when they
+// agree on candidates, valuations, survivors and winner.
+std::string difference_in_detection(const std::u16string& text, const Choices& choices);
+
+// The same for one strategy after the other, the fixed-width one with `widths`: lines, fields,
+// counts, valuation, header lines, column classes.
+std::string difference_in_strategies(const std::u16string& text, const Choices& choices,
+                                     const std::vector<unsigned long>& widths);
+
+}  // namespace textio::differential
