@@ -45,19 +45,16 @@ bool all_as_long_as_the_first(const std::vector<Field>& lines, std::size_t begin
                      [&](const Field& line) { return line.length == lines[0].length; });
 }
 
-double mean_deviation(const std::vector<std::size_t>& counts, std::size_t from) {
-  double sum = 0.0;
-  for (const std::size_t count : counts) {
-    sum += static_cast<double>(count > from ? count - from : from - count);
-  }
-  return sum / static_cast<double>(counts.size());
+double mean_deviation(std::vector<std::size_t> counts, std::size_t from) {
+  for (std::size_t& count : counts) count = count > from ? count - from : from - count;
+  return get_total_variation(counts);
 }
 
 CandidateTrace trace_of(Strategy& strategy, CandidateFate fate) {
   CandidateTrace trace;
   trace.mode = strategy.mode();
   if (const auto* delimited = dynamic_cast<const DelimitedStrategy*>(&strategy)) {
-    trace.delimiter = delimited->delimiter()->strings.front();
+    trace.delimiter = delimited->delimiters().front();
   }
   if (const auto* fixed = dynamic_cast<const FixedWidthStrategy*>(&strategy)) {
     trace.widths = fixed->widths();

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "detection/strategy_selector.hpp"
+#include "strategy/delimiter_priority.hpp"
 
 namespace textio::detection {
 namespace {
@@ -11,8 +12,8 @@ namespace {
 using Survivors = StrategySelector::Survivors;
 using Valuations = StrategySelector::Valuations;
 
-// Ranks below this belong to the four characters of the priority list.
-constexpr double kPriorityCount = 4.0;
+// Ranks below this belong to the characters of the priority list.
+constexpr auto kPriorityCount = static_cast<double>(kDelimiterPriority.size());
 
 template <typename Criterion>
 Survivors keep_if_any(const Survivors& survivors, Criterion meets) {

@@ -2,7 +2,6 @@
 // the filters one after the other until one candidate is left.
 #include "detection/strategy_selector.hpp"
 
-#include <functional>
 #include <numeric>
 
 #include "detection/candidates.hpp"
@@ -28,6 +27,28 @@ struct SingleColumn {
 
   parser::options options;
   DelimitedStrategy strategy;
+};
+
+// One step of the cascade; one of the two filters is set.
+struct FilterStep {
+  using Survivors = StrategySelector::Survivors;
+  using Valuations = StrategySelector::Valuations;
+
+  const char* name;
+  bool for_given_number_of_variables = false;
+  Survivors (StrategySelector::*by_valuations)(const Survivors&, const Valuations&) const = nullptr;
+  Survivors (StrategySelector::*by_candidates)(const Survivors&, const Valuations&,
+                                               const Candidates&) const = nullptr;
+};
+
+constexpr FilterStep kCascade[] = {
+    {"reduce_by_numvariables", true, &StrategySelector::reduce_by_numvariables},
+    {"reduce_by_dates", false, &StrategySelector::reduce_by_dates},
+    {"reduce_by_variation", false, &StrategySelector::reduce_by_variation},
+    {"reduce_by_class_value", false, &StrategySelector::reduce_by_class_value},
+    {"reduce_by_header_lines", false, nullptr, &StrategySelector::reduce_by_header_lines},
+    {"reduce_by_non_empty", false, &StrategySelector::reduce_by_non_empty},
+    {"reduce_by_priors_rank", false, &StrategySelector::reduce_by_priors_rank},
 };
 
 bool reads_as_dates(const StrategyValuation& score) {
@@ -90,42 +111,32 @@ std::shared_ptr<Strategy> StrategySelector::pick(const Field& text, unsigned lon
     return candidates.front();
   }
 
+  const Survivors survivors = reduce(candidates, trace);
+  if (survivors.size() == 1) {
+    ended(SelectionEnd::single_survivor);
+    return candidates[survivors.front()];
+  }
+  ended(SelectionEnd::unresolved_tie);
+  return single_column(text, num_lines);
+}
+
+// Runs the filters in their order until one candidate is left.
+StrategySelector::Survivors StrategySelector::reduce(const Candidates& candidates,
+                                                     SelectionTrace* trace) const {
   Valuations valuations;
+  valuations.reserve(candidates.size());
   for (const auto& candidate : candidates) valuations.push_back(candidate->valuation());
   Survivors survivors(candidates.size());
   std::iota(survivors.begin(), survivors.end(), 0UL);
 
-  using Filter = Survivors (StrategySelector::*)(const Survivors&, const Valuations&) const;
-  const auto run = [&](Filter filter) {
-    return
-        [this, filter, &valuations](const Survivors& s) { return (this->*filter)(s, valuations); };
-  };
-  const struct {
-    const char* name;
-    bool applies;
-    std::function<Survivors(const Survivors&)> filter;
-  } cascade[] = {
-      {"reduce_by_numvariables", !options_->detect_num_variables,
-       run(&StrategySelector::reduce_by_numvariables)},
-      {"reduce_by_dates", true, run(&StrategySelector::reduce_by_dates)},
-      {"reduce_by_variation", true, run(&StrategySelector::reduce_by_variation)},
-      {"reduce_by_class_value", true, run(&StrategySelector::reduce_by_class_value)},
-      {"reduce_by_header_lines", true,
-       [&](const Survivors& s) { return reduce_by_header_lines(s, valuations, candidates); }},
-      {"reduce_by_non_empty", true, run(&StrategySelector::reduce_by_non_empty)},
-      {"reduce_by_priors_rank", true, run(&StrategySelector::reduce_by_priors_rank)},
-  };
-  for (const auto& step : cascade) {
-    if (!step.applies) continue;
-    survivors = step.filter(survivors);
+  for (const FilterStep& step : kCascade) {
+    if (step.for_given_number_of_variables && options_->detect_num_variables) continue;
+    survivors = step.by_candidates ? (this->*step.by_candidates)(survivors, valuations, candidates)
+                                   : (this->*step.by_valuations)(survivors, valuations);
     if (trace) trace->filters.push_back({step.name, {survivors.begin(), survivors.end()}});
-    if (survivors.size() == 1) {
-      ended(SelectionEnd::single_survivor);
-      return candidates[survivors.front()];
-    }
+    if (survivors.size() == 1) break;
   }
-  ended(SelectionEnd::unresolved_tie);
-  return single_column(text, num_lines);
+  return survivors;
 }
 
 std::shared_ptr<Strategy> StrategySelector::single_column(const Field& text,

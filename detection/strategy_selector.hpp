@@ -46,7 +46,7 @@ class VLTEXTSTREAM_EXPORT StrategySelector {
   // brings its own options and has not been valued.
   std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines) const;
 
-  // The same, and tells how it came about; what `trace` held before is lost.
+  // The same, and tells how the answer was found; what `trace` held before is lost.
   std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines,
                                           SelectionTrace& trace) const;
 
@@ -83,6 +83,8 @@ class VLTEXTSTREAM_EXPORT StrategySelector {
  private:
   VLTEXTSTREAM_LOCAL std::shared_ptr<Strategy> pick(const Field& text, unsigned long num_lines,
                                                     SelectionTrace* trace) const;
+  VLTEXTSTREAM_LOCAL Survivors reduce(const std::vector<std::shared_ptr<Strategy>>& candidates,
+                                      SelectionTrace* trace) const;
   VLTEXTSTREAM_LOCAL std::shared_ptr<Strategy> single_column(const Field& text,
                                                              unsigned long num_lines) const;
 

@@ -68,7 +68,8 @@ struct VLTEXTSTREAM_EXPORT options {
   options& operator=(options&&) noexcept;
   ~options();
 
-  // Field delimiters asked for, each of one or more characters; empty means "detect".
+  // Field delimiters asked for, each of one or more characters. A selection builds its candidates
+  // from the text alone; DelimitedStrategy(options) is built from these.
   std::vector<std::u16string> delimiters;
 
   // Sequences that end a line, in the order in which they are tried.
@@ -83,22 +84,26 @@ struct VLTEXTSTREAM_EXPORT options {
   // The set of characters that count as white space around fields.
   std::u16string whitespace;
 
-  // Name of the file's encoding, as the host's converter knows it.
+  // Name of the file's encoding, for whoever opens the file.
   std::u16string encoding;
 
-  // Locale for the host's date recognition.
+  // Name of a locale for date recognition. Carried along; the host may act on it.
   std::u16string date_locale;
 
-  // The set of characters accepted as exponent marker.
+  // The set of characters accepted as exponent marker, for the import that follows. The datatype
+  // classes know the default set alone.
   std::u16string exp_chars;
 
-  // Column widths of a fixed-width file.
+  // Column widths of a fixed-width file, for whoever builds a FixedWidthStrategy.
   std::vector<std::uint64_t> variable_widths;
 
   // Lines before the data; all bits set while it is not known.
   std::size_t header_lines;
 
+  // Variables that the caller expects; read while `detect_num_variables` is false.
   std::uint64_t num_variables = 0;
+
+  // Lines and a field as the caller gives them; carried for the import that follows.
   std::uint64_t variable_names_line = 0;
   std::uint64_t variable_units_line = 0;
   std::uint64_t variable_descriptions_line = 0;

@@ -30,9 +30,8 @@ std::size_t skip_digits(View text, std::size_t i) {
 
 bool is_nan_or_inf(View three) {
   const auto equals = [three](View name) {
-    return std::equal(
-        three.begin(), three.end(), name.begin(), name.end(),
-        [](char16_t a, char16_t b) { return (a >= u'a' && a <= u'z' ? a - 32 : a) == b; });
+    return std::equal(three.begin(), three.end(), name.begin(), name.end(),
+                      [](char16_t a, char16_t b) { return fold_ascii(a) == b; });
   };
   return equals(u"NAN") || equals(u"INF");
 }

@@ -2,8 +2,8 @@
 // conversion. Dates alone are left to the host.
 //
 // Units  positions count UTF-16 code units.
-// Cost   linear in the field; allocates only for a quoted field of 32 units or more that holds
-//        quotes inside.
+// Cost   linear in the field. classify_field allocates only for a quoted field of 32 units or more
+//        that holds quotes inside.
 #pragma once
 
 #include <cstddef>

@@ -25,3 +25,9 @@ VLTEXTSTREAM_EXPORT std::vector<double> three_point_filter(const std::vector<dou
                                                            double b, double c);
 
 }  // namespace textio::detection
+
+namespace textio {
+
+using detection::three_point_filter;
+
+}  // namespace textio

@@ -1,5 +1,5 @@
 // The valuation of a strategy: from the number of fields on each line follow the modal count, the
-// deviations from it, the header lines, the number of variables and, at last, the column classes.
+// deviations from it, the header lines, the number of variables and, finally, the column classes.
 #include "scoring/strategy_valuation.hpp"
 
 #include <algorithm>
@@ -11,8 +11,6 @@
 
 namespace textio {
 namespace {
-
-constexpr auto kUnknown = std::numeric_limits<std::size_t>::max();
 
 // The number of fields of each of `num_lines` lines, from the running totals.
 std::vector<std::size_t> counts_per_line(const std::vector<std::size_t>& totals,
@@ -37,10 +35,18 @@ std::vector<std::size_t> indexes_of_zeros(const std::vector<std::size_t>& counts
 }  // namespace
 
 const StrategyValuation& Strategy::valuation() {
-  if (!valuation_done_) {
-    value_cut(get_fields_from_lines());
-    valuation_done_ = true;
+  if (valuation_done_) return valuation_;
+  const FieldArray fields = get_fields_from_lines();
+  const StrategyValuation valuation_before = valuation_;
+  const std::size_t header_lines_before = header_lines_;
+  try {
+    value_cut(fields);
+  } catch (...) {
+    valuation_ = valuation_before;
+    header_lines_ = header_lines_before;
+    throw;
   }
+  valuation_done_ = true;
   return valuation_;
 }
 
@@ -94,7 +100,7 @@ void Strategy::settle_header_lines(const std::vector<std::size_t>& line_counts,
 }
 
 void Strategy::calculate_headerlines(const std::vector<std::size_t>& diffs, std::size_t first) {
-  if (header_lines_ != kUnknown) return;
+  if (header_lines_ != kUnknownHeaderLines) return;
   header_lines_ = valuation_.total_variation == 0.0
                       ? 0
                       : detection::get_header_lines(diffs, first, space_separated_);

@@ -16,19 +16,6 @@ namespace {
 constexpr std::size_t kChunkBytes = 65'535;
 constexpr std::size_t kScratchUnits = 65'535;
 
-// Stands for every character outside the Basic Multilingual Plane.
-constexpr char16_t kFoldedPair = 0x001A;
-
-constexpr bool is_low_surrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-constexpr bool is_high_surrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-
-// Makes one unit of every surrogate pair in [begin, end); returns the new end.
-char16_t* fold_pairs(char16_t* begin, char16_t* end) {
-  char16_t* const folded_end = std::remove_if(begin, end, is_low_surrogate);
-  std::replace_if(begin, folded_end, is_high_surrogate, kFoldedPair);
-  return folded_end;
-}
-
 struct CloseFile {
   void operator()(std::FILE* file) const noexcept { std::fclose(file); }
 };
@@ -92,7 +79,7 @@ std::size_t FileTextSource::FileState::decode(char16_t* begin, char16_t* end) {
     char16_t* const first = cursor;
     const char* in = chunk;
     if (converter.convert(cursor, end, in, chunk + got, got < ask)) converter.reset(false);
-    cursor = fold_pairs(first, cursor);
+    cursor = fold_surrogate_pairs(first, cursor);
     if (got == 0 && cursor == first) break;
   }
   return static_cast<std::size_t>(cursor - begin);
@@ -122,12 +109,18 @@ source_pos FileTextSource::getPos() const {
   return file_state ? ::ftello64(file_state->file.get()) : 0;
 }
 
-// An input that cannot seek, such as a pipe, has no position (it reports -1): it is read on from
-// where it stands, which is where its reader wants to go on.
+bool FileTextSource::read_failed() const {
+  return file_state && std::ferror(file_state->file.get()) != 0;
+}
+
+// Where the file stands already, the converter goes on as it is, with what it holds back. That is
+// also the only place that an input which cannot seek, such as a pipe, knows (it calls it -1).
 unsigned long FileTextSource::skipFromPos(source_pos pos, unsigned long count) {
   if (!file_state) return 0;
-  file_state->converter.reset(pos == 0);
-  if (pos >= 0 && ::fseeko64(file_state->file.get(), pos, SEEK_SET) != 0) return 0;
+  if (pos != getPos()) {
+    file_state->converter.reset(pos == 0);
+    if (::fseeko64(file_state->file.get(), pos, SEEK_SET) != 0) return 0;
+  }
   char16_t scratch[kScratchUnits];
   unsigned long skipped = 0;
   while (skipped < count) {

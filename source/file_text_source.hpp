@@ -10,7 +10,7 @@
 //
 // Units      a source_pos is a byte offset in the file; everything else counts code units.
 // Ownership  owns the file and the converter; closes the file when destroyed.
-// Errors     see init_stream. A read that fails looks like the end of the file.
+// Errors     see init_stream. A read that fails looks like the end of the file; read_failed tells.
 // Cost       no heap allocation per fill; the file is read in chunks of at most 65,535 bytes.
 #pragma once
 
@@ -51,6 +51,9 @@ class VLTEXTSTREAM_EXPORT FileTextSource : public TextSource {
   source_pos getPos() const override;
   unsigned long skipFromPos(source_pos pos, unsigned long count) override;
   ~FileTextSource() override;
+
+  // Whether a read has failed since the file was opened; its text ends there.
+  bool read_failed() const;
 
  private:
   struct VLTEXTSTREAM_LOCAL FileState;

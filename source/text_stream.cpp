@@ -79,7 +79,7 @@ void TextStream::resizeInternalBuffer(unsigned long n) const {
   char16_t* begin = nullptr;
   char16_t* end = nullptr;
   buffer_manager->resize(n, begin, end);
-  window_start = begin + (window_start - buffer_begin);
+  window_start = std::min(begin + (window_start - buffer_begin), end);
   buffer_begin = begin;
   data_end = end;
 }

@@ -13,7 +13,9 @@
 //            valid until the next call that loads text or advances.
 // Errors     none of its own; what the source or the allocation throws (a position that no memory
 //            could hold included) passes through and leaves the stream as it was before the call.
-// Cost       loads in blocks of at least 131,072 units; a search or match copies nothing.
+// Cost       loads in blocks of at least 131,072 units; a search or match copies nothing. When
+//            advance loads a block, it first copies the loaded text from the old window on, to put
+//            it back should the load fail.
 // Threads    one thread at a time, the const operations included: they load text.
 #pragma once
 

@@ -116,7 +116,7 @@ std::optional<std::u16string> first_line_ending(const Field& sample,
 
 void describe_separators(const Strategy& strategy, Layout& layout) {
   if (const auto* delimited = dynamic_cast<const DelimitedStrategy*>(&strategy)) {
-    layout.delimiters = delimited->delimiter()->strings;
+    layout.delimiters = delimited->delimiters();
   } else if (const auto* fixed = dynamic_cast<const FixedWidthStrategy*>(&strategy)) {
     layout.widths = fixed->widths();
   } else if (layout.mode == LayoutMode::space_aligned) {
@@ -175,9 +175,6 @@ void open_source(FileTextSource& source, const std::string& path, const std::str
   }
 }
 
-bool is_low_surrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-bool is_high_surrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-
 }  // namespace
 
 FileError::~FileError() = default;
@@ -189,8 +186,9 @@ Layout detect_layout(const std::string& path, const DetectSettings& settings) {
   FileTextSource source;
   open_source(source, path, encoding.name);
   const TextStream stream(&source);
-  Layout layout =
-      layout_of_sample(get_fixed_stream(stream, settings.options.line_endings), settings);
+  const Field sample = get_fixed_stream(stream, settings.options.line_endings);
+  if (source.read_failed()) throw FileError(fmt::format("cannot read '{}': a read failed", path));
+  Layout layout = layout_of_sample(sample, settings);
   layout.encoding = encoding.name;
   layout.encoding_found = encoding.found;
   return layout;
@@ -199,9 +197,8 @@ Layout detect_layout(const std::string& path, const DetectSettings& settings) {
 Layout detect_layout(std::u16string_view text, const DetectSettings& settings) {
   // One unit per character, as a file's text has it.
   std::u16string folded(text);
-  folded.erase(std::remove_if(folded.begin(), folded.end(), is_low_surrogate), folded.end());
-  std::replace_if(folded.begin(), folded.end(), is_high_surrogate, u'\x1A');
-  MemoryTextSource source(folded.data(), folded.size());
+  char16_t* const end = fold_surrogate_pairs(folded.data(), folded.data() + folded.size());
+  MemoryTextSource source(folded.data(), static_cast<std::size_t>(end - folded.data()));
   const TextStream stream(&source);
   return layout_of_sample(get_fixed_stream(stream, settings.options.line_endings), settings);
 }

@@ -7,10 +7,12 @@
 // Units      lines count from 1 over the sampled lines: a quoted field with line endings inside is
 //            one line, a comment is none. Widths count characters.
 // Ownership  a layout holds no view of the text; it is a value to copy and keep.
-// Errors     FileError when the file cannot be read, std::invalid_argument for an encoding that is
-//            not known; std::bad_alloc.
-// Cost       looks at no more than the first 4,194,304 characters and reads hardly further, each byte
-//            once; a prefix of at most 64 KB is read once more when the encoding is to be found.
+// Errors     FileError when the file cannot be opened or a read fails, std::invalid_argument for an
+//            encoding that is not known; std::runtime_error when the decoder itself fails;
+//            std::bad_alloc.
+// Cost       of a file no more than the first 4,194,304 characters are looked at, and little more is
+//            read, each byte once; a prefix of at most 64 KB is read once more to find the
+//            encoding. A text is copied.
 // Threads    detections may run side by side, also with one and the same settings.
 #pragma once
 
@@ -36,7 +38,8 @@ enum class EncodingFound {
   given,            // the settings name it
   byte_order_mark,  // the file starts with the mark
   valid_utf8,       // the beginning of the file is well-formed UTF-8
-  fallback          // none of these: taken for windows-1252
+  fallback,         // none of these: taken for windows-1252, or for UTF-8 when it is no plain file
+  none              // the text was in memory
 };
 
 struct VLTEXTSTREAM_EXPORT DetectSettings {
@@ -66,9 +69,9 @@ struct VLTEXTSTREAM_EXPORT Layout {
   std::size_t header_lines = 0;
 
   // The line that holds the names of the variables, if one does, and these names, trimmed and
-  // without quotes. It is the last header line when that has a text for every variable; otherwise
-  // the first line after the header when its fields are different texts above columns that are
-  // not all text.
+  // without quotes. It is the last header line when that has as many fields as there are variables
+  // and none of them is empty; otherwise the first line after the header when it has as many, all
+  // of class text and no two alike, and not all columns below are of class text.
   std::optional<std::size_t> names_line;
   std::vector<std::u16string> names;
 
@@ -77,7 +80,7 @@ struct VLTEXTSTREAM_EXPORT Layout {
   std::vector<DatatypeCode> classes;
 
   std::string encoding;
-  EncodingFound encoding_found = EncodingFound::given;
+  EncodingFound encoding_found = EncodingFound::none;
 
   // The first line ending in the sample, if there is one.
   std::optional<std::u16string> line_ending;

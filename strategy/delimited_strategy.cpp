@@ -1,15 +1,15 @@
 #include "strategy/delimited_strategy.hpp"
 
+#include "strategy/delimiter_priority.hpp"
 #include "strategy/scan.hpp"
 
 namespace textio {
 namespace {
 
-// The one-character delimiters that are plausible before any text is seen, best first.
-constexpr std::u16string_view kPriority = u",\t; ";
-
 // A character that is not in the list ranks as its search says: at 2^64, far behind, yet measured.
-double priors_rank_of(char16_t delimiter) { return static_cast<double>(kPriority.find(delimiter)); }
+double priors_rank_of(char16_t delimiter) {
+  return static_cast<double>(kDelimiterPriority.find(delimiter));
+}
 
 }  // namespace
 
@@ -37,11 +37,18 @@ DelimitedStrategy::DelimitedStrategy(const parser::options& options, char16_t de
 
 DelimitedStrategy::~DelimitedStrategy() = default;
 
+// Of a set with a single character nothing but that character counts.
+std::vector<std::u16string> DelimitedStrategy::delimiters() const {
+  const DelimiterSet& set = *delimiter();
+  if (set.is_single_char) return {std::u16string(1, *set.single_char)};
+  return set.strings;
+}
+
 int DelimitedStrategy::mode() const { return kDelimited; }
 
 // A line is made of whole fields, so that a line ending inside quotes does not end it. A field
-// that consumed nothing stopped at a line ending or at the end of the text: the loop gets on with
-// every field.
+// that consumed nothing stopped at a line ending or at the end of the text: the loop moves on
+// with every field.
 FieldExtent DelimitedStrategy::get_line_extent(const Field& text, unsigned long start) const {
   std::size_t pos = start;
   while (!ends_at(text, pos)) {

@@ -35,6 +35,9 @@ class VLTEXTSTREAM_EXPORT DelimitedStrategy : public Strategy {
   // The delimiters; owned by the strategy, never null.
   const DelimiterSet* delimiter() const { return tokenizer_.delimiters_.get(); }
 
+  // The delimiters as texts, in the order in which they are tried.
+  std::vector<std::u16string> delimiters() const;
+
  private:
   FieldTokenizer tokenizer_;
   std::shared_ptr<const DelimiterSet> line_endings_;

@@ -22,14 +22,10 @@ View trim(View text, const FieldFormat& format) {
   return text;
 }
 
-char16_t upper_ascii(char16_t unit) {
-  return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 32) : unit;
-}
-
 bool equal(View a, View b, bool case_sensitive) {
   if (case_sensitive) return a == b;
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char16_t x, char16_t y) { return upper_ascii(x) == upper_ascii(y); });
+                    [](char16_t x, char16_t y) { return fold_ascii(x) == fold_ascii(y); });
 }
 
 // Takes the first prefix and the first suffix that stand at the ends off the text. Both are looked

@@ -28,6 +28,11 @@ inline bool ends_at(const Field& text, std::size_t i) {
   return i >= text.length || text.data[i] == kEndMark;
 }
 
+// 'a' to 'z' in upper case; no other unit changes.
+inline char16_t fold_ascii(char16_t unit) {
+  return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 32) : unit;
+}
+
 inline bool contains(std::u16string_view set, char16_t unit) { return set.find(unit) != set.npos; }
 
 // The first position from `i` on whose unit is in `set`, the text's length when there is none.

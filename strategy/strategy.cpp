@@ -11,10 +11,9 @@
 namespace textio {
 namespace {
 
-constexpr auto kUnknown = std::numeric_limits<std::size_t>::max();
-
 std::size_t saturating_add(std::size_t a, std::size_t b) {
-  return a > kUnknown - b ? kUnknown : a + b;
+  constexpr auto kMost = std::numeric_limits<std::size_t>::max();
+  return a > kMost - b ? kMost : a + b;
 }
 
 // Whether a line whose cleaned text is `text` is a comment. Only the start marker counts: what a
@@ -22,6 +21,12 @@ std::size_t saturating_add(std::size_t a, std::size_t b) {
 bool is_comment(const Field& text, const std::vector<std::u16string>& comment_style) {
   return !comment_style.empty() && !comment_style[0].empty() &&
          view_of(text).substr(0, comment_style[0].size()) == comment_style[0];
+}
+
+// The text that stands in for an empty line, if there is one.
+Field or_replacement(const Field& cleaned, const FieldFormat& format) {
+  const std::u16string& replacement = format.empty_text;
+  return cleaned.length > 0 ? cleaned : Field(replacement.data(), replacement.size());
 }
 
 // Whether `field`, a field of `line`, ends where the line ends. A field may report more units than
@@ -55,7 +60,7 @@ void Strategy::reset_whitespace(const std::u16string& whitespace) {
 
 void Strategy::header_lines(unsigned long n) {
   header_lines_ = n;
-  header_lines_auto_ = n == kUnknown;
+  header_lines_auto_ = n == kUnknownHeaderLines;
 }
 
 long Strategy::num_variables() const {
@@ -76,9 +81,7 @@ std::vector<Field> Strategy::populate_fields(const Field& text, unsigned long nu
   while (!ends_at(text, pos) && count < target) {
     const FieldExtent line = get_line_extent(text, pos);
     pos = line.next;
-    Field cleaned = clean_line(line.field, text_format_);
-    if (cleaned.length == 0)
-      cleaned = Field(text_format_.empty_text.data(), text_format_.empty_text.size());
+    const Field cleaned = or_replacement(clean_line(line.field, text_format_), text_format_);
     if (cleaned.length == 0) {
       lines_.push_back(empty_field());
     } else if (!is_comment(cleaned, options_->comment_style)) {
@@ -86,6 +89,8 @@ std::vector<Field> Strategy::populate_fields(const Field& text, unsigned long nu
       ++count;
     }
   }
+  // A budget that the text did not come up to may have reserved far more than is kept.
+  if (lines_.capacity() / 2 > lines_.size()) lines_.shrink_to_fit();
   return lines_;
 }
 

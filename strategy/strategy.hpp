@@ -7,9 +7,8 @@
 // A strategy is made from options, samples the first lines of one text, cuts them into fields and
 // values the cut once. It keeps no text: its lines and fields are views of the text it was given.
 //
-// Units      positions and lengths count UTF-16 code units, line numbers count sampled lines from
-// 0. Ownership  made with new and shared through shared_ptr<Strategy>. The options record must
-// outlive
+// Units      positions and lengths count UTF-16 code units, line numbers sampled lines from 0.
+// Ownership  made with new and shared through shared_ptr<Strategy>. The options record must outlive
 //            the strategy; the text must outlive every use of its lines.
 // Errors     none of its own; std::bad_alloc passes.
 // Cost       sampling, cutting and valuing are linear in the sampled text.
@@ -17,6 +16,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
@@ -74,6 +74,9 @@ class VLTEXTSTREAM_EXPORT Strategy {
   // The codes that mode() returns.
   enum Mode { kDelimited = 0, kSpaceAligned = 1, kFixedWidth = 2, kLineReader = 3 };
 
+  // Header lines that are to be detected.
+  static constexpr std::size_t kUnknownHeaderLines = std::numeric_limits<std::size_t>::max();
+
   explicit Strategy(const parser::options& options);
   Strategy(const Strategy&) = delete;
   Strategy& operator=(const Strategy&) = delete;
@@ -110,7 +113,7 @@ class VLTEXTSTREAM_EXPORT Strategy {
   void inspect_datatypes(const FieldArray& fields);
 
   // The class of each column of `fields`, by the header lines, the modal field count and the number
-  // of variables that the strategy has by now; see scoring/datatype_inspection.hpp.
+  // of variables that the strategy has now; see scoring/datatype_inspection.hpp.
   std::vector<DatatypeCode> classify_columns(const FieldArray& fields) const;
 
   // The classes that the last inspection found; none before, and none for a sample in which each
@@ -129,7 +132,7 @@ class VLTEXTSTREAM_EXPORT Strategy {
   // Settles the header lines from the deviations when they are not known yet.
   void calculate_headerlines(const std::vector<std::size_t>& diffs, std::size_t first);
 
-  // The number of header lines; all bits set means "to be detected", in both directions.
+  // The number of header lines; kUnknownHeaderLines in both directions.
   void header_lines(unsigned long n);
   unsigned long header_lines() const { return header_lines_; }
 

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fmt/format.h>
@@ -80,8 +81,13 @@ void settle(Arguments& arguments) {
   }
 }
 
-// Looks at every file; one that fails does not stop the others. Standard output is written at
-// last, so that nothing stands there when no file could be read.
+// Says on standard error what went wrong; what cannot be said there is lost.
+void complain(std::string_view message) {
+  std::fputs(fmt::format("vltext: {}\n", textio::tool::printable(message)).c_str(), stderr);
+}
+
+// Looks at every file; one that fails does not stop the others. Standard output is written
+// only at the end, so that nothing stands there when no file could be read.
 int run(const Arguments& arguments) {
   std::string text;
   nlohmann::ordered_json files = nlohmann::ordered_json::array();
@@ -95,7 +101,7 @@ int run(const Arguments& arguments) {
         text += textio::tool::report(file, layout);
       }
     } catch (const std::exception& error) {
-      fmt::print(stderr, "vltext: {}: {}\n", file, error.what());
+      complain(error.what());
       status = kFailed;
     }
   }

@@ -21,7 +21,34 @@ using standalone::to_utf8;
 
 using Out = std::back_insert_iterator<std::string>;
 
-// A marker with control characters spelled out, and the usual ones by name.
+// What a terminal might take for a command, or what would turn the text around it: control
+// characters, separators of lines, marks of writing direction, and bytes that are no text.
+bool is_unprintable(char16_t unit) {
+  const bool is_control = unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
+  const bool is_separator = unit == 0x2028 || unit == 0x2029;
+  const bool is_direction = unit == 0x200E || unit == 0x200F || unit == 0x061C ||
+                            (unit >= 0x202A && unit <= 0x202E) ||
+                            (unit >= 0x2066 && unit <= 0x2069);
+  const bool is_hidden_byte = unit >= 0xDC80 && unit <= 0xDCFF;
+  return is_control || is_separator || is_direction || is_hidden_byte;
+}
+
+// U+001A, which stands for a character that was folded, becomes U+FFFD like everything else.
+std::string printable(std::u16string text) {
+  // A surrogate pair is printed as it is; its second half must not be taken for a hidden byte.
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool is_pair = text[i] >= 0xD800 && text[i] <= 0xDBFF && i + 1 < text.size() &&
+                         text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
+    if (is_pair) {
+      ++i;
+    } else if (is_unprintable(text[i])) {
+      text[i] = 0xFFFD;
+    }
+  }
+  return to_utf8(text);
+}
+
+// A marker in quotes with control characters spelled out, the usual ones by name.
 std::string shown(std::u16string_view marker) {
   if (marker == u",") return "comma";
   if (marker == u"\t") return "tab";
@@ -35,22 +62,15 @@ std::string shown(std::u16string_view marker) {
       out += "\\n";
     } else if (unit == u'\r') {
       out += "\\r";
+    } else if (unit == u'\\' || unit == u'"') {
+      out += {'\\', static_cast<char>(unit)};
     } else if (unit < 0x20 || unit == 0x7F) {
       fmt::format_to(Out(out), "\\x{:02X}", static_cast<unsigned>(unit));
     } else {
-      out += to_utf8(std::u16string_view(&unit, 1));
+      out += printable(std::u16string(1, unit));
     }
   }
   return out + "\"";
-}
-
-// Text from the file on one line of the terminal. U+001A stands for a character that was folded.
-std::string on_one_line(std::u16string_view text) {
-  std::u16string clean(text);
-  std::replace(clean.begin(), clean.end(), u'\x1A', u'\xFFFD');
-  std::replace_if(
-      clean.begin(), clean.end(), [](char16_t unit) { return unit < 0x20; }, u' ');
-  return to_utf8(clean);
 }
 
 std::string joined(const std::vector<std::size_t>& numbers) {
@@ -73,7 +93,7 @@ std::string number(double value) { return std::isinf(value) ? "-" : fmt::format(
 
 void add_columns(std::string& out, const Layout& layout) {
   for (std::size_t i = 0; i < layout.classes.size(); ++i) {
-    const std::string name = i < layout.names.size() ? on_one_line(layout.names[i]) : "";
+    const std::string name = i < layout.names.size() ? printable(layout.names[i]) : "";
     fmt::format_to(Out(out), "  {:>14}  {:<10}{}", i + 1, name_of(layout.classes[i]), name);
     out.erase(out.find_last_not_of(' ') + 1);
     out.push_back('\n');
@@ -140,6 +160,8 @@ std::string_view name_of(EncodingFound found) {
       return "valid UTF-8";
     case EncodingFound::fallback:
       return "fallback";
+    case EncodingFound::none:
+      return "none";
   }
   return "";
 }
@@ -194,16 +216,19 @@ std::string_view name_of_end(const Layout& layout) {
   return "";
 }
 
+std::string printable(std::string_view text) { return printable(standalone::from_utf8(text)); }
+
 std::string report(const std::string& file, const Layout& layout) {
-  std::string out = file + "\n";
+  std::string out = printable(file) + "\n";
   fmt::format_to(Out(out), "  layout          {}{}\n", name_of(layout.mode), separators(layout));
   fmt::format_to(Out(out), "  header lines    {}\n", layout.header_lines);
-  fmt::format_to(Out(out), "  names           {}\n",
-                 layout.names_line ? fmt::format("in line {}", *layout.names_line) : "none");
+  fmt::format_to(
+      Out(out), "  names           {}\n",
+      layout.names_line ? fmt::format("in line {} of the sample", *layout.names_line) : "none");
   fmt::format_to(Out(out), "  variables       {}\n", layout.num_variables);
   add_columns(out, layout);
-  fmt::format_to(Out(out), "  encoding        {} ({})\n", layout.encoding,
-                 name_of(layout.encoding_found));
+  fmt::format_to(Out(out), "  encoding        {} ({})\n",
+                 printable(std::string_view(layout.encoding)), name_of(layout.encoding_found));
   fmt::format_to(Out(out), "  line ending     {}\n", ending(layout.line_ending));
   fmt::format_to(Out(out), "  sampled         {} lines of {} characters\n", layout.lines_sampled,
                  layout.characters_sampled);

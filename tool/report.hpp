@@ -17,6 +17,9 @@ std::string_view name_of(detection::CandidateFate fate);
 // How the selection ended: the filter that decided it, or "only-candidate", "empty-sample", ...
 std::string_view name_of_end(const standalone::Layout& layout);
 
+// UTF-8 text as it may safely be shown on a terminal: what could command it becomes U+FFFD.
+std::string printable(std::string_view text);
+
 // The layout of one file, in lines; with the candidates and filters if the layout has a trace.
 std::string report(const std::string& file, const standalone::Layout& layout);
 

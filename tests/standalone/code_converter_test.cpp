@@ -321,11 +321,14 @@ TEST_P(StreamCodeConverterSamples, GiveTheSameUnitsWhereverTheyAreCut) {
   }
 }
 
+// No piece is longer than four bytes: cuts further apart have nothing to do with each other.
+constexpr std::size_t kFarthest = 5;
+
 TEST_P(StreamCodeConverterSamples, GiveTheSameUnitsWhereverTheyAreCutTwice) {
   const std::string all = bytes();
   StreamCodeConverter converter(GetParam().encoding, false);
   for (std::size_t first = 0; first <= all.size(); ++first) {
-    for (std::size_t second = first; second <= all.size(); ++second) {
+    for (std::size_t second = first; second <= std::min(first + kFarthest, all.size()); ++second) {
       converter.reset(true);
       std::u16string text = convert(converter, all.substr(0, first), kPlenty, false).text;
       text += convert(converter, all.substr(first, second - first), kPlenty, false).text;
@@ -779,7 +782,9 @@ TEST_P(StreamCodeConverterSubstitute, BadPairsGiveTheSameUnitsHoweverTheyAreFed)
   StreamCodeConverter converter(GetParam(), false);
   const std::u16string expected = all_of(converter, bytes);
   for (const Feeding& feeding : all_feedings()) {
-    if (feeding.end_with_bytes != feeding.ask_for_held_back) continue;  // half of them will do
+    const bool is_one_of_many = feeding.end_with_bytes != feeding.ask_for_held_back ||
+                                feeding.room == 2 || feeding.room == 3;
+    if (is_one_of_many) continue;  // a few of them will do
     converter.reset(true);
     EXPECT_EQ(first_difference(all_of(converter, bytes, feeding), expected), kNoDifference)
         << feeding;
@@ -835,7 +840,8 @@ TEST(StreamCodeConverterOneUnit, NeverGivesMoreUnitsThanBytesAtAnyCut) {
     std::string bytes;
     for (const char32_t c : text) bytes += utf8(c);
     for (std::size_t first = 0; first <= bytes.size(); ++first) {
-      for (std::size_t second = first; second <= bytes.size(); ++second) {
+      for (std::size_t second = first; second <= std::min(first + kFarthest, bytes.size());
+           ++second) {
         converter.reset(true);
         std::u16string units;
         std::size_t from = 0;

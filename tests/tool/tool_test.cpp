@@ -57,7 +57,7 @@ TEST_F(Tool, PrintsTheLayoutInWords) {
                             "\n"
                             "  layout          delimited by comma\n"
                             "  header lines    0\n"
-                            "  names           in line 1\n"
+                            "  names           in line 1 of the sample\n"
                             "  variables       2\n"
                             "               1  number    x\n"
                             "               2  text      y\n"
@@ -152,6 +152,33 @@ TEST_F(Tool, SaysWhenAFileIsNotReadable) {
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.out, "");
   EXPECT_THAT(result.err, HasSubstr("cannot open '" + path + "': Permission denied"));
+}
+
+// Names of files and of variables come from strangers.
+TEST_F(Tool, PrintsNothingThatCommandsTheTerminal) {
+  const CommandResult result =
+      vltext({file_with("red\x1B[31m.csv", "a\x1B]0;b,c\xC2\x9B,d\xE2\x80\xAE\n1,2,3\n4,5,6\n"),
+              (folder_ / "none\x1B\n").string()});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.out, HasSubstr("red\xEF\xBF\xBD[31m.csv\n"));
+  EXPECT_THAT(result.out, Not(HasSubstr("\x1B")));
+  EXPECT_THAT(result.out, Not(HasSubstr("\xC2\x9B")));
+  EXPECT_THAT(result.out, Not(HasSubstr("\xE2\x80\xAE")));
+  EXPECT_THAT(result.err, HasSubstr("none\xEF\xBF\xBD\xEF\xBF\xBD'"));
+  EXPECT_THAT(result.err, Not(HasSubstr("\x1B")));
+}
+
+TEST_F(Tool, EndsOrderlyWhenItCannotComplain) {
+  const CommandResult result =
+      run_command("/bin/sh", {"-c", "\"$0\" none 2> /dev/full", VLTEXT_PROGRAM});
+  EXPECT_EQ(result.status, 2);
+}
+
+TEST_F(Tool, SaysWhenAFileOpensAndCannotBeRead) {
+  const CommandResult result = vltext({"/proc/self/mem"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(result.err, HasSubstr("cannot read '/proc/self/mem'"));
 }
 
 TEST_F(Tool, ReadsAPathThatIsNotUtf8) {
