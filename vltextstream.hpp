@@ -11,7 +11,9 @@
 #include <vltextstream/host/error_channel.hpp>
 #include <vltextstream/host/export.hpp>
 #include <vltextstream/host/file_layer.hpp>
+#include <vltextstream/options/option_errors.hpp>
 #include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/options/set_parser_options.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>
 #include <vltextstream/scoring/datatype_inspection.hpp>
 #include <vltextstream/scoring/datatype_recognizers.hpp>
@@ -22,6 +24,7 @@
 #include <vltextstream/source/memory_text_source.hpp>
 #include <vltextstream/source/text_source.hpp>
 #include <vltextstream/source/text_stream.hpp>
+#include <vltextstream/standalone/array.hpp>
 #include <vltextstream/standalone/detect_layout.hpp>
 #include <vltextstream/standalone/utf_text.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>

@@ -32,7 +32,8 @@ enum class SelectionEnd {
   no_candidate,      // no character of the sample separates fields: the line reader
   empty_sample,      // no line was sampled: the line reader
   whole_line_dates,  // each line as a whole is a date: the single-column fallback
-  unresolved_tie     // several candidates passed all filters: the single-column fallback
+  unresolved_tie,    // several candidates passed all filters: the single-column fallback
+  given              // there was none: the caller gave the delimiters or the widths
 };
 
 struct VLTEXTSTREAM_EXPORT CandidateTrace {

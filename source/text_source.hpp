@@ -34,10 +34,10 @@ class VLTEXTSTREAM_EXPORT BufferManager {
   virtual ~BufferManager();
 };
 
-// Stands for each character outside the Basic Multilingual Plane, so that one character is one unit.
+// Stands for a character outside the Basic Multilingual Plane, so that each character is one unit.
 inline constexpr char16_t kFoldedCharacter = 0x001A;
 
-// Makes one kFoldedCharacter of every surrogate pair in [begin, end), in place; returns the new end.
+// Makes a kFoldedCharacter of every surrogate pair in [begin, end), in place; returns the new end.
 VLTEXTSTREAM_EXPORT char16_t* fold_surrogate_pairs(char16_t* begin, char16_t* end);
 
 // The order of the virtual operations is part of the interface.

@@ -124,19 +124,47 @@ void describe_separators(const Strategy& strategy, Layout& layout) {
   }
 }
 
-// The strategy for a single column comes without valuation and so without classes.
+// A strategy may come without classes: the one for a single column is not valued, and a sample with
+// one field on each line is not inspected.
 void describe_columns(Strategy& strategy, Layout& layout) {
   const bool valued = strategy.num_variables() >= 0;
   layout.num_variables = valued ? static_cast<std::size_t>(strategy.num_variables()) : 1;
-  layout.classes = valued ? strategy.column_classes()
-                          : strategy.classify_columns(strategy.get_fields_from_lines());
+  layout.classes = strategy.column_classes();
+  if (layout.classes.empty()) {
+    layout.classes = strategy.classify_columns(strategy.get_fields_from_lines());
+  }
   layout.classes.resize(layout.num_variables, DatatypeCode::empty);
+}
+
+// The strategy that the caller's choices leave no doubt about, null when they do.
+std::shared_ptr<Strategy> given_strategy(const parser::options& options) {
+  const bool is_fixed_width = options.parser_type == parser::parser_kind::fixedwidth;
+  if (is_fixed_width && !options.variable_widths.empty()) {
+    const auto& widths = options.variable_widths;
+    if (std::find(widths.begin(), widths.end(), 0U) != widths.end()) {
+      throw std::invalid_argument("every column of a fixed-width table is 1 character or wider");
+    }
+    return std::make_shared<FixedWidthStrategy>(options, widths);
+  }
+  if (!options.detect_delimiters) return std::make_shared<DelimitedStrategy>(options);
+  return nullptr;
+}
+
+std::shared_ptr<Strategy> find_strategy(const Field& sample, const DetectSettings& settings,
+                                        detection::SelectionTrace& trace) {
+  if (auto strategy = given_strategy(settings.options)) {
+    strategy->populate_fields(sample, settings.num_lines);
+    strategy->valuation();
+    trace.end = SelectionEnd::given;
+    return strategy;
+  }
+  return detection::StrategySelector(settings.options)
+      .pick_strategy(sample, settings.num_lines, trace);
 }
 
 Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
   detection::SelectionTrace trace;
-  const auto strategy = detection::StrategySelector(settings.options)
-                            .pick_strategy(sample, settings.num_lines, trace);
+  const auto strategy = find_strategy(sample, settings, trace);
   Layout layout;
   layout.mode = static_cast<LayoutMode>(strategy->mode());
   layout.header_lines = strategy->header_lines();
@@ -175,9 +203,34 @@ void open_source(FileTextSource& source, const std::string& path, const std::str
   }
 }
 
+// Names of options are not told apart by case.
+bool is_encoding(std::string_view name) {
+  constexpr std::string_view kUpperCase = "ENCODING";
+  return std::equal(name.begin(), name.end(), kUpperCase.begin(), kUpperCase.end(),
+                    [](char c, char upper) { return c == upper || c == upper - 'A' + 'a'; });
+}
+
 }  // namespace
 
 FileError::~FileError() = default;
+
+DetectSettings settings_with(const std::vector<NameValue>& options) {
+  DetectSettings settings;
+  apply_options(settings.options, options);
+  const bool names_encoding =
+      std::any_of(options.begin(), options.end(),
+                  [](const NameValue& option) { return is_encoding(option.first); });
+  if (names_encoding) settings.encoding = to_utf8(settings.options.encoding);
+  return settings;
+}
+
+Layout detect_layout(const std::string& path, std::initializer_list<NameValue> options) {
+  return detect_layout(path, settings_with(options));
+}
+
+Layout detect_layout(std::u16string_view text, std::initializer_list<NameValue> options) {
+  return detect_layout(text, settings_with(options));
+}
 
 Layout detect_layout(const std::string& path, const DetectSettings& settings) {
   const FoundEncoding encoding = settings.encoding

@@ -4,19 +4,24 @@
 //   layout.delimiters;                 // {u","}
 //   layout.num_variables;              // 4
 //
+//   // with the layout given in part, and the number of header lines:
+//   detect_layout("measurements.csv",
+//                 {{"Delimiter", make_array(u";")}, {"NumHeaderLines", make_array(2)}});
+//
 // Units      lines count from 1 over the sampled lines: a quoted field with line endings inside is
 //            one line, a comment is none. Widths count characters.
 // Ownership  a layout holds no view of the text; it is a value to copy and keep.
-// Errors     FileError when the file cannot be opened or a read fails, std::invalid_argument for an
-//            encoding that is not known; std::runtime_error when the decoder itself fails;
-//            std::bad_alloc.
-// Cost       of a file no more than the first 4,194,304 characters are looked at, and little more is
-//            read, each byte once; a prefix of at most 64 KB is read once more to find the
+// Errors     FileError when the file cannot be opened or a read fails; std::invalid_argument for an
+//            encoding that is not known, widths that are no widths, and (as OptionProblem) options
+//            that are refused; std::runtime_error when the decoder itself fails; std::bad_alloc.
+// Cost       of a file no more than the first 4,194,304 characters are looked at, and little more
+//            is read, each byte once; a prefix of at most 64 KB is read once more to find the
 //            encoding. A text is copied.
 // Threads    detections may run side by side, also with one and the same settings.
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -27,6 +32,7 @@
 #include <vltextstream/host/export.hpp>
 #include <vltextstream/options/parser_options.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>
+#include <vltextstream/standalone/array.hpp>
 
 namespace textio::standalone {
 
@@ -49,7 +55,9 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
   // Name of the encoding, as ICU knows it; not engaged means "find it".
   std::optional<std::string> encoding;
 
-  // The choices of the caller. `options.encoding` is not read: see `encoding`.
+  // The choices of the caller. Delimiters that are settled (`detect_delimiters` is false) are taken
+  // as they are: no other layout is looked for. So are column widths, of at least one character
+  // each, when `parser_type` is fixedwidth. `options.encoding` is not read: see `encoding`.
   parser::options options;
 
   // Fill in Layout::trace.
@@ -98,6 +106,10 @@ struct VLTEXTSTREAM_EXPORT Layout {
   std::optional<detection::SelectionTrace> trace;
 };
 
+// Settings with these options, an "Encoding" among them included. Throws OptionProblem at the first
+// option that is refused.
+VLTEXTSTREAM_EXPORT DetectSettings settings_with(const std::vector<NameValue>& options);
+
 // A file that cannot be read; what() names the file and the reason of the operating system.
 class VLTEXTSTREAM_EXPORT FileError : public std::runtime_error {
  public:
@@ -109,9 +121,14 @@ class VLTEXTSTREAM_EXPORT FileError : public std::runtime_error {
 VLTEXTSTREAM_EXPORT Layout detect_layout(const std::string& path,
                                          const DetectSettings& settings = {});
 
+VLTEXTSTREAM_EXPORT Layout detect_layout(const std::string& path,
+                                         std::initializer_list<NameValue> options);
+
 // The layout of `text`. Characters outside the Basic Multilingual Plane may be surrogate pairs;
 // `encoding` of the settings is not used.
 VLTEXTSTREAM_EXPORT Layout detect_layout(std::u16string_view text,
                                          const DetectSettings& settings = {});
+VLTEXTSTREAM_EXPORT Layout detect_layout(std::u16string_view text,
+                                         std::initializer_list<NameValue> options);
 
 }  // namespace textio::standalone

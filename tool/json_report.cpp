@@ -58,7 +58,12 @@ Json trace_report(const detection::SelectionTrace& trace) {
 
 }  // namespace
 
-Json json_report(const std::string& file, const Layout& layout) {
+Json json_report(const std::string& file, const Layout& layout,
+                 const std::vector<GivenOption>& given) {
+  Json given_options = Json::array();
+  for (const GivenOption& option : given) {
+    given_options.push_back({{"name", option.name}, {"values", option.values}});
+  }
   Json classes = Json::array();
   for (const DatatypeCode code : layout.classes) classes.push_back(name_of(code));
   Json report = {
@@ -76,7 +81,8 @@ Json json_report(const std::string& file, const Layout& layout) {
       {"line_ending", layout.line_ending ? Json(to_utf8(*layout.line_ending)) : Json(nullptr)},
       {"lines_sampled", layout.lines_sampled},
       {"characters_sampled", layout.characters_sampled},
-      {"ended", name_of_end(layout)}};
+      {"ended", name_of_end(layout)},
+      {"given", given_options}};
   if (layout.trace) report["trace"] = trace_report(*layout.trace);
   return report;
 }

@@ -1,19 +1,24 @@
 // vltext: prints how the tables in text files are laid out.
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <exception>
+#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
+#include <vltextstream/options/set_parser_options.hpp>
 #include <vltextstream/standalone/detect_layout.hpp>
 #include <vltextstream/standalone/utf_text.hpp>
 #include <vltextstream/version.hpp>
 
 #include "tool/json_report.hpp"
+#include "tool/option_flags.hpp"
 #include "tool/report.hpp"
 
 namespace {
@@ -21,73 +26,188 @@ namespace {
 using textio::standalone::detect_layout;
 using textio::standalone::DetectSettings;
 using textio::standalone::Layout;
+using textio::tool::GivenOption;
+using textio::tool::OptionFlag;
+using textio::tool::ValueKind;
 
 constexpr int kFailed = 2;
+constexpr const char* kAutoEncoding = "auto";
 
 struct Arguments {
   std::vector<std::string> files;
+  std::vector<GivenOption> given;
   DetectSettings settings;
   std::string lines = "100";
-  std::string encoding = "auto";
-  std::vector<std::string> comment_style;
   bool json = false;
+  bool explain = false;
 };
 
-void declare(CLI::App& app, Arguments& arguments) {
+// An argument that is wrong: where it stands and what was expected.
+class BadArgument : public std::runtime_error {
+ public:
+  BadArgument(const std::string& flag, const std::string& expected)
+      : std::runtime_error(flag + ": " + expected) {}
+};
+
+// ---------------------------------------------------------------------------------------------
+// The command line
+
+// Which option of the library each flag stands for; null for --option.
+using Flags = std::map<const CLI::Option*, const OptionFlag*>;
+
+CLI::Option* add_repeatable(CLI::App& app, const std::string& flag, const std::string& help,
+                            const std::string& placeholder) {
+  CLI::Option* const option = app.add_option(flag, help);
+  option->type_name(placeholder)->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  return option;
+}
+
+Flags declare(CLI::App& app, Arguments& arguments) {
   app.add_option("FILE", arguments.files, "Text files to look at")->required();
   app.add_flag("--json", arguments.json, "Print one JSON document instead of text");
-  app.add_flag("--explain", arguments.settings.trace,
+  app.add_flag("--explain", arguments.explain,
                "Also print the candidates, their scores and what each filter left");
   app.add_option("--lines", arguments.lines,
                  "Number of data lines to sample from the start of each file")
       ->type_name("N")
       ->capture_default_str();
-  app.add_option("--encoding", arguments.encoding,
-                 "Encoding of the files, such as UTF-8, UTF-16, ISO-8859-1, windows-1252 or "
-                 "Shift_JIS; auto finds it")
-      ->type_name("NAME")
-      ->capture_default_str();
-  app.add_option("--comment-style", arguments.comment_style,
-                 "Start marker of comment lines; given twice, the second ends a block")
-      ->type_name("TEXT")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   app.set_version_flag("--version", std::string("vltext ") + libvltextstream_version);
-  app.footer("Exits with 0, or with 2 when a file cannot be read or an argument is wrong.");
+  app.footer(
+      "In texts, \\t stands for a tab, \\n, \\r and \\b for the other control characters, and "
+      "\\\\ for a\nbackslash. Words may be shortened. Lines count from 1 over the sampled "
+      "lines: comments are\nleft out, and a quoted field with line breaks makes one line.\n\n"
+      "Exits with 0, or with 2 when a file cannot be read or an argument is wrong.");
+
+  Flags flags;
+  for (const OptionFlag& flag : textio::tool::option_flags()) {
+    flags[add_repeatable(app, textio::tool::flag_of(flag.name), flag.help, flag.placeholder)] =
+        &flag;
+  }
+  flags[add_repeatable(
+      app, "--option",
+      "Any of the options above by its name; NAME:=JSON for a value of another class",
+      "NAME=VALUE")] = nullptr;
+  return flags;
+}
+
+// The arguments, last one first, as the parser wants them. It would take what follows "--flag=" for
+// the value, so the empty value is put there.
+std::vector<std::string> reversed_arguments(int argc, char** argv) {
+  std::vector<std::string> arguments;
+  for (int i = 1; i < argc; ++i) {
+    std::string argument = argv[i];
+    const bool has_empty_value = argument.size() > 3 && argument.compare(0, 2, "--") == 0 &&
+                                 argument.find('=') == argument.size() - 1;
+    if (has_empty_value) argument.pop_back();
+    arguments.push_back(argument);
+    if (has_empty_value) arguments.emplace_back();
+  }
+  std::reverse(arguments.begin(), arguments.end());
+  return arguments;
+}
+
+// NAME=VALUE or NAME:=JSON; a name alone comes without a value, for the library to refuse.
+GivenOption option_by_name(const std::string& typed) {
+  const std::size_t equals = typed.find('=');
+  GivenOption option{typed.substr(0, equals), "--option", {}};
+  if (equals == std::string::npos) return option;
+  option.values = {typed.substr(equals + 1)};
+  option.is_json = !option.name.empty() && option.name.back() == ':';
+  if (option.is_json) option.name.pop_back();
+  if (!option.name.empty()) option.typed_as = option.name;
+  return option;
+}
+
+// The options in the order in which they were typed; a flag for a list that was repeated stands
+// where it was typed first, with all its values.
+std::vector<GivenOption> given_options(const CLI::App& app, const Flags& flags) {
+  std::vector<GivenOption> given;
+  std::map<const CLI::Option*, std::size_t> typed;
+  for (const CLI::Option* option : app.parse_order()) {
+    const auto entry = flags.find(option);
+    if (entry == flags.end()) continue;
+    const OptionFlag* const flag = entry->second;
+    const std::vector<std::string>& values = option->results();
+    const std::size_t occurrence = typed[option]++;
+    if (flag == nullptr) {
+      given.push_back(option_by_name(values[occurrence]));
+    } else if (flag->kind != ValueKind::text_list) {
+      given.push_back({flag->name, textio::tool::flag_of(flag->name), {values[occurrence]}});
+    } else if (occurrence == 0) {
+      given.push_back({flag->name, textio::tool::flag_of(flag->name), values});
+    }
+  }
+  return given;
 }
 
 // The whole of `text` as a number of lines; the parser of the command line would take "-1" for one.
-unsigned long to_count(const std::string& option, const std::string& text) {
+unsigned long to_line_count(const std::string& text) {
   unsigned long count = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, problem] = std::from_chars(text.data(), end, count);
   if (problem != std::errc() || stop != end) {
-    throw CLI::ValidationError(
-        option, fmt::format("expected a whole number from 0 to 2^64 - 1, got '{}'", text));
+    throw BadArgument("--lines",
+                      fmt::format("Expected a whole number from 0 to 2^64 - 1, got '{}'.", text));
   }
   return count;
 }
 
-void settle(Arguments& arguments) {
-  arguments.settings.num_lines = to_count("--lines", arguments.lines);
-  if (arguments.encoding != "auto") arguments.settings.encoding = arguments.encoding;
-  if (arguments.comment_style.size() > 2) {
-    throw CLI::ValidationError(
-        "--comment-style",
-        "expected at most two markers, got " + std::to_string(arguments.comment_style.size()));
-  }
-  for (const std::string& marker : arguments.comment_style) {
-    arguments.settings.options.comment_style.push_back(textio::standalone::from_utf8(marker));
-  }
+textio::standalone::Array value_of(const GivenOption& option) {
+  if (option.is_json) return textio::tool::json_to_array(option.values.front());
+  const OptionFlag* const flag = textio::tool::find_option(option.name);
+  return textio::tool::to_array(flag ? flag->kind : ValueKind::text, option.values);
 }
+
+// One option goes through the library's own option parsing; the tool checks nothing itself.
+void apply(const GivenOption& option, textio::parser::options& record) {
+  if (option.values.empty()) {
+    const auto name = textio::standalone::make_array(textio::standalone::from_utf8(option.name));
+    const hxArray* const alone[] = {name.get()};
+    textio::options::set_parser_options(const_cast<const hxArray**>(alone), 1, record);
+  }
+  textio::standalone::apply_options(record, {{option.name, value_of(option)}});
+}
+
+bool is_encoding(const GivenOption& option) {
+  const OptionFlag* const flag = textio::tool::find_option(option.name);
+  return flag != nullptr && flag->name == std::string_view("Encoding");
+}
+
+// The options one after the other. The word that asks for the encoding to be found is the tool's
+// own; it takes back what was given before.
+DetectSettings settings_of(const Arguments& arguments) {
+  DetectSettings settings;
+  for (const GivenOption& option : arguments.given) {
+    if (option.typed_as == "--encoding" && option.values.back() == kAutoEncoding) {
+      settings.encoding.reset();
+      continue;
+    }
+    try {
+      apply(option, settings.options);
+    } catch (const textio::MessageIdentifiedError& refused) {
+      throw BadArgument(option.typed_as, textio::standalone::message_of(refused));
+    } catch (const std::invalid_argument& refused) {
+      throw BadArgument(option.typed_as, refused.what());
+    }
+    if (is_encoding(option)) {
+      settings.encoding = textio::standalone::to_utf8(settings.options.encoding);
+    }
+  }
+  settings.num_lines = to_line_count(arguments.lines);
+  settings.trace = arguments.explain;
+  return settings;
+}
+
+// ---------------------------------------------------------------------------------------------
+// The work
 
 // Says on standard error what went wrong; what cannot be said there is lost.
 void complain(std::string_view message) {
   std::fputs(fmt::format("vltext: {}\n", textio::tool::printable(message)).c_str(), stderr);
 }
 
-// Looks at every file; one that fails does not stop the others. Standard output is written
-// only at the end, so that nothing stands there when no file could be read.
+// Looks at every file; one that fails does not stop the others. Standard output is written only at
+// the end, so that nothing stands there when no file could be read.
 int run(const Arguments& arguments) {
   std::string text;
   nlohmann::ordered_json files = nlohmann::ordered_json::array();
@@ -96,9 +216,9 @@ int run(const Arguments& arguments) {
     try {
       const Layout layout = detect_layout(file, arguments.settings);
       if (arguments.json) {
-        files.push_back(textio::tool::json_report(file, layout));
+        files.push_back(textio::tool::json_report(file, layout, arguments.given));
       } else {
-        text += textio::tool::report(file, layout);
+        text += textio::tool::report(file, layout, arguments.given);
       }
     } catch (const std::exception& error) {
       complain(error.what());
@@ -122,12 +242,18 @@ int run(const Arguments& arguments) {
 int main(int argc, char** argv) {
   CLI::App app("Prints how the table in each text file is laid out.", "vltext");
   Arguments arguments;
-  declare(app, arguments);
+  const Flags flags = declare(app, arguments);
   try {
-    app.parse(argc, argv);
-    settle(arguments);
+    app.parse(reversed_arguments(argc, argv));
+    arguments.given = given_options(app, flags);
+    arguments.settings = settings_of(arguments);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : kFailed;
+    if (error.get_exit_code() == 0) return app.exit(error);
+    complain(error.what());
+    return kFailed;
+  } catch (const BadArgument& error) {
+    complain(error.what());
+    return kFailed;
   }
   return run(arguments);
 }

@@ -212,15 +212,22 @@ std::string_view name_of_end(const Layout& layout) {
       return "whole-line-dates";
     case SelectionEnd::unresolved_tie:
       return "unresolved-tie";
+    case SelectionEnd::given:
+      return "given";
   }
   return "";
 }
 
 std::string printable(std::string_view text) { return printable(standalone::from_utf8(text)); }
 
-std::string report(const std::string& file, const Layout& layout) {
+std::string report(const std::string& file, const Layout& layout,
+                   const std::vector<GivenOption>& given) {
   std::string out = printable(file) + "\n";
   fmt::format_to(Out(out), "  layout          {}{}\n", name_of(layout.mode), separators(layout));
+  for (const GivenOption& option : given) {
+    fmt::format_to(Out(out), "  given           {} {}\n", printable(std::string_view(option.name)),
+                   printable(fmt::format("{}", fmt::join(option.values, " "))));
+  }
   fmt::format_to(Out(out), "  header lines    {}\n", layout.header_lines);
   fmt::format_to(
       Out(out), "  names           {}\n",

@@ -3,8 +3,11 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <vltextstream/standalone/detect_layout.hpp>
+
+#include "tool/option_flags.hpp"
 
 namespace textio::tool {
 
@@ -21,6 +24,8 @@ std::string_view name_of_end(const standalone::Layout& layout);
 std::string printable(std::string_view text);
 
 // The layout of one file, in lines; with the candidates and filters if the layout has a trace.
-std::string report(const std::string& file, const standalone::Layout& layout);
+// What was given on the command line is repeated.
+std::string report(const std::string& file, const standalone::Layout& layout,
+                   const std::vector<GivenOption>& given = {});
 
 }  // namespace textio::tool

@@ -124,7 +124,7 @@ const RefusalCase kRefusals[] = {
     {"UnknownOption", {"--frobnicate", kComma}, "--frobnicate"},
     {"ThreeCommentMarkers",
      {"--comment-style", "a", "--comment-style", "b", "--comment-style", "c", kComma},
-     "--comment-style: expected at most two markers, got 3"},
+     "--comment-style: Expected at most two comment markers."},
 };
 
 class ToolRefusal : public testing::TestWithParam<RefusalCase> {};

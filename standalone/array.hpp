@@ -1,0 +1,85 @@
+// Array values of the stand-alone host, to hand options to the library from C++.
+//
+//   using namespace textio::standalone;
+//   apply_options(record, {{"Delimiter", make_array(u";")}, {"NumHeaderLines", make_array(2)}});
+//
+// Ownership  an Array is a shared, immutable value; `array.get()` is what the library takes, valid
+//            as long as the Array is.
+// Units      texts are UTF-16; elements are in column order.
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <vltextstream/host/array.hpp>
+#include <vltextstream/host/error_channel.hpp>
+#include <vltextstream/host/export.hpp>
+#include <vltextstream/options/parser_options.hpp>
+
+namespace textio::standalone {
+
+using Array = std::shared_ptr<const hxArray>;
+
+// 1-by-1: a number (of class double), a logical.
+VLTEXTSTREAM_EXPORT Array make_array(double value);
+VLTEXTSTREAM_EXPORT Array make_array(bool value);
+template <std::integral Integer>
+Array make_array(Integer value) {
+  return make_array(static_cast<double>(value));
+}
+
+// One row of characters; the empty text is 0-by-0.
+VLTEXTSTREAM_EXPORT Array make_array(std::u16string_view text);
+VLTEXTSTREAM_EXPORT Array make_array(const char16_t* text);
+
+// One row of numbers: of class double, of class unsigned 64-bit integer.
+VLTEXTSTREAM_EXPORT Array make_array(const std::vector<double>& values);
+VLTEXTSTREAM_EXPORT Array make_array(const std::vector<std::uint64_t>& values);
+
+// Characters of any shape; std::invalid_argument unless the dimensions, at least two, multiply to
+// the number of units.
+VLTEXTSTREAM_EXPORT Array make_char_array(std::u16string_view units,
+                                          const std::vector<std::size_t>& dimensions);
+
+// One row of cells, 0-by-0 when there is none: of arrays, of texts.
+VLTEXTSTREAM_EXPORT Array make_cell(const std::vector<Array>& elements);
+VLTEXTSTREAM_EXPORT Array make_cell(std::initializer_list<std::u16string_view> texts);
+VLTEXTSTREAM_EXPORT Array make_text_cell(const std::vector<std::u16string>& texts);
+
+// 0-by-0, of class double.
+VLTEXTSTREAM_EXPORT Array make_empty_array();
+
+// One English sentence that says what was expected, and repeats what was given.
+VLTEXTSTREAM_EXPORT std::string message_of(const MessageIdentifiedError& error);
+
+// An option that was refused; what() is the sentence.
+class VLTEXTSTREAM_EXPORT OptionProblem : public std::invalid_argument {
+ public:
+  OptionProblem(std::string option, const MessageIdentifiedError& error);
+  ~OptionProblem() override;
+
+  // The name under which the option was given, and the identifier of the message.
+  const std::string& option() const { return option_; }
+  const std::string& identifier() const { return identifier_; }
+
+ private:
+  std::string option_;
+  std::string identifier_;
+};
+
+using NameValue = std::pair<std::string, Array>;
+
+// Applies the options, one after the other, to `record`. Throws OptionProblem at the first that is
+// refused; those before it stay applied. Names are UTF-8.
+VLTEXTSTREAM_EXPORT void apply_options(parser::options& record,
+                                       const std::vector<NameValue>& options);
+
+}  // namespace textio::standalone

@@ -1,0 +1,170 @@
+#include "tool/option_flags.hpp"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <stdexcept>
+#include <string_view>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <vltextstream/standalone/utf_text.hpp>
+
+namespace textio::tool {
+namespace {
+
+using standalone::Array;
+using standalone::from_utf8;
+using standalone::make_array;
+
+std::string in_lower_case(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+// The whole of `text` as a number.
+template <typename Number>
+bool parse(std::string_view text, Number& number) {
+  const char* const end = text.data() + text.size();
+  const auto [stop, problem] = std::from_chars(text.data(), end, number);
+  return problem == std::errc() && stop == end;
+}
+
+Array to_count(const std::string& text) {
+  double number = 0;
+  return parse(text, number) ? make_array(number) : make_array(from_utf8(text));
+}
+
+Array to_logical(const std::string& text) {
+  const std::string word = in_lower_case(text);
+  if (word == "true") return make_array(true);
+  if (word == "false") return make_array(false);
+  return make_array(from_utf8(text));
+}
+
+Array to_widths(std::string_view text) {
+  std::vector<std::uint64_t> widths;
+  while (true) {
+    const std::size_t comma = std::min(text.find(','), text.size());
+    std::uint64_t width = 0;
+    if (!parse(text.substr(0, comma), width) || width == 0) {
+      throw std::invalid_argument("Expected whole numbers, 1 or larger, separated by commas.");
+    }
+    widths.push_back(width);
+    if (comma == text.size()) return make_array(widths);
+    text.remove_prefix(comma + 1);
+  }
+}
+
+Array to_text_list(const std::vector<std::string>& typed) {
+  if (typed.size() == 1) return make_array(from_utf8(typed[0]));
+  std::vector<std::u16string> texts;
+  std::transform(typed.begin(), typed.end(), std::back_inserter(texts), from_utf8);
+  return standalone::make_text_cell(texts);
+}
+
+bool is_number(const nlohmann::json& value) { return value.is_number(); }
+
+Array to_array(const nlohmann::json& value) {
+  if (value.is_boolean()) return make_array(value.get<bool>());
+  if (value.is_number()) return make_array(value.get<double>());
+  if (value.is_string()) return make_array(from_utf8(value.get<std::string>()));
+  if (!value.is_array()) return standalone::make_empty_array();
+  if (!value.empty() && std::all_of(value.begin(), value.end(), is_number)) {
+    return make_array(value.get<std::vector<double>>());
+  }
+  std::vector<Array> cells;
+  for (const nlohmann::json& element : value) cells.push_back(to_array(element));
+  return standalone::make_cell(cells);
+}
+
+}  // namespace
+
+const std::vector<OptionFlag>& option_flags() {
+  using Kind = ValueKind;
+  static const std::vector<OptionFlag> flags = {
+      {"Delimiter", Kind::text_list, "TEXT", "Fields are separated by TEXT: look for nothing else"},
+      {"NumHeaderLines", Kind::count, "N", "N lines stand before the data"},
+      {"DataLine", Kind::count, "N", "The data begin in line N"},
+      {"NumVariables", Kind::count, "N", "Prefer layouts with N columns"},
+      {"CommentStyle", Kind::text_list, "TEXT",
+       "Lines that begin with TEXT are comments; given twice, the second ends a block"},
+      {"Encoding", Kind::text, "NAME",
+       "Encoding of the files, such as UTF-8, windows-1252 or Shift_JIS; auto, the default, finds "
+       "it"},
+      {"LineEnding", Kind::text_list, "TEXT", "Lines end with TEXT"},
+      {"EndOfLine", Kind::text_list, "TEXT", "The same as --line-ending"},
+      {"Whitespace", Kind::text, "CHARS", "Characters that are trimmed around fields"},
+      {"ParserType", Kind::text, "WORD", "delimited, fixedwidth or tabular"},
+      {"VariableWidths", Kind::widths, "N,N,...",
+       "Widths of the columns; taken as they are with --parser-type fixedwidth"},
+      {"DateLocale", Kind::text, "NAME", "Locale of the dates"},
+      {"ExpChars", Kind::text, "CHARS", "Characters that mark an exponent"},
+      {"VariableNamesLine", Kind::count, "N", "The names of the variables stand in line N"},
+      {"VariableUnitsLine", Kind::count, "N", "The units stand in line N"},
+      {"VariableDescriptionsLine", Kind::count, "N", "The descriptions stand in line N"},
+      {"RowNamesField", Kind::count, "N", "The names of the rows are field N"},
+      {"ConsecutiveDelimitersRule", Kind::text, "WORD", "split, join or error"},
+      {"LeadingDelimitersRule", Kind::text, "WORD", "keep, ignore or error"},
+      {"MultipleDelimsAsOne", Kind::logical, "BOOL", "Both of the rules above at once"},
+      {"EmptyLineRule", Kind::text, "WORD", "skip, read or error"},
+      {"ExtraColumnsRule", Kind::text, "WORD", "addvars, ignore, wrap or error"},
+      {"PartialFieldRule", Kind::text, "WORD", "keep, omitrow, omitvar, fill, wrap or error"},
+      {"MissingRule", Kind::text, "WORD", "fill, omitrow, omitvar or error"},
+      {"ImportErrorRule", Kind::text, "WORD", "fill, omitrow, omitvar or error"},
+      {"TextType", Kind::text, "WORD", "char or string"},
+      {"DatetimeType", Kind::text, "WORD", "datetime, char or exceldate"},
+      {"TreatAsMissing", Kind::text_list, "TEXT", "TEXT stands for a missing value"},
+      {"TreatAsEmpty", Kind::text_list, "TEXT", "The same as --treat-as-missing"},
+      {"CollectOutput", Kind::logical, "BOOL", "For the import"},
+      {"IsFile", Kind::logical, "BOOL", "For the import"},
+      {"ReturnOnError", Kind::text, "ANY", "Accepted and ignored"},
+      {"EmptyValue", Kind::text, "ANY", "Accepted and ignored"},
+  };
+  return flags;
+}
+
+std::string flag_of(const std::string& name) {
+  std::string flag = "-";
+  for (const char c : name) {
+    const bool begins_word = std::isupper(static_cast<unsigned char>(c)) != 0;
+    if (begins_word) flag += '-';
+    flag += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  }
+  return flag;
+}
+
+const OptionFlag* find_option(const std::string& name) {
+  for (const OptionFlag& flag : option_flags()) {
+    if (in_lower_case(flag.name) == in_lower_case(name)) return &flag;
+  }
+  return nullptr;
+}
+
+Array json_to_array(const std::string& typed) {
+  const auto value = nlohmann::json::parse(typed, nullptr, false);
+  if (value.is_discarded()) {
+    throw std::invalid_argument(fmt::format("Expected a JSON value behind ':=', got '{}'.", typed));
+  }
+  return to_array(value);
+}
+
+Array to_array(ValueKind kind, const std::vector<std::string>& typed) {
+  switch (kind) {
+    case ValueKind::text_list:
+      return to_text_list(typed);
+    case ValueKind::count:
+      return to_count(typed.back());
+    case ValueKind::logical:
+      return to_logical(typed.back());
+    case ValueKind::widths:
+      return to_widths(typed.back());
+    case ValueKind::text:
+      break;
+  }
+  return make_array(from_utf8(typed.back()));
+}
+
+}  // namespace textio::tool

@@ -1,0 +1,52 @@
+// The options of the library on the command line: one table for the flags, for --option and for the
+// help.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <vltextstream/standalone/array.hpp>
+
+namespace textio::tool {
+
+// What a value on the command line is turned into.
+enum class ValueKind {
+  text,       // a char array
+  text_list,  // a char array, a cell of them when the flag is repeated
+  count,      // a number; anything else is handed over as text, for the library to refuse
+  logical,    // true or false; anything else is handed over as text
+  widths,     // whole numbers separated by commas
+};
+
+struct OptionFlag {
+  const char* name;  // of the option, such as "NumHeaderLines"
+  ValueKind kind;
+  const char* placeholder;  // for the value in the help
+  const char* help;
+};
+
+// An option as it was typed.
+struct GivenOption {
+  std::string name;      // of the option
+  std::string typed_as;  // the flag, or the name behind --option
+  std::vector<std::string> values;
+  bool is_json = false;  // NAME:=JSON
+};
+
+// All options, in the order of the help.
+const std::vector<OptionFlag>& option_flags();
+
+// The flag of an option: "--num-header-lines" for "NumHeaderLines".
+std::string flag_of(const std::string& name);
+
+// The option with this name, whatever its case; null when there is none.
+const OptionFlag* find_option(const std::string& name);
+
+// The host's array for what was typed. Throws std::invalid_argument for widths that are none.
+standalone::Array to_array(ValueKind kind, const std::vector<std::string>& typed);
+
+// The host's array for a JSON value: numbers, logicals, texts; a list of numbers is a row of them,
+// any other list a cell, null the empty array. Throws std::invalid_argument when it is no JSON.
+standalone::Array json_to_array(const std::string& typed);
+
+}  // namespace textio::tool
