@@ -4,16 +4,28 @@
 #include <new>
 #include <string_view>
 
+// The thread sanitizer brings operators of its own, which must not be replaced.
+#if defined(__SANITIZE_THREAD__)
+#define VLT_THREAD_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define VLT_THREAD_SANITIZER 1
+#endif
+#endif
+#ifndef VLT_THREAD_SANITIZER
+#define VLT_THREAD_SANITIZER 0
+#endif
+
 namespace {
 
 thread_local std::size_t allocations = 0;
 
-void* allocate(std::size_t size) noexcept {
+[[maybe_unused]] void* allocate(std::size_t size) noexcept {
   ++allocations;
   return std::malloc(size == 0 ? 1 : size);
 }
 
-void* allocate_or_throw(std::size_t size) {
+[[maybe_unused]] void* allocate_or_throw(std::size_t size) {
   void* const block = allocate(size);
   if (block == nullptr) throw std::bad_alloc();
   return block;
@@ -26,12 +38,17 @@ namespace textio::testing_support {
 std::size_t allocations_of_this_thread() noexcept { return allocations; }
 
 bool allocations_are_counted() noexcept {
+#if VLT_THREAD_SANITIZER
+  return false;
+#endif
   const char* const preloaded = std::getenv("LD_PRELOAD");
   return preloaded == nullptr ||
          std::string_view(preloaded).find("vgpreload") == std::string_view::npos;
 }
 
 }  // namespace textio::testing_support
+
+#if !VLT_THREAD_SANITIZER
 
 // All of them are replaced, so that no block goes from one pair of operators to another.
 void* operator new(std::size_t size) { return allocate_or_throw(size); }
@@ -44,3 +61,5 @@ void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
 void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
 void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }
+
+#endif
