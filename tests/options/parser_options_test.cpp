@@ -1,4 +1,5 @@
 #include "options/parser_options.hpp"
+#include "support/option_calls.hpp"
 #include "support/rule_name.hpp"
 
 #include <gtest/gtest.h>
@@ -15,43 +16,8 @@ namespace textio {
 namespace {
 
 using parser::options;
+using testing_support::unusual_record;
 using TextList = std::vector<std::u16string>;
-
-// A record in which every member differs from its default, and no two counters are the same.
-options changed_record() {
-  options record;
-  record.delimiters = {u";", u"||"};
-  record.line_endings = {u"\n"};
-  record.reserved_strings = {u"kept"};
-  record.comment_style = {u"/*", u"*/"};
-  record.whitespace = u"_";
-  record.encoding = u"UTF-16LE";
-  record.date_locale = u"de_DE";
-  record.exp_chars = u"x";
-  record.variable_widths = {3, 5};
-  record.header_lines = 10;
-  record.num_variables = 11;
-  record.variable_names_line = 12;
-  record.variable_units_line = 13;
-  record.variable_descriptions_line = 14;
-  record.row_names_field = 15;
-  record.parser_type = parser::parser_kind::tabular;
-  record.missing_rule = parser::row_rule::omitrow;
-  record.import_error_rule = parser::row_rule::omitvar;
-  record.consecutive_delimiters_rule = parser::consecutive_delimiters_action::join;
-  record.empty_line_rule = parser::empty_line_action::error;
-  record.extra_columns_rule = parser::extra_columns_action::wrap;
-  record.leading_delimiters_rule = parser::leading_delimiters_action::ignore;
-  record.text_type = parser::text_kind::string;
-  record.datetime_type = parser::datetime_kind::exceldate;
-  record.partial_field_rule = parser::partial_field_action::wrap;
-  record.detect_delimiters = false;
-  record.detect_header_lines = false;
-  record.detect_num_variables = false;
-  record.is_file = false;
-  record.collect_output = true;
-  return record;
-}
 
 void expect_defaults(const options& record) {
   EXPECT_EQ(record.delimiters, TextList{});
@@ -122,20 +88,20 @@ void expect_changed(const options& record) {
 TEST(OptionsDefaults, EveryMemberHasItsDefault) { expect_defaults(options()); }
 
 TEST(OptionsDefaults, HoldEvenAfterAnotherRecordWasChanged) {
-  const options changed = changed_record();
+  const options changed = unusual_record();
   expect_defaults(options());
   expect_changed(changed);
 }
 
 TEST(OptionsCopy, CarriesEveryMember) {
-  const options original = changed_record();
+  const options original = unusual_record();
   const options copy(original);  // NOLINT: the copy is what is tested
   expect_changed(copy);
   expect_changed(original);
 }
 
 TEST(OptionsCopy, AssignmentCarriesEveryMember) {
-  const options original = changed_record();
+  const options original = unusual_record();
   options copy;
   copy = original;
   expect_changed(copy);
@@ -145,7 +111,7 @@ TEST(OptionsCopy, AssignmentCarriesEveryMember) {
 }
 
 TEST(OptionsCopy, MovingCarriesEveryMember) {
-  options original = changed_record();
+  options original = unusual_record();
   options moved(std::move(original));
   expect_changed(moved);
   options assigned;

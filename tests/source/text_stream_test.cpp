@@ -748,10 +748,26 @@ const FailureCase kFailureCases[] = {
     {"ResizeBehindASkip", 599'999, 0, Failing::kResize, 800'000},
 };
 
-class TextStreamFailure : public testing::TestWithParam<FailureCase> {
- protected:
-  static void arm(ScriptedSource& source) {
-    switch (GetParam().failing) {
+class TextStreamFailure : public testing::TestWithParam<FailureCase> {};
+
+// A stream over a long text, moved on and filled as the row says, whose next call has failed.
+struct AfterFailure {
+  explicit AfterFailure(const FailureCase& row) {
+    stream.at(row.look_ahead);
+    loaded = source.buffer_size() - row.before;
+    stream.advance(row.before);
+    model.advance(row.before);
+    arm(row.failing);
+    if (row.advance == 0) {
+      EXPECT_THROW(stream.at(loaded), ScriptedFailure);
+    } else {
+      EXPECT_THROW(stream.advance(row.advance), ScriptedFailure);
+    }
+    source.fail_no_more();
+  }
+
+  void arm(Failing failing) {
+    switch (failing) {
       case Failing::kFill:
         return source.fail_fill(1);
       case Failing::kSkip:
@@ -760,53 +776,28 @@ class TextStreamFailure : public testing::TestWithParam<FailureCase> {
         return source.fail_resize(1);
     }
   }
+
+  Model model{long_text(1'000'000)};
+  ScriptedSource source{long_text(1'000'000)};
+  TextStream stream{&source};
+  unsigned long loaded = 0;
 };
 
 TEST_P(TextStreamFailure, LeavesTheStreamAsItWas) {
-  const FailureCase& row = GetParam();
-  Model model(long_text(1'000'000));
-  ScriptedSource source(long_text(1'000'000));
-  TextStream stream(&source);
-  stream.at(row.look_ahead);
-  const unsigned long loaded = source.buffer_size() - row.before;
-  stream.advance(row.before);
-  model.advance(row.before);
-
-  arm(source);
-  if (row.advance == 0) {
-    EXPECT_THROW(stream.at(loaded), ScriptedFailure);
-  } else {
-    EXPECT_THROW(stream.advance(row.advance), ScriptedFailure);
-  }
-  source.fail_no_more();
-
-  expect_same_units(stream, model, {0, 1, 500, 10'000, loaded / 2, loaded - 2, loaded - 1});
-  EXPECT_TRUE(stream.matches_case_sensitive(model.units(0, loaded), 0));
-  expect_same_units(stream, model, {loaded, loaded + 1, model.left() - 1, model.left()});
+  AfterFailure after(GetParam());
+  const unsigned long loaded = after.loaded;
+  const Model& model = after.model;
+  expect_same_units(after.stream, model, {0, 1, 500, 10'000, loaded / 2, loaded - 2, loaded - 1});
+  EXPECT_TRUE(after.stream.matches_case_sensitive(model.units(0, loaded), 0));
+  expect_same_units(after.stream, model, {loaded, loaded + 1, model.left() - 1, model.left()});
 }
 
 TEST_P(TextStreamFailure, TheCallSucceedsWhenItIsMadeAgain) {
-  const FailureCase& row = GetParam();
-  Model model(long_text(1'000'000));
-  ScriptedSource source(long_text(1'000'000));
-  TextStream stream(&source);
-  stream.at(row.look_ahead);
-  const unsigned long loaded = source.buffer_size() - row.before;
-  stream.advance(row.before);
-  model.advance(row.before);
-
-  arm(source);
-  if (row.advance == 0) {
-    EXPECT_THROW(stream.at(loaded), ScriptedFailure);
-  } else {
-    EXPECT_THROW(stream.advance(row.advance), ScriptedFailure);
-  }
-  source.fail_no_more();
-
-  stream.advance(row.advance);
-  model.advance(row.advance);
-  expect_same_units(stream, model, {0, 1, 500, 71, 72, 431, 432, 100'000, 131'072});
-  expect_same_units(stream, model, {model.left() - 1, model.left()});
+  AfterFailure after(GetParam());
+  after.stream.advance(GetParam().advance);
+  after.model.advance(GetParam().advance);
+  expect_same_units(after.stream, after.model, {0, 1, 500, 71, 72, 431, 432, 100'000, 131'072});
+  expect_same_units(after.stream, after.model, {after.model.left() - 1, after.model.left()});
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, TextStreamFailure, testing::ValuesIn(kFailureCases),

@@ -1,8 +1,4 @@
 // The tool as a user meets it: what it prints, what it refuses, how it ends.
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -14,6 +10,7 @@
 
 #include "support/command.hpp"
 #include "support/rule_name.hpp"
+#include "support/temp_folder.hpp"
 
 namespace textio {
 namespace {
@@ -24,6 +21,7 @@ using testing::StartsWith;
 using testing_support::ByRule;
 using testing_support::CommandResult;
 using testing_support::run_command;
+using testing_support::TempFolder;
 
 const std::string kComma = EXAMPLES_DIR "/comma.csv";
 
@@ -31,29 +29,16 @@ CommandResult vltext(const std::vector<std::string>& arguments) {
   return run_command(VLTEXT_PROGRAM, arguments);
 }
 
-// A folder of the test's own, gone at its end.
 class Tool : public testing::Test {
  protected:
-  Tool() {
-    std::string name = (std::filesystem::temp_directory_path() / "vltext-XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-  }
-  ~Tool() override { std::filesystem::remove_all(folder_); }
-
-  std::string file_with(const std::string& name, const std::string& bytes) const {
-    const std::filesystem::path path = folder_ / name;
-    std::ofstream(path, std::ios::binary) << bytes;
-    return path.string();
-  }
-
-  std::filesystem::path folder_;
+  const TempFolder folder_;
 };
 
 TEST_F(Tool, PrintsTheLayoutInWords) {
-  const CommandResult result = vltext({file_with("t.csv", "x,y\n1,a\n2,b\n")});
+  const CommandResult result = vltext({folder_.file("t.csv", "x,y\n1,a\n2,b\n")});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err, "");
-  EXPECT_EQ(result.out, (folder_ / "t.csv").string() +
+  EXPECT_EQ(result.out, folder_.path_of("t.csv") +
                             "\n"
                             "  layout          delimited by comma\n"
                             "  header lines    0\n"
@@ -68,7 +53,8 @@ TEST_F(Tool, PrintsTheLayoutInWords) {
 }
 
 TEST_F(Tool, ExplainsWithCandidatesAndFilters) {
-  const CommandResult result = vltext({"--explain", file_with("t.csv", "a b,c\n1 2,3\n4 5,6\n")});
+  const CommandResult result =
+      vltext({"--explain", folder_.file("t.csv", "a b,c\n1 2,3\n4 5,6\n")});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.out, HasSubstr("#0  space-aligned"));
   EXPECT_THAT(result.out, HasSubstr("#1  delimited by space"));
@@ -78,7 +64,7 @@ TEST_F(Tool, ExplainsWithCandidatesAndFilters) {
 
 TEST_F(Tool, PutsTheTraceIntoTheJson) {
   const CommandResult result =
-      vltext({"--explain", "--json", file_with("t.csv", "x,y\n1,a\n2,b\n")});
+      vltext({"--explain", "--json", folder_.file("t.csv", "x,y\n1,a\n2,b\n")});
   const auto document = nlohmann::json::parse(result.out);
   EXPECT_EQ(document["schema"], 1);
   const auto& trace = document["files"][0]["trace"];
@@ -91,12 +77,12 @@ TEST_F(Tool, PutsTheTraceIntoTheJson) {
 
 TEST_F(Tool, SamplesAsManyDataLinesAsAsked) {
   const CommandResult result =
-      vltext({"--json", "--lines", "2", file_with("t.csv", "1,2\n3,4\n5,6\n7,8\n")});
+      vltext({"--json", "--lines", "2", folder_.file("t.csv", "1,2\n3,4\n5,6\n7,8\n")});
   EXPECT_EQ(nlohmann::json::parse(result.out)["files"][0]["lines_sampled"], 2);
 }
 
 TEST_F(Tool, GoesOnAfterAFileThatFails) {
-  const CommandResult result = vltext({"--json", kComma, (folder_ / "none").string(), kComma});
+  const CommandResult result = vltext({"--json", kComma, folder_.path_of("none"), kComma});
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(nlohmann::json::parse(result.out)["files"].size(), 2U);
   EXPECT_THAT(result.err, HasSubstr("No such file or directory"));
@@ -138,9 +124,9 @@ INSTANTIATE_TEST_SUITE_P(Table, ToolRefusal, testing::ValuesIn(kRefusals), ByRul
 
 // The superuser reads everything, so the program is started as somebody else then.
 TEST_F(Tool, SaysWhenAFileIsNotReadable) {
-  const std::string path = file_with("secret.csv", "1,2\n");
+  const std::string path = folder_.file("secret.csv", "1,2\n");
   ASSERT_EQ(chmod(path.c_str(), 0), 0);
-  ASSERT_EQ(chmod(folder_.c_str(), 0755), 0);
+  ASSERT_EQ(chmod(folder_.path().c_str(), 0755), 0);
   const uid_t self = geteuid();
   CommandResult result;
   if (self == 0) {
@@ -157,8 +143,8 @@ TEST_F(Tool, SaysWhenAFileIsNotReadable) {
 // Names of files and of variables come from strangers.
 TEST_F(Tool, PrintsNothingThatCommandsTheTerminal) {
   const CommandResult result =
-      vltext({file_with("red\x1B[31m.csv", "a\x1B]0;b,c\xC2\x9B,d\xE2\x80\xAE\n1,2,3\n4,5,6\n"),
-              (folder_ / "none\x1B\n").string()});
+      vltext({folder_.file("red\x1B[31m.csv", "a\x1B]0;b,c\xC2\x9B,d\xE2\x80\xAE\n1,2,3\n4,5,6\n"),
+              folder_.path_of("none\x1B\n")});
   EXPECT_EQ(result.status, 2);
   EXPECT_THAT(result.out, HasSubstr("red\xEF\xBF\xBD[31m.csv\n"));
   EXPECT_THAT(result.out, Not(HasSubstr("\x1B")));
@@ -182,13 +168,13 @@ TEST_F(Tool, SaysWhenAFileOpensAndCannotBeRead) {
 }
 
 TEST_F(Tool, ReadsAPathThatIsNotUtf8) {
-  const CommandResult result = vltext({file_with("caf\xE9.csv", "1;2\n3;4\n")});
+  const CommandResult result = vltext({folder_.file("caf\xE9.csv", "1;2\n3;4\n")});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.out, HasSubstr("delimited by semicolon"));
 }
 
 TEST_F(Tool, ReadsAPipe) {
-  const std::string path = (folder_ / "pipe").string();
+  const std::string path = folder_.path_of("pipe");
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
   const CommandResult result = run_command(
       "/bin/sh", {"-c", "printf '1;2\\n3;4\\n' > \"$1\" & \"$0\" \"$1\"", VLTEXT_PROGRAM, path});
@@ -240,7 +226,7 @@ const OddInput kOddInputs[] = {
 
 class ToolOddInput : public Tool, public testing::WithParamInterface<OddInput> {};
 TEST_P(ToolOddInput, GetsAnAnswer) {
-  const CommandResult result = vltext({"--json", file_with("odd", GetParam().bytes)});
+  const CommandResult result = vltext({"--json", folder_.file("odd", GetParam().bytes)});
   EXPECT_EQ(result.status, 0);
   const auto layout = nlohmann::json::parse(result.out)["files"][0];
   EXPECT_EQ(layout["classes"].size(), layout["num_variables"].get<std::size_t>());
