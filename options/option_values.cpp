@@ -31,7 +31,8 @@ bool is_char_row(const hxArray* value) {
 bool is_cell_of_char_rows(const hxArray* value) {
   if (!hxIsCell(value)) return false;
   for (size_t i = 0; i < get_number_of_elements(value); ++i) {
-    if (!is_char_row(hxGetCell(value, i))) return false;
+    const hxArray* const cell = hxGetCell(value, i);
+    if (cell == nullptr || !is_char_row(cell)) return false;
   }
   return true;
 }

@@ -1,5 +1,5 @@
 // From the host's values to the values of the options record. Every function checks and converts
-// completely, or raises the error of its kind.
+// completely, or raises the error of its kind; widths alone are taken as they are.
 #pragma once
 
 #include <cstddef>

@@ -78,7 +78,7 @@ struct VLTEXTSTREAM_EXPORT options {
   // Carried along; nothing reads it.
   std::vector<std::u16string> reserved_strings;
 
-  // Start marker of comment lines and, if there is a second entry, the end marker of a block.
+  // Start marker of comment lines; a second entry, the end marker of a block, is not looked for.
   std::vector<std::u16string> comment_style;
 
   // The set of characters that count as white space around fields.
@@ -109,8 +109,10 @@ struct VLTEXTSTREAM_EXPORT options {
   std::uint64_t variable_descriptions_line = 0;
   std::uint64_t row_names_field = 0;
 
-  // Rules for the import that follows a detection; the detection does not read them.
+  // The parser family. A selection does not read it; detect_layout obeys widths with fixedwidth.
   parser_kind parser_type{};
+
+  // Rules for the import that follows; a detection does not read them.
   row_rule missing_rule{};
   row_rule import_error_rule{};
   consecutive_delimiters_action consecutive_delimiters_rule{};

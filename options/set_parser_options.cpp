@@ -175,9 +175,9 @@ const std::map<std::string_view, option_setter, LessIgnoringCase> option_table =
     {"EmptyValue", ignore_value},
 };
 
-// The entry with this name. The table was sorted when the library was loaded; when the global locale
-// has changed since then, its order may be another one, so a name that is not in its place is
-// looked for everywhere.
+// The setter with this name. The table was sorted when the library was loaded; when the global
+// locale has changed since then, its order may be another one, so a name that is not in its place
+// is looked for everywhere.
 option_setter find_setter(std::string_view name) {
   auto entry = option_table.find(name);
   if (entry == option_table.end()) {

@@ -178,6 +178,10 @@ Array make_array(const char16_t* text) { return make_array(std::u16string_view(t
 
 Array make_array(const std::vector<double>& values) { return make_row(values, values.size()); }
 
+Array make_array(std::initializer_list<double> values) {
+  return make_array(std::vector<double>(values));
+}
+
 Array make_array(const std::vector<std::uint64_t>& values) {
   return make_row(values, values.size());
 }
@@ -190,7 +194,12 @@ Array make_char_array(std::u16string_view units, const std::vector<std::size_t>&
   return std::make_shared<hxArray>(std::u16string(units), dimensions);
 }
 
-Array make_cell(const std::vector<Array>& elements) { return make_row(elements, elements.size()); }
+Array make_cell(const std::vector<Array>& elements) {
+  if (std::find(elements.begin(), elements.end(), nullptr) != elements.end()) {
+    throw std::invalid_argument("every cell holds an array");
+  }
+  return make_row(elements, elements.size());
+}
 
 Array make_cell(std::initializer_list<std::u16string_view> texts) {
   return make_text_cell({texts.begin(), texts.end()});
@@ -218,12 +227,14 @@ std::string message_of(const MessageIdentifiedError& error) {
 OptionProblem::OptionProblem(std::string option, const MessageIdentifiedError& error)
     : std::invalid_argument(message_of(error)),
       option_(std::move(option)),
-      identifier_(error.identifier()) {}
+      identifier_(error.identifier()),
+      arguments_(error.arguments()) {}
 
 OptionProblem::~OptionProblem() = default;
 
 void apply_options(parser::options& record, const std::vector<NameValue>& options) {
   for (const auto& [name, value] : options) {
+    if (!value) throw std::invalid_argument(fmt::format("the option '{}' has no value", name));
     const Array name_array = make_array(from_utf8(name));
     const hxArray* pair[] = {name_array.get(), value.get()};
     try {

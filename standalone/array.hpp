@@ -32,16 +32,21 @@ using Array = std::shared_ptr<const hxArray>;
 VLTEXTSTREAM_EXPORT Array make_array(double value);
 VLTEXTSTREAM_EXPORT Array make_array(bool value);
 template <std::integral Integer>
-Array make_array(Integer value) {
+requires(!std::same_as<Integer, char> && !std::same_as<Integer, char8_t> &&
+         !std::same_as<Integer, char16_t> && !std::same_as<Integer, char32_t> &&
+         !std::same_as<Integer, wchar_t>) Array make_array(Integer value) {
   return make_array(static_cast<double>(value));
 }
 
 // One row of characters; the empty text is 0-by-0.
 VLTEXTSTREAM_EXPORT Array make_array(std::u16string_view text);
 VLTEXTSTREAM_EXPORT Array make_array(const char16_t* text);
+Array make_array(const char* text) = delete;  // texts are UTF-16: from_utf8 makes them
+Array make_array(char16_t character) = delete;
 
 // One row of numbers: of class double, of class unsigned 64-bit integer.
 VLTEXTSTREAM_EXPORT Array make_array(const std::vector<double>& values);
+VLTEXTSTREAM_EXPORT Array make_array(std::initializer_list<double> values);
 VLTEXTSTREAM_EXPORT Array make_array(const std::vector<std::uint64_t>& values);
 
 // Characters of any shape; std::invalid_argument unless the dimensions, at least two, multiply to
@@ -49,7 +54,7 @@ VLTEXTSTREAM_EXPORT Array make_array(const std::vector<std::uint64_t>& values);
 VLTEXTSTREAM_EXPORT Array make_char_array(std::u16string_view units,
                                           const std::vector<std::size_t>& dimensions);
 
-// One row of cells, 0-by-0 when there is none: of arrays, of texts.
+// One row of cells, 0-by-0 when there is none: of arrays, none of them null, of texts.
 VLTEXTSTREAM_EXPORT Array make_cell(const std::vector<Array>& elements);
 VLTEXTSTREAM_EXPORT Array make_cell(std::initializer_list<std::u16string_view> texts);
 VLTEXTSTREAM_EXPORT Array make_text_cell(const std::vector<std::u16string>& texts);
@@ -61,24 +66,29 @@ VLTEXTSTREAM_EXPORT Array make_empty_array();
 VLTEXTSTREAM_EXPORT std::string message_of(const MessageIdentifiedError& error);
 
 // An option that was refused; what() is the sentence.
-class VLTEXTSTREAM_EXPORT OptionProblem : public std::invalid_argument {
+class VLTEXTSTREAM_EXPORT OptionProblem : public std::invalid_argument,
+                                          public MessageIdentifiedError {
  public:
   OptionProblem(std::string option, const MessageIdentifiedError& error);
   ~OptionProblem() override;
 
-  // The name under which the option was given, and the identifier of the message.
+  // The name under which the option was given.
   const std::string& option() const { return option_; }
-  const std::string& identifier() const { return identifier_; }
+
+  const std::string& identifier() const override { return identifier_; }
+  const std::vector<MessageArgument>& arguments() const override { return arguments_; }
 
  private:
   std::string option_;
   std::string identifier_;
+  std::vector<MessageArgument> arguments_;
 };
 
 using NameValue = std::pair<std::string, Array>;
 
 // Applies the options, one after the other, to `record`. Throws OptionProblem at the first that is
-// refused; those before it stay applied. Names are UTF-8.
+// refused, std::invalid_argument at one without a value; those before it stay applied. Names are
+// UTF-8.
 VLTEXTSTREAM_EXPORT void apply_options(parser::options& record,
                                        const std::vector<NameValue>& options);
 

@@ -142,7 +142,7 @@ std::shared_ptr<Strategy> given_strategy(const parser::options& options) {
   if (is_fixed_width && !options.variable_widths.empty()) {
     const auto& widths = options.variable_widths;
     if (std::find(widths.begin(), widths.end(), 0U) != widths.end()) {
-      throw std::invalid_argument("every column of a fixed-width table is 1 character or wider");
+      throw std::invalid_argument("VariableWidths: Expected widths of 1 or larger.");
     }
     return std::make_shared<FixedWidthStrategy>(options, widths);
   }
@@ -203,6 +203,13 @@ void open_source(FileTextSource& source, const std::string& path, const std::str
   }
 }
 
+FoundEncoding encoding_of(const std::string& path, const DetectSettings& settings) {
+  if (settings.encoding) return {*settings.encoding, EncodingFound::given};
+  const std::u16string& of_record = settings.options.encoding;
+  if (of_record != u"UTF-8") return {to_utf8(of_record), EncodingFound::given};
+  return find_encoding(from_utf8(path));
+}
+
 // Names of options are not told apart by case.
 bool is_encoding(std::string_view name) {
   constexpr std::string_view kUpperCase = "ENCODING";
@@ -233,9 +240,7 @@ Layout detect_layout(std::u16string_view text, std::initializer_list<NameValue> 
 }
 
 Layout detect_layout(const std::string& path, const DetectSettings& settings) {
-  const FoundEncoding encoding = settings.encoding
-                                     ? FoundEncoding{*settings.encoding, EncodingFound::given}
-                                     : find_encoding(from_utf8(path));
+  const FoundEncoding encoding = encoding_of(path, settings);
   FileTextSource source;
   open_source(source, path, encoding.name);
   const TextStream stream(&source);

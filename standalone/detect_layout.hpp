@@ -52,12 +52,13 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
   // Data lines to sample.
   unsigned long num_lines = 100;
 
-  // Name of the encoding, as ICU knows it; not engaged means "find it".
+  // Name of the encoding, as ICU knows it. Not engaged means the one of the options if that is
+  // another than its default, "UTF-8", else "find it".
   std::optional<std::string> encoding;
 
   // The choices of the caller. Delimiters that are settled (`detect_delimiters` is false) are taken
   // as they are: no other layout is looked for. So are column widths, of at least one character
-  // each, when `parser_type` is fixedwidth. `options.encoding` is not read: see `encoding`.
+  // each, when `parser_type` is fixedwidth.
   parser::options options;
 
   // Fill in Layout::trace.

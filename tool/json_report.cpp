@@ -63,6 +63,7 @@ Json json_report(const std::string& file, const Layout& layout,
   Json given_options = Json::array();
   for (const GivenOption& option : given) {
     given_options.push_back({{"name", option.name}, {"values", option.values}});
+    if (option.is_json) given_options.back()["json"] = true;
   }
   Json classes = Json::array();
   for (const DatatypeCode code : layout.classes) classes.push_back(name_of(code));

@@ -17,6 +17,7 @@
 #include <vltextstream/standalone/utf_text.hpp>
 #include <vltextstream/version.hpp>
 
+#include "tool/help.hpp"
 #include "tool/json_report.hpp"
 #include "tool/option_flags.hpp"
 #include "tool/report.hpp"
@@ -55,52 +56,44 @@ class BadArgument : public std::runtime_error {
 // Which option of the library each flag stands for; null for --option.
 using Flags = std::map<const CLI::Option*, const OptionFlag*>;
 
-CLI::Option* add_repeatable(CLI::App& app, const std::string& flag, const std::string& help,
-                            const std::string& placeholder) {
-  CLI::Option* const option = app.add_option(flag, help);
-  option->type_name(placeholder)->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+CLI::Option* add_repeatable(CLI::App& app, const std::string& flag) {
+  CLI::Option* const option = app.add_option(flag);
+  option->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   return option;
 }
 
 Flags declare(CLI::App& app, Arguments& arguments) {
-  app.add_option("FILE", arguments.files, "Text files to look at")->required();
-  app.add_flag("--json", arguments.json, "Print one JSON document instead of text");
-  app.add_flag("--explain", arguments.explain,
-               "Also print the candidates, their scores and what each filter left");
-  app.add_option("--lines", arguments.lines,
-                 "Number of data lines to sample from the start of each file")
-      ->type_name("N")
-      ->capture_default_str();
+  app.add_option("FILE", arguments.files)->required();
+  app.add_flag("--json", arguments.json);
+  app.add_flag("--explain", arguments.explain);
+  app.add_option("--lines", arguments.lines);
   app.set_version_flag("--version", std::string("vltext ") + libvltextstream_version);
-  app.footer(
-      "In texts, \\t stands for a tab, \\n, \\r and \\b for the other control characters, and "
-      "\\\\ for a\nbackslash. Words may be shortened. Lines count from 1 over the sampled "
-      "lines: comments are\nleft out, and a quoted field with line breaks makes one line.\n\n"
-      "Exits with 0, or with 2 when a file cannot be read or an argument is wrong.");
 
   Flags flags;
   for (const OptionFlag& flag : textio::tool::option_flags()) {
-    flags[add_repeatable(app, textio::tool::flag_of(flag.name), flag.help, flag.placeholder)] =
-        &flag;
+    flags[add_repeatable(app, textio::tool::flag_of(flag.name))] = &flag;
   }
-  flags[add_repeatable(
-      app, "--option",
-      "Any of the options above by its name; NAME:=JSON for a value of another class",
-      "NAME=VALUE")] = nullptr;
+  flags[add_repeatable(app, "--option")] = nullptr;
   return flags;
 }
 
 // The arguments, last one first, as the parser wants them. It would take what follows "--flag=" for
 // the value, so the empty value is put there.
-std::vector<std::string> reversed_arguments(int argc, char** argv) {
+std::vector<std::string> reversed_arguments(const CLI::App& app, int argc, char** argv) {
   std::vector<std::string> arguments;
+  bool is_value = false;
+  bool only_files = false;
   for (int i = 1; i < argc; ++i) {
     std::string argument = argv[i];
-    const bool has_empty_value = argument.size() > 3 && argument.compare(0, 2, "--") == 0 &&
-                                 argument.find('=') == argument.size() - 1;
-    if (has_empty_value) argument.pop_back();
-    arguments.push_back(argument);
-    if (has_empty_value) arguments.emplace_back();
+    const bool ends_with_equals = !argument.empty() && argument.find('=') == argument.size() - 1;
+    const std::string flag = ends_with_equals ? argument.substr(0, argument.size() - 1) : argument;
+    const CLI::Option* const option =
+        is_value || only_files ? nullptr : app.get_option_no_throw(flag);
+    const bool takes_value = option != nullptr && option->get_items_expected() > 0;
+    only_files = only_files || (!is_value && argument == "--");
+    is_value = takes_value && !ends_with_equals;
+    arguments.push_back(takes_value ? flag : argument);
+    if (takes_value && ends_with_equals) arguments.emplace_back();
   }
   std::reverse(arguments.begin(), arguments.end());
   return arguments;
@@ -153,19 +146,21 @@ unsigned long to_line_count(const std::string& text) {
 }
 
 textio::standalone::Array value_of(const GivenOption& option) {
-  if (option.is_json) return textio::tool::json_to_array(option.values.front());
   const OptionFlag* const flag = textio::tool::find_option(option.name);
-  return textio::tool::to_array(flag ? flag->kind : ValueKind::text, option.values);
+  const ValueKind kind = flag != nullptr ? flag->kind : ValueKind::text;
+  return option.is_json ? textio::tool::json_to_array(kind, option.values.front())
+                        : textio::tool::to_array(kind, option.values);
 }
 
 // One option goes through the library's own option parsing; the tool checks nothing itself.
 void apply(const GivenOption& option, textio::parser::options& record) {
-  if (option.values.empty()) {
-    const auto name = textio::standalone::make_array(textio::standalone::from_utf8(option.name));
-    const hxArray* const alone[] = {name.get()};
-    textio::options::set_parser_options(const_cast<const hxArray**>(alone), 1, record);
+  if (!option.values.empty()) {
+    textio::standalone::apply_options(record, {{option.name, value_of(option)}});
+    return;
   }
-  textio::standalone::apply_options(record, {{option.name, value_of(option)}});
+  const auto name = textio::standalone::make_array(textio::standalone::from_utf8(option.name));
+  const hxArray* alone[] = {name.get()};
+  textio::options::set_parser_options(alone, 1, record);
 }
 
 bool is_encoding(const GivenOption& option) {
@@ -180,6 +175,7 @@ DetectSettings settings_of(const Arguments& arguments) {
   for (const GivenOption& option : arguments.given) {
     if (option.typed_as == "--encoding" && option.values.back() == kAutoEncoding) {
       settings.encoding.reset();
+      settings.options.encoding = textio::parser::options().encoding;
       continue;
     }
     try {
@@ -240,20 +236,23 @@ int run(const Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("Prints how the table in each text file is laid out.", "vltext");
+  CLI::App app("", "vltext");
   Arguments arguments;
-  const Flags flags = declare(app, arguments);
   try {
-    app.parse(reversed_arguments(argc, argv));
+    const Flags flags = declare(app, arguments);
+    app.parse(reversed_arguments(app, argc, argv));
     arguments.given = given_options(app, flags);
     arguments.settings = settings_of(arguments);
+    return run(arguments);
+  } catch (const CLI::CallForHelp&) {
+    std::fputs(textio::tool::help_text().c_str(), stdout);
+    return 0;
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);
     complain(error.what());
-    return kFailed;
-  } catch (const BadArgument& error) {
+    std::fputs("Try 'vltext --help' for more information.\n", stderr);
+  } catch (const std::exception& error) {
     complain(error.what());
-    return kFailed;
   }
-  return run(arguments);
+  return kFailed;
 }

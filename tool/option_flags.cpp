@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <cstdint>
 #include <stdexcept>
 #include <string_view>
 
@@ -65,6 +66,21 @@ Array to_text_list(const std::vector<std::string>& typed) {
   return standalone::make_text_cell(texts);
 }
 
+constexpr std::size_t kDeepestNesting = 100;
+
+// How deep lists are nested at most, taking every bracket for one that opens or closes a list.
+std::size_t nesting_of(std::string_view json) {
+  std::size_t depth = 0;
+  std::size_t deepest = 0;
+  for (const char c : json) {
+    if (c == '[' || c == '{') deepest = std::max(deepest, ++depth);
+    if ((c == ']' || c == '}') && depth > 0) --depth;
+  }
+  return deepest;
+}
+
+bool is_unsigned(const nlohmann::json& value) { return value.is_number_unsigned(); }
+
 bool is_number(const nlohmann::json& value) { return value.is_number(); }
 
 Array to_array(const nlohmann::json& value) {
@@ -84,44 +100,51 @@ Array to_array(const nlohmann::json& value) {
 
 const std::vector<OptionFlag>& option_flags() {
   using Kind = ValueKind;
+  constexpr bool kForImport = true;
   static const std::vector<OptionFlag> flags = {
-      {"Delimiter", Kind::text_list, "TEXT", "Fields are separated by TEXT: look for nothing else"},
+      {"Delimiter", Kind::text_list, "TEXT",
+       "Fields are separated by TEXT: look for no other layout; may be repeated"},
       {"NumHeaderLines", Kind::count, "N", "N lines stand before the data"},
       {"DataLine", Kind::count, "N", "The data begin in line N"},
       {"NumVariables", Kind::count, "N", "Prefer layouts with N columns"},
       {"CommentStyle", Kind::text_list, "TEXT",
-       "Lines that begin with TEXT are comments; given twice, the second ends a block"},
+       "Lines that begin with TEXT are comments; a second marker, for the end of a block, is "
+       "accepted and not used"},
       {"Encoding", Kind::text, "NAME",
-       "Encoding of the files, such as UTF-8, windows-1252 or Shift_JIS; auto, the default, finds "
-       "it"},
-      {"LineEnding", Kind::text_list, "TEXT", "Lines end with TEXT"},
+       "The files have this encoding, such as UTF-8, windows-1252 or Shift_JIS; auto, the default, "
+       "finds it"},
+      {"LineEnding", Kind::text_list, "TEXT", "Lines end with TEXT; may be repeated"},
       {"EndOfLine", Kind::text_list, "TEXT", "The same as --line-ending"},
-      {"Whitespace", Kind::text, "CHARS", "Characters that are trimmed around fields"},
+      {"Whitespace", Kind::text, "CHARS", "These characters are trimmed around fields"},
       {"ParserType", Kind::text, "WORD", "delimited, fixedwidth or tabular"},
       {"VariableWidths", Kind::widths, "N,N,...",
-       "Widths of the columns; taken as they are with --parser-type fixedwidth"},
-      {"DateLocale", Kind::text, "NAME", "Locale of the dates"},
-      {"ExpChars", Kind::text, "CHARS", "Characters that mark an exponent"},
-      {"VariableNamesLine", Kind::count, "N", "The names of the variables stand in line N"},
-      {"VariableUnitsLine", Kind::count, "N", "The units stand in line N"},
-      {"VariableDescriptionsLine", Kind::count, "N", "The descriptions stand in line N"},
-      {"RowNamesField", Kind::count, "N", "The names of the rows are field N"},
-      {"ConsecutiveDelimitersRule", Kind::text, "WORD", "split, join or error"},
-      {"LeadingDelimitersRule", Kind::text, "WORD", "keep, ignore or error"},
-      {"MultipleDelimsAsOne", Kind::logical, "BOOL", "Both of the rules above at once"},
-      {"EmptyLineRule", Kind::text, "WORD", "skip, read or error"},
-      {"ExtraColumnsRule", Kind::text, "WORD", "addvars, ignore, wrap or error"},
-      {"PartialFieldRule", Kind::text, "WORD", "keep, omitrow, omitvar, fill, wrap or error"},
-      {"MissingRule", Kind::text, "WORD", "fill, omitrow, omitvar or error"},
-      {"ImportErrorRule", Kind::text, "WORD", "fill, omitrow, omitvar or error"},
-      {"TextType", Kind::text, "WORD", "char or string"},
-      {"DatetimeType", Kind::text, "WORD", "datetime, char or exceldate"},
-      {"TreatAsMissing", Kind::text_list, "TEXT", "TEXT stands for a missing value"},
-      {"TreatAsEmpty", Kind::text_list, "TEXT", "The same as --treat-as-missing"},
-      {"CollectOutput", Kind::logical, "BOOL", "For the import"},
-      {"IsFile", Kind::logical, "BOOL", "For the import"},
-      {"ReturnOnError", Kind::text, "ANY", "Accepted and ignored"},
-      {"EmptyValue", Kind::text, "ANY", "Accepted and ignored"},
+       "The columns have these widths: with --parser-type fixedwidth, look for no other layout"},
+      {"VariableNamesLine", Kind::count, "N", "The names of the variables stand in line N",
+       kForImport},
+      {"VariableUnitsLine", Kind::count, "N", "The units stand in line N", kForImport},
+      {"VariableDescriptionsLine", Kind::count, "N", "The descriptions stand in line N",
+       kForImport},
+      {"RowNamesField", Kind::count, "N", "The names of the rows are field N", kForImport},
+      {"DateLocale", Kind::text, "NAME", "Locale of the dates", kForImport},
+      {"ExpChars", Kind::text, "CHARS", "Characters that mark an exponent", kForImport},
+      {"ConsecutiveDelimitersRule", Kind::text, "WORD", "split, join or error", kForImport},
+      {"LeadingDelimitersRule", Kind::text, "WORD", "keep, ignore or error", kForImport},
+      {"MultipleDelimsAsOne", Kind::logical, "BOOL",
+       "true for join and ignore in the two rules above, false for split and keep", kForImport},
+      {"EmptyLineRule", Kind::text, "WORD", "skip, read or error", kForImport},
+      {"ExtraColumnsRule", Kind::text, "WORD", "addvars, ignore, wrap or error", kForImport},
+      {"PartialFieldRule", Kind::text, "WORD", "keep, omitrow, omitvar, fill, wrap or error",
+       kForImport},
+      {"MissingRule", Kind::text, "WORD", "fill, omitrow, omitvar or error", kForImport},
+      {"ImportErrorRule", Kind::text, "WORD", "fill, omitrow, omitvar or error", kForImport},
+      {"TextType", Kind::text, "WORD", "char or string", kForImport},
+      {"DatetimeType", Kind::text, "WORD", "datetime, char or exceldate", kForImport},
+      {"TreatAsMissing", Kind::text_list, "TEXT", "TEXT stands for a missing value", kForImport},
+      {"TreatAsEmpty", Kind::text_list, "TEXT", "The same as --treat-as-missing", kForImport},
+      {"CollectOutput", Kind::logical, "BOOL", "true or false", kForImport},
+      {"IsFile", Kind::logical, "BOOL", "true or false", kForImport},
+      {"ReturnOnError", Kind::text, "ANY", "Accepted and ignored", kForImport},
+      {"EmptyValue", Kind::text, "ANY", "Accepted and ignored", kForImport},
   };
   return flags;
 }
@@ -143,12 +166,17 @@ const OptionFlag* find_option(const std::string& name) {
   return nullptr;
 }
 
-Array json_to_array(const std::string& typed) {
-  const auto value = nlohmann::json::parse(typed, nullptr, false);
+Array json_to_array(ValueKind kind, const std::string& typed) {
+  const auto value = nesting_of(typed) > kDeepestNesting
+                         ? nlohmann::json(nlohmann::json::value_t::discarded)
+                         : nlohmann::json::parse(typed, nullptr, false);
   if (value.is_discarded()) {
-    throw std::invalid_argument(fmt::format("Expected a JSON value behind ':=', got '{}'.", typed));
+    throw std::invalid_argument(
+        fmt::format("Expected a JSON value behind ':=', got '{}'.", typed.substr(0, 80)));
   }
-  return to_array(value);
+  const bool are_widths = kind == ValueKind::widths && value.is_array() && !value.empty() &&
+                          std::all_of(value.begin(), value.end(), is_unsigned);
+  return are_widths ? make_array(value.get<std::vector<std::uint64_t>>()) : to_array(value);
 }
 
 Array to_array(ValueKind kind, const std::vector<std::string>& typed) {

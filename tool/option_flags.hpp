@@ -23,6 +23,7 @@ struct OptionFlag {
   ValueKind kind;
   const char* placeholder;  // for the value in the help
   const char* help;
+  bool for_import = false;  // carried for an import; without effect on a detection
 };
 
 // An option as it was typed.
@@ -45,8 +46,9 @@ const OptionFlag* find_option(const std::string& name);
 // The host's array for what was typed. Throws std::invalid_argument for widths that are none.
 standalone::Array to_array(ValueKind kind, const std::vector<std::string>& typed);
 
-// The host's array for a JSON value: numbers, logicals, texts; a list of numbers is a row of them,
-// any other list a cell, null the empty array. Throws std::invalid_argument when it is no JSON.
-standalone::Array json_to_array(const std::string& typed);
+// The host's array for a JSON value: numbers, logicals, texts; a list of numbers is a row of them
+// (of whole ones, for widths), any other list a cell, null the empty array. Throws
+// std::invalid_argument when it is no JSON, or nested deeper than anybody needs.
+standalone::Array json_to_array(ValueKind kind, const std::string& typed);
 
 }  // namespace textio::tool

@@ -225,8 +225,11 @@ std::string report(const std::string& file, const Layout& layout,
   std::string out = printable(file) + "\n";
   fmt::format_to(Out(out), "  layout          {}{}\n", name_of(layout.mode), separators(layout));
   for (const GivenOption& option : given) {
+    const std::string values = option.is_json
+                                   ? option.values.front()
+                                   : fmt::format("'{}'", fmt::join(option.values, "' '"));
     fmt::format_to(Out(out), "  given           {} {}\n", printable(std::string_view(option.name)),
-                   printable(fmt::format("{}", fmt::join(option.values, " "))));
+                   printable(std::string_view(values)));
   }
   fmt::format_to(Out(out), "  header lines    {}\n", layout.header_lines);
   fmt::format_to(

@@ -28,7 +28,7 @@ using testing_support::error_of_pairs;
 using testing_support::error_text;
 using testing_support::OptionPair;
 
-// --- threads --------------------------------------------------------------------------------------
+// --- threads -------------------------------------------------------------------------------------
 
 // Pairs that touch every kind of value; `seed` keeps the records of different threads apart.
 std::vector<OptionPair> pairs_of(std::size_t seed) {
@@ -141,7 +141,7 @@ TEST(SetParserOptionsThreads, RaiseTheirOwnErrors) {
   for (const std::string& answer : answers) EXPECT_EQ(answer, "");
 }
 
-// --- locales --------------------------------------------------------------------------------------
+// --- locales -------------------------------------------------------------------------------------
 
 // Puts both locales of the process, C's and C++'s, back at the end of a test.
 class SetParserOptionsLocale : public testing::Test {

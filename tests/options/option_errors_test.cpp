@@ -230,7 +230,7 @@ TEST_P(RaisedOptionError, TakesErrorInformationOfTheCaller) {
 INSTANTIATE_TEST_SUITE_P(Table, RaisedOptionError, testing::ValuesIn(kErrors),
                          testing_support::ByRule());
 
-// --- the classes ----------------------------------------------------------------------------------
+// --- the classes ---------------------------------------------------------------------------------
 
 template <typename Error>
 class OptionErrorClass : public testing::Test {};

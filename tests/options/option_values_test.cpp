@@ -33,7 +33,7 @@ using Widths = std::vector<std::uint64_t>;
 
 std::u16string wide(std::string_view text) { return {text.begin(), text.end()}; }
 
-// --- escapes --------------------------------------------------------------------------------------
+// --- escapes -------------------------------------------------------------------------------------
 
 struct EscapeCase {
   const char* rule;
@@ -179,7 +179,7 @@ TEST(UnescapeOptionStringProperty, UndoesEscapingOfAnyText) {
   }));
 }
 
-// --- keywords -------------------------------------------------------------------------------------
+// --- keywords ------------------------------------------------------------------------------------
 
 TEST(FormatChoices, QuotesAndJoins) {
   EXPECT_EQ(options::format_choices({"keep", "ignore", "error"}), "'keep', 'ignore', 'error'");
@@ -299,7 +299,7 @@ TEST(MatchChoiceProperty, IsThePlainMatchForBeginningsOfTheOptionsKeywords) {
   }));
 }
 
-// --- the checks -----------------------------------------------------------------------------------
+// --- the checks ----------------------------------------------------------------------------------
 
 TEST(ToNonNegativeInteger, TakesWholeNumbersFromZero) {
   EXPECT_EQ(options::to_non_negative_integer(make_array(0.0).get()), 0U);

@@ -46,7 +46,7 @@ std::u16string wide(std::string_view text) { return {text.begin(), text.end()}; 
 Array numbers(const std::vector<double>& values) { return make_array(values); }
 Array integers(const Widths& values) { return make_array(values); }
 
-// --- the effect of every option -------------------------------------------------------------------
+// --- the effect of every option ------------------------------------------------------------------
 
 struct EffectCase {
   std::string rule;
@@ -350,7 +350,7 @@ INSTANTIATE_TEST_SUITE_P(EveryOption, SetParserOptions, testing::ValuesIn(kEvery
 INSTANTIATE_TEST_SUITE_P(Effects, SetParserOptions, testing::ValuesIn(kEffects),
                          testing_support::ByRule());
 
-// --- the default: what a record holds as long as the option has not been given --------------------
+// --- the default: what a record holds as long as the option has not been given -------------------
 
 TEST(SetParserOptionsDefaults, EveryMemberStaysAtItsDefaultWhenAnotherOptionIsGiven) {
   // Each option changes its own members alone (see above), so a record with all the others applied
@@ -456,7 +456,7 @@ TEST(SetParserOptionsDefaults, EveryMemberStaysAtItsDefaultWhenAnotherOptionIsGi
   }
 }
 
-// --- keywords -------------------------------------------------------------------------------------
+// --- keywords ------------------------------------------------------------------------------------
 
 struct KeywordCase {
   const char* option;
@@ -576,7 +576,7 @@ TEST(SetParserOptionsKeywordShape, DoesNotMatter) {
   }
 }
 
-// --- what is refused ------------------------------------------------------------------------------
+// --- what is refused -----------------------------------------------------------------------------
 
 struct RefusalCase {
   std::string rule;
@@ -853,7 +853,7 @@ TEST_P(SetParserOptionsRefusal, KeepsThePairsBeforeAndReachesNoneAfter) {
 INSTANTIATE_TEST_SUITE_P(Table, SetParserOptionsRefusal, testing::ValuesIn(refusals()),
                          testing_support::ByRule());
 
-// --- names ----------------------------------------------------------------------------------------
+// --- names ---------------------------------------------------------------------------------------
 
 std::u16string in_lower_case(std::u16string text) {
   for (char16_t& unit : text) {
@@ -959,7 +959,7 @@ TEST_P(SetParserOptionsUnknown, IsNamedAsGivenAndThePairsBeforeStay) {
 INSTANTIATE_TEST_SUITE_P(Table, SetParserOptionsUnknown, testing::ValuesIn(kUnknown),
                          testing_support::ByRule());
 
-// --- counts ---------------------------------------------------------------------------------------
+// --- counts --------------------------------------------------------------------------------------
 
 struct CountCase {
   const char* rule;
@@ -1005,7 +1005,7 @@ TEST(SetParserOptionsArguments, NoMoreArraysAreReadThanCounted) {
   EXPECT_EQ(record.encoding, u"stored");
 }
 
-// --- several pairs --------------------------------------------------------------------------------
+// --- several pairs -------------------------------------------------------------------------------
 
 struct SequenceCase {
   const char* rule;
@@ -1136,7 +1136,7 @@ TEST(SetParserOptionsLists, TheRecordKeepsItsTextsWhenTheArraysAreGone) {
   EXPECT_EQ(record.encoding, u"a longer name here");
 }
 
-// --- absurd sizes ---------------------------------------------------------------------------------
+// --- absurd sizes --------------------------------------------------------------------------------
 
 struct HugeCase {
   const char* rule;

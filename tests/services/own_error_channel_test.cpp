@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <boost/exception_ptr.hpp>
 
 #include <vltextstream/vltextstream.hpp>
 
@@ -47,6 +48,18 @@ TEST(OwnErrorChannel, MayRaiseTheErrorItself) {
   raises_by_itself = true;
   EXPECT_THROW(set_option(u"Delim", make_array(u";")), RaisedByTheHost);
   EXPECT_EQ(reported, std::vector<std::string>{"VELLUM:textio:textio:UnknownParameter"});
+}
+
+// A program may make and throw the errors itself, and classes of its own from them.
+struct StrictDelimiterType : options::DelimiterType {
+  const char* what() const noexcept override { return "strict"; }
+};
+
+TEST(OptionErrors, MayBeThrownAndExtendedByAProgram) {
+  EXPECT_THROW(throw StrictDelimiterType(), options::DelimiterType);
+  const boost::exception_ptr copy = boost::copy_exception(options::DelimiterType());
+  EXPECT_THROW(boost::rethrow_exception(copy), MessageIdentifiedError);
+  EXPECT_EQ(StrictDelimiterType().identifier(), "VELLUM:textio:textio:DelimiterType");
 }
 
 TEST(OwnErrorChannel, HearsNothingWhenNothingIsWrong) {

@@ -30,7 +30,7 @@ using Shape = std::vector<std::size_t>;
 using Numbers = std::vector<double>;
 using Widths = std::vector<std::uint64_t>;
 
-// --- classes and shapes ---------------------------------------------------------------------------
+// --- classes and shapes --------------------------------------------------------------------------
 
 struct ShapeCase {
   const char* rule;
@@ -106,7 +106,7 @@ TEST(ArrayCharShape, DoesNotWrapAround) {
   EXPECT_THROW(make_char_array(u"ab", {(std::size_t{1} << 63) + 1, 2}), std::invalid_argument);
 }
 
-// --- elements -------------------------------------------------------------------------------------
+// --- elements ------------------------------------------------------------------------------------
 
 TEST(ArrayNumber, HasItsValue) {
   for (const double value : {0.0, 2.5, -1.0, 1e300, std::numeric_limits<double>::infinity()}) {
@@ -233,7 +233,7 @@ TEST(IsInteger, IsAWholeNumber) {
   }
 }
 
-// --- messages -------------------------------------------------------------------------------------
+// --- messages ------------------------------------------------------------------------------------
 
 class OwnError : public MessageIdentifiedError {
  public:
@@ -308,7 +308,7 @@ TEST(MessageOfOther, ArgumentsMayBeMissing) {
   }
 }
 
-// --- apply_options --------------------------------------------------------------------------------
+// --- apply_options -------------------------------------------------------------------------------
 
 TEST(ApplyOptions, AppliesOneAfterTheOther) {
   parser::options record;
@@ -403,7 +403,7 @@ TEST(OptionProblem, IsAnInvalidArgumentAndACopyableValue) {
   EXPECT_EQ(std::string(standard.what()), problem.what());
 }
 
-// --- settings_with --------------------------------------------------------------------------------
+// --- settings_with -------------------------------------------------------------------------------
 
 TEST(SettingsWith, NoneAreTheDefaults) {
   const DetectSettings settings = settings_with({});

@@ -794,12 +794,6 @@ TEST(DetectLayoutEncoding, ThatIsNotKnownIsRefusedByName) {
   }
 }
 
-TEST(DetectLayoutEncoding, IsNotReadFromTheOptions) {
-  DetectSettings settings;
-  settings.options.encoding = u"klingon";
-  EXPECT_EQ(layout_of_file("\xC3\xA9" + kRows, settings).encoding, "UTF-8");
-}
-
 TEST(DetectLayoutEncoding, IsNotUsedForAText) {
   DetectSettings settings;
   settings.encoding = "klingon";

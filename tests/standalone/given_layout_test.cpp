@@ -745,12 +745,20 @@ TEST(GivenEncoding, PassesThroughTheSettings) {
       "b");
 }
 
-TEST(GivenEncoding, OfTheRecordIsNotRead) {
+// The default of the record does not tell whether anybody asked for it.
+TEST(GivenEncoding, OfTheRecordIsTakenUnlessItIsTheDefault) {
   const TempFolder folder;
+  const std::string path = folder.file("t", "caf\xE9,2\nth\xE9,4\n");
   DetectSettings settings;
+  EXPECT_EQ(detect_layout(path, settings).encoding_found, EncodingFound::fallback);
+  settings.options.encoding = u"ISO-8859-1";
+  EXPECT_EQ(detect_layout(path, settings).encoding_found, EncodingFound::given);
+  EXPECT_EQ(detect_layout(path, settings).encoding, "ISO-8859-1");
+  settings.encoding = "windows-1252";
+  EXPECT_EQ(detect_layout(path, settings).encoding, "windows-1252");
+  settings.encoding.reset();
   settings.options.encoding = u"no such encoding";
-  EXPECT_EQ(detect_layout(folder.file("t", "1,2\n3,4\n"), settings).encoding_found,
-            EncodingFound::valid_utf8);
+  EXPECT_THROW(detect_layout(path, settings), std::invalid_argument);
 }
 
 TEST(GivenEncoding, ThatIsUnknownIsRefused) {

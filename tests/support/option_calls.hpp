@@ -1,5 +1,5 @@
-// Option parsing in tests: pairs of a name and a value, records to compare as a whole, and the error
-// that a call raised.
+// Option parsing in tests: pairs of a name and a value, records to compare as a whole, and the
+// error that a call raised.
 #pragma once
 
 #include <cstddef>

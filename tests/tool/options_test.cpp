@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cstddef>
 #include <ostream>
+#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -768,6 +769,10 @@ const RefusedCase kRefused[] = {
     {"NothingAsCommentStyle", {"--option", "CommentStyle:=null"}, "CommentStyle", {"a list"}},
     {"TwoNumbersAsOne", {"--option", "NumVariables:=[1,2]"}, "NumVariables", {"whole number"}},
     {"TextAsNumber", {"--option", "NumVariables:=\"3\""}, "NumVariables", {"whole number"}},
+    {"JsonNestedTooDeep",
+     {"--option", "Delimiter:=" + std::string(60'000, '[') + std::string(60'000, ']')},
+     "Delimiter",
+     {"JSON"}},
     {"NoJson", {"--option", "NumVariables:=three"}, "NumVariables", {"JSON", "'three'"}},
     {"ValueWithoutAName", {"--option", "=1"}, "--option", {"''"}},
 
@@ -835,6 +840,41 @@ TEST(ToolFileNames, StandBehindTwoDashes) {
   EXPECT_EQ(document.at("files").at(0).at("file"), "-x");
   EXPECT_EQ(document.at("files").at(1).at("file"), "--json");
   EXPECT_EQ(document.at("files").at(0).at("delimiters"), json::array({";"}));
+}
+
+// What looks like a flag with an empty value is a file there, and a value where one is wanted.
+TEST(ToolFileNames, MayEndWithAnEqualsSign) {
+  const TempFolder folder;
+  folder.file("--delimiter=", "1;2\n3;4\n");
+  const CommandResult file = run_command(
+      "/bin/sh",
+      {"-c", "cd \"$1\" && \"$0\" --json -- --delimiter=", VLTEXT_PROGRAM, folder.path()});
+  EXPECT_EQ(file.status, 0) << file.err;
+  const CommandResult value =
+      vltext({"--json", "--whitespace", "--json=", folder.file("t", "1,2\n3,4\n")});
+  EXPECT_EQ(value.status, 0) << value.err;
+}
+
+TEST(ToolAcceptsJson, ForWidthsAndLists) {
+  const TempFolder folder;
+  const std::string file = folder.file("t", "ab1\ncd2\n");
+  const CommandResult widths =
+      vltext({"--json", "--parser-type", "fixedwidth", "--option", "VariableWidths:=[2,1]", file});
+  ASSERT_EQ(widths.status, 0) << widths.err;
+  EXPECT_EQ(json::parse(widths.out).at("files")[0].at("widths"), json({2, 1}));
+  const CommandResult none = vltext({"--json", "--option", "Delimiter:=[]", file});
+  ASSERT_EQ(none.status, 0) << none.err;
+  const json layout = json::parse(none.out).at("files")[0];
+  EXPECT_EQ(layout.at("delimiters"), json::array());
+  EXPECT_EQ(layout.at("given"),
+            json::parse(R"([{"name": "Delimiter", "values": ["[]"], "json": true}])"));
+}
+
+TEST(ToolHelp, FitsATerminal) {
+  const std::string help = vltext({"--help"}).out;
+  EXPECT_THAT(help, StartsWith("Usage: vltext "));
+  std::istringstream lines(help);
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 79U) << line;
 }
 
 TEST(ToolFileNames, MayFollowAListOfValues) {
