@@ -310,7 +310,7 @@ const BuildCase kBuildCases[] = {
     // space finds 1, 9, 2, 10, 8, 10 fields: after the header line nothing deviates from 9.
     {"AGivenHeaderLineHasNoColumns",
      u" ",
-     u"Name,NameXXXNr\n" + kNames,
+     u"Name,NameAndNr\n" + kNames,
      1,
      {fixed_width({11, 3}, 1, 2), delimited(u" ", 1, 10)}},
     // The data lines agree with each other, but not with the line above them. The single space
