@@ -12,6 +12,7 @@
 // Threads    one thread at a time; separate converters are independent.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -38,6 +39,9 @@ class VLTEXTSTREAM_IMPORT StreamCodeConverter {
 
   // Whether it keeps units that found no room, or bytes of an unfinished character.
   bool has_more() const;
+
+  // The ill-formed parts met since the converter was made. The library does not ask.
+  std::size_t ill_formed_parts() const;
 
   // Forgets unfinished characters and units held back. `at_start` says that the next byte is the
   // first of the text: only there is a byte-order mark looked for and dropped. A byte order that

@@ -4,8 +4,10 @@
 #include "source/file_text_source.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <stdexcept>
+#include <utility>
 
 #include "host/code_converter.hpp"
 #include "host/file_layer.hpp"
@@ -19,6 +21,7 @@ constexpr std::size_t kScratchUnits = 65'535;
 struct CloseFile {
   void operator()(std::FILE* file) const noexcept { std::fclose(file); }
 };
+using File = std::unique_ptr<std::FILE, CloseFile>;
 
 }  // namespace
 
@@ -50,21 +53,34 @@ FileStreamBufferManager::~FileStreamBufferManager() = default;
 // FileTextSource
 
 struct FileTextSource::FileState {
-  FileState(const std::u16string& path, const std::string& encoding)
-      : file(open_file(path, "rb")), converter(encoding, true) {}
+  FileState(File opened, const std::string& encoding)
+      : file(std::move(opened)), converter(encoding, true) {}
 
   // Looks at the next byte; the position of the file does not change.
-  bool at_end() const {
+  bool at_end() {
     const int byte = std::fgetc(file.get());
+    note_read_error();
     if (byte == EOF) return true;
     std::ungetc(byte, file.get());
     return false;
   }
 
+  std::size_t read(char* bytes, std::size_t count) {
+    const std::size_t got = std::fread(bytes, 1, count, file.get());
+    note_read_error();
+    return got;
+  }
+
+  // Right after a read, while errno is still its own.
+  void note_read_error() {
+    if (read_error == 0 && std::ferror(file.get()) != 0) read_error = errno != 0 ? errno : EIO;
+  }
+
   std::size_t decode(char16_t* begin, char16_t* end);
 
-  std::unique_ptr<std::FILE, CloseFile> file;
+  File file;
   StreamCodeConverter converter;
+  int read_error = 0;
 };
 
 // Fills [begin, end) as far as the text reaches; returns the number of units written. At the end
@@ -75,7 +91,7 @@ std::size_t FileTextSource::FileState::decode(char16_t* begin, char16_t* end) {
   char16_t* cursor = begin;
   while (cursor != end) {
     const std::size_t ask = std::min(static_cast<std::size_t>(end - cursor), kChunkBytes);
-    const std::size_t got = at_end() ? 0 : std::fread(chunk, 1, ask, file.get());
+    const std::size_t got = at_end() ? 0 : read(chunk, ask);
     char16_t* const first = cursor;
     const char* in = chunk;
     if (converter.convert(cursor, end, in, chunk + got, got < ask)) converter.reset(false);
@@ -90,7 +106,11 @@ FileTextSource::FileTextSource() = default;
 FileTextSource::~FileTextSource() = default;
 
 void FileTextSource::init_stream(const std::u16string& path, const std::string& encoding) {
-  auto opened = std::make_unique<FileState>(path, encoding);
+  init_stream(open_file(path, "rb"), encoding);
+}
+
+void FileTextSource::init_stream(std::FILE* file, const std::string& encoding) {
+  auto opened = std::make_unique<FileState>(File(file), encoding);
   if (!opened->file) throw std::runtime_error("File not found");
   file_state = std::move(opened);
 }
@@ -109,8 +129,10 @@ source_pos FileTextSource::getPos() const {
   return file_state ? ::ftello64(file_state->file.get()) : 0;
 }
 
-bool FileTextSource::read_failed() const {
-  return file_state && std::ferror(file_state->file.get()) != 0;
+int FileTextSource::read_error() const { return file_state ? file_state->read_error : 0; }
+
+const StreamCodeConverter* FileTextSource::converter() const {
+  return file_state ? &file_state->converter : nullptr;
 }
 
 // Where the file stands already, the converter goes on as it is, with what it holds back. That is

@@ -10,16 +10,19 @@
 //
 // Units      a source_pos is a byte offset in the file; everything else counts code units.
 // Ownership  owns the file and the converter; closes the file when destroyed.
-// Errors     see init_stream. A read that fails looks like the end of the file; read_failed tells.
+// Errors     see init_stream. A read that fails looks like the end of the file; read_error tells.
 // Cost       no heap allocation per fill; the file is read in chunks of at most 65,535 bytes.
 #pragma once
 
+#include <cstdio>
 #include <memory>
 #include <string>
 
 #include <vltextstream/source/text_source.hpp>
 
 namespace textio {
+
+class StreamCodeConverter;
 
 // Keeps the text of a file in one string, whose length is the size of the buffer.
 class VLTEXTSTREAM_EXPORT FileStreamBufferManager : public BufferManager {
@@ -45,6 +48,10 @@ class VLTEXTSTREAM_EXPORT FileTextSource : public TextSource {
   // error the source is what it was before.
   void init_stream(const std::u16string& path, const std::string& encoding);
 
+  // The same with an open stream, which the source closes, also when this throws. A null pointer is
+  // "File not found".
+  void init_stream(std::FILE* file, const std::string& encoding);
+
   std::size_t fillBuffer(char16_t* begin, char16_t* end) override;
   bool isEoS() const override;
   BufferManager* getBufferManager() override;
@@ -52,8 +59,12 @@ class VLTEXTSTREAM_EXPORT FileTextSource : public TextSource {
   unsigned long skipFromPos(source_pos pos, unsigned long count) override;
   ~FileTextSource() override;
 
-  // Whether a read has failed since the file was opened; its text ends there.
-  bool read_failed() const;
+  // The errno of the first read that failed since the file was opened, 0 if none did; the text ends
+  // there.
+  int read_error() const;
+
+  // The converter of the file's encoding; null before init_stream.
+  const StreamCodeConverter* converter() const;
 
  private:
   struct VLTEXTSTREAM_LOCAL FileState;

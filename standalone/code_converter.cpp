@@ -26,22 +26,23 @@ struct CloseConverter {
 using Converter = std::unique_ptr<UConverter, CloseConverter>;
 
 // One U+FFFD for each ill-formed part; ICU's own substitution writes U+001A for some encodings.
-void replace_ill_formed(const void* /*context*/, UConverterToUnicodeArgs* args,
-                        const char* /*bytes*/, std::int32_t /*length*/,
-                        UConverterCallbackReason reason, UErrorCode* status) {
+void replace_ill_formed(const void* context, UConverterToUnicodeArgs* args, const char* /*bytes*/,
+                        std::int32_t /*length*/, UConverterCallbackReason reason,
+                        UErrorCode* status) {
   if (reason > UCNV_IRREGULAR) return;
+  ++*static_cast<std::size_t*>(const_cast<void*>(context));
   *status = U_ZERO_ERROR;
   ucnv_cbToUWriteUChars(args, &kReplacement, 1, 0, status);
 }
 
-Converter open_converter(const std::string& encoding) {
+Converter open_converter(const std::string& encoding, std::size_t& ill_formed) {
   UErrorCode status = U_ZERO_ERROR;
   const bool has_name = !encoding.empty() && encoding.find('\0') == encoding.npos;
   Converter converter(has_name ? ucnv_open(encoding.c_str(), &status) : nullptr);
   if (!converter || U_FAILURE(status)) {
     throw std::invalid_argument(fmt::format("unknown encoding '{}'", encoding));
   }
-  ucnv_setToUCallBack(converter.get(), replace_ill_formed, nullptr, nullptr, nullptr, &status);
+  ucnv_setToUCallBack(converter.get(), replace_ill_formed, &ill_formed, nullptr, nullptr, &status);
   return converter;
 }
 
@@ -156,11 +157,13 @@ struct StreamCodeConverter::State {
 
   // Units that found no room.
   std::u16string held;
+
+  std::size_t ill_formed = 0;
 };
 
 StreamCodeConverter::StreamCodeConverter(const std::string& encoding, bool one_unit_per_character)
     : state_(std::make_unique<State>()) {
-  state_->converter = open_converter(encoding);
+  state_->converter = open_converter(encoding, state_->ill_formed);
   state_->one_unit_per_character = one_unit_per_character;
   state_->controls_exchanged = exchanges_controls(state_->converter.get());
   const std::string name = canonical_name(state_->converter.get());
@@ -183,7 +186,7 @@ bool StreamCodeConverter::convert(char16_t*& out, char16_t* out_end, const char*
     state.head.append(in, head_end);
     in = head_end;
     if (state.head.size() < state.head_bytes && !final) return false;
-    state.converter = open_converter(with_byte_order(state.family, state.head));
+    state.converter = open_converter(with_byte_order(state.family, state.head), state.ill_formed);
     state.order_known = true;
     state.order_marked = is_mark(state.family, state.head);
     state.decode(output, state.head, final && in == in_end);
@@ -200,6 +203,8 @@ bool StreamCodeConverter::has_more() const {
   return !state.held.empty() || !state.head.empty() ||
          ucnv_toUCountPending(state.converter.get(), &status) > 0;
 }
+
+std::size_t StreamCodeConverter::ill_formed_parts() const { return state_->ill_formed; }
 
 void StreamCodeConverter::reset(bool at_start) {
   ucnv_resetToUnicode(state_->converter.get());

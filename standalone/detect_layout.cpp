@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <set>
@@ -10,6 +11,7 @@
 
 #include "detection/fixed_stream.hpp"
 #include "detection/strategy_selector.hpp"
+#include "host/code_converter.hpp"
 #include "host/file_layer.hpp"
 #include "scoring/datatype_recognizers.hpp"
 #include "source/file_text_source.hpp"
@@ -183,31 +185,42 @@ Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
 // ---------------------------------------------------------------------------------------------
 // Files
 
-// The library says no more than that a file was not found; opening it once more tells the reason.
-void throw_if_not_readable(const std::string& path, const std::u16string& wide_path) {
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+// As much of the beginning of a file as is looked at for its encoding.
+constexpr std::size_t kHeadBytes = 65'536;
+
+File open_input(const std::string& path) {
   errno = 0;
-  if (std::FILE* const file = open_file(wide_path, "rb")) {
-    std::fclose(file);
-    return;
-  }
-  throw FileError(fmt::format("cannot open '{}': {}", path, std::strerror(errno)));
+  File file(open_file(from_utf8(path), "rb"));
+  if (!file) throw FileError(fmt::format("cannot open '{}': {}", path, std::strerror(errno)));
+  return file;
 }
 
-void open_source(FileTextSource& source, const std::string& path, const std::string& encoding) {
-  const std::u16string wide_path = from_utf8(path);
-  try {
-    source.init_stream(wide_path, encoding);
-  } catch (const std::runtime_error&) {
-    throw_if_not_readable(path, wide_path);
-    throw;
-  }
+// The first bytes of the file, which is left at its start.
+std::string first_bytes(std::FILE* file, std::size_t count) {
+  std::string bytes(count, '\0');
+  bytes.resize(std::fread(bytes.data(), 1, count, file));
+  std::rewind(file);
+  return bytes;
 }
 
-FoundEncoding encoding_of(const std::string& path, const DetectSettings& settings) {
-  if (settings.encoding) return {*settings.encoding, EncodingFound::given};
+// An input that cannot be read twice is taken for UTF-8. What was a read error here is one again
+// when the text is read.
+FoundEncoding look_for_encoding(std::FILE* file) {
+  if (std::ftell(file) != 0) return {"UTF-8", EncodingFound::fallback, 0.0};
+  const std::string head = first_bytes(file, kHeadBytes);
+  return find_encoding(head, head.size() < kHeadBytes);
+}
+
+FoundEncoding encoding_of(std::FILE* file, const DetectSettings& settings) {
+  if (settings.encoding) return {*settings.encoding, EncodingFound::given, 1.0};
   const std::u16string& of_record = settings.options.encoding;
-  if (of_record != u"UTF-8") return {to_utf8(of_record), EncodingFound::given};
-  return find_encoding(from_utf8(path));
+  if (of_record != u"UTF-8") return {to_utf8(of_record), EncodingFound::given, 1.0};
+  return look_for_encoding(file);
 }
 
 // Names of options are not told apart by case.
@@ -240,15 +253,20 @@ Layout detect_layout(std::u16string_view text, std::initializer_list<NameValue> 
 }
 
 Layout detect_layout(const std::string& path, const DetectSettings& settings) {
-  const FoundEncoding encoding = encoding_of(path, settings);
+  File file = open_input(path);
+  const FoundEncoding encoding = encoding_of(file.get(), settings);
   FileTextSource source;
-  open_source(source, path, encoding.name);
+  source.init_stream(file.release(), encoding.name);
   const TextStream stream(&source);
   const Field sample = get_fixed_stream(stream, settings.options.line_endings);
-  if (source.read_failed()) throw FileError(fmt::format("cannot read '{}': a read failed", path));
+  if (const int error = source.read_error(); error != 0) {
+    throw FileError(fmt::format("cannot read '{}': {}", path, std::strerror(error)));
+  }
   Layout layout = layout_of_sample(sample, settings);
   layout.encoding = encoding.name;
   layout.encoding_found = encoding.found;
+  layout.encoding_confidence = encoding.confidence;
+  layout.ill_formed_parts = source.converter()->ill_formed_parts();
   return layout;
 }
 

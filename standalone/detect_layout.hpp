@@ -41,11 +41,15 @@ enum class LayoutMode { delimited = 0, space_aligned = 1, fixed_width = 2, line_
 
 // Where the name of the encoding came from.
 enum class EncodingFound {
-  given,            // the settings name it
-  byte_order_mark,  // the file starts with the mark
-  valid_utf8,       // the beginning of the file is well-formed UTF-8
-  fallback,         // none of these: taken for windows-1252, or for UTF-8 when it is no plain file
-  none              // the text was in memory
+  given,             // the settings name it
+  byte_order_mark,   // the file starts with the mark
+  valid_utf8,        // the bytes are well-formed UTF-8
+  zero_bytes,        // UTF-16 or UTF-32 without a mark: zero bytes stand where they have them
+  escape_sequences,  // the escape sequences of an ISO 2022 encoding
+  statistics,        // the bytes above 127 read best this way
+  fallback,          // nothing was found: taken for windows-1252, or for UTF-8 when the input can
+                     // be read only once
+  none               // the text was in memory
 };
 
 struct VLTEXTSTREAM_EXPORT DetectSettings {
@@ -88,8 +92,14 @@ struct VLTEXTSTREAM_EXPORT Layout {
   std::size_t num_variables = 1;
   std::vector<DatatypeCode> classes;
 
+  // How sure the encoding is: 1 when it was given, marked or proved, 0 when it is a guess without a
+  // ground, between them for what statistics say.
   std::string encoding;
   EncodingFound encoding_found = EncodingFound::none;
+  double encoding_confidence = 0.0;
+
+  // Ill-formed parts that were met in decoding, each read as one U+FFFD.
+  std::size_t ill_formed_parts = 0;
 
   // The first line ending in the sample, if there is one.
   std::optional<std::u16string> line_ending;

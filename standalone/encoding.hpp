@@ -1,7 +1,13 @@
-// Finding the encoding of a file that nobody named.
+// Finding the encoding of a text that nobody named.
+//
+//   FoundEncoding encoding = find_encoding(first_bytes, is_whole);
+//   // encoding.name == "windows-1252", encoding.found == EncodingFound::fallback
+//
+// Cost  linear in the bytes.
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "standalone/detect_layout.hpp"
 
@@ -10,11 +16,11 @@ namespace textio::standalone {
 struct FoundEncoding {
   std::string name;
   EncodingFound found;
+  double confidence;  // see Layout::encoding_confidence
 };
 
-// Looks at the first 64 KB of the file: a byte-order mark, well-formed UTF-8, or neither. A file
-// that cannot be read twice, such as a pipe, is not looked at and taken for UTF-8. A file that
-// cannot be opened is, too: the reader who opens it next reports why.
-FoundEncoding find_encoding(const std::u16string& path);
+// Looks at the first bytes of a text; `is_whole` says that there are no more. Otherwise a character
+// that is cut off at their end does not count as ill-formed.
+FoundEncoding find_encoding(std::string_view bytes, bool is_whole);
 
 }  // namespace textio::standalone

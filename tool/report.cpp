@@ -158,6 +158,12 @@ std::string_view name_of(EncodingFound found) {
       return "byte-order mark";
     case EncodingFound::valid_utf8:
       return "valid UTF-8";
+    case EncodingFound::zero_bytes:
+      return "zero bytes";
+    case EncodingFound::escape_sequences:
+      return "escape sequences";
+    case EncodingFound::statistics:
+      return "statistics";
     case EncodingFound::fallback:
       return "fallback";
     case EncodingFound::none:
