@@ -53,7 +53,8 @@ const StrategyValuation& Strategy::valuation() {
 void Strategy::value_cut(const FieldArray& fields) {
   const std::size_t n = lines_.size();
   valuation_.num_lines = n;
-  const std::vector<std::size_t> counts = counts_per_line(fields.counts, n);
+  field_counts_ = counts_per_line(fields.counts, n);
+  const std::vector<std::size_t>& counts = field_counts_;
 
   // The first line that may hold data: a header line has one field, a data line more.
   std::size_t first = 0;

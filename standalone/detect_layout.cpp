@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <set>
 
 #include <fmt/format.h>
 
@@ -13,12 +12,14 @@
 #include "detection/strategy_selector.hpp"
 #include "host/code_converter.hpp"
 #include "host/file_layer.hpp"
-#include "scoring/datatype_recognizers.hpp"
 #include "source/file_text_source.hpp"
 #include "source/memory_text_source.hpp"
 #include "source/text_stream.hpp"
 #include "standalone/encoding.hpp"
+#include "standalone/line_roles.hpp"
+#include "standalone/sampled_table.hpp"
 #include "standalone/utf_text.hpp"
+#include "standalone/variable_names.hpp"
 #include "strategy/delimited_strategy.hpp"
 #include "strategy/fixed_width_strategy.hpp"
 #include "strategy/line_reader_strategy.hpp"
@@ -27,83 +28,6 @@ namespace textio::standalone {
 namespace {
 
 using detection::SelectionEnd;
-
-// ---------------------------------------------------------------------------------------------
-// Names of the variables
-
-std::vector<Field> cut(Strategy& strategy, const Field& line) {
-  std::vector<Field> fields;
-  strategy.cut_line(line, fields);
-  for (Field& field : fields) {
-    const auto rest = static_cast<std::size_t>(line.data + line.length - field.data);
-    field.length = std::min(field.length, rest);
-  }
-  return fields;
-}
-
-// The fields of sampled line `index`. A fixed-width strategy remembers the column that it stopped
-// at, so the line is cut by a new one.
-std::vector<Field> fields_of_line(Strategy& strategy, const parser::options& options,
-                                  std::size_t index) {
-  const Field& line = strategy.lines()[index];
-  if (const auto* fixed = dynamic_cast<const FixedWidthStrategy*>(&strategy)) {
-    FixedWidthStrategy from_first_column(options, fixed->widths());
-    return cut(from_first_column, line);
-  }
-  return cut(strategy, line);
-}
-
-bool is_typed(DatatypeCode code) {
-  return code != DatatypeCode::text && code != DatatypeCode::empty;
-}
-
-// Reads the names of the variables out of one line of a detected table.
-class NamesReader {
- public:
-  NamesReader(Strategy& strategy, const parser::options& options, Layout& layout)
-      : strategy_(strategy), options_(options), layout_(layout) {}
-
-  void read() {
-    const std::size_t header_lines = layout_.header_lines;
-    const std::size_t lines = strategy_.lines().size();
-    if (header_lines > 0 && header_lines <= lines && names_every_variable(header_lines - 1)) {
-      take(header_lines);
-    } else if (header_lines < lines && names_every_variable(header_lines) &&
-               differs_from_columns()) {
-      take(header_lines + 1);
-    }
-  }
-
- private:
-  bool names_every_variable(std::size_t index) {
-    fields_ = fields_of_line(strategy_, options_, index);
-    names_.clear();
-    for (const Field& field : fields_) names_.push_back(value_text(field, options_.whitespace));
-    return names_.size() == layout_.num_variables &&
-           std::none_of(names_.begin(), names_.end(),
-                        [](const auto& name) { return name.empty(); });
-  }
-
-  bool differs_from_columns() const {
-    const std::set<std::u16string> different(names_.begin(), names_.end());
-    const bool all_text = std::none_of(fields_.begin(), fields_.end(), [&](const Field& field) {
-      return is_typed(classify_field(field, options_.whitespace));
-    });
-    return different.size() == names_.size() && all_text &&
-           std::any_of(layout_.classes.begin(), layout_.classes.end(), is_typed);
-  }
-
-  void take(std::size_t line) {
-    layout_.names_line = line;
-    layout_.names = std::move(names_);
-  }
-
-  Strategy& strategy_;
-  const parser::options& options_;
-  Layout& layout_;
-  std::vector<Field> fields_;
-  std::vector<std::u16string> names_;
-};
 
 // ---------------------------------------------------------------------------------------------
 // The layout of a sample
@@ -126,16 +50,17 @@ void describe_separators(const Strategy& strategy, Layout& layout) {
   }
 }
 
-// A strategy may come without classes: the one for a single column is not valued, and a sample with
-// one field on each line is not inspected.
-void describe_columns(Strategy& strategy, Layout& layout) {
-  const bool valued = strategy.num_variables() >= 0;
-  layout.num_variables = valued ? static_cast<std::size_t>(strategy.num_variables()) : 1;
-  layout.classes = strategy.column_classes();
-  if (layout.classes.empty()) {
-    layout.classes = strategy.classify_columns(strategy.get_fields_from_lines());
+void describe_names(const SampledTable& table, const VariableNames& names, Layout& layout) {
+  layout.names_found = names.found;
+  layout.names_reason = names.reason;
+  if (names.names_line) {
+    layout.names_line = table.line_number(*names.names_line);
+    layout.names = table.texts(*names.names_line);
   }
-  layout.classes.resize(layout.num_variables, DatatypeCode::empty);
+  if (names.units_line) {
+    layout.units_line = table.line_number(*names.units_line);
+    layout.units = table.texts(*names.units_line);
+  }
 }
 
 // The strategy that the caller's choices leave no doubt about, null when they do.
@@ -171,8 +96,12 @@ Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
   layout.mode = static_cast<LayoutMode>(strategy->mode());
   layout.header_lines = strategy->header_lines();
   describe_separators(*strategy, layout);
-  describe_columns(*strategy, layout);
-  NamesReader(*strategy, settings.options, layout).read();
+  const SampledTable table(*strategy, sample, settings);
+  layout.num_variables = table.num_variables();
+  layout.classes = table.classes();
+  const VariableNames names = find_variable_names(table);
+  describe_names(table, names, layout);
+  describe_lines(table, names, layout);
   layout.line_ending = first_line_ending(sample, settings.options);
   layout.lines_sampled = strategy->lines().size();
   layout.characters_sampled = sample.length;

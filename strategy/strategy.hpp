@@ -120,6 +120,9 @@ class VLTEXTSTREAM_EXPORT Strategy {
   // line has one field while the header lines are to be detected.
   const std::vector<DatatypeCode>& column_classes() const { return column_classes_; }
 
+  // The number of fields on each sampled line, as the valuation found them; none before it.
+  const std::vector<std::size_t>& field_counts() const { return field_counts_; }
+
   // Statistics over the numbers of fields per line; see scoring/line_statistics.hpp. They read the
   // modal field count and the header lines of the strategy.
   double get_total_variation(const std::vector<std::size_t>& diffs) const;
@@ -168,6 +171,7 @@ class VLTEXTSTREAM_EXPORT Strategy {
                                               std::size_t first);
 
   std::vector<DatatypeCode> column_classes_;
+  std::vector<std::size_t> field_counts_;
 };
 
 }  // namespace textio

@@ -77,8 +77,7 @@ std::string help_text() {
   append_wrapped(
       out,
       "In texts \\t stands for a tab, \\n, \\r and \\b for the other control characters, and "
-      "\\\\ for a backslash. Words may be shortened. Lines count from 1 over the sampled "
-      "lines: comments are left out, and a quoted field with line breaks makes one line.",
+      "\\\\ for a backslash. Words may be shortened.",
       0);
   out += '\n';
   append_wrapped(out, "Exits with 0, or with 2 when a file cannot be read or an argument is wrong.",

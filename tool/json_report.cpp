@@ -1,9 +1,10 @@
 #include "tool/json_report.hpp"
 
 #include <cmath>
-#include <vector>
+#include <string_view>
 
 #include <vltextstream/standalone/utf_text.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 
 #include "tool/report.hpp"
 
@@ -20,10 +21,19 @@ Json texts(const std::vector<std::u16string>& list) {
   return array;
 }
 
+Json json_of(const std::u16string& text) { return to_utf8(text); }
+
+template <typename T>
+Json or_null(const std::optional<T>& value) {
+  return value ? Json(*value) : Json(nullptr);
+}
+
+Json or_null(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
+
 // JSON has no infinity: "not measured" becomes null.
 Json measure(double value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
 
-Json candidate_report(const detection::CandidateTrace& candidate) {
+Json json_of(const detection::CandidateTrace& candidate) {
   const StrategyValuation& v = candidate.valuation;
   return {{"mode", name_of(static_cast<standalone::LayoutMode>(candidate.mode))},
           {"delimiter", to_utf8(candidate.delimiter)},
@@ -43,12 +53,12 @@ Json candidate_report(const detection::CandidateTrace& candidate) {
             {"priors_rank", measure(v.priors_rank)}}}};
 }
 
-Json trace_report(const detection::SelectionTrace& trace) {
+Json json_of(const detection::SelectionTrace& trace) {
   Json report = {{"candidate_chars", to_utf8(trace.candidate_chars)},
                  {"candidates", Json::array()},
                  {"filters", Json::array()}};
   for (const auto& candidate : trace.candidates) {
-    report["candidates"].push_back(candidate_report(candidate));
+    report["candidates"].push_back(json_of(candidate));
   }
   for (const auto& filter : trace.filters) {
     report["filters"].push_back({{"name", filter.name}, {"survivors", filter.survivors}});
@@ -56,36 +66,113 @@ Json trace_report(const detection::SelectionTrace& trace) {
   return report;
 }
 
+Json json_of(const standalone::LineRun& run) {
+  return {{"role", name_of(run.role)},
+          {"first_line", run.first_line},
+          {"last_line", run.last_line},
+          {"count", run.count}};
+}
+
+// The word for the value of an enumeration of the options, in the order of the values.
+template <typename Enum, std::size_t N>
+const char* word(Enum value, const char* const (&words)[N]) {
+  const auto index = static_cast<std::size_t>(value);
+  return index < N ? words[index] : "";
+}
+
+constexpr const char* kParserTypes[] = {"delimited", "fixedwidth", "tabular"};
+constexpr const char* kRowRules[] = {"fill", "omitrow", "omitvar", "error"};
+constexpr const char* kConsecutiveDelimiters[] = {"split", "join", "error"};
+constexpr const char* kEmptyLines[] = {"skip", "read", "error"};
+constexpr const char* kExtraColumns[] = {"addvars", "ignore", "wrap", "error"};
+constexpr const char* kLeadingDelimiters[] = {"keep", "ignore", "error"};
+constexpr const char* kTextTypes[] = {"char", "string"};
+constexpr const char* kDatetimeTypes[] = {"datetime", "char", "exceldate"};
+constexpr const char* kPartialFields[] = {"keep", "omitrow", "omitvar", "fill", "wrap", "error"};
+
+Json json_of(const parser::options& record) {
+  const bool unknown = record.header_lines == Strategy::kUnknownHeaderLines;
+  return {{"delimiters", texts(record.delimiters)},
+          {"line_endings", texts(record.line_endings)},
+          {"reserved_strings", texts(record.reserved_strings)},
+          {"comment_style", texts(record.comment_style)},
+          {"whitespace", json_of(record.whitespace)},
+          {"encoding", json_of(record.encoding)},
+          {"date_locale", json_of(record.date_locale)},
+          {"exp_chars", json_of(record.exp_chars)},
+          {"variable_widths", record.variable_widths},
+          {"header_lines", unknown ? Json(nullptr) : Json(record.header_lines)},
+          {"num_variables", record.num_variables},
+          {"variable_names_line", record.variable_names_line},
+          {"variable_units_line", record.variable_units_line},
+          {"variable_descriptions_line", record.variable_descriptions_line},
+          {"row_names_field", record.row_names_field},
+          {"parser_type", word(record.parser_type, kParserTypes)},
+          {"missing_rule", word(record.missing_rule, kRowRules)},
+          {"import_error_rule", word(record.import_error_rule, kRowRules)},
+          {"consecutive_delimiters_rule",
+           word(record.consecutive_delimiters_rule, kConsecutiveDelimiters)},
+          {"empty_line_rule", word(record.empty_line_rule, kEmptyLines)},
+          {"extra_columns_rule", word(record.extra_columns_rule, kExtraColumns)},
+          {"leading_delimiters_rule", word(record.leading_delimiters_rule, kLeadingDelimiters)},
+          {"text_type", word(record.text_type, kTextTypes)},
+          {"datetime_type", word(record.datetime_type, kDatetimeTypes)},
+          {"partial_field_rule", word(record.partial_field_rule, kPartialFields)},
+          {"detect_delimiters", record.detect_delimiters},
+          {"detect_header_lines", record.detect_header_lines},
+          {"detect_num_variables", record.detect_num_variables},
+          {"is_file", record.is_file},
+          {"collect_output", record.collect_output}};
+}
+
 }  // namespace
 
-Json json_report(const std::string& file, const Layout& layout,
-                 const std::vector<GivenOption>& given) {
-  Json given_options = Json::array();
-  for (const GivenOption& option : given) {
-    given_options.push_back({{"name", option.name}, {"values", option.values}});
-    if (option.is_json) given_options.back()["json"] = true;
-  }
+Json json_of(const Layout& layout) {
   Json classes = Json::array();
   for (const DatatypeCode code : layout.classes) classes.push_back(name_of(code));
-  Json report = {
-      {"file", file},
-      {"mode", name_of(layout.mode)},
-      {"delimiters", texts(layout.delimiters)},
-      {"widths", layout.widths},
-      {"header_lines", layout.header_lines},
-      {"names_line", layout.names_line ? Json(*layout.names_line) : Json(nullptr)},
-      {"names", texts(layout.names)},
-      {"num_variables", layout.num_variables},
-      {"classes", classes},
-      {"encoding", layout.encoding},
-      {"encoding_found", name_of(layout.encoding_found)},
-      {"line_ending", layout.line_ending ? Json(to_utf8(*layout.line_ending)) : Json(nullptr)},
-      {"lines_sampled", layout.lines_sampled},
-      {"characters_sampled", layout.characters_sampled},
-      {"ended", name_of_end(layout)},
-      {"given", given_options}};
-  if (layout.trace) report["trace"] = trace_report(*layout.trace);
-  return report;
+  Json lines = Json::array();
+  for (const standalone::LineRun& run : layout.lines) lines.push_back(json_of(run));
+  return {{"mode", name_of(layout.mode)},
+          {"delimiters", texts(layout.delimiters)},
+          {"widths", layout.widths},
+          {"header_lines", layout.header_lines},
+          {"names_found", name_of(layout.names_found)},
+          {"names_reason", layout.names_reason},
+          {"names_line", or_null(layout.names_line)},
+          {"names", texts(layout.names)},
+          {"units_line", or_null(layout.units_line)},
+          {"units", texts(layout.units)},
+          {"num_variables", layout.num_variables},
+          {"classes", classes},
+          {"encoding", or_null(layout.encoding)},
+          {"encoding_found", name_of(layout.encoding_found)},
+          {"encoding_confidence", layout.encoding_confidence},
+          {"ill_formed_parts", layout.ill_formed_parts},
+          {"line_ending", layout.line_ending ? json_of(*layout.line_ending) : Json(nullptr)},
+          {"lines", lines},
+          {"ragged_lines", layout.ragged_lines},
+          {"first_ragged_line", or_null(layout.first_ragged_line)},
+          {"lines_sampled", layout.lines_sampled},
+          {"characters_sampled", layout.characters_sampled},
+          {"end", name_of(layout.end)},
+          {"decided_by", or_null(layout.decided_by)},
+          {"trace", layout.trace ? json_of(*layout.trace) : Json(nullptr)}};
+}
+
+Json json_of(const standalone::DetectSettings& settings) {
+  return {{"num_lines", settings.num_lines},
+          {"encoding", or_null(settings.encoding)},
+          {"options", json_of(settings.options)},
+          {"trace", settings.trace}};
+}
+
+Json json_of(const std::vector<GivenOption>& given) {
+  Json list = Json::array();
+  for (const GivenOption& option : given) {
+    list.push_back({{"name", option.name}, {"values", option.values}});
+    if (option.is_json) list.back()["json"] = true;
+  }
+  return list;
 }
 
 }  // namespace textio::tool

@@ -1,4 +1,4 @@
-// What the tool prints about layouts for programs to read.
+// What the tool prints about layouts for programs to read; docs/json.md describes it.
 #pragma once
 
 #include <string>
@@ -13,11 +13,15 @@
 namespace textio::tool {
 
 // Number of the shape of the JSON; it grows when a member changes its meaning or goes away.
-inline constexpr int kJsonSchema = 1;
+inline constexpr int kJsonSchema = 2;
 
-// The members of a layout under their own names, "file" in front, and in "given" the options of the
-// command line as they were typed.
-nlohmann::ordered_json json_report(const std::string& file, const standalone::Layout& layout,
-                                   const std::vector<GivenOption>& given = {});
+// The members of Layout under their own names and in their order.
+nlohmann::ordered_json json_of(const standalone::Layout& layout);
+
+// The members of DetectSettings, those of the options record among them, likewise.
+nlohmann::ordered_json json_of(const standalone::DetectSettings& settings);
+
+// The options of the command line as they were typed.
+nlohmann::ordered_json json_of(const std::vector<GivenOption>& given);
 
 }  // namespace textio::tool

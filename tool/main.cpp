@@ -212,7 +212,8 @@ int run(const Arguments& arguments) {
     try {
       const Layout layout = detect_layout(file, arguments.settings);
       if (arguments.json) {
-        files.push_back(textio::tool::json_report(file, layout, arguments.given));
+        files.push_back({{"file", file}});
+        files.back().update(textio::tool::json_of(layout));
       } else {
         text += textio::tool::report(file, layout, arguments.given);
       }
@@ -222,8 +223,11 @@ int run(const Arguments& arguments) {
     }
   }
   if (arguments.json && !files.empty()) {
-    const nlohmann::ordered_json document = {{"schema", textio::tool::kJsonSchema},
-                                             {"files", files}};
+    const nlohmann::ordered_json document = {
+        {"schema", textio::tool::kJsonSchema},
+        {"settings", textio::tool::json_of(arguments.settings)},
+        {"given", textio::tool::json_of(arguments.given)},
+        {"files", files}};
     text = document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
   }
   if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {

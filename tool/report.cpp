@@ -17,6 +17,9 @@ using detection::SelectionEnd;
 using standalone::EncodingFound;
 using standalone::Layout;
 using standalone::LayoutMode;
+using standalone::LineRole;
+using standalone::LineRun;
+using standalone::NamesFound;
 using standalone::to_utf8;
 
 using Out = std::back_insert_iterator<std::string>;
@@ -91,13 +94,68 @@ std::string ending(const std::optional<std::u16string>& line_ending) {
 
 std::string number(double value) { return std::isinf(value) ? "-" : fmt::format("{:.4g}", value); }
 
+std::string_view name_of_end(const Layout& layout) {
+  return layout.end == SelectionEnd::single_survivor ? layout.decided_by : name_of(layout.end);
+}
+
+std::string names(const Layout& layout) {
+  const std::string place = layout.names_line ? fmt::format("in line {}", *layout.names_line)
+                                              : std::string(name_of(layout.names_found));
+  return fmt::format("{}: {}", place, layout.names_reason);
+}
+
+// "2  number    level [cm]"; brackets that the file has itself are enough.
+std::string name_and_unit(const Layout& layout, std::size_t column) {
+  const std::string name = column < layout.names.size() ? printable(layout.names[column]) : "";
+  if (column >= layout.units.size() || layout.units[column].empty()) return name;
+  const std::string unit = printable(layout.units[column]);
+  const bool has_brackets = unit.front() == '[' || unit.front() == '(';
+  return fmt::format(fmt::runtime(has_brackets ? "{} {}" : "{} [{}]"), name, unit);
+}
+
 void add_columns(std::string& out, const Layout& layout) {
   for (std::size_t i = 0; i < layout.classes.size(); ++i) {
-    const std::string name = i < layout.names.size() ? printable(layout.names[i]) : "";
-    fmt::format_to(Out(out), "  {:>14}  {:<10}{}", i + 1, name_of(layout.classes[i]), name);
+    fmt::format_to(Out(out), "  {:>14}  {:<10}{}", i + 1, name_of(layout.classes[i]),
+                   name_and_unit(layout, i));
     out.erase(out.find_last_not_of(' ') + 1);
     out.push_back('\n');
   }
+}
+
+std::string encoding(const Layout& layout) {
+  if (layout.encoding_found == EncodingFound::none) return "none, the text was in memory";
+  std::string out = fmt::format("{} ({}", tool::printable(std::string_view(layout.encoding)),
+                                name_of(layout.encoding_found));
+  if (layout.encoding_confidence < 1.0) {
+    fmt::format_to(Out(out), ", {:.0f} % sure", layout.encoding_confidence * 100);
+  }
+  out += ")";
+  if (layout.ill_formed_parts > 0) {
+    fmt::format_to(Out(out), ", {} ill-formed", layout.ill_formed_parts);
+  }
+  return out;
+}
+
+// "1-4 header, 5 blank, 6 names, 7-18 data", or of many runs how many lines each role has.
+std::string lines(const Layout& layout) {
+  constexpr std::size_t kMostRuns = 8;
+  std::vector<std::string> parts;
+  if (layout.lines.size() <= kMostRuns) {
+    for (const LineRun& run : layout.lines) {
+      const std::string numbers = run.first_line == run.last_line
+                                      ? fmt::format("{}", run.first_line)
+                                      : fmt::format("{}-{}", run.first_line, run.last_line);
+      parts.push_back(fmt::format("{} {}", numbers, name_of(run.role)));
+    }
+    return parts.empty() ? "none" : fmt::format("{}", fmt::join(parts, ", "));
+  }
+  for (const LineRole role : {LineRole::header, LineRole::names, LineRole::units, LineRole::blank,
+                              LineRole::comment, LineRole::data}) {
+    std::size_t count = 0;
+    for (const LineRun& run : layout.lines) count += run.role == role ? run.count : 0;
+    if (count > 0) parts.push_back(fmt::format("{} {}", count, name_of(role)));
+  }
+  return fmt::format("{} in all", fmt::join(parts, ", "));
 }
 
 std::string candidate_name(const CandidateTrace& candidate) {
@@ -204,10 +262,10 @@ std::string_view name_of(CandidateFate fate) {
   return "";
 }
 
-std::string_view name_of_end(const Layout& layout) {
-  switch (layout.end) {
+std::string_view name_of(SelectionEnd end) {
+  switch (end) {
     case SelectionEnd::single_survivor:
-      return layout.decided_by;
+      return "single-survivor";
     case SelectionEnd::only_candidate:
       return "only-candidate";
     case SelectionEnd::no_candidate:
@@ -220,6 +278,38 @@ std::string_view name_of_end(const Layout& layout) {
       return "unresolved-tie";
     case SelectionEnd::given:
       return "given";
+  }
+  return "";
+}
+
+std::string_view name_of(NamesFound found) {
+  switch (found) {
+    case NamesFound::last_header_line:
+      return "last-header-line";
+    case NamesFound::line_after_header:
+      return "line-after-header";
+    case NamesFound::none:
+      return "none";
+    case NamesFound::undecided:
+      return "undecided";
+  }
+  return "";
+}
+
+std::string_view name_of(LineRole role) {
+  switch (role) {
+    case LineRole::header:
+      return "header";
+    case LineRole::names:
+      return "names";
+    case LineRole::units:
+      return "units";
+    case LineRole::blank:
+      return "blank";
+    case LineRole::comment:
+      return "comment";
+    case LineRole::data:
+      return "data";
   }
   return "";
 }
@@ -238,14 +328,16 @@ std::string report(const std::string& file, const Layout& layout,
                    printable(std::string_view(values)));
   }
   fmt::format_to(Out(out), "  header lines    {}\n", layout.header_lines);
-  fmt::format_to(
-      Out(out), "  names           {}\n",
-      layout.names_line ? fmt::format("in line {} of the sample", *layout.names_line) : "none");
+  fmt::format_to(Out(out), "  names           {}\n", names(layout));
   fmt::format_to(Out(out), "  variables       {}\n", layout.num_variables);
   add_columns(out, layout);
-  fmt::format_to(Out(out), "  encoding        {} ({})\n",
-                 printable(std::string_view(layout.encoding)), name_of(layout.encoding_found));
+  fmt::format_to(Out(out), "  encoding        {}\n", encoding(layout));
   fmt::format_to(Out(out), "  line ending     {}\n", ending(layout.line_ending));
+  fmt::format_to(Out(out), "  lines           {}\n", lines(layout));
+  if (layout.ragged_lines > 0) {
+    fmt::format_to(Out(out), "  ragged          {} lines of data, the first in line {}\n",
+                   layout.ragged_lines, *layout.first_ragged_line);
+  }
   fmt::format_to(Out(out), "  sampled         {} lines of {} characters\n", layout.lines_sampled,
                  layout.characters_sampled);
   fmt::format_to(Out(out), "  decided by      {}\n", name_of_end(layout));

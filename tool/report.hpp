@@ -16,9 +16,9 @@ std::string_view name_of(standalone::LayoutMode mode);
 std::string_view name_of(standalone::EncodingFound found);
 std::string_view name_of(DatatypeCode code);
 std::string_view name_of(detection::CandidateFate fate);
-
-// How the selection ended: the filter that decided it, or "only-candidate", "empty-sample", ...
-std::string_view name_of_end(const standalone::Layout& layout);
+std::string_view name_of(detection::SelectionEnd end);
+std::string_view name_of(standalone::NamesFound found);
+std::string_view name_of(standalone::LineRole role);
 
 // UTF-8 text as it may safely be shown on a terminal: what could command it becomes U+FFFD.
 std::string printable(std::string_view text);

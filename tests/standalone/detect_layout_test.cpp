@@ -152,7 +152,13 @@ const NamesCase kNames[] = {
      {u"p", u"q"}},
     {"HeaderLineMayRepeatNames", u"x,x\n1,2\n3,4\n", 1, kDelimited, 1, 1, {u"x", u"x"}},
     {"HeaderLineAboveTexts", u"x,y\na,b\nc,d\n", 1, kDelimited, 1, 1, {u"x", u"y"}},
-    {"UnitsAsLastHeaderLine", u"time,force\ns,N\n1,2\n3,4\n", 2, kDelimited, 2, 2, {u"s", u"N"}},
+    {"UnitsAsLastHeaderLine",
+     u"time,force\ns,N\n1,2\n3,4\n",
+     2,
+     kDelimited,
+     2,
+     1,
+     {u"time", u"force"}},
     {"HeaderLineIsTrimmedAndUnquoted",
      u" \" x\" ,\"a,b\"\t\n1,2\n3,4\n",
      1,
@@ -296,11 +302,11 @@ TEST_P(DetectLayoutNames, AreTheSameInAFile) {
 
 INSTANTIATE_TEST_SUITE_P(Table, DetectLayoutNames, testing::ValuesIn(kNames), ByRule());
 
-TEST(DetectLayoutNamesLine, CountsNoCommentLines) {
+TEST(DetectLayoutNamesLine, CountsTheLinesOfTheText) {
   DetectSettings settings;
   settings.options.comment_style = {u"%"};
   const Layout layout = layout_of(u"% note\n% more\nx,y\n%\n1,2\n3,4\n", settings);
-  EXPECT_EQ(layout.names_line, Lines(1));
+  EXPECT_EQ(layout.names_line, Lines(3));
   EXPECT_EQ(layout.lines_sampled, 3U);
 }
 

@@ -31,8 +31,8 @@ void expect_members(const nlohmann::json& actual, const nlohmann::json& expected
   }
 }
 
-nlohmann::json as_json(const std::string& file, const standalone::Layout& layout) {
-  return nlohmann::json::parse(tool::json_report(file, layout).dump());
+nlohmann::json as_json(const standalone::Layout& layout) {
+  return nlohmann::json::parse(tool::json_of(layout).dump());
 }
 
 std::string name_of_case(const testing::TestParamInfo<ExampleCase>& info) {
@@ -46,8 +46,7 @@ class Examples : public testing::TestWithParam<ExampleCase> {};
 
 TEST_P(Examples, AreLaidOutAsTheirCaseSays) {
   const ExampleCase& example = GetParam();
-  expect_members(as_json(example.file, detect_layout(example.path(), example.settings)),
-                 example.expect);
+  expect_members(as_json(detect_layout(example.path(), example.settings)), example.expect);
 }
 
 TEST_P(Examples, AreReportedByTheToolAsTheirCaseSays) {
@@ -70,7 +69,7 @@ TEST_P(Examples, GiveTheSameLayoutWithAndWithoutTrace) {
   auto with_trace = detect_layout(example.path(), traced);
   ASSERT_TRUE(with_trace.trace.has_value());
   with_trace.trace.reset();
-  EXPECT_EQ(as_json("", with_trace), as_json("", detect_layout(example.path(), example.settings)));
+  EXPECT_EQ(as_json(with_trace), as_json(detect_layout(example.path(), example.settings)));
 }
 
 // Of the examples in UTF-8 the bytes are text that can be handed over as it is.
@@ -79,10 +78,10 @@ TEST_P(Examples, GiveTheSameLayoutAsFileAndAsText) {
   if (example.expect["encoding_found"] != "valid UTF-8") return;
   std::ifstream file(example.path(), std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  auto from_file = as_json("", detect_layout(example.path(), example.settings));
-  auto from_text = as_json(
-      "", detect_layout(std::u16string_view(standalone::from_utf8(bytes)), example.settings));
-  for (const char* name : {"encoding", "encoding_found"}) {
+  auto from_file = as_json(detect_layout(example.path(), example.settings));
+  auto from_text =
+      as_json(detect_layout(std::u16string_view(standalone::from_utf8(bytes)), example.settings));
+  for (const char* name : {"encoding", "encoding_found", "encoding_confidence"}) {
     from_file.erase(name);
     from_text.erase(name);
   }

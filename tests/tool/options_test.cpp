@@ -51,6 +51,7 @@ json layout_of(const std::string& bytes, const Words& options) {
   if (document.is_discarded()) return nullptr;
   json layout = document.at("files").at(0);
   layout.erase("file");
+  layout["given"] = document.at("given");
   return layout;
 }
 
@@ -441,7 +442,7 @@ const AcceptedCase kAccepted[] = {
      {"--delimiter", kLongDelimiter},
      "classes",
      {"number", "number"}},
-    {"Ended", kBoth, {"--delimiter", ";"}, "ended", "given"},
+    {"Ended", kBoth, {"--delimiter", ";"}, "end", "given"},
     {"EncodingIsGiven", kBoth, {"--option", "encoding=UTF-8"}, "encoding_found", "given"},
     {"EncodingIsFound", kBoth, {"--encoding", "auto"}, "encoding_found", "valid UTF-8"},
     {"EncodingIsFoundOnceItIsNoLongerGiven",
@@ -529,15 +530,16 @@ TEST(ToolGiven, IsAsItWasTyped) {
                          given("IsFile", {"true"}), given("TextType", {"STR"})}));
 }
 
-TEST(ToolGiven, IsTheSameForEveryFile) {
+TEST(ToolGiven, HoldsForEveryFile) {
   const TempFolder folder;
   const CommandResult result = vltext(
       {"--json", folder.file("a", kBoth), "--delimiter", ";", folder.file("b", "1;2\n3;4\n")});
   ASSERT_EQ(result.status, 0);
-  const json files = json::parse(result.out).at("files");
-  ASSERT_EQ(files.size(), 2U);
-  for (const json& layout : files) {
-    EXPECT_EQ(layout.at("given"), json::array({given("Delimiter", {";"})}));
+  const json document = json::parse(result.out);
+  EXPECT_EQ(document.at("given"), json::array({given("Delimiter", {";"})}));
+  EXPECT_EQ(document.at("settings").at("options").at("delimiters"), json::array({";"}));
+  ASSERT_EQ(document.at("files").size(), 2U);
+  for (const json& layout : document.at("files")) {
     EXPECT_EQ(layout.at("delimiters"), json::array({";"}));
   }
 }
@@ -864,9 +866,9 @@ TEST(ToolAcceptsJson, ForWidthsAndLists) {
   EXPECT_EQ(json::parse(widths.out).at("files")[0].at("widths"), json({2, 1}));
   const CommandResult none = vltext({"--json", "--option", "Delimiter:=[]", file});
   ASSERT_EQ(none.status, 0) << none.err;
-  const json layout = json::parse(none.out).at("files")[0];
-  EXPECT_EQ(layout.at("delimiters"), json::array());
-  EXPECT_EQ(layout.at("given"),
+  const json document = json::parse(none.out);
+  EXPECT_EQ(document.at("files")[0].at("delimiters"), json::array());
+  EXPECT_EQ(document.at("given"),
             json::parse(R"([{"name": "Delimiter", "values": ["[]"], "json": true}])"));
 }
 

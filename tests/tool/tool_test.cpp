@@ -42,12 +42,13 @@ TEST_F(Tool, PrintsTheLayoutInWords) {
                             "\n"
                             "  layout          delimited by comma\n"
                             "  header lines    0\n"
-                            "  names           in line 1 of the sample\n"
+                            "  names           in line 1: texts stand above values\n"
                             "  variables       2\n"
                             "               1  number    x\n"
                             "               2  text      y\n"
                             "  encoding        UTF-8 (valid UTF-8)\n"
                             "  line ending     \"\\n\"\n"
+                            "  lines           1 names, 2-3 data\n"
                             "  sampled         3 lines of 12 characters\n"
                             "  decided by      only-candidate\n");
 }
@@ -66,7 +67,7 @@ TEST_F(Tool, PutsTheTraceIntoTheJson) {
   const CommandResult result =
       vltext({"--explain", "--json", folder_.file("t.csv", "x,y\n1,a\n2,b\n")});
   const auto document = nlohmann::json::parse(result.out);
-  EXPECT_EQ(document["schema"], 1);
+  EXPECT_EQ(document["schema"], 2);
   const auto& trace = document["files"][0]["trace"];
   EXPECT_EQ(trace["candidate_chars"], ",");
   ASSERT_EQ(trace["candidates"].size(), 1U);

@@ -1,0 +1,164 @@
+// A line is asked a few questions: is it there, does it name every variable, does it look like
+// units, are its fields unlike the columns below. The rule itself is find_variable_names, from the
+// last header line to the line after the header; what speaks against a line becomes the reason.
+#include "standalone/variable_names.hpp"
+
+#include <algorithm>
+#include <set>
+
+#include <fmt/format.h>
+
+#include "standalone/unit_symbols.hpp"
+
+namespace textio::standalone {
+namespace {
+
+constexpr std::size_t kNoLine = static_cast<std::size_t>(-1);
+constexpr std::size_t kLongestRemark = 32;
+
+bool is_typed(DatatypeCode code) {
+  return code != DatatypeCode::text && code != DatatypeCode::empty;
+}
+
+// What one sampled line looks like above the columns of its table.
+class NamesCandidate {
+ public:
+  // `index` may lie outside the sampled lines; such a line is not there.
+  NamesCandidate(const SampledTable& table, std::size_t index)
+      : columns_(table.classes()), is_there_(index < table.size()) {
+    if (!is_there_) return;
+    texts_ = table.texts(index);
+    classes_ = table.classes_of_line(index);
+  }
+
+  bool is_there() const { return is_there_ && !texts_.empty(); }
+  std::size_t num_fields() const { return texts_.size(); }
+  bool fits() const { return is_there() && texts_.size() == columns_.size(); }
+
+  bool has_empty_field() const {
+    return std::any_of(texts_.begin(), texts_.end(), [](const auto& text) { return text.empty(); });
+  }
+  bool repeats_a_field() const {
+    return std::set<std::u16string>(texts_.begin(), texts_.end()).size() != texts_.size();
+  }
+  bool has_values() const { return std::any_of(classes_.begin(), classes_.end(), is_typed); }
+
+  bool names_every_variable() const { return fits() && !has_empty_field(); }
+
+  // Whether some text stands above a column of another class.
+  bool differs_somewhere() const {
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+      if (is_typed(columns_[i]) && classes_[i] == DatatypeCode::text) return true;
+    }
+    return false;
+  }
+
+  bool reads_as_names() const {
+    return names_every_variable() && !repeats_a_field() && !has_values() && differs_somewhere();
+  }
+
+  // Over numbers, dates and durations units, or signs that there are none; over texts any short
+  // remark.
+  bool reads_as_units() const {
+    if (!fits()) return false;
+    bool has_unit = false;
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+      const std::u16string& text = texts_[i];
+      const bool is_unit_here = is_unit(text) || is_time_pattern(text);
+      const bool may_stand_here = is_typed(columns_[i])
+                                      ? is_unit_here || is_no_unit(text)
+                                      : !is_typed(classes_[i]) && text.size() <= kLongestRemark;
+      if (!may_stand_here) return false;
+      has_unit = has_unit || (is_typed(columns_[i]) && is_unit_here);
+    }
+    return has_unit;
+  }
+
+ private:
+  const std::vector<DatatypeCode>& columns_;
+  bool is_there_;
+  std::vector<std::u16string> texts_;
+  std::vector<DatatypeCode> classes_;
+};
+
+struct Verdict {
+  NamesFound found;
+  std::string reason;
+};
+
+// Why line `number` of the text, the first after the header, is no line of names.
+Verdict why_not(const NamesCandidate& line, const std::vector<DatatypeCode>& columns,
+                std::size_t number, bool is_last) {
+  const bool has_typed_column = std::any_of(columns.begin(), columns.end(), is_typed);
+  if (!line.fits()) {
+    return {NamesFound::none, fmt::format("line {} has {} fields for {} variables", number,
+                                          line.num_fields(), columns.size())};
+  }
+  if (line.has_empty_field()) {
+    return {NamesFound::none, fmt::format("line {} leaves a field empty", number)};
+  }
+  if (line.repeats_a_field()) {
+    return {NamesFound::none, fmt::format("line {} holds a text twice", number)};
+  }
+  if (!has_typed_column && line.has_values()) {
+    return {NamesFound::none, fmt::format("line {} holds values", number)};
+  }
+  if (is_last) {
+    return {NamesFound::undecided,
+            fmt::format("there is no line below line {} to compare it with", number)};
+  }
+  if (!has_typed_column) {
+    return {NamesFound::undecided,
+            fmt::format("every column is text, so line {} may hold names or values", number)};
+  }
+  if (line.differs_somewhere()) {
+    return {NamesFound::undecided,
+            fmt::format("line {} holds texts where values follow, but values as well", number)};
+  }
+  return {NamesFound::none, fmt::format("line {} reads like the lines below it", number)};
+}
+
+}  // namespace
+
+VariableNames find_variable_names(const SampledTable& table) {
+  const std::size_t behind = table.header_lines();
+  const std::size_t last = behind > 0 ? behind - 1 : kNoLine;
+  const std::size_t above = behind > 1 ? behind - 2 : kNoLine;
+  const std::size_t below = behind < table.size() ? behind + 1 : kNoLine;
+  const NamesCandidate last_line(table, last);
+  const NamesCandidate line_above(table, above);
+  const NamesCandidate line_behind(table, behind);
+  const NamesCandidate line_below(table, below);
+
+  const auto units_of = [](const NamesCandidate& line, std::size_t index) {
+    return line.reads_as_units() ? std::optional<std::size_t>(index) : std::nullopt;
+  };
+  const auto either = [](std::optional<std::size_t> first, std::optional<std::size_t> second) {
+    return first ? first : second;
+  };
+
+  if (last_line.reads_as_units() && line_above.names_every_variable()) {
+    return {NamesFound::last_header_line, "the last header line but the units names every variable",
+            above, last};
+  }
+  if (last_line.names_every_variable()) {
+    return {NamesFound::last_header_line, "the last header line names every variable", last,
+            either(units_of(line_above, above), units_of(line_behind, behind))};
+  }
+  if (line_behind.reads_as_units() && line_below.reads_as_names()) {
+    return {NamesFound::line_after_header, "texts stand above values, below the units", below,
+            behind};
+  }
+  if (line_behind.reads_as_names()) {
+    return {NamesFound::line_after_header, "texts stand above values", behind,
+            either(units_of(line_below, below), units_of(last_line, last))};
+  }
+  if (!line_behind.is_there()) {
+    return {NamesFound::none, "no line stands where names could be", {}, {}};
+  }
+  const Verdict verdict =
+      why_not(line_behind, table.classes(), table.line_number(behind), below >= table.size());
+  return {verdict.found, verdict.reason, {}, {}};
+}
+
+}  // namespace textio::standalone
