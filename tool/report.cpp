@@ -106,7 +106,7 @@ std::string names(const Layout& layout) {
 
 // "2  number    level [cm]"; brackets that the file has itself are enough.
 std::string name_and_unit(const Layout& layout, std::size_t column) {
-  const std::string name = column < layout.names.size() ? printable(layout.names[column]) : "";
+  std::string name = column < layout.names.size() ? printable(layout.names[column]) : "";
   if (column >= layout.units.size() || layout.units[column].empty()) return name;
   const std::string unit = printable(layout.units[column]);
   const bool has_brackets = unit.front() == '[' || unit.front() == '(';

@@ -1,0 +1,137 @@
+// The JSON of the tool against its published schema.
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <valijson/adapters/nlohmann_json_adapter.hpp>
+#include <valijson/schema.hpp>
+#include <valijson/schema_parser.hpp>
+#include <valijson/validator.hpp>
+
+#include "support/command.hpp"
+#include "support/example_cases.hpp"
+#include "support/temp_folder.hpp"
+#include "tool/json_report.hpp"
+
+namespace textio {
+namespace {
+
+using nlohmann::json;
+using testing::IsEmpty;
+using testing::Not;
+using testing_support::CommandResult;
+using testing_support::example_cases;
+using testing_support::ExampleCase;
+using testing_support::run_command;
+using testing_support::TempFolder;
+using valijson::adapters::NlohmannJsonAdapter;
+
+json published_schema() {
+  std::ifstream file(DOCS_DIR "/vltext.schema.json");
+  return json::parse(file);
+}
+
+// What is wrong with `document`, one line for each fault; empty when it fits the schema.
+std::string faults(const json& document) {
+  const json definition = published_schema();
+  valijson::Schema schema;
+  valijson::SchemaParser().populateSchema(NlohmannJsonAdapter(definition), schema);
+  valijson::ValidationResults results;
+  valijson::Validator().validate(schema, NlohmannJsonAdapter(document), &results);
+  std::string all;
+  for (const auto& fault : results) {
+    for (const std::string& place : fault.context) all += place;
+    all += ": " + fault.description + "\n";
+  }
+  return all;
+}
+
+json printed(const std::vector<std::string>& arguments) {
+  const CommandResult result = run_command(VLTEXT_PROGRAM, arguments);
+  EXPECT_EQ(result.status, 0) << result.err;
+  return json::parse(result.out);
+}
+
+std::vector<std::string> example_paths() {
+  std::vector<std::string> paths;
+  for (const ExampleCase& example : example_cases()) paths.push_back(example.path());
+  return paths;
+}
+
+TEST(ToolJson, OfAllExamplesFitsTheSchema) {
+  std::vector<std::string> arguments = example_paths();
+  arguments.emplace_back("--json");
+  EXPECT_THAT(faults(printed(arguments)), IsEmpty());
+}
+
+TEST(ToolJson, WithTheTraceFitsTheSchema) {
+  std::vector<std::string> arguments = example_paths();
+  arguments.insert(arguments.end(), {"--json", "--explain"});
+  const json document = printed(arguments);
+  EXPECT_THAT(faults(document), IsEmpty());
+  EXPECT_FALSE(document["files"][0]["trace"]["candidates"].empty());
+}
+
+TEST(ToolJson, WithOptionsFitsTheSchema) {
+  const TempFolder folder;
+  const std::string file = folder.file("t.csv", "% note\nx;y\n1;2\n\n3\n");
+  const std::vector<std::vector<std::string>> option_lists = {
+      {"--delimiter", ";", "--num-header-lines", "1", "--comment-style", "%"},
+      {"--parser-type", "fixedwidth", "--variable-widths", "2,1"},
+      {"--encoding", "latin1", "--date-locale", "de_DE", "--option", "Delimiter:=[\";\", \",\"]"},
+      {"--num-header-lines", "18446744073709551615", "--lines", "0"},
+      {"--missing-rule", "omitvar", "--text-type", "string", "--partial-field-rule", "wrap"},
+  };
+  for (std::vector<std::string> arguments : option_lists) {
+    arguments.insert(arguments.end(), {"--json", file});
+    EXPECT_THAT(faults(printed(arguments)), IsEmpty()) << arguments.front();
+  }
+}
+
+TEST(ToolJson, ShowsTheSettingsThatTheDetectionHad) {
+  const TempFolder folder;
+  const json document = printed({"--json", "--delimiter", ";", "--num-header-lines", "1", "--lines",
+                                 "7", folder.file("t", "x;y\n1;2\n")});
+  const json& settings = document["settings"];
+  EXPECT_EQ(settings["num_lines"], 7);
+  EXPECT_EQ(settings["encoding"], nullptr);
+  EXPECT_EQ(settings["trace"], false);
+  EXPECT_EQ(settings["options"]["delimiters"], json::array({";"}));
+  EXPECT_EQ(settings["options"]["detect_delimiters"], false);
+  EXPECT_EQ(settings["options"]["header_lines"], 1);
+  EXPECT_EQ(settings["options"]["detect_header_lines"], false);
+  EXPECT_EQ(settings["options"]["line_endings"], json::array({"\r\n", "\n", "\r"}));
+}
+
+// The schema is strict, or else the tests above could not fail.
+TEST(ToolJsonSchema, RefusesAMissingAndAnUnknownMember) {
+  const TempFolder folder;
+  const json document = printed({"--json", folder.file("t", "x;y\n1;2\n")});
+  ASSERT_THAT(faults(document), IsEmpty());
+  for (const auto& member : document["files"][0].items()) {
+    json without = document;
+    without["files"][0].erase(member.key());
+    EXPECT_THAT(faults(without), Not(IsEmpty())) << member.key();
+  }
+  for (const auto& member : document["settings"]["options"].items()) {
+    json without = document;
+    without["settings"]["options"].erase(member.key());
+    EXPECT_THAT(faults(without), Not(IsEmpty())) << member.key();
+  }
+  json more = document;
+  more["files"][0]["colour"] = "blue";
+  EXPECT_THAT(faults(more), Not(IsEmpty()));
+  json other = document;
+  other["files"][0]["mode"] = "diagonal";
+  EXPECT_THAT(faults(other), Not(IsEmpty()));
+}
+
+TEST(ToolJsonSchema, HasTheNumberThatTheToolPrints) {
+  EXPECT_EQ(published_schema()["properties"]["schema"]["enum"], json::array({tool::kJsonSchema}));
+}
+
+}  // namespace
+}  // namespace textio
