@@ -131,6 +131,11 @@ source_pos FileTextSource::getPos() const {
 
 int FileTextSource::read_error() const { return file_state ? file_state->read_error : 0; }
 
+std::FILE* FileTextSource::release() {
+  const std::unique_ptr<FileState> released = std::move(file_state);
+  return released ? released->file.release() : nullptr;
+}
+
 const StreamCodeConverter* FileTextSource::converter() const {
   return file_state ? &file_state->converter : nullptr;
 }

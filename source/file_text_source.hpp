@@ -63,6 +63,10 @@ class VLTEXTSTREAM_EXPORT FileTextSource : public TextSource {
   // there.
   int read_error() const;
 
+  // Gives the open stream back, wherever reading has come to, null if there is none. The source is
+  // an empty text from then on; what it has decoded stays in its buffer.
+  std::FILE* release();
+
   // The converter of the file's encoding; null before init_stream.
   const StreamCodeConverter* converter() const;
 

@@ -1,21 +1,13 @@
 #include "standalone/detect_layout.hpp"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <memory>
-
-#include <fmt/format.h>
 
 #include "detection/fixed_stream.hpp"
 #include "detection/strategy_selector.hpp"
-#include "host/code_converter.hpp"
-#include "host/file_layer.hpp"
-#include "source/file_text_source.hpp"
 #include "source/memory_text_source.hpp"
 #include "source/text_stream.hpp"
-#include "standalone/encoding.hpp"
+#include "standalone/input_text.hpp"
 #include "standalone/line_roles.hpp"
 #include "standalone/sampled_table.hpp"
 #include "standalone/utf_text.hpp"
@@ -111,47 +103,6 @@ Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
   return layout;
 }
 
-// ---------------------------------------------------------------------------------------------
-// Files
-
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
-// As much of the beginning of a file as is looked at for its encoding.
-constexpr std::size_t kHeadBytes = 65'536;
-
-File open_input(const std::string& path) {
-  errno = 0;
-  File file(open_file(from_utf8(path), "rb"));
-  if (!file) throw FileError(fmt::format("cannot open '{}': {}", path, std::strerror(errno)));
-  return file;
-}
-
-// The first bytes of the file, which is left at its start.
-std::string first_bytes(std::FILE* file, std::size_t count) {
-  std::string bytes(count, '\0');
-  bytes.resize(std::fread(bytes.data(), 1, count, file));
-  std::rewind(file);
-  return bytes;
-}
-
-// An input that cannot be read twice is taken for UTF-8. What was a read error here is one again
-// when the text is read.
-FoundEncoding look_for_encoding(std::FILE* file) {
-  if (std::ftell(file) != 0) return {"UTF-8", EncodingFound::fallback, 0.0};
-  const std::string head = first_bytes(file, kHeadBytes);
-  return find_encoding(head, head.size() < kHeadBytes);
-}
-
-FoundEncoding encoding_of(std::FILE* file, const DetectSettings& settings) {
-  if (settings.encoding) return {*settings.encoding, EncodingFound::given, 1.0};
-  const std::u16string& of_record = settings.options.encoding;
-  if (of_record != u"UTF-8") return {to_utf8(of_record), EncodingFound::given, 1.0};
-  return look_for_encoding(file);
-}
-
 // Names of options are not told apart by case.
 bool is_encoding(std::string_view name) {
   constexpr std::string_view kUpperCase = "ENCODING";
@@ -182,20 +133,12 @@ Layout detect_layout(std::u16string_view text, std::initializer_list<NameValue> 
 }
 
 Layout detect_layout(const std::string& path, const DetectSettings& settings) {
-  File file = open_input(path);
-  const FoundEncoding encoding = encoding_of(file.get(), settings);
-  FileTextSource source;
-  source.init_stream(file.release(), encoding.name);
-  const TextStream stream(&source);
-  const Field sample = get_fixed_stream(stream, settings.options.line_endings);
-  if (const int error = source.read_error(); error != 0) {
-    throw FileError(fmt::format("cannot read '{}': {}", path, std::strerror(error)));
-  }
-  Layout layout = layout_of_sample(sample, settings);
-  layout.encoding = encoding.name;
-  layout.encoding_found = encoding.found;
-  layout.encoding_confidence = encoding.confidence;
-  layout.ill_formed_parts = source.converter()->ill_formed_parts();
+  const InputText input(path, settings);
+  Layout layout = layout_of_sample(input.sample(), settings);
+  layout.encoding = input.encoding().name;
+  layout.encoding_found = input.encoding().found;
+  layout.encoding_confidence = input.encoding().confidence;
+  layout.ill_formed_parts = input.ill_formed_parts();
   return layout;
 }
 
