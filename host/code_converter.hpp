@@ -7,8 +7,9 @@
 // Units      input counts bytes, output counts UTF-16 code units.
 // Ownership  owns its state; the buffers stay the caller's.
 // Errors     an encoding that the host does not know makes the constructor throw
-//            std::invalid_argument with the name in its message. Ill-formed bytes are no error:
-//            each maximal ill-formed part becomes one U+FFFD.
+//            std::invalid_argument; the message repeats the name and suggests the nearest one that
+//            is known. Ill-formed bytes are no error: each maximal ill-formed part becomes one
+//            U+FFFD.
 // Threads    one thread at a time; separate converters are independent.
 #pragma once
 
@@ -40,7 +41,8 @@ class VLTEXTSTREAM_IMPORT StreamCodeConverter {
   // Whether it keeps units that found no room, or bytes of an unfinished character.
   bool has_more() const;
 
-  // The ill-formed parts met since the converter was made. The library does not ask.
+  // The ill-formed parts met since the converter was made, through all resets; a U+FFFD that the
+  // text itself holds is none. The library does not ask.
   std::size_t ill_formed_parts() const;
 
   // Forgets unfinished characters and units held back. `at_start` says that the next byte is the

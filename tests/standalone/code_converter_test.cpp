@@ -145,6 +145,15 @@ std::u16string units_of(const Pieces& pieces, bool one_unit) {
   return units;
 }
 
+// With one unit per character the high half of each pair stands for it.
+std::u16string first_halves(std::u16string_view text) {
+  std::u16string units;
+  for (const char16_t unit : text) {
+    if (unit < 0xDC00 || unit > 0xDFFF) units.push_back(unit);
+  }
+  return units;
+}
+
 // What the first `count` bytes say for certain; `cut` tells whether they end within a piece.
 std::u16string units_of_whole(const Pieces& pieces, std::size_t count, bool one_unit, bool& cut) {
   std::u16string units;
@@ -438,6 +447,110 @@ TEST_P(StreamCodeConverterSamples, KeepTheByteOrderAfterARestartInTheMiddle) {
 
 INSTANTIATE_TEST_SUITE_P(Table, StreamCodeConverterSamples, testing::ValuesIn(kSamples), ByRule());
 
+// --- further encodings --------------------------------------------------------------------------
+
+// Texts of encodings old and new; `start` is what comes once at the beginning and says nothing.
+struct EncodingCase {
+  const char* rule;
+  const char* encoding;
+  std::string start;
+  std::string bytes;
+  std::u16string text;
+};
+std::ostream& operator<<(std::ostream& out, const EncodingCase& row) { return out << row.rule; }
+
+const EncodingCase kEncodings[] = {
+    {"Utf8", "UTF-8", "\xEF\xBB\xBF", "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80,\n",
+     u"a\u00e9\u20ac\U0001F600,\n"},
+    {"Utf16Little", "UTF-16", "\xFF\xFE", {"a\0\xAC\x20\x3D\xD8\x00\xDE", 8}, u"a\u20ac\U0001F600"},
+    {"Utf16Big", "UTF-16", "\xFE\xFF", {"\0a\x20\xAC\xD8\x3D\xDE\x00", 8}, u"a\u20ac\U0001F600"},
+    {"Utf16Le", "UTF-16LE", "", {"a\0\xAC\x20\x3D\xD8\x00\xDE", 8}, u"a\u20ac\U0001F600"},
+    {"Utf16Be", "UTF-16BE", "", {"\0a\x20\xAC\xD8\x3D\xDE\x00", 8}, u"a\u20ac\U0001F600"},
+    {"Utf32Little", "UTF-32", {"\xFF\xFE\0\0", 4}, {"a\0\0\0\x00\xF6\x01\0", 8}, u"a\U0001F600"},
+    {"Utf32Big", "UTF-32", {"\0\0\xFE\xFF", 4}, {"\0\0\0a\0\x01\xF6\x00", 8}, u"a\U0001F600"},
+    {"Utf32Le", "UTF-32LE", "", {"a\0\0\0\x00\xF6\x01\0", 8}, u"a\U0001F600"},
+    {"Utf32Be", "UTF-32BE", "", {"\0\0\0a\0\x01\xF6\x00", 8}, u"a\U0001F600"},
+    {"Utf7", "UTF-7", "", "a+AOk-+IKw-,+2D3eAA-z\n", u"a\u00e9\u20ac,\U0001F600z\n"},
+    {"Imap", "IMAP-mailbox-name", "", "a&AOk-z&-", u"a\u00e9z&"},
+    {"Cesu8", "CESU-8", "", "a\xC3\xA9\xED\xA0\xBD\xED\xB8\x80z", u"a\u00e9\U0001F600z"},
+    {"Scsu", "SCSU", "", "a\xE9\x0E\x20\xACz\n", u"a\u00e9\u20acz\n"},
+    {"Bocu1", "BOCU-1", "", "\xB1\xD0\x76\n", u"a\u00e9\n"},
+    {"Gb18030", "GB18030", "", "a\xD6\xD0\x81\x30\x81\x30\x94\x39\xFC\x36,",
+     u"a\u4e2d\u0080\U0001F600,"},
+    {"Gbk", "GBK", "", "a\xD6\xD0\x81\x40,", u"a\u4e2d\u4e02,"},
+    {"Gb2312", "GB2312", "", "a\xD6\xD0\xCE\xC4,", u"a\u4e2d\u6587,"},
+    {"Hz", "HZ-GB-2312", "", "a~{VPND~}~~\n", u"a\u4e2d\u6587~\n"},
+    {"EucJp", "EUC-JP", "", "a\xC6\xFC\x8E\xB1\x8F\xB0\xA1\xA4\xA2,",
+     u"a\u65e5\uff71\u4e02\u3042,"},
+    {"ShiftJis", "Shift_JIS", "", "a\x83\x65\xB1\x83\x5C,\x93\xFA", u"a\u30c6\uff71\u30bd,\u65e5"},
+    {"Iso2022Jp", "ISO-2022-JP", "", "a\x1B$B\x46\x7C\x24\x22\x1B(B,\n", u"a\u65e5\u3042,\n"},
+    {"Iso2022Kr", "ISO-2022-KR", "\x1B$)C", "a\x0E\x47\x51\x31\x5B\x0F,\n", u"a\ud55c\uae00,\n"},
+    {"Iso2022Cn", "ISO-2022-CN", "", "a\x1B$)A\x0E\x56\x50\x4E\x44\x0F,\n", u"a\u4e2d\u6587,\n"},
+    {"Big5", "Big5", "", "a\xA4\xA4\xA5\x5C\xA4\xE5,", u"a\u4e2d\u529f\u6587,"},
+    {"Big5Hkscs", "Big5-HKSCS", "", "a\x88\x66z\xA4\xA4", u"a\u00caz\u4e2d"},
+    {"EucKr", "EUC-KR", "", "a\xC7\xD1\xB1\xDB\xB0\xA1,", u"a\ud55c\uae00\uac00,"},
+    {"Windows1250", "windows-1250", "", "a\x8A\xE8,", u"a\u0160\u010d,"},
+    {"Windows1251", "windows-1251", "", "a\xCF\xEF,", u"a\u041f\u043f,"},
+    {"Windows1252", "windows-1252", "", "a\x80\x93\xE9,", u"a\u20ac\u201c\u00e9,"},
+    {"Windows1253", "windows-1253", "", "a\xE1\xF9,", u"a\u03b1\u03c9,"},
+    {"Windows1254", "windows-1254", "", "a\xF0\xDD,", u"a\u011f\u0130,"},
+    {"Windows1255", "windows-1255", "", "a\xE0\xFA,", u"a\u05d0\u05ea,"},
+    {"Windows1256", "windows-1256", "", "a\xC7\xE1,", u"a\u0627\u0644,"},
+    {"Windows1257", "windows-1257", "", "a\xE0\xFE,", u"a\u0105\u017e,"},
+    {"Windows1258", "windows-1258", "", "a\xD0\xFE,", u"a\u0110\u20ab,"},
+    {"Koi8R", "KOI8-R", "", "a\xF0\xD0,", u"a\u041f\u043f,"},
+    {"Macintosh", "macintosh", "", "a\x8E\x80,", u"a\u00e9\u00c4,"},
+    {"CodePage437", "IBM437", "", "a\x82\x1A\x1C\x7F\xE1,", u"a\u00e9\x1A\x1C\x7F\u00df,"},
+    {"Latin2", "ISO-8859-2", "", "a\xB9\xE8,", u"a\u0161\u010d,"},
+    {"Latin9", "ISO-8859-15", "", "a\xA4\xBD,", u"a\u20ac\u0153,"},
+    {"Ebcdic", "IBM037", "", "\x81\xC1\xF1\x6B\x25", u"aA1,\n"},
+};
+
+class StreamCodeConverterEncodings : public testing::TestWithParam<EncodingCase> {
+ protected:
+  static constexpr std::size_t kReadSize = 65'536;
+
+  // The text often enough for one and a half reads of 65,537 bytes.
+  static std::size_t copies() { return 3 * kReadSize / 2 / GetParam().bytes.size() + 1; }
+};
+
+TEST_P(StreamCodeConverterEncodings, GiveTheSameUnitsHoweverTheyAreFed) {
+  const EncodingCase& row = GetParam();
+  const std::string bytes = row.start + row.bytes + row.bytes;
+  for (const bool one_unit : {false, true}) {
+    const std::u16string text = row.text + row.text;
+    const std::u16string expected = one_unit ? first_halves(text) : text;
+    for (const Feeding& feeding : all_feedings()) {
+      StreamCodeConverter converter(row.encoding, one_unit);
+      ASSERT_EQ(readable(all_of(converter, bytes, feeding)), readable(expected)) << feeding;
+      ASSERT_EQ(converter.ill_formed_parts(), 0U) << feeding;
+    }
+    for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
+      StreamCodeConverter converter(row.encoding, one_unit);
+      ASSERT_EQ(readable(cut_at(converter, bytes, cut)), readable(expected)) << cut;
+    }
+  }
+}
+
+TEST_P(StreamCodeConverterEncodings, GiveTheSameUnitsInReadsOfUsualSizes) {
+  const EncodingCase& row = GetParam();
+  std::string bytes = row.start;
+  std::u16string text;
+  for (std::size_t i = 0; i < copies(); ++i) {
+    bytes += row.bytes;
+    text += row.text;
+  }
+  for (const std::size_t chunk : {kReadSize - 2, kReadSize - 1, kReadSize, kReadSize + 1}) {
+    StreamCodeConverter converter(row.encoding, false);
+    EXPECT_EQ(first_difference(all_of(converter, bytes, {chunk, chunk}), text), kNoDifference)
+        << chunk;
+    EXPECT_EQ(converter.ill_formed_parts(), 0U) << chunk;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, StreamCodeConverterEncodings, testing::ValuesIn(kEncodings),
+                         ByRule());
+
 // --- byte order --------------------------------------------------------------------------------
 
 struct OrderCase {
@@ -618,6 +731,26 @@ const IllFormedCase kIllFormed[] = {
     {"Gb18030LeadThenComma", "GB18030", "\x81,1", u"\ufffd,1"},
     {"Gb18030ByteThatNeverOccurs", "GB18030", "a\xFFz", u"a\ufffdz"},
 
+    {"AsciiHighBytes", "US-ASCII", "a\x80\xFFz", u"a\ufffd\ufffdz"},
+    {"Latin7UnassignedBytes", "ISO-8859-7", "a\xAE\xE1\xD2\xFF", u"a\ufffd\u03b1\ufffd\ufffd"},
+    {"Windows1253UnassignedByte", "windows-1253", "\xD2\xE1", u"\ufffd\u03b1"},
+    {"EucJpLeadThenComma", "EUC-JP", "\xC6,1", u"\ufffd,1"},
+    {"EucJpTwoOfThreeAtTheEnd", "EUC-JP", "a\x8F\xB0", u"a\ufffd"},
+    {"Big5LeadAtTheEnd", "Big5", "a\xA4", u"a\ufffd"},
+    {"EucKrLeadThenLineEnd", "EUC-KR", "\xC7\n", u"\ufffd\n"},
+    {"Gb18030ThreeOfFourAtTheEnd", "GB18030", "a\x81\x30\x81", u"a\ufffd"},
+
+    // Encodings that carry surrogates of their own.
+    {"Utf7LoneHigh", "UTF-7", "+2D0-z", u"\ufffdz"},
+    {"Utf7LoneLow", "UTF-7", "+3gA-z", u"\ufffdz"},
+    {"Utf7HighAtTheEnd", "UTF-7", "a+2D0-", u"a\ufffd"},
+    {"Cesu8LoneHigh", "CESU-8", "\xED\xA0\xBDz", u"\ufffdz"},
+    {"Cesu8LoneLow", "CESU-8", "a\xED\xB8\x80z", u"a\ufffdz"},
+    {"Cesu8WrongOrder", "CESU-8", "\xED\xB8\x80\xED\xA0\xBDz", u"\ufffd\ufffdz"},
+    {"Cesu8TwoHighs", "CESU-8", "\xED\xA0\xBD\xED\xA0\xBD\xED\xB8\x80", u"\ufffd\U0001F600"},
+    {"Cesu8HighAtTheEnd", "CESU-8", "a\xED\xA0\xBD", u"a\ufffd"},
+    {"ScsuQuotedLoneHigh", "SCSU", "\x0E\xD8\x3Dz", u"\ufffdz"},
+
     {"Iso2022JpHighByte", "ISO-2022-JP", "a\xE9z", u"a\ufffdz"},
     {"Iso2022JpFirstHighByte", "ISO-2022-JP", "a\x80z", u"a\ufffdz"},
     {"Iso2022JpUnknownEscape", "ISO-2022-JP", "a\x1B(Zb", u"a\ufffd(Zb"},
@@ -626,13 +759,9 @@ const IllFormedCase kIllFormed[] = {
     {"Iso2022JpHalfACharacterAtTheEnd", "ISO-2022-JP", "a\x1B$B\x46", u"a\ufffd"},
 };
 
-// With one unit per character the high half of each pair stands for it.
-std::u16string one_unit_each(std::u16string_view text) {
-  std::u16string units;
-  for (const char16_t unit : text) {
-    if (unit < 0xDC00 || unit > 0xDFFF) units.push_back(unit);
-  }
-  return units;
+// No row holds a U+FFFD of its own, so that there is one for each part.
+std::size_t ill_formed_parts(const IllFormedCase& row) {
+  return static_cast<std::size_t>(std::count(row.text.begin(), row.text.end(), u'\ufffd'));
 }
 
 class StreamCodeConverterIllFormed : public testing::TestWithParam<IllFormedCase> {};
@@ -640,10 +769,12 @@ class StreamCodeConverterIllFormed : public testing::TestWithParam<IllFormedCase
 TEST_P(StreamCodeConverterIllFormed, PartsBecomeOneReplacementEachHoweverTheyAreFed) {
   const IllFormedCase& row = GetParam();
   for (const bool one_unit : {false, true}) {
-    const std::u16string expected = one_unit ? one_unit_each(row.text) : row.text;
+    const std::u16string expected = one_unit ? first_halves(row.text) : row.text;
     for (const Feeding& feeding : all_feedings()) {
       StreamCodeConverter converter(row.encoding, one_unit);
       EXPECT_EQ(readable(all_of(converter, row.bytes, feeding)), readable(expected))
+          << feeding << (one_unit ? ", one unit" : "");
+      EXPECT_EQ(converter.ill_formed_parts(), ill_formed_parts(row))
           << feeding << (one_unit ? ", one unit" : "");
     }
   }
@@ -654,6 +785,7 @@ TEST_P(StreamCodeConverterIllFormed, PartsBecomeOneReplacementEachWhereverTheyAr
   for (std::size_t cut = 0; cut <= row.bytes.size(); ++cut) {
     StreamCodeConverter converter(row.encoding, false);
     EXPECT_EQ(readable(cut_at(converter, row.bytes, cut)), readable(row.text)) << cut;
+    EXPECT_EQ(converter.ill_formed_parts(), ill_formed_parts(row)) << cut;
   }
 }
 
@@ -671,6 +803,56 @@ TEST_P(StreamCodeConverterIllFormed, PartsLeaveNothingBehind) {
 
 INSTANTIATE_TEST_SUITE_P(Table, StreamCodeConverterIllFormed, testing::ValuesIn(kIllFormed),
                          ByRule());
+
+struct CountCase {
+  const char* rule;
+  const char* encoding;
+  std::string bytes;
+  std::u16string text;
+  std::size_t count;
+};
+std::ostream& operator<<(std::ostream& out, const CountCase& row) { return out << row.rule; }
+
+// A U+FFFD that the text holds is a character.
+const CountCase kCounted[] = {
+    {"NothingInNothing", "UTF-8", "", u"", 0},
+    {"NothingInWellFormed", "UTF-8", "\xEF\xBB\xBFz\xF0\x9F\x98\x80", u"z\U0001F600", 0},
+    {"NotTheCharacterInUtf8", "UTF-8", "a\xEF\xBF\xBDz", u"a\ufffdz", 0},
+    {"NotTheCharacterInUtf16", "UTF-16LE", "\xFD\xFF", u"\ufffd", 0},
+    {"NotTheCharacterInUtf32", "UTF-32BE", {"\0\0\xFF\xFD", 4}, u"\ufffd", 0},
+    {"NotTheCharacterInGb18030", "GB18030", "\x84\x31\xA4\x37", u"\ufffd", 0},
+    {"ThePartsAmongTheCharacters", "UTF-8", "\xEF\xBF\xBD\xEF\xBF\x80\xEF\xBF",
+     u"\ufffd\uffc0\ufffd", 1},
+    {"TheUnfinishedCharacterAtTheEnd", "UTF-8", "a\xF0\x9F\x98", u"a\ufffd", 1},
+    {"EachByteThatFitsNowhere", "UTF-8", "\xC0\x80\xF5\xFF", u"\ufffd\ufffd\ufffd\ufffd", 4},
+    {"ALoneSurrogate", "UTF-16LE", {"\x3D\xD8z\0\xFD\xFF", 6}, u"\ufffdz\ufffd", 1},
+    {"TwoOfTheBytesBehindAMark", "UTF-16", {"\xFE\xFF\xDE\0\0z\0", 7}, u"\ufffdz\ufffd", 2},
+    {"BytesWithoutCharacter", "windows-1253", "\xD2\xE1\xD2", u"\ufffd\u03b1\ufffd", 2},
+    {"ACutPairOfBytes", "Shift_JIS", "\x83\n\x83\x65\x83", u"\ufffd\n\u30c6\ufffd", 2},
+};
+
+class StreamCodeConverterCount : public testing::TestWithParam<CountCase> {};
+
+TEST_P(StreamCodeConverterCount, HoldsTheIllFormedPartsHoweverTheyAreFed) {
+  const CountCase& row = GetParam();
+  for (const Feeding& feeding : all_feedings()) {
+    StreamCodeConverter converter(row.encoding, false);
+    EXPECT_EQ(readable(all_of(converter, row.bytes, feeding)), readable(row.text)) << feeding;
+    EXPECT_EQ(converter.ill_formed_parts(), row.count) << feeding;
+  }
+}
+
+TEST_P(StreamCodeConverterCount, GoesOnThroughResets) {
+  const CountCase& row = GetParam();
+  StreamCodeConverter converter(row.encoding, true);
+  for (std::size_t round = 1; round <= 3; ++round) {
+    all_of(converter, row.bytes);
+    EXPECT_EQ(converter.ill_formed_parts(), round * row.count);
+    converter.reset(true);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, StreamCodeConverterCount, testing::ValuesIn(kCounted), ByRule());
 
 // The well-formed sequences, one range per byte; the plain second route to the same answer.
 struct Utf8Form {
@@ -882,7 +1064,6 @@ TEST_P(StreamCodeConverterName, ThatIsNotKnownIsRefusedWithTheNameInTheMessage) 
     } catch (const std::invalid_argument& error) {
       const std::string named = GetParam().substr(0, GetParam().find('\0'));
       EXPECT_THAT(error.what(), HasSubstr(named));
-      EXPECT_NE(std::string(error.what()), "");
     }
   }
 }
@@ -893,7 +1074,7 @@ INSTANTIATE_TEST_SUITE_P(Unknown, StreamCodeConverterName,
                                          std::string("UTF-8\0", 6), std::string("UTF-8\0x", 7),
                                          std::string("\0UTF-8", 6), std::string("\0", 1),
                                          std::string(59, 'x'), std::string(60, 'x'),
-                                         std::string(61, 'x'), std::string(1'000'000, 'x')),
+                                         std::string(61, 'x')),
                          [](const auto& tested) { return "Row" + std::to_string(tested.index); });
 
 TEST(StreamCodeConverterName, IsKnownInAnyCase) {
