@@ -1,11 +1,14 @@
 // Date recognition by descent: a cursor walks over the field, and each rule of the grammar is one
 // function that either steps over what it stands for or says no. `kDates` lists how a date is
 // written, `kForms` how the whole field may be put together; a field is a date when one of the
-// forms takes all of it.
-//
-// No two dates of `kDates` fit the same beginning of a text, so the first that fits is the only
-// one to be tried further. A rule that fails leaves its cursor anywhere: whoever has another idea
+// forms takes all of it. A rule that fails leaves its cursor anywhere: whoever has another idea
 // keeps a copy.
+//
+// Which language the names are in is left to the names in force: English, or those of a locale
+// besides the English ones. A locale also brings patterns, which stand beside `kDates`. There one
+// text may begin with several dates and weekdays ("mar." is a Tuesday and a month in Spanish), so
+// each is tried with what follows. The field is folded before the walk: rules see lower case and
+// the digits 0 to 9.
 //
 // A comma counts only with a blank behind it. Where it stands alone it separates columns.
 #include "host/datetime.hpp"
@@ -16,6 +19,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "standalone/date_locale.hpp"
+#include "standalone/date_names.hpp"
 #include "strategy/field.hpp"
 
 namespace textio::datetime {
@@ -30,77 +35,19 @@ constexpr std::size_t kLongestField = 64;
 constexpr View kDateMarks = u"-/.";
 constexpr View kBlanksBeforeHalfDay = u" \u00a0\u202f";
 
-// --- names -------------------------------------------------------------------------------------
-
-// One way to write the name of a month (1 to 12) or of a weekday (1 to 7), in lower case.
-struct Spelling {
-  View text;
-  unsigned number;
-  bool abbreviated;  // a dot may follow
-};
-
-constexpr Spelling kEnglishMonths[] = {
-    {u"january", 1, false},   {u"jan", 1, true},        {u"february", 2, false},
-    {u"feb", 2, true},        {u"march", 3, false},     {u"mar", 3, true},
-    {u"april", 4, false},     {u"apr", 4, true},        {u"may", 5, true},
-    {u"june", 6, false},      {u"jun", 6, true},        {u"july", 7, false},
-    {u"jul", 7, true},        {u"august", 8, false},    {u"aug", 8, true},
-    {u"september", 9, false}, {u"sept", 9, true},       {u"sep", 9, true},
-    {u"october", 10, false},  {u"oct", 10, true},       {u"november", 11, false},
-    {u"nov", 11, true},       {u"december", 12, false}, {u"dec", 12, true},
-};
-
-constexpr Spelling kEnglishWeekdays[] = {
-    {u"monday", 1, false}, {u"mon", 1, true},       {u"tuesday", 2, false},
-    {u"tues", 2, true},    {u"tue", 2, true},       {u"wednesday", 3, false},
-    {u"wed", 3, true},     {u"thursday", 4, false}, {u"thurs", 4, true},
-    {u"thur", 4, true},    {u"thu", 4, true},       {u"friday", 5, false},
-    {u"fri", 5, true},     {u"saturday", 6, false}, {u"sat", 6, true},
-    {u"sunday", 7, false}, {u"sun", 7, true},
-};
-
-char16_t to_lower(char16_t unit) {
-  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
-}
-
-bool equals_lower_case(View word, View lower_case) {
-  return word.size() == lower_case.size() &&
-         std::equal(word.begin(), word.end(), lower_case.begin(),
-                    [](char16_t unit, char16_t lower) { return to_lower(unit) == lower; });
-}
-
-template <std::size_t N>
-const Spelling* find_spelling(View word, const Spelling (&spellings)[N]) {
-  for (const Spelling& spelling : spellings) {
-    if (equals_lower_case(word, spelling.text)) return &spelling;
-  }
-  return nullptr;
-}
-
-// The two questions asked about names. English is always answered; the names of another locale are
-// looked up here, after the English ones, and nowhere else.
-const Spelling* find_month(View word) { return find_spelling(word, kEnglishMonths); }
-const Spelling* find_weekday(View word) { return find_spelling(word, kEnglishWeekdays); }
-
 // --- the cursor --------------------------------------------------------------------------------
-
-bool is_digit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
 unsigned value_of(char16_t digit) { return static_cast<unsigned>(digit - u'0'); }
 
-// Units above 127 count as letters, for names of other languages are made of them.
-bool is_letter(char16_t unit) {
-  const char16_t lower = to_lower(unit);
-  return (lower >= u'a' && lower <= u'z') || unit > 127;
-}
-
-// A place in the field. The take... operations step over what they name and say whether it was
-// there; where it was not, they do not move.
+// A place in the folded field, and the names that it is read with. The take... operations step over
+// what they name and say whether it was there; where it was not, they do not move.
 class Cursor {
  public:
   static constexpr char16_t kNone = 0;  // no rule asks for a NUL
 
-  explicit Cursor(View rest) : rest_(rest) {}
+  Cursor(View rest, const DateNames& names) : rest_(rest), names_(&names) {}
+
+  const DateNames& names() const { return *names_; }
 
   bool at_end() const { return rest_.empty(); }
 
@@ -125,6 +72,19 @@ class Cursor {
   }
 
   bool take_blanks() { return !take_run_of(u" ").empty(); }
+
+  bool take_text(View text) {
+    if (!rest_.starts_with(text)) return false;
+    rest_.remove_prefix(text.size());
+    return true;
+  }
+
+  // The longest name of `table` that stands here, null if there is none.
+  const Name* take_name(const NameTable& table, NameEnd end = NameEnd::of_word) {
+    const Name* const name = table.find(rest_, end);
+    if (name != nullptr) rest_.remove_prefix(name->text.size());
+    return name;
+  }
 
   View take_word() { return take_while(is_letter); }
 
@@ -163,6 +123,7 @@ class Cursor {
   }
 
   View rest_;
+  const DateNames* names_;
 };
 
 // A rule steps over what it describes, or answers false.
@@ -211,24 +172,24 @@ bool take_blanks_or_comma(Cursor& cursor) {
 
 // The dot of an abbreviation. Before a digit it is the mark between two parts of the date, and
 // nothing has two dots.
-void take_dot_of(const Spelling& spelling, Cursor& cursor) {
+void take_dot_of(const Name& name, Cursor& cursor) {
   const char16_t behind = cursor.peek(1);
-  if (spelling.abbreviated && !is_digit(behind) && behind != u'.') cursor.take(u'.');
+  if (name.abbreviated && !is_digit(behind) && behind != u'.') cursor.take(u'.');
 }
 
 bool take_month_name(Cursor& cursor, unsigned& month) {
-  const Spelling* const spelling = find_month(cursor.take_word());
-  if (spelling == nullptr) return false;
-  month = spelling->number;
-  take_dot_of(*spelling, cursor);
+  const Name* const name = cursor.take_name(cursor.names().months);
+  if (name == nullptr) return false;
+  month = name->number;
+  take_dot_of(*name, cursor);
   return true;
 }
 
-// "Fri, ", "Friday ": any weekday goes with any date.
+// "Fri, ", "Friday "
 bool take_weekday(Cursor& cursor) {
-  const Spelling* const spelling = find_weekday(cursor.take_word());
-  if (spelling == nullptr) return false;
-  take_dot_of(*spelling, cursor);
+  const Name* const name = cursor.take_name(cursor.names().weekdays);
+  if (name == nullptr) return false;
+  take_dot_of(*name, cursor);
   return take_blanks_or_comma(cursor);
 }
 
@@ -249,7 +210,7 @@ View ordinal_suffix(unsigned day) {
 
 bool take_ordinal_suffix(Cursor& cursor, unsigned day) {
   Cursor ahead = cursor;
-  if (!equals_lower_case(ahead.take_word(), ordinal_suffix(day))) return false;
+  if (ahead.take_word() != ordinal_suffix(day)) return false;
   cursor = ahead;
   return true;
 }
@@ -382,6 +343,93 @@ constexpr Rule kDates[] = {
     year_name_day,            // 2024-Mar-01
 };
 
+// --- dates as the locale writes them -----------------------------------------------------------
+
+// A blank stands for one or more.
+bool take_literal(Cursor& cursor, View literal) {
+  return std::all_of(literal.begin(), literal.end(), [&cursor](char16_t unit) {
+    return unit == u' ' ? cursor.take_blanks() : cursor.take(unit);
+  });
+}
+
+// The walk along one pattern.
+class PatternReader {
+ public:
+  using Kind = DatePart::Kind;
+
+  PatternReader(const DatePattern& pattern, Cursor& cursor) : pattern_(pattern), cursor_(cursor) {}
+
+  bool take() {
+    const std::size_t count = pattern_.parts.size();
+    for (std::size_t i = 0; i < count; ++i) {
+      const bool may_be_missing = i + 1 == count && closes_date(pattern_.parts[i]);
+      if (!take_whole_part(i) && !may_be_missing) return false;
+    }
+    return is_on_calendar(date_);
+  }
+
+ private:
+  // A last word, as for "year", or a last dot is often left out. Beside a short year it is what
+  // tells a date from a version.
+  bool closes_date(const DatePart& part) const {
+    return part.kind == Kind::literal && !pattern_.short_year &&
+           (part.literal.front() == u' ' || part.literal == u".");
+  }
+
+  // Stays where it is when the part is not there.
+  bool take_whole_part(std::size_t index) {
+    const Cursor former = cursor_;
+    if (take_part(index)) return true;
+    cursor_ = former;
+    return false;
+  }
+
+  bool take_part(std::size_t index) {
+    switch (pattern_.parts[index].kind) {
+      case Kind::literal:
+        return take_literal(cursor_, pattern_.parts[index].literal);
+      case Kind::year:
+        return take_year_of_pattern();
+      case Kind::month:
+        return cursor_.take_number(fewest_digits(), 2, date_.month);
+      case Kind::month_name:
+        return take_name(cursor_.names().months, index, &date_.month);
+      case Kind::day:
+        return cursor_.take_number(fewest_digits(), 2, date_.day);
+      case Kind::weekday:
+        return take_name(cursor_.names().weekdays, index, nullptr);
+      case Kind::era:
+        return take_name(cursor_.names().eras, index, nullptr);
+    }
+    return false;
+  }
+
+  std::size_t fewest_digits() const { return pattern_.wants_pairs ? 2 : 1; }
+
+  bool take_year_of_pattern() {
+    return pattern_.short_year ? take_year(cursor_, date_.year)
+                               : cursor_.take_number(4, 4, date_.year);
+  }
+
+  // What follows is the pattern's matter: an ending may, close to the name.
+  bool take_name(const NameTable& table, std::size_t index, unsigned* number) {
+    const Name* const name = cursor_.take_name(table, NameEnd::anywhere);
+    if (name == nullptr) return false;
+    if (number != nullptr) *number = name->number;
+    const bool dot_is_of_pattern = next_begins_with_dot(index) && cursor_.peek(1) != u'.';
+    if (name->abbreviated && !dot_is_of_pattern) cursor_.take(u'.');
+    return true;
+  }
+
+  bool next_begins_with_dot(std::size_t index) const {
+    return index + 1 < pattern_.parts.size() && pattern_.parts[index + 1].literal.starts_with(u'.');
+  }
+
+  const DatePattern& pattern_;
+  Cursor& cursor_;
+  Date date_{};
+};
+
 // --- the time of day ---------------------------------------------------------------------------
 
 struct Clock {
@@ -389,7 +437,7 @@ struct Clock {
   unsigned minute = 0;
   unsigned second = 0;
   bool has_fraction_above_zero = false;
-  bool is_half_day = false;  // AM or PM follows
+  bool is_half_day = false;  // with AM or PM
 };
 
 bool is_on_clock(const Clock& clock) {
@@ -410,31 +458,44 @@ void take_fraction(Cursor& cursor, Clock& clock) {
   clock.has_fraction_above_zero = cursor.take_digits().find_first_not_of(u'0') != View::npos;
 }
 
+bool half_day_name(Cursor& cursor) {
+  const Name* const name = cursor.take_name(cursor.names().half_days);
+  if (name == nullptr) return false;
+  take_dot_of(*name, cursor);
+  return true;
+}
+
 // "AM" or " PM".
 bool half_day(Cursor& cursor) {
   cursor.take_run_of(kBlanksBeforeHalfDay);
-  const View word = cursor.take_word();
-  return equals_lower_case(word, u"am") || equals_lower_case(word, u"pm");
+  return half_day_name(cursor);
+}
+
+// In front of the time, where it stands in Korean and Chinese.
+bool leading_half_day(Cursor& cursor) {
+  if (!cursor.names().folding.of_locale || !half_day_name(cursor)) return false;
+  cursor.take_blanks();
+  return true;
 }
 
 // 10:00, 9:05:30, 10:00:00.250, 2:05 PM
 bool time_of_day(Cursor& cursor) {
   Clock clock;
+  const bool has_half_day = take_optional(cursor, leading_half_day);
   if (!cursor.take_number(1, 2, clock.hour)) return false;
   if (!cursor.take(u':') || !cursor.take_number(2, 2, clock.minute)) return false;
   if (cursor.take(u':')) {
     if (!cursor.take_number(2, 2, clock.second)) return false;
     take_fraction(cursor, clock);
   }
-  clock.is_half_day = take_optional(cursor, half_day);
+  clock.is_half_day = has_half_day || take_optional(cursor, half_day);
   return is_on_clock(clock);
 }
 
 // Z, UTC, GMT
 bool zone_name(Cursor& cursor) {
   const View word = cursor.take_word();
-  return equals_lower_case(word, u"z") || equals_lower_case(word, u"utc") ||
-         equals_lower_case(word, u"gmt");
+  return word == u"z" || word == u"utc" || word == u"gmt";
 }
 
 // +01, -0330, +05:45. No clock on earth is more than fourteen hours away from UTC; the bound also
@@ -460,77 +521,114 @@ bool zone(Cursor& cursor) {
 
 // "T", blanks, or a comma and blanks.
 bool take_gap_before_time(Cursor& cursor) {
-  return cursor.take(u'T') || cursor.take(u't') || take_blanks_or_comma(cursor);
+  return cursor.take(u't') || take_blanks_or_comma(cursor);
 }
 
-// Fri, 01 Mar 2024 10:00:00 GMT; without the weekday, without the time, without the zone.
-bool date_then_time(Cursor& cursor) {
-  take_optional(cursor, take_weekday);
-  if (!take_first_of(cursor, kDates)) return false;
-  if (cursor.at_end()) return true;
-  if (!take_gap_before_time(cursor) || !time_of_day(cursor)) return false;
+bool is_time_up_to_end(Cursor cursor) {
+  if (!time_of_day(cursor)) return false;
   take_optional(cursor, zone);
-  return true;
+  return cursor.at_end();
 }
 
-// Fri Mar  1 10:00:00 2024, with a zone before or behind the year.
-bool time_before_year(Cursor& cursor) {
+// Nothing, or a gap and a time of day. The gap may be the locale's own: " um ", " klo ".
+bool takes_rest_behind_date(const Cursor& start) {
+  if (start.at_end()) return true;
+  Cursor usual = start;
+  if (take_gap_before_time(usual) && is_time_up_to_end(usual)) return true;
+  const auto& gaps = start.names().gaps_before_time;
+  return std::any_of(gaps.begin(), gaps.end(), [&start](View gap) {
+    Cursor cursor = start;
+    return take_literal(cursor, gap) && is_time_up_to_end(cursor);
+  });
+}
+
+// 2024-03-01, 01 Mar 2024 10:00:00 GMT, and what the locale's patterns say
+bool date_then_time(const Cursor& start) {
+  const bool is_usual = std::any_of(std::begin(kDates), std::end(kDates), [&start](Rule date) {
+    Cursor cursor = start;
+    return date(cursor) && takes_rest_behind_date(cursor);
+  });
+  const auto& patterns = start.names().patterns;
+  return is_usual ||
+         std::any_of(patterns.begin(), patterns.end(), [&start](const DatePattern& pattern) {
+           Cursor cursor = start;
+           return PatternReader(pattern, cursor).take() && takes_rest_behind_date(cursor);
+         });
+}
+
+// Mar  1 10:00:00 2024, with a zone before or behind the year
+bool time_before_year(const Cursor& start) {
+  Cursor cursor = start;
   Date date{};
-  take_optional(cursor, take_weekday);
   if (!take_month_name(cursor, date.month) || !cursor.take_blanks()) return false;
   if (!take_day(cursor, date.day) || !cursor.take_blanks()) return false;
   if (!time_of_day(cursor)) return false;
   const bool has_zone = take_optional(cursor, zone);
   if (!cursor.take_blanks() || !cursor.take_number(4, 4, date.year)) return false;
   if (!has_zone) take_optional(cursor, zone);
-  return is_on_calendar(date);
+  return cursor.at_end() && is_on_calendar(date);
+}
+
+// Either of these, and before it a weekday: "Fri, 01 Mar 2024". Any weekday goes with any date.
+bool date_behind_weekday(const Cursor& start) {
+  Cursor cursor = start;
+  return take_weekday(cursor) && (date_then_time(cursor) || time_before_year(cursor));
 }
 
 // 01/Mar/2024:10:00:00 +0000, as web servers write it.
-bool access_log_time(Cursor& cursor) {
+bool access_log_time(const Cursor& start) {
+  Cursor cursor = start;
   Date date{};
   const bool is_date = cursor.take_number(1, 2, date.day) && cursor.take(u'/') &&
                        take_month_name(cursor, date.month) && cursor.take(u'/') &&
                        cursor.take_number(4, 4, date.year) && is_on_calendar(date);
   if (!is_date || !cursor.take(u':') || !time_of_day(cursor)) return false;
   take_optional(cursor, zone);
-  return true;
+  return cursor.at_end();
 }
 
 // 20240301T100000Z. Without the time it would be a plain number.
-bool compact_date_time(Cursor& cursor) {
+bool compact_date_time(const Cursor& start) {
+  Cursor cursor = start;
   Date date{};
   Clock clock;
   unsigned century = 0;
   unsigned year = 0;
   const bool is_date = cursor.take_two_digits(century) && cursor.take_two_digits(year) &&
                        cursor.take_two_digits(date.month) && cursor.take_two_digits(date.day);
-  if (!is_date || !(cursor.take(u'T') || cursor.take(u't'))) return false;
+  if (!is_date || !cursor.take(u't')) return false;
   const bool is_time = cursor.take_two_digits(clock.hour) && cursor.take_two_digits(clock.minute) &&
                        cursor.take_two_digits(clock.second);
   if (!is_time) return false;
   take_fraction(cursor, clock);
   take_optional(cursor, zone);
   date.year = century * 100 + year;
-  return is_on_calendar(date) && is_on_clock(clock);
+  return cursor.at_end() && is_on_calendar(date) && is_on_clock(clock);
 }
 
-constexpr Rule kForms[] = {
-    date_then_time,     // one of kDates, with or without a time
-    time_before_year,   // Fri Mar  1 10:00:00 2024
-    access_log_time,    // 01/Mar/2024:10:00:00 +0000
-    compact_date_time,  // 20240301T100000Z
+// A form takes the whole rest, or answers false.
+using Form = bool (*)(const Cursor&);
+
+constexpr Form kForms[] = {
+    date_then_time,       // a date, with or without a time
+    time_before_year,     // Mar  1 10:00:00 2024
+    date_behind_weekday,  // Fri, 01 Mar 2024
+    access_log_time,      // 01/Mar/2024:10:00:00 +0000
+    compact_date_time,    // 20240301T100000Z
 };
 
 }  // namespace
 
 bool is_datetime(const Field& field) {
   if (field.length > kLongestField) return false;
-  const Cursor start(View(field.data, field.length));
-  return std::any_of(std::begin(kForms), std::end(kForms), [&start](Rule form) {
-    Cursor cursor = start;
-    return form(cursor) && cursor.at_end();
-  });
+  const DateNames& names = names_in_force();
+  char16_t units[kLongestField];
+  const View text(units, fold_text(View(field.data, field.length), names.folding, units));
+  // All forms have a year, and most fields that are no dates have no digit.
+  if (std::none_of(text.begin(), text.end(), is_digit)) return false;
+  const Cursor start(text, names);
+  return std::any_of(std::begin(kForms), std::end(kForms),
+                     [&start](Form form) { return form(start); });
 }
 
 }  // namespace textio::datetime

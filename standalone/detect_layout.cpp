@@ -7,6 +7,7 @@
 #include "detection/strategy_selector.hpp"
 #include "source/memory_text_source.hpp"
 #include "source/text_stream.hpp"
+#include "standalone/date_locale.hpp"
 #include "standalone/input_text.hpp"
 #include "standalone/line_roles.hpp"
 #include "standalone/sampled_table.hpp"
@@ -82,6 +83,7 @@ std::shared_ptr<Strategy> find_strategy(const Field& sample, const DetectSetting
 }
 
 Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
+  const datetime::DateLocaleScope date_locale(settings.options.date_locale);
   detection::SelectionTrace trace;
   const auto strategy = find_strategy(sample, settings, trace);
   Layout layout;

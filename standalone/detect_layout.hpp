@@ -12,8 +12,9 @@
 //            one line, a comment is none. Widths count characters.
 // Ownership  a layout holds no view of the text; it is a value to copy and keep.
 // Errors     FileError when the file cannot be opened or a read fails; std::invalid_argument for an
-//            encoding that is not known, widths that are no widths, and (as OptionProblem) options
-//            that are refused; std::runtime_error when the decoder itself fails; std::bad_alloc.
+//            encoding or a DateLocale that is not known, widths that are no widths, and (as
+//            OptionProblem) options that are refused; std::runtime_error when the decoder itself
+//            fails; std::bad_alloc.
 // Cost       of a file no more than the first 4,194,304 characters are looked at, and little more
 //            is read, each byte once; a prefix of at most 64 KB is read once more to find the
 //            encoding. A text is copied.

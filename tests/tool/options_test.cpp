@@ -132,7 +132,14 @@ const std::vector<OptionCase> kOptions = {
      "names",
      {"caf\xC3\xA9", "n"},
      {"caf\xC3\x83\xC2\xA9", "n"}},
-    {"DateLocale", "--date-locale", "de_DE", kNamed, {}, "", {}, {}},
+    {"DateLocale",
+     "--date-locale",
+     "de_DE",
+     "1. M\xC3\xA4rz 2024;1\n2. Mai 2024;2\n",
+     {"--delimiter", ";"},
+     "classes",
+     {"text", "number"},
+     {"date", "number"}},
     {"ExpChars", "--exp-chars", "xX", kNamed, {}, "", {}, {}},
     {"VariableWidths",
      "--variable-widths",
@@ -375,7 +382,7 @@ const AcceptedCase kAccepted[] = {
     {"LineFeedAlone", "1,2\r3,4\n5,6\n", {"--line-ending", "\\n"}, "lines_sampled", 2},
     {"NoEscapesInOtherTexts",
      kNamed,
-     {"--exp-chars", "\\q", "--date-locale", "\\q"},
+     {"--exp-chars", "\\q", "--empty-value", "\\q"},
      "header_lines",
      0},
 
@@ -809,6 +816,10 @@ TEST(ToolRefusesOptions, BeforeItLooksAtAnyFile) {
   const CommandResult result = vltext({"--num-header-lines", "-1", "no/such/file"});
   EXPECT_EQ(result.status, 2);
   EXPECT_THAT(result.err, Not(HasSubstr("no/such/file")));
+}
+
+TEST(ToolRefusesOptions, WhoseLocaleIsNone) {
+  expect_refused({"--date-locale", "xx"}, "DateLocale", {"such as de_DE", "got 'xx'"});
 }
 
 TEST(ToolRefusesOptions, ByNoName) {
