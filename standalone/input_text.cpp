@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -12,6 +11,7 @@
 #include "detection/fixed_stream.hpp"
 #include "host/code_converter.hpp"
 #include "host/file_layer.hpp"
+#include "standalone/read_problem.hpp"
 #include "standalone/utf_text.hpp"
 
 namespace textio::standalone {
@@ -71,7 +71,7 @@ InputText::InputText(const std::string& path, const DetectSettings& settings)
     : path_(path), settings_(settings) {
   errno = 0;
   File file(open_file(from_utf8(path), "rb"));
-  if (!file) throw FileError(fmt::format("cannot open '{}': {}", path, std::strerror(errno)));
+  if (!file) throw FileError(fmt::format("cannot open '{}': {}", path, read_problem(errno)));
   encoding_ = encoding_of(file.get(), settings);
   decode(std::move(file));
   if (encoding_.found == EncodingFound::valid_utf8 && ill_formed_parts_ > 0) look_behind_the_head();
@@ -85,7 +85,7 @@ void InputText::decode(File file) {
   sample_ = get_fixed_stream(*stream_, settings_.options.line_endings);
   ill_formed_parts_ = source_->converter()->ill_formed_parts();
   if (const int error = source_->read_error(); error != 0) {
-    throw FileError(fmt::format("cannot read '{}': {}", path_, std::strerror(error)));
+    throw FileError(fmt::format("cannot read '{}': {}", path_, read_problem(error)));
   }
 }
 

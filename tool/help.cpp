@@ -58,7 +58,8 @@ void append_options(std::string& out, bool for_import) {
 std::string help_text() {
   std::string out =
       "Usage: vltext [OPTION]... FILE...\n"
-      "Print how the table in each text FILE is laid out.\n\n";
+      "Print how the table in each text FILE is laid out. FILE may be - for standard\n"
+      "input, a pipe, and compressed with gzip or zstd whatever its name.\n\n";
   append_option(out, "-h, --help", "Print this help and exit");
   append_option(out, "--version", "Print the version and exit");
   append_option(out, "--json", "Print one JSON document instead of text");
