@@ -41,11 +41,12 @@ enum class EncodingFound {
 // many fields as there are variables, none of them empty. Two lines are asked, in this order:
 //
 //  1. The last header line. If it names every variable, it holds the names.
-//  2. The first line after the header. It holds the names if it names every variable, no two of its
-//     fields are alike, all of them are texts, and some column below is of another class.
+//  2. The first line after the header that is not blank. It holds the names if it names every
+//     variable, no two of its fields are alike, all of them are texts, and some column below is of
+//     another class.
 //
-// A line that looks like units gives way to its neighbour: the line above the last header line, or
-// the line below the first line after the header.
+// A line that looks like units gives way to its neighbour above it in the header, else to the one
+// below it.
 enum class NamesFound {
   last_header_line,
   line_after_header,

@@ -20,12 +20,9 @@ bool ends_at(const Field& text, std::size_t pos) {
   return pos >= text.length || text.data[pos] == kEndMark;
 }
 
-bool is_comment(const Field& line, const parser::options& options) {
-  if (options.comment_style.empty() || options.comment_style.front().empty()) return false;
-  const std::u16string& marker = options.comment_style.front();
-  const std::u16string_view text(line.data, line.length);
-  const std::size_t begin = text.find_first_not_of(options.whitespace);
-  return begin != text.npos && text.substr(begin, marker.size()) == marker;
+bool is_blank(const Field& line, const std::u16string& whitespace) {
+  return std::u16string_view(line.data, line.length).find_first_not_of(whitespace) ==
+         std::u16string_view::npos;
 }
 
 // Counts the lines of a text up to places that are asked for in ascending order.
@@ -66,6 +63,9 @@ SampledTable::SampledTable(Strategy& strategy, const Field& sample, const Detect
   classes_ = column_classes();
 }
 
+// A line that was not kept is blank or a comment; whether a marker stands in it depends on what the
+// strategy takes for white space, whether it is blank does not.
+//
 // Behind the last line that was kept only comments can have been looked at, and only if the budget
 // was not used up before.
 void SampledTable::find_lines(const Field& sample, unsigned long num_lines) {
@@ -78,8 +78,8 @@ void SampledTable::find_lines(const Field& sample, unsigned long num_lines) {
     const FieldExtent extent = strategy_.get_line_extent(sample, pos);
     const std::size_t index = line_numbers_.size();
     const bool is_text = index < kept.size() && kept[index].data == extent.field.data;
-    const bool is_left_out = !is_text && is_comment(extent.field, options_);
-    if (index == kept.size() && !is_left_out) break;
+    const bool is_left_out =
+        !is_text && (index == kept.size() || !is_blank(extent.field, options_.whitespace));
     const Kind kind = is_text ? Kind::text : is_left_out ? Kind::comment : Kind::blank;
     lines_.push_back({kind, numbers.at(pos), numbers.at(extent.next - 1)});
     if (is_text) ++texts;

@@ -33,15 +33,84 @@ constexpr View kMetric[] = {
 
 // As they stand.
 constexpr View kPlain[] = {
-    u"%",      u"\u2030", u"\u00B0", u"\u00B0C", u"\u00B0F", u"\u2103", u"\u2109", u"deg",
-    u"degC",   u"degF",   u"ppm",    u"ppb",     u"ppt",     u"ppmv",   u"ppbv",   u"min",
-    u"h",      u"hr",     u"hrs",    u"d",       u"yr",      u"yrs",    u"wk",     u"sec",
-    u"secs",   u"in",     u"ft",     u"yd",      u"mi",      u"nmi",    u"kn",     u"kt",
-    u"kts",    u"mph",    u"kmh",    u"kph",     u"lb",      u"lbs",    u"oz",     u"psi",
-    u"atm",    u"Torr",   u"mmHg",   u"inHg",    u"mmH2O",   u"cmH2O",  u"dB",     u"dBm",
-    u"dBA",    u"pH",     u"pcs",    u"rpm",     u"ha",      u"gal",    u"px",     u"cps",
-    u"cpm",    u"NTU",    u"FNU",    u"PSU",     u"psu",     u"$",      u"\u20AC", u"\u00A3",
+    u"%",
+    u"\u2030",
+    u"\u00B0",
+    u"\u00B0C",
+    u"\u00B0F",
+    u"\u2103",
+    u"\u2109",
+    u"deg",
+    u"degC",
+    u"degF",
+    u"ppm",
+    u"ppb",
+    u"ppt",
+    u"ppmv",
+    u"ppbv",
+    u"min",
+    u"h",
+    u"hr",
+    u"hrs",
+    u"d",
+    u"yr",
+    u"yrs",
+    u"wk",
+    u"sec",
+    u"secs",
+    u"in",
+    u"ft",
+    u"yd",
+    u"mi",
+    u"nmi",
+    u"kn",
+    u"kt",
+    u"kts",
+    u"mph",
+    u"kmh",
+    u"kph",
+    u"lb",
+    u"lbs",
+    u"oz",
+    u"psi",
+    u"atm",
+    u"Torr",
+    u"mmHg",
+    u"inHg",
+    u"mmH2O",
+    u"cmH2O",
+    u"dB",
+    u"dBm",
+    u"dBA",
+    u"pH",
+    u"pcs",
+    u"rpm",
+    u"ha",
+    u"gal",
+    u"px",
+    u"cps",
+    u"cpm",
+    u"NTU",
+    u"FNU",
+    u"PSU",
+    u"psu",
+    u"$",
+    u"\u20AC",
+    u"\u00A3",
     u"\u00A5",
+    // Written often, though not by the book.
+    u"mins",
+    u"msec",
+    u"usec",
+    u"bpm",
+    u"\u00BAC",
+    u"Kg",
+    u"Km",
+    u"KB",
+    u"KiB",
+    u"KHz",
+    u"KW",
+    u"KWh",
 };
 
 // In any case, with or without the "s" of a plural.
@@ -60,9 +129,13 @@ constexpr View kNoUnit[] = {u"",     u"-",    u"--",   u"\u2013",   u"\u2014",
                             u"n/a",  u"N/A",  u"n.a.", u"none",     u"None",
                             u"text", u"Text", u"name", u"unitless", u"dimensionless"};
 
-constexpr View kTimePatterns[] = {u"utc", u"gmt", u"local", u"local time", u"iso 8601", u"iso8601"};
+constexpr View kTimePatterns[] = {u"utc",      u"gmt",     u"local", u"local time",
+                                  u"iso 8601", u"iso8601", u"yyyy"};
 
+constexpr View kPatternLetters = u"ymdhsazt";
+constexpr View kPatternSeparators = u" -/.:,_'";
 constexpr View kFactorSeparators = u"/*. \u00B7\u22C5()";
+constexpr View kPer = u"per";
 constexpr View kDigits = u"0123456789";
 constexpr View kExponentMarks = u"^+-\u2212";
 constexpr View kSuperscripts =
@@ -93,6 +166,11 @@ View without_brackets(View text) {
   return is_enclosed ? text.substr(1, text.size() - 2) : text;
 }
 
+View trimmed(View text) {
+  const std::size_t begin = std::min(text.find_first_not_of(u' '), text.size());
+  return text.substr(begin, text.find_last_not_of(u' ') + 1 - begin);
+}
+
 bool is_word_for_unit(View text) {
   std::u16string word = lower_case(text);
   if (is_one_of(kWords, word)) return true;
@@ -120,7 +198,8 @@ bool is_symbol(View text) {
          is_word_for_unit(text) || is_currency_code(text);
 }
 
-// "m2", "m^-2", "s-1" and "m" with a raised 2 without what makes them powers.
+// "m2", "m^-2", "s-1" and "m" with a raised 2 without what makes them powers. "A12" and "W1" are
+// labels: an exponent has one digit, and one without a mark is 2, 3 or 4.
 View without_exponent(View text) {
   const auto cut_behind = [text](View set) {
     return text.substr(0, text.find_last_not_of(set) + 1);
@@ -129,12 +208,15 @@ View without_exponent(View text) {
     return cut_behind(kSuperscripts);
   }
   if (text.empty() || kDigits.find(text.back()) == View::npos) return text;
-  const View base = cut_behind(kDigits);
-  return base.substr(0, base.find_last_not_of(kExponentMarks) + 1);
+  const View marked = text.substr(0, text.size() - 1);
+  const View base = marked.substr(0, marked.find_last_not_of(kExponentMarks) + 1);
+  const bool has_mark = base.size() < marked.size();
+  const bool is_small_power = text.back() >= u'2' && text.back() <= u'4';
+  return has_mark || is_small_power ? base : text;
 }
 
 bool is_factor(View text) {
-  return is_symbol(text) || text == u"per" || is_symbol(without_exponent(text));
+  return is_symbol(text) || text == kPer || is_symbol(without_exponent(text));
 }
 
 // A unit in the brackets, or any word there: whoever writes "[count rate]" means a unit.
@@ -151,10 +233,42 @@ bool is_product_of_symbols(View text) {
     const std::size_t length = std::min(text.find_first_of(kFactorSeparators), text.size());
     const View factor = text.substr(0, length);
     if (!factor.empty() && !is_factor(factor)) return false;
-    has_factor = has_factor || !factor.empty();
+    has_factor = has_factor || (!factor.empty() && factor != kPer);
     text.remove_prefix(std::min(length + 1, text.size()));
   }
   return has_factor;
+}
+
+bool is_pattern_letter(char16_t unit) { return kPatternLetters.find(unit) != View::npos; }
+
+// A letter beside others of the pattern makes a word of them ("mass", "add"), but for the "T"
+// between a date and a time and the "Z" behind them.
+bool is_run_of_pattern(View pattern, std::size_t begin, std::size_t end) {
+  const bool has_left = begin > 0 && is_pattern_letter(pattern[begin - 1]);
+  const bool has_right = end < pattern.size() && is_pattern_letter(pattern[end]);
+  const bool stands_free = !has_left && !has_right;
+  const bool is_time_mark = pattern[begin] == u't' && has_left && has_right;
+  const bool is_zone_mark = pattern[begin] == u'z' && has_left && !has_right;
+  return end - begin > 1 || stands_free || is_time_mark || is_zone_mark;
+}
+
+// Two or more runs of one letter each, one of them at least of two: "yyyy-mm-dd", "h:mm". One run
+// alone is a unit or a word.
+bool is_pattern_of_runs(View pattern) {
+  std::size_t runs = 0;
+  std::size_t longest = 0;
+  for (std::size_t i = 0; i < pattern.size();) {
+    const std::size_t end = std::min(pattern.find_first_not_of(pattern[i], i), pattern.size());
+    if (is_pattern_letter(pattern[i])) {
+      if (!is_run_of_pattern(pattern, i, end)) return false;
+      ++runs;
+      longest = std::max(longest, end - i);
+    } else if (kPatternSeparators.find(pattern[i]) == View::npos) {
+      return false;
+    }
+    i = end;
+  }
+  return runs >= 2 && longest >= 2 && longest <= 4;
 }
 
 }  // namespace
@@ -164,31 +278,14 @@ bool is_unit(View text) {
   return is_product_of_symbols(without_brackets(text)) || is_bracketed_remark(text);
 }
 
-// Runs of one letter each, of at least two letters: "yyyy-mm-dd", "HH:MM". One run alone is a unit
-// or a word.
 bool is_time_pattern(View text) {
-  constexpr View kLetters = u"ymdhsazt";
-  constexpr View kSeparators = u" -/.:,_'";
   const std::u16string pattern = lower_case(without_brackets(text));
   if (is_one_of(kTimePatterns, pattern)) return true;
-  if (pattern.size() > kLongestUnit) return false;
-  std::size_t runs = 0;
-  std::size_t longest = 0;
-  for (std::size_t i = 0; i < pattern.size();) {
-    const std::size_t end = std::min(pattern.find_first_not_of(pattern[i], i), pattern.size());
-    if (kLetters.find(pattern[i]) != View::npos) {
-      ++runs;
-      longest = std::max(longest, end - i);
-    } else if (kSeparators.find(pattern[i]) == View::npos) {
-      return false;
-    }
-    i = end;
-  }
-  return runs >= 2 && longest >= 2 && longest <= 4;
+  return pattern.size() <= kLongestUnit && is_pattern_of_runs(pattern);
 }
 
 bool is_no_unit(View text) {
-  return is_one_of(kNoUnit, text) || is_one_of(kNoUnit, without_brackets(text));
+  return is_one_of(kNoUnit, text) || is_one_of(kNoUnit, trimmed(without_brackets(text)));
 }
 
 }  // namespace textio::standalone

@@ -86,13 +86,18 @@ struct Verdict {
   std::string reason;
 };
 
+std::string counted(std::size_t count, const char* thing) {
+  return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
+}
+
 // Why line `number` of the text, the first after the header, is no line of names.
 Verdict why_not(const NamesCandidate& line, const std::vector<DatatypeCode>& columns,
                 std::size_t number, bool is_last) {
   const bool has_typed_column = std::any_of(columns.begin(), columns.end(), is_typed);
   if (!line.fits()) {
-    return {NamesFound::none, fmt::format("line {} has {} fields for {} variables", number,
-                                          line.num_fields(), columns.size())};
+    return {NamesFound::none,
+            fmt::format("line {} has {} for {}", number, counted(line.num_fields(), "field"),
+                        counted(columns.size(), "variable"))};
   }
   if (line.has_empty_field()) {
     return {NamesFound::none, fmt::format("line {} leaves a field empty", number)};
@@ -118,12 +123,20 @@ Verdict why_not(const NamesCandidate& line, const std::vector<DatatypeCode>& col
   return {NamesFound::none, fmt::format("line {} reads like the lines below it", number)};
 }
 
+// Blank lines between the header and the names are passed over.
+std::size_t first_behind_header(const SampledTable& table) {
+  std::size_t index = table.header_lines();
+  while (index < table.size() && table.field_count(index) == 0) ++index;
+  return index;
+}
+
 }  // namespace
 
 VariableNames find_variable_names(const SampledTable& table) {
-  const std::size_t behind = table.header_lines();
-  const std::size_t last = behind > 0 ? behind - 1 : kNoLine;
-  const std::size_t above = behind > 1 ? behind - 2 : kNoLine;
+  const std::size_t header = table.header_lines();
+  const std::size_t last = header > 0 ? header - 1 : kNoLine;
+  const std::size_t above = header > 1 ? header - 2 : kNoLine;
+  const std::size_t behind = first_behind_header(table);
   const std::size_t below = behind < table.size() ? behind + 1 : kNoLine;
   const NamesCandidate last_line(table, last);
   const NamesCandidate line_above(table, above);
@@ -137,15 +150,21 @@ VariableNames find_variable_names(const SampledTable& table) {
     return first ? first : second;
   };
 
+  // Names may be spelled like units ("t,A"). Of two neighbours that are, the upper holds the names.
+  const bool has_names_below_header =
+      last_line.reads_as_units() && line_behind.reads_as_names() && !line_behind.reads_as_units();
+  const bool has_names_below_units =
+      line_behind.reads_as_units() && line_below.reads_as_names() && !line_below.reads_as_units();
+
   if (last_line.reads_as_units() && line_above.names_every_variable()) {
     return {NamesFound::last_header_line, "the last header line but the units names every variable",
             above, last};
   }
-  if (last_line.names_every_variable()) {
+  if (last_line.names_every_variable() && !has_names_below_header) {
     return {NamesFound::last_header_line, "the last header line names every variable", last,
             either(units_of(line_above, above), units_of(line_behind, behind))};
   }
-  if (line_behind.reads_as_units() && line_below.reads_as_names()) {
+  if (has_names_below_units) {
     return {NamesFound::line_after_header, "texts stand above values, below the units", below,
             behind};
   }
