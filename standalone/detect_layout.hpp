@@ -56,8 +56,8 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
 // option that is refused.
 VLTEXTSTREAM_EXPORT DetectSettings settings_with(const std::vector<NameValue>& options);
 
-// A file that cannot be read; what() names the file and the reason: that of the operating system, or
-// what is wrong with compressed data.
+// A file that cannot be read; what() names the file and the reason: that of the operating system,
+// or what is wrong with compressed data.
 class VLTEXTSTREAM_EXPORT FileError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

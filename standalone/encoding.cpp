@@ -1,6 +1,19 @@
+// From proof to guess: the first of these that says something is the answer. A byte-order mark;
+// plain ASCII, unless its escape sequences or control characters say more; UTF-16 or UTF-32 where
+// bytes call for it; well-formed UTF-8; the statistics. A text in ASCII or UTF-8 is passed over
+// once.
 #include "standalone/encoding.hpp"
 
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+
 #include <unicode/utf8.h>
+
+#include "standalone/encoding_statistics.hpp"
+#include "standalone/escape_sequences.hpp"
+#include "standalone/unmarked_unicode.hpp"
 
 namespace textio::standalone {
 namespace {
@@ -17,10 +30,24 @@ constexpr Mark kMarks[] = {
     {"\xFF\xFE"sv, "UTF-16LE"},  {"\xFE\xFF"sv, "UTF-16BE"},
 };
 
+constexpr std::size_t kLookedAt = 65'536;  // bytes
+
+// Where the first byte above 127 stands at or behind `pos`; the size if there is none.
+std::size_t end_of_ascii(std::string_view bytes, std::size_t pos) {
+  constexpr std::uint64_t kTopBits = 0x8080808080808080;
+  for (; pos + sizeof(std::uint64_t) <= bytes.size(); pos += sizeof(std::uint64_t)) {
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, bytes.data() + pos, sizeof eight);
+    if ((eight & kTopBits) != 0) break;
+  }
+  while (pos < bytes.size() && static_cast<unsigned char>(bytes[pos]) < 0x80) ++pos;
+  return pos;
+}
+
 // Whether `bytes` are well-formed.
 bool is_utf8(std::string_view bytes, bool is_whole) {
   const auto* const units = reinterpret_cast<const unsigned char*>(bytes.data());
-  for (std::size_t i = 0; i < bytes.size();) {
+  for (std::size_t i = end_of_ascii(bytes, 0); i < bytes.size(); i = end_of_ascii(bytes, i)) {
     const std::size_t begin = i;
     UChar32 c = 0;
     U8_NEXT(units, i, bytes.size(), c);
@@ -31,16 +58,57 @@ bool is_utf8(std::string_view bytes, bool is_whole) {
   return true;
 }
 
+std::optional<FoundEncoding> by_mark(std::string_view bytes) {
+  for (const Mark& mark : kMarks) {
+    if (bytes.substr(0, mark.bytes.size()) == mark.bytes) {
+      return FoundEncoding{mark.encoding, EncodingFound::byte_order_mark, 1.0};
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<FoundEncoding> by_escapes(std::string_view bytes, bool is_whole) {
+  if (end_of_ascii(bytes, 0) != bytes.size()) return std::nullopt;
+  const char* const encoding = find_escaped_encoding(bytes, is_whole);
+  if (encoding == nullptr) return std::nullopt;
+  return FoundEncoding{encoding, EncodingFound::escape_sequences, 1.0};
+}
+
+FoundEncoding as_found(const UnmarkedUnicode& unicode, std::string_view bytes) {
+  const bool has_zeros = bytes.find('\0') != std::string_view::npos;
+  return {unicode.encoding, has_zeros ? EncodingFound::zero_bytes : EncodingFound::statistics,
+          1.0 - std::exp(-unicode.gain)};
+}
+
+FoundEncoding as_found(const StatisticalGuess& guess) {
+  return {guess.encoding, guess.has_ground ? EncodingFound::statistics : EncodingFound::fallback,
+          guess.confidence};
+}
+
+// Well-formed UTF-8 needs a reason to be taken for something else.
+FoundEncoding of_valid_utf8(std::string_view bytes, bool is_whole) {
+  if (may_be_unmarked_unicode(bytes)) {
+    if (const auto unicode = find_unmarked_unicode(bytes, is_whole)) {
+      return as_found(*unicode, bytes);
+    }
+  }
+  return {"UTF-8", EncodingFound::valid_utf8, 1.0};
+}
+
+FoundEncoding by_statistics(std::string_view bytes, bool is_whole) {
+  const auto unicode = find_unmarked_unicode(bytes, is_whole);
+  const StatisticalGuess guess = guess_encoding(bytes, is_whole);
+  return unicode && unicode->gain > guess.gain ? as_found(*unicode, bytes) : as_found(guess);
+}
+
 }  // namespace
 
 FoundEncoding find_encoding(std::string_view bytes, bool is_whole) {
-  for (const Mark& mark : kMarks) {
-    if (bytes.substr(0, mark.bytes.size()) == mark.bytes) {
-      return {mark.encoding, EncodingFound::byte_order_mark, 1.0};
-    }
-  }
-  if (is_utf8(bytes, is_whole)) return {"UTF-8", EncodingFound::valid_utf8, 1.0};
-  return {"windows-1252", EncodingFound::fallback, 0.0};
+  if (bytes.size() > kLookedAt) return find_encoding(bytes.substr(0, kLookedAt), false);
+  if (const auto found = by_mark(bytes)) return *found;
+  if (const auto found = by_escapes(bytes, is_whole)) return *found;
+  if (is_utf8(bytes, is_whole)) return of_valid_utf8(bytes, is_whole);
+  return by_statistics(bytes, is_whole);
 }
 
 }  // namespace textio::standalone

@@ -20,11 +20,36 @@ namespace {
 // As much of a file as is looked at for its encoding.
 constexpr std::size_t kHeadBytes = 65'536;
 
-std::string read_bytes(std::FILE* file) {
-  std::string bytes(kHeadBytes, '\0');
-  bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
-  return bytes;
+FileError read_error_of(const std::string& path, int error) {
+  return FileError(fmt::format("cannot read '{}': {}", path, read_problem(error)));
 }
+
+// A file that is read for its encoding before it is read for its text. What fails here must not be
+// forgotten: the second reading may not fail, and would give another text.
+class Preview {
+ public:
+  Preview(std::FILE* file, const std::string& path) : file_(file), path_(path) {}
+
+  // The next 64 KB; fewer at the end.
+  std::string read() {
+    std::string bytes(kHeadBytes, '\0');
+    errno = 0;
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file_));
+    if (std::ferror(file_) != 0) throw read_error_of(path_, errno != 0 ? errno : EIO);
+    return bytes;
+  }
+
+  bool is_at_end() const { return std::feof(file_) != 0; }
+
+  void go_back() {
+    errno = 0;
+    if (::fseeko64(file_, 0, SEEK_SET) != 0) throw read_error_of(path_, errno);
+  }
+
+ private:
+  std::FILE* file_;
+  const std::string& path_;
+};
 
 std::size_t count_of_ascii(std::string_view bytes) {
   const auto first_other =
@@ -32,32 +57,33 @@ std::size_t count_of_ascii(std::string_view bytes) {
   return static_cast<std::size_t>(first_other - bytes.begin());
 }
 
-// An input that cannot be read twice is taken for UTF-8. What was a read error here is one again
-// when the text is read.
-FoundEncoding look_for_encoding(std::FILE* file) {
+// An input that cannot be read twice is taken for UTF-8.
+FoundEncoding look_for_encoding(std::FILE* file, const std::string& path) {
   if (std::ftell(file) != 0) return {"UTF-8", EncodingFound::fallback, 0.0};
-  const std::string head = read_bytes(file);
-  std::rewind(file);
+  Preview preview(file, path);
+  const std::string head = preview.read();
+  preview.go_back();
   return find_encoding(head, head.size() < kHeadBytes);
 }
 
-FoundEncoding encoding_of(std::FILE* file, const DetectSettings& settings) {
+FoundEncoding encoding_of(std::FILE* file, const std::string& path,
+                          const DetectSettings& settings) {
   if (settings.encoding) return {*settings.encoding, EncodingFound::given, 1.0};
   const std::u16string& of_record = settings.options.encoding;
   if (of_record != u"UTF-8") return {to_utf8(of_record), EncodingFound::given, 1.0};
-  return look_for_encoding(file);
+  return look_for_encoding(file, path);
 }
 
 // What the bytes from the first one above 127 on are read best as; UTF-8 when there are none, or
 // when they begin before the end of the head and were seen before.
-FoundEncoding encoding_behind_ascii(std::FILE* file) {
+FoundEncoding encoding_behind_ascii(Preview& preview) {
   bool is_head = true;
-  for (std::string bytes = read_bytes(file); !bytes.empty(); bytes = read_bytes(file)) {
+  for (std::string bytes = preview.read(); !bytes.empty(); bytes = preview.read()) {
     const std::size_t ascii = count_of_ascii(bytes);
     if (ascii < bytes.size() && !is_head) {
       const std::string region =
-          bytes.substr(ascii - std::min<std::size_t>(ascii, 1)) + read_bytes(file);
-      return find_encoding(region, std::feof(file) != 0);
+          bytes.substr(ascii - std::min<std::size_t>(ascii, 1)) + preview.read();
+      return find_encoding(region, preview.is_at_end());
     }
     if (ascii < bytes.size()) break;
     is_head = false;
@@ -72,7 +98,7 @@ InputText::InputText(const std::string& path, const DetectSettings& settings)
   errno = 0;
   File file(open_file(from_utf8(path), "rb"));
   if (!file) throw FileError(fmt::format("cannot open '{}': {}", path, read_problem(errno)));
-  encoding_ = encoding_of(file.get(), settings);
+  encoding_ = encoding_of(file.get(), path_, settings);
   decode(std::move(file));
   if (encoding_.found == EncodingFound::valid_utf8 && ill_formed_parts_ > 0) look_behind_the_head();
 }
@@ -84,17 +110,18 @@ void InputText::decode(File file) {
   stream_ = std::make_unique<TextStream>(source_.get());
   sample_ = get_fixed_stream(*stream_, settings_.options.line_endings);
   ill_formed_parts_ = source_->converter()->ill_formed_parts();
-  if (const int error = source_->read_error(); error != 0) {
-    throw FileError(fmt::format("cannot read '{}': {}", path_, read_problem(error)));
-  }
+  if (const int error = source_->read_error(); error != 0) throw read_error_of(path_, error);
 }
 
 // Ill-formed parts in a text whose head was well-formed.
 void InputText::look_behind_the_head() {
+  if (source_->getPos() < 0) return;
   File file(source_->release());
-  if (::fseeko64(file.get(), 0, SEEK_SET) != 0) return;
-  const FoundEncoding found = encoding_behind_ascii(file.get());
-  if (found.name == encoding_.name || ::fseeko64(file.get(), 0, SEEK_SET) != 0) return;
+  Preview preview(file.get(), path_);
+  preview.go_back();
+  const FoundEncoding found = encoding_behind_ascii(preview);
+  if (found.name == encoding_.name) return;
+  preview.go_back();
   encoding_ = found;
   decode(std::move(file));
 }

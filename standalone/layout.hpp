@@ -99,7 +99,7 @@ struct VLTEXTSTREAM_EXPORT Layout {
   std::vector<DatatypeCode> classes;
 
   // How sure the encoding is: 1 when it was given, marked or proved, 0 when it is a guess without a
-  // ground, between them for what statistics say.
+  // ground, between them how likely it reads the text right; docs/encodings.md has measured that.
   std::string encoding;
   EncodingFound encoding_found = EncodingFound::none;
   double encoding_confidence = 0.0;

@@ -127,7 +127,8 @@ std::string encoding(const Layout& layout) {
   std::string out = fmt::format("{} ({}", tool::printable(std::string_view(layout.encoding)),
                                 name_of(layout.encoding_found));
   if (layout.encoding_confidence < 1.0) {
-    fmt::format_to(Out(out), ", {:.0f} % sure", layout.encoding_confidence * 100);
+    // Rounded down: 100 % would be a proof.
+    fmt::format_to(Out(out), ", {} % sure", static_cast<int>(layout.encoding_confidence * 100));
   }
   out += ")";
   if (layout.ill_formed_parts > 0) {

@@ -750,7 +750,7 @@ TEST(GivenEncoding, OfTheRecordIsTakenUnlessItIsTheDefault) {
   const TempFolder folder;
   const std::string path = folder.file("t", "caf\xE9,2\nth\xE9,4\n");
   DetectSettings settings;
-  EXPECT_EQ(detect_layout(path, settings).encoding_found, EncodingFound::fallback);
+  EXPECT_EQ(detect_layout(path, settings).encoding_found, EncodingFound::statistics);
   settings.options.encoding = u"ISO-8859-1";
   EXPECT_EQ(detect_layout(path, settings).encoding_found, EncodingFound::given);
   EXPECT_EQ(detect_layout(path, settings).encoding, "ISO-8859-1");
