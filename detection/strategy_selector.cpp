@@ -3,6 +3,7 @@
 #include "detection/strategy_selector.hpp"
 
 #include <numeric>
+#include <utility>
 
 #include "detection/candidates.hpp"
 #include "strategy/delimited_strategy.hpp"
@@ -66,7 +67,18 @@ StrategySelector::StrategySelector(const parser::options& options)
 
 StrategySelector::~StrategySelector() = default;
 StrategySelector::StrategySelector(const StrategySelector&) = default;
-StrategySelector& StrategySelector::operator=(const StrategySelector&) = default;
+
+// What can fail comes first, so that a selector which cannot be assigned to stays as it is.
+StrategySelector& StrategySelector::operator=(const StrategySelector& other) {
+  if (this == &other) return *this;
+  std::vector<std::u16string> delimiters = other.delimiters_;
+  options_ = other.options_;
+  delimiters_ = std::move(delimiters);
+  header_lines_ = other.header_lines_;
+  detect_delimiters_ = other.detect_delimiters_;
+  detect_header_lines_ = other.detect_header_lines_;
+  return *this;
+}
 
 std::shared_ptr<Strategy> StrategySelector::pick_strategy(const Field& text,
                                                           unsigned long num_lines) const {

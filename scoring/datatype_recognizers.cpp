@@ -151,6 +151,12 @@ bool is_duration(const Field& field) {
 void unquote(MutableField& field, const std::u16string& whitespace) {
   const std::size_t open = find_first_not_of(field, 0, whitespace);
   if (open >= field.length || field.data[open] != u'"') return;
+
+  // The copy that can fail comes first: a field that cannot be copied stays as it is.
+  const std::size_t close = view_of(field).find(u'"', open + 1);
+  const bool closes_inside = close != View::npos && close + 1 < field.length;
+  if (open > 0 || closes_inside) field.own_storage();
+
   if (open == 0) {
     ++field.data;
   } else {
@@ -159,11 +165,10 @@ void unquote(MutableField& field, const std::u16string& whitespace) {
   }
   --field.length;
 
-  const std::size_t close = view_of(field).find(u'"', open);
-  if (close == View::npos || close + 1 == field.length) {
-    if (field.length > 0) --field.length;
-  } else {
-    drop_closing_quote(field, close);
+  if (closes_inside) {
+    drop_closing_quote(field, close - 1);
+  } else if (field.length > 0) {
+    --field.length;
   }
 }
 

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "scoring/header_lines.hpp"
 #include "scoring/line_statistics.hpp"
+#include "strategy/cut_rollback.hpp"
 #include "strategy/strategy.hpp"
 
 namespace textio {
@@ -36,32 +38,34 @@ std::vector<std::size_t> indexes_of_zeros(const std::vector<std::size_t>& counts
 
 const StrategyValuation& Strategy::valuation() {
   if (valuation_done_) return valuation_;
+  CutRollback rollback(*this);
   const FieldArray fields = get_fields_from_lines();
+  std::vector<std::size_t> line_counts = counts_per_line(fields.counts, lines_.size());
   const StrategyValuation valuation_before = valuation_;
   const std::size_t header_lines_before = header_lines_;
   try {
-    value_cut(fields);
+    value_cut(fields, line_counts);
   } catch (...) {
     valuation_ = valuation_before;
     header_lines_ = header_lines_before;
     throw;
   }
+  rollback.dismiss();
+  field_counts_ = std::move(line_counts);
   valuation_done_ = true;
   return valuation_;
 }
 
-void Strategy::value_cut(const FieldArray& fields) {
+void Strategy::value_cut(const FieldArray& fields, const std::vector<std::size_t>& line_counts) {
   const std::size_t n = lines_.size();
   valuation_.num_lines = n;
-  field_counts_ = counts_per_line(fields.counts, n);
-  const std::vector<std::size_t>& counts = field_counts_;
 
   // The first line that may hold data: a header line has one field, a data line more.
   std::size_t first = 0;
   if (header_lines_auto_) {
-    const auto found =
-        std::find_if(counts.begin(), counts.end(), [](std::size_t count) { return count != 1; });
-    first = static_cast<std::size_t>(found - counts.begin());
+    const auto found = std::find_if(line_counts.begin(), line_counts.end(),
+                                    [](std::size_t count) { return count != 1; });
+    first = static_cast<std::size_t>(found - line_counts.begin());
     if (first == n) {
       header_lines_ = 0;
       return;
@@ -70,9 +74,9 @@ void Strategy::value_cut(const FieldArray& fields) {
     return;
   }
 
-  valuation_.modal_field_count = static_cast<std::int32_t>(get_modified_median(counts, first));
+  valuation_.modal_field_count = static_cast<std::int32_t>(get_modified_median(line_counts, first));
   if (valuation_.modal_field_count >= 2) {
-    settle_header_lines(counts, get_abs_diffs(counts), first);
+    settle_header_lines(line_counts, get_abs_diffs(line_counts), first);
   } else if (header_lines_auto_) {
     header_lines_ = first;
   }

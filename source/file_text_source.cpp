@@ -58,29 +58,76 @@ struct FileTextSource::FileState {
 
   // Looks at the next byte; the position of the file does not change.
   bool at_end() {
+    if (is_cut_off) return true;
     const int byte = std::fgetc(file.get());
-    note_read_error();
-    if (byte == EOF) return true;
+    if (byte == EOF) {
+      note_read_error();
+      return true;
+    }
     std::ungetc(byte, file.get());
     return false;
   }
 
   std::size_t read(char* bytes, std::size_t count) {
     const std::size_t got = std::fread(bytes, 1, count, file.get());
-    note_read_error();
+    if (got < count) note_read_error();
     return got;
   }
 
-  // Right after a read, while errno is still its own.
+  // Right after a read that came short, while errno is still its own.
   void note_read_error() {
-    if (read_error == 0 && std::ferror(file.get()) != 0) read_error = errno != 0 ? errno : EIO;
+    if (std::ferror(file.get()) != 0) cut_off(errno);
+  }
+
+  // The text ends where the file stands: what a device delivers after an error need not follow what
+  // it delivered before.
+  void cut_off(int error) {
+    if (read_error == 0) read_error = error != 0 ? error : EIO;
+    is_cut_off = true;
+  }
+
+  source_pos position() { return ::ftello64(file.get()); }
+
+  // Starts again at `pos`; when the file cannot get there the text has ended.
+  bool go_to(source_pos pos) {
+    converter.reset(pos == 0);
+    if (::fseeko64(file.get(), pos, SEEK_SET) != 0) {
+      cut_off(errno);
+      return false;
+    }
+    std::clearerr(file.get());
+    is_cut_off = false;
+    return true;
+  }
+
+  // What `step` returns; when it throws, the file is put back to where it stood. Of an input that
+  // cannot go back, the bytes are lost, so its text has ended.
+  template <typename Step>
+  auto or_go_back(Step step) {
+    const source_pos before = position();
+    try {
+      return step();
+    } catch (...) {
+      go_back_to(before);
+      throw;
+    }
+  }
+
+  void go_back_to(source_pos before) {
+    try {
+      go_to(before);
+    } catch (...) {
+      cut_off(EIO);
+    }
   }
 
   std::size_t decode(char16_t* begin, char16_t* end);
+  unsigned long skip(unsigned long count);
 
   File file;
   StreamCodeConverter converter;
   int read_error = 0;
+  bool is_cut_off = false;
 };
 
 // Fills [begin, end) as far as the text reaches; returns the number of units written. At the end
@@ -95,10 +142,24 @@ std::size_t FileTextSource::FileState::decode(char16_t* begin, char16_t* end) {
     char16_t* const first = cursor;
     const char* in = chunk;
     if (converter.convert(cursor, end, in, chunk + got, got < ask)) converter.reset(false);
+    const bool has_delivered = cursor != first;  // a low surrogate alone folds to nothing
     cursor = fold_surrogate_pairs(first, cursor);
-    if (got == 0 && cursor == first) break;
+    if (got == 0 && !has_delivered) break;
   }
   return static_cast<std::size_t>(cursor - begin);
+}
+
+// Decodes `count` units and forgets them; returns how many there were.
+unsigned long FileTextSource::FileState::skip(unsigned long count) {
+  char16_t scratch[kScratchUnits];
+  unsigned long skipped = 0;
+  while (skipped < count) {
+    const std::size_t ask = std::min<std::size_t>(count - skipped, kScratchUnits);
+    const std::size_t passed = decode(scratch, scratch + ask);
+    if (passed == 0) break;
+    skipped += passed;
+  }
+  return skipped;
 }
 
 FileTextSource::FileTextSource() = default;
@@ -112,11 +173,13 @@ void FileTextSource::init_stream(const std::u16string& path, const std::string& 
 void FileTextSource::init_stream(std::FILE* file, const std::string& encoding) {
   auto opened = std::make_unique<FileState>(File(file), encoding);
   if (!opened->file) throw std::runtime_error("File not found");
+  std::clearerr(opened->file.get());  // what failed before is no failure of this text
   file_state = std::move(opened);
 }
 
 std::size_t FileTextSource::fillBuffer(char16_t* begin, char16_t* end) {
-  return file_state ? file_state->decode(begin, end) : 0;
+  if (!file_state) return 0;
+  return file_state->or_go_back([&] { return file_state->decode(begin, end); });
 }
 
 bool FileTextSource::isEoS() const {
@@ -125,9 +188,7 @@ bool FileTextSource::isEoS() const {
 
 BufferManager* FileTextSource::getBufferManager() { return &buffer_manager_; }
 
-source_pos FileTextSource::getPos() const {
-  return file_state ? ::ftello64(file_state->file.get()) : 0;
-}
+source_pos FileTextSource::getPos() const { return file_state ? file_state->position() : 0; }
 
 int FileTextSource::read_error() const { return file_state ? file_state->read_error : 0; }
 
@@ -144,19 +205,10 @@ const StreamCodeConverter* FileTextSource::converter() const {
 // also the only place that an input which cannot seek, such as a pipe, knows (it calls it -1).
 unsigned long FileTextSource::skipFromPos(source_pos pos, unsigned long count) {
   if (!file_state) return 0;
-  if (pos != getPos()) {
-    file_state->converter.reset(pos == 0);
-    if (::fseeko64(file_state->file.get(), pos, SEEK_SET) != 0) return 0;
-  }
-  char16_t scratch[kScratchUnits];
-  unsigned long skipped = 0;
-  while (skipped < count) {
-    const std::size_t ask = std::min<std::size_t>(count - skipped, kScratchUnits);
-    const std::size_t passed = file_state->decode(scratch, scratch + ask);
-    if (passed == 0) break;
-    skipped += passed;
-  }
-  return skipped;
+  return file_state->or_go_back([&] {
+    if (pos != getPos() && !file_state->go_to(pos)) return 0UL;
+    return file_state->skip(count);
+  });
 }
 
 }  // namespace textio

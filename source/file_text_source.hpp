@@ -10,7 +10,9 @@
 //
 // Units      a source_pos is a byte offset in the file; everything else counts code units.
 // Ownership  owns the file and the converter; closes the file when destroyed.
-// Errors     see init_stream. A read that fails looks like the end of the file; read_error tells.
+// Errors     see init_stream. A read or a seek that fails looks like the end of the file, until a
+//            skip leads elsewhere; read_error tells. What the converter throws passes through; the
+//            source goes back to where it was, or has ended when its file cannot go back.
 // Cost       no heap allocation per fill; the file is read in chunks of at most 65,535 bytes.
 #pragma once
 
@@ -59,8 +61,8 @@ class VLTEXTSTREAM_EXPORT FileTextSource : public TextSource {
   unsigned long skipFromPos(source_pos pos, unsigned long count) override;
   ~FileTextSource() override;
 
-  // The errno of the first read that failed since the file was opened, 0 if none did; the text ends
-  // there.
+  // The errno of the first read or seek that failed since the file was opened, 0 if none did; the
+  // text ends there.
   int read_error() const;
 
   // Gives the open stream back, wherever reading has come to, null if there is none. The source is

@@ -27,7 +27,7 @@ char16_t fold_ascii(char16_t unit) {
 
 // Keeps a copy of the text ahead of the window while a refill overwrites it, and puts it back, and
 // the source with it, when the refill throws. When even that fails, the stream reads as ended
-// rather than as zeros.
+// rather than as zeros or as text with a gap.
 class TextStream::Rollback {
  public:
   explicit Rollback(TextStream& stream)
@@ -52,14 +52,14 @@ class TextStream::Rollback {
 
  private:
   void restore() {
-    if (stream_.source->getPos() != source_pos_) stream_.source->skipFromPos(source_pos_, 0);
+    const bool source_is_back = stream_.take_source_back(source_pos_);
     stream_.window_start = stream_.buffer_begin;
     BufferManager& storage = *stream_.buffer_manager;
     if (distance(storage.begin(), storage.end()) < saved_.size()) {
       stream_.resizeInternalBuffer(saved_.size());
     }
     stream_.data_end = std::copy(saved_.begin(), saved_.end(), stream_.buffer_begin);
-    stream_.eos = eos_;
+    stream_.eos = eos_ || !source_is_back;
   }
 
   TextStream& stream_;
@@ -94,15 +94,31 @@ bool TextStream::look_ahead(unsigned long units) const {
   const std::size_t valid = distance(buffer_begin, data_end);
   const std::size_t steps = units - units % kBufferUnits;
   if (steps > kNoPosition - valid - kBufferUnits) return false;
+  const source_pos before = source->getPos();
   resizeInternalBuffer(steps + valid + kBufferUnits);
   char16_t* const text_end = buffer_begin + valid;
   const std::size_t room = distance(text_end, data_end);
   char16_t* const storage_end = data_end;
   data_end = text_end;  // holds if the fill throws: the new units of the storage are no text
-  const std::size_t loaded = source->fillBuffer(text_end, storage_end);
-  eos = loaded < room;
-  data_end = text_end + loaded;
+  try {
+    const std::size_t loaded = source->fillBuffer(text_end, storage_end);
+    eos = loaded < room;
+    data_end = text_end + loaded;
+  } catch (...) {
+    if (!take_source_back(before)) eos = true;
+    throw;
+  }
   return distance(window_start, data_end) >= units;
+}
+
+// After a call that threw: whether the source is where it was before.
+bool TextStream::take_source_back(source_pos pos) const {
+  try {
+    if (source->getPos() != pos) source->skipFromPos(pos, 0);
+    return source->getPos() == pos;
+  } catch (...) {
+    return false;
+  }
 }
 
 char16_t TextStream::at(unsigned long pos) const {

@@ -12,7 +12,8 @@
 // Ownership  does not own the source, which must outlive the stream. Pointers into the text are
 //            valid until the next call that loads text or advances.
 // Errors     none of its own; what the source or the allocation throws (a position that no memory
-//            could hold included) passes through and leaves the stream as it was before the call.
+//            could hold included) passes through and leaves the stream as it was before the call,
+//            or as ended behind what is loaded when the source cannot go back.
 // Cost       loads in blocks of at least 131,072 units; a search or match copies nothing. When
 //            advance loads a block, it first copies the loaded text from the old window on, to put
 //            it back should the load fail.
@@ -85,6 +86,7 @@ class VLTEXTSTREAM_EXPORT TextStream {
   class VLTEXTSTREAM_LOCAL Rollback;
 
   VLTEXTSTREAM_LOCAL bool look_ahead(unsigned long units) const;
+  VLTEXTSTREAM_LOCAL bool take_source_back(source_pos pos) const;
   VLTEXTSTREAM_LOCAL bool matches(const std::u16string& s, unsigned long pos,
                                   char16_t (*fold)(char16_t)) const;
   VLTEXTSTREAM_LOCAL void skip_loaded_text(unsigned long beyond);

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
+#include "strategy/cut_rollback.hpp"
 #include "strategy/line_cleaning.hpp"
 #include "strategy/scan.hpp"
 
@@ -52,10 +54,14 @@ Strategy::~Strategy() = default;
 
 void Strategy::reset_fields() {}
 
+// The copies that can fail come first.
 void Strategy::reset_whitespace(const std::u16string& whitespace) {
-  text_format_.whitespace = whitespace;
-  quoted_format_.whitespace = whitespace;
-  number_format_.whitespace = whitespace;
+  std::u16string of_text = whitespace;
+  std::u16string of_quoted = whitespace;
+  std::u16string of_number = whitespace;
+  text_format_.whitespace = std::move(of_text);
+  quoted_format_.whitespace = std::move(of_quoted);
+  number_format_.whitespace = std::move(of_number);
 }
 
 void Strategy::header_lines(unsigned long n) {
@@ -67,12 +73,12 @@ long Strategy::num_variables() const {
   return valuation_done_ ? static_cast<long>(valuation_.num_variables) : -1;
 }
 
+// The sample before is kept until the new one is there, and its copy.
 std::vector<Field> Strategy::populate_fields(const Field& text, unsigned long num_lines) {
-  text_ = text;
-  lines_.clear();
+  std::vector<Field> lines;
   const std::size_t target =
       header_lines_auto_ ? num_lines : saturating_add(num_lines, header_lines_);
-  lines_.reserve(std::min(target, saturating_add(text.length, 1)));
+  lines.reserve(std::min(target, saturating_add(text.length, 1)));
 
   // Every line extent ends behind its start while there is text: it holds a unit, or a line
   // ending, or both. So the loop ends.
@@ -83,20 +89,23 @@ std::vector<Field> Strategy::populate_fields(const Field& text, unsigned long nu
     pos = line.next;
     const Field cleaned = or_replacement(clean_line(line.field, text_format_), text_format_);
     if (cleaned.length == 0) {
-      lines_.push_back(empty_field());
+      lines.push_back(empty_field());
     } else if (!is_comment(cleaned, options_->comment_style)) {
-      lines_.push_back(line.field);
+      lines.push_back(line.field);
       ++count;
     }
   }
   // A budget that the text did not come up to may have reserved far more than is kept.
-  if (lines_.capacity() / 2 > lines_.size()) lines_.shrink_to_fit();
-  return lines_;
+  if (lines.capacity() / 2 > lines.size()) lines.shrink_to_fit();
+  std::vector<Field> copy = lines;
+  text_ = text;
+  lines_ = std::move(lines);
+  return copy;
 }
 
 // Every field moves `pos` on: it holds a unit, or a delimiter, or both. (Only columns of width 0 do
 // not, and not all columns have width 0.)
-void Strategy::cut_line(const Field& line, std::vector<Field>& fields) {
+void Strategy::append_fields(const Field& line, std::vector<Field>& fields) {
   std::size_t pos = 0;
   const auto take = [&] {
     const FieldExtent extent = get_next_field(line, pos);
@@ -111,14 +120,28 @@ void Strategy::cut_line(const Field& line, std::vector<Field>& fields) {
   }
 }
 
+void Strategy::cut_line(const Field& line, std::vector<Field>& fields) {
+  CutRollback rollback(*this);
+  const std::size_t before = fields.size();
+  try {
+    append_fields(line, fields);
+  } catch (...) {
+    fields.erase(fields.begin() + static_cast<std::ptrdiff_t>(before), fields.end());
+    throw;
+  }
+  rollback.dismiss();
+}
+
 FieldArray Strategy::get_fields_from_lines() {
+  CutRollback rollback(*this);
   FieldArray result;
   result.counts.reserve(lines_.size());
   for (const Field& line : lines_) {
-    cut_line(line, result.fields);
+    append_fields(line, result.fields);
     reset_fields();
     result.counts.push_back(result.fields.size());
   }
+  rollback.dismiss();
   return result;
 }
 

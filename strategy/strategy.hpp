@@ -10,7 +10,8 @@
 // Units      positions and lengths count UTF-16 code units, line numbers sampled lines from 0.
 // Ownership  made with new and shared through shared_ptr<Strategy>. The options record must outlive
 //            the strategy; the text must outlive every use of its lines.
-// Errors     none of its own; std::bad_alloc passes.
+// Errors     none of its own; std::bad_alloc passes, and what the host throws; the strategy is then
+//            what it was before the call.
 // Cost       sampling, cutting and valuing are linear in the sampled text.
 // Threads    one thread at a time, the const operations included.
 #pragma once
@@ -101,8 +102,8 @@ class VLTEXTSTREAM_EXPORT Strategy {
   // Cuts every sampled line into fields.
   FieldArray get_fields_from_lines();
 
-  // Appends the fields of one line to `fields`. A strategy with a memory across lines goes on where
-  // its last line ended.
+  // Appends the fields of one line to `fields`, all or none. A strategy with a memory across lines
+  // goes on where its last line ended.
   void cut_line(const Field& line, std::vector<Field>& fields);
 
   // The scores of the cut; computed by the first call, which also settles the header lines if
@@ -165,7 +166,11 @@ class VLTEXTSTREAM_EXPORT Strategy {
   Field text_;
 
  private:
-  VLTEXTSTREAM_LOCAL void value_cut(const FieldArray& fields);
+  class VLTEXTSTREAM_LOCAL CutRollback;
+
+  VLTEXTSTREAM_LOCAL void append_fields(const Field& line, std::vector<Field>& fields);
+  VLTEXTSTREAM_LOCAL void value_cut(const FieldArray& fields,
+                                    const std::vector<std::size_t>& line_counts);
   VLTEXTSTREAM_LOCAL void settle_header_lines(const std::vector<std::size_t>& line_counts,
                                               const std::vector<std::size_t>& diffs,
                                               std::size_t first);

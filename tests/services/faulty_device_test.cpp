@@ -1,0 +1,227 @@
+// detect_layout from files that fail. This program opens files for the library: devices that come
+// short, fail at a chosen byte or cannot be opened. An answer rests on the whole file, or there is
+// none.
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <new>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <vltextstream/vltextstream.hpp>
+
+#include "support/faulty_device.hpp"
+#include "support/layout_text.hpp"
+#include "support/rule_name.hpp"
+
+namespace {
+
+std::function<std::FILE*()> open_next;
+
+}  // namespace
+
+namespace textio {
+
+std::FILE* open_file(const std::u16string& /*path*/, const char* /*mode*/) { return open_next(); }
+
+namespace {
+
+using standalone::detect_layout;
+using standalone::DetectSettings;
+using testing_support::ByRule;
+using testing_support::every_member_of;
+using testing_support::FaultyDevice;
+
+const std::string kTable = "station;value\nM\xC3\xBCnchen;1.5\nKyoto \xE4\xBA\xAC;2.5\nrome;3.5\n";
+
+std::string answer_from(FaultyDevice& device, const DetectSettings& settings = {}) {
+  open_next = [&] { return device.open(); };
+  return every_member_of(detect_layout("table.csv", settings));
+}
+
+std::string undisturbed_answer(const std::string& bytes) {
+  FaultyDevice device(bytes);
+  return answer_from(device);
+}
+
+// The message of the FileError, "" when there was an answer.
+std::string error_from(FaultyDevice& device, const DetectSettings& settings = {}) {
+  try {
+    answer_from(device, settings);
+  } catch (const standalone::FileError& error) {
+    return error.what();
+  }
+  return "";
+}
+
+std::string message(int error) {
+  return std::string("cannot read 'table.csv': ") + std::strerror(error);
+}
+
+DetectSettings in_utf8() {
+  DetectSettings settings;
+  settings.encoding = "UTF-8";
+  return settings;
+}
+
+std::string long_table(std::size_t bytes) {
+  std::string text;
+  text.reserve(bytes + 8);
+  while (text.size() < bytes) text += "1.5,abc\n";
+  text.resize(bytes);
+  return text;
+}
+
+// --- short reads ---------------------------------------------------------------------------------
+
+TEST(DetectionFromAFaultyDevice, IsTheSameWhenReadsComeShort) {
+  const std::string expected = undisturbed_answer(kTable);
+  for (std::size_t most = 1; most <= kTable.size(); ++most) {
+    FaultyDevice device(kTable);
+    device.shorten_reads(most);
+    EXPECT_EQ(answer_from(device), expected) << most;
+  }
+}
+
+TEST(DetectionFromAFaultyDevice, IsTheSameWhenReadsOfALongFileComeShort) {
+  const std::string bytes = long_table(3 * TextStream::kBufferUnits);
+  const std::string expected = undisturbed_answer(bytes);
+  for (const std::size_t most :
+       {1'000U, 4'095U, 4'096U, 65'534U, 65'535U, 65'536U, 65'537U, 131'072U}) {
+    FaultyDevice device(bytes);
+    device.shorten_reads(most);
+    EXPECT_EQ(answer_from(device), expected) << most;
+  }
+}
+
+// --- reads that fail -----------------------------------------------------------------------------
+
+TEST(DetectionFromAFaultyDevice, IsAnErrorWhereverAReadFails) {
+  for (const int error : {EIO, ENXIO, ESTALE}) {
+    for (std::size_t place = 0; place <= kTable.size(); ++place) {
+      FaultyDevice device(kTable);
+      device.fail_reads_at(place, error);
+      EXPECT_EQ(error_from(device), message(error)) << place;
+      EXPECT_EQ(device.open_streams(), 0U);
+    }
+  }
+}
+
+// With a given encoding each byte is read once, so also a failure that passes is met.
+TEST(DetectionFromAFaultyDevice, IsAnErrorWhereverAReadOfAGivenEncodingFailsOnce) {
+  for (std::size_t place = 0; place <= kTable.size(); ++place) {
+    FaultyDevice device(kTable);
+    device.fail_reads_at(place, EIO, 1);
+    EXPECT_EQ(error_from(device, in_utf8()), message(EIO)) << place;
+    EXPECT_EQ(device.open_streams(), 0U);
+  }
+}
+
+struct PlaceCase {
+  const char* rule;
+  std::size_t place;
+};
+std::ostream& operator<<(std::ostream& out, const PlaceCase& row) { return out << row.rule; }
+
+constexpr std::size_t kHeadBytes = 65'536;
+
+const PlaceCase kPlaceCases[] = {
+    {"BeforeTheChunkIsFull", 65'534},
+    {"BehindAChunk", 65'535},
+    {"BehindTheHead", kHeadBytes},
+    {"BehindTheHeadAndAByte", kHeadBytes + 1},
+    {"BeforeTheBufferIsFull", TextStream::kBufferUnits - 1},
+    {"BehindABuffer", TextStream::kBufferUnits},
+    {"BehindABufferAndAByte", TextStream::kBufferUnits + 1},
+    {"BehindTwoBuffers", 2 * TextStream::kBufferUnits},
+    {"AtTheEnd", 3 * TextStream::kBufferUnits},
+};
+
+class DetectionFromALongFaultyDevice : public testing::TestWithParam<PlaceCase> {};
+
+TEST_P(DetectionFromALongFaultyDevice, IsAnError) {
+  FaultyDevice device(long_table(3 * TextStream::kBufferUnits));
+  device.fail_reads_at(GetParam().place, EIO);
+  EXPECT_EQ(error_from(device), message(EIO));
+  EXPECT_EQ(device.open_streams(), 0U);
+}
+
+TEST_P(DetectionFromALongFaultyDevice, IsAnErrorAlsoWhenTheFailurePasses) {
+  FaultyDevice device(long_table(3 * TextStream::kBufferUnits));
+  device.fail_reads_at(GetParam().place, EIO, 1);
+  EXPECT_EQ(error_from(device, in_utf8()), message(EIO));
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, DetectionFromALongFaultyDevice, testing::ValuesIn(kPlaceCases),
+                         ByRule());
+
+// --- seeks ---------------------------------------------------------------------------------------
+
+// Like a pipe, which is taken for UTF-8: the rest of the answer is the same.
+TEST(DetectionFromAFaultyDevice, ThatCannotSeekReadsItOnce) {
+  FaultyDevice device(kTable);
+  device.fail_seeks(1, ESPIPE);
+  FaultyDevice sound(kTable);
+  open_next = [&] { return device.open(); };
+  const standalone::Layout layout = detect_layout("table.csv");
+  EXPECT_EQ(layout.encoding_found, standalone::EncodingFound::fallback);
+  open_next = [&] { return sound.open(); };
+  EXPECT_EQ(layout.characters_sampled, detect_layout("table.csv").characters_sampled);
+  EXPECT_EQ(layout.num_variables, 2U);
+}
+
+// --- files that cannot be opened -----------------------------------------------------------------
+
+TEST(DetectionWithoutAFile, NamesTheReason) {
+  for (const int error : {ENOENT, EACCES, EMFILE}) {
+    open_next = [error]() -> std::FILE* {
+      errno = error;
+      return nullptr;
+    };
+    try {
+      detect_layout("table.csv");
+      ADD_FAILURE() << error;
+    } catch (const standalone::FileError& problem) {
+      EXPECT_EQ(problem.what(), std::string("cannot open 'table.csv': ") + std::strerror(error));
+    }
+  }
+}
+
+TEST(DetectionWithoutAFile, PassesOnWhatTheHostThrows) {
+  open_next = []() -> std::FILE* { throw std::bad_alloc(); };
+  EXPECT_THROW(detect_layout("table.csv"), std::bad_alloc);
+  open_next = []() -> std::FILE* { throw std::logic_error("not here"); };
+  EXPECT_THROW(detect_layout("table.csv"), std::logic_error);
+  open_next = []() -> std::FILE* { throw 7; };
+  EXPECT_THROW(detect_layout("table.csv"), int);
+}
+
+TEST(SourceWithoutAFile, IsWhatItWasBefore) {
+  FaultyDevice device("text");
+  FileTextSource source;
+  const std::u16string path = u"table.csv";
+  open_next = [&] { return device.open(); };
+  source.init_stream(path, "UTF-8");
+  open_next = []() -> std::FILE* { throw 7; };
+  EXPECT_THROW(source.init_stream(path, "UTF-8"), int);
+  open_next = []() -> std::FILE* { return nullptr; };
+  EXPECT_THROW(source.init_stream(path, "UTF-8"), std::runtime_error);
+  EXPECT_EQ(TextStream(&source).find_first_pos_of(TextStream::kEnd, 0), 4U);
+}
+
+// An encoding that is not known is told after the file has been closed.
+TEST(DetectionFromAFaultyDevice, ClosesTheFileOfAnUnknownEncoding) {
+  FaultyDevice device(kTable);
+  DetectSettings settings;
+  settings.encoding = "nobody knows";
+  EXPECT_THROW(answer_from(device, settings), std::invalid_argument);
+  EXPECT_EQ(device.open_streams(), 0U);
+}
+
+}  // namespace
+}  // namespace textio

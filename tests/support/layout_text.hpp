@@ -1,0 +1,52 @@
+// Every member of a layout as one text, so that two answers can be compared as a whole.
+#pragma once
+
+#include <ios>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "standalone/layout.hpp"
+#include "support/datatype_names.hpp"
+#include "support/printing.hpp"
+#include "support/selection.hpp"
+
+namespace textio::testing_support {
+
+template <typename Number>
+std::string describe(const std::optional<Number>& number) {
+  return number ? std::to_string(*number) : "none";
+}
+
+inline std::string quoted_texts(const std::vector<std::u16string>& texts) {
+  std::string out;
+  for (const std::u16string& text : texts) out += " '" + readable(text) + "'";
+  return out;
+}
+
+inline std::string every_member_of(const standalone::Layout& layout) {
+  std::ostringstream out;
+  out << std::hexfloat << "mode " << static_cast<int>(layout.mode) << "\ndelimiters"
+      << quoted_texts(layout.delimiters) << "\nwidths " << describe(layout.widths) << "\nheader "
+      << layout.header_lines << "\nnames found " << static_cast<int>(layout.names_found) << ": "
+      << layout.names_reason << "\nnames in " << describe(layout.names_line)
+      << quoted_texts(layout.names) << "\nunits in " << describe(layout.units_line)
+      << quoted_texts(layout.units) << "\nvariables " << layout.num_variables << ' '
+      << names_of(layout.classes) << "\nencoding " << layout.encoding << ' '
+      << static_cast<int>(layout.encoding_found) << ' ' << layout.encoding_confidence
+      << " ill-formed " << layout.ill_formed_parts << "\nline ending "
+      << (layout.line_ending ? readable(*layout.line_ending) : "none") << "\nruns";
+  for (const auto& run : layout.lines) {
+    out << " [" << static_cast<int>(run.role) << ' ' << run.first_line << '-' << run.last_line
+        << ' ' << run.count << ']';
+  }
+  out << "\nragged " << layout.ragged_lines << " from " << describe(layout.first_ragged_line)
+      << "\nsampled " << layout.lines_sampled << " lines " << layout.characters_sampled
+      << " characters\nend " << static_cast<int>(layout.end) << " by '" << layout.decided_by
+      << "'\n";
+  if (layout.trace) out << describe(*layout.trace);
+  return out.str();
+}
+
+}  // namespace textio::testing_support
