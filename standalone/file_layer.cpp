@@ -79,14 +79,24 @@ std::string head_of(ByteStream& stream) {
   return {head, size};
 }
 
+// An archive in an archive is not to pass for a text.
+std::unique_ptr<ByteStream> text_of(std::unique_ptr<ByteStream> archive,
+                                    std::unique_ptr<Decoder> decoder) {
+  auto text = std::make_unique<CompressedStream>(std::move(archive), std::move(decoder));
+  if (compression_format(head_of(*text)) != CompressionFormat::none) {
+    return refuse(kCompressedTwice);
+  }
+  return text;
+}
+
 std::unique_ptr<ByteStream> decompressed(std::unique_ptr<ByteStream> stream) {
   switch (compression_format(head_of(*stream))) {
     case CompressionFormat::none:
       return stream;
     case CompressionFormat::gzip:
-      return std::make_unique<CompressedStream>(std::move(stream), std::make_unique<GzipDecoder>());
+      return text_of(std::move(stream), std::make_unique<GzipDecoder>());
     case CompressionFormat::zstd:
-      return std::make_unique<CompressedStream>(std::move(stream), std::make_unique<ZstdDecoder>());
+      return text_of(std::move(stream), std::make_unique<ZstdDecoder>());
     case CompressionFormat::bzip2:
       return refuse(kFormatBzip2);
     case CompressionFormat::lz4:

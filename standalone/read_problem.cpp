@@ -24,6 +24,8 @@ std::string read_problem(int error) {
       return "it is compressed with xz, which is not read here; decompress it first";
     case kFormatZip:
       return "it is a zip archive, which is not read here; unpack it first";
+    case kCompressedTwice:
+      return "it is compressed more than once; decompress it first";
     default:
       return std::strerror(error);
   }

@@ -21,7 +21,8 @@ enum ReadProblem : int {
   kFormatBzip2,          // compressed in ways that are not read here
   kFormatLz4,
   kFormatXz,
-  kFormatZip
+  kFormatZip,
+  kCompressedTwice  // an archive in an archive
 };
 
 // What `error` says, a number of the operating system or one of the above.

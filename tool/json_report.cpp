@@ -3,6 +3,8 @@
 #include <cmath>
 #include <string_view>
 
+#include <fmt/format.h>
+
 #include <vltextstream/standalone/utf_text.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
@@ -173,6 +175,21 @@ Json json_of(const std::vector<GivenOption>& given) {
     if (option.is_json) list.back()["json"] = true;
   }
   return list;
+}
+
+// The units below U+0020 are escaped already, or break the lines between the members.
+std::string json_text(const nlohmann::ordered_json& document) {
+  const std::string text = document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  std::u16string safe;
+  for (const char16_t unit : standalone::from_utf8(text)) {
+    const bool may_be_half_of_pair = unit >= 0xD800 && unit <= 0xDFFF;
+    if (unit >= 0x7F && !may_be_half_of_pair && is_unprintable(unit)) {
+      safe += standalone::from_utf8(fmt::format("\\u{:04x}", static_cast<unsigned>(unit)));
+    } else {
+      safe.push_back(unit);
+    }
+  }
+  return to_utf8(safe);
 }
 
 }  // namespace textio::tool

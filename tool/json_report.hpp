@@ -24,4 +24,8 @@ nlohmann::ordered_json json_of(const standalone::DetectSettings& settings);
 // The options of the command line as they were typed.
 nlohmann::ordered_json json_of(const std::vector<GivenOption>& given);
 
+// The document as it is printed, also on a terminal: in UTF-8, with what could command it escaped.
+// Bytes that are no UTF-8 become U+FFFD.
+std::string json_text(const nlohmann::ordered_json& document);
+
 }  // namespace textio::tool

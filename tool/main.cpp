@@ -77,8 +77,11 @@ Flags declare(CLI::App& app, Arguments& arguments) {
   return flags;
 }
 
+// Stands behind the name of a file that the parser would take apart; no argument has one.
+constexpr char kEndOfName = '\0';
+
 // The arguments, last one first, as the parser wants them. It would take what follows "--flag=" for
-// the value, so the empty value is put there.
+// the value, so the empty value is put there; and "[a,b]" for two files.
 std::vector<std::string> reversed_arguments(const CLI::App& app, int argc, char** argv) {
   std::vector<std::string> arguments;
   bool is_value = false;
@@ -87,8 +90,9 @@ std::vector<std::string> reversed_arguments(const CLI::App& app, int argc, char*
     std::string argument = argv[i];
     const bool ends_with_equals = !argument.empty() && argument.find('=') == argument.size() - 1;
     const std::string flag = ends_with_equals ? argument.substr(0, argument.size() - 1) : argument;
-    const CLI::Option* const option =
-        is_value || only_files ? nullptr : app.get_option_no_throw(flag);
+    const bool may_be_flag = !is_value && !only_files && flag.starts_with('-');
+    const CLI::Option* const option = may_be_flag ? app.get_option_no_throw(flag) : nullptr;
+    if (!is_value && argument.starts_with('[')) argument += kEndOfName;
     const bool takes_value = option != nullptr && option->get_items_expected() > 0;
     only_files = only_files || (!is_value && argument == "--");
     is_value = takes_value && !ends_with_equals;
@@ -97,6 +101,13 @@ std::vector<std::string> reversed_arguments(const CLI::App& app, int argc, char*
   }
   std::reverse(arguments.begin(), arguments.end());
   return arguments;
+}
+
+// The names of the files as they were typed.
+void restore_names(std::vector<std::string>& files) {
+  for (std::string& file : files) {
+    if (file.ends_with(kEndOfName)) file.pop_back();
+  }
 }
 
 // NAME=VALUE or NAME:=JSON; a name alone comes without a value, for the library to refuse.
@@ -202,6 +213,15 @@ void complain(std::string_view message) {
   std::fputs(fmt::format("vltext: {}\n", textio::tool::printable(message)).c_str(), stderr);
 }
 
+// The status with which the tool ends.
+int print(std::string_view text, int status) {
+  if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) {
+    return status;
+  }
+  std::perror("vltext: standard output");
+  return kFailed;
+}
+
 // Looks at every file; one that fails does not stop the others. Standard output is written only at
 // the end, so that nothing stands there when no file could be read.
 int run(const Arguments& arguments) {
@@ -228,13 +248,9 @@ int run(const Arguments& arguments) {
         {"settings", textio::tool::json_of(arguments.settings)},
         {"given", textio::tool::json_of(arguments.given)},
         {"files", files}};
-    text = document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    text = textio::tool::json_text(document);
   }
-  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-    std::perror("vltext: standard output");
-    return kFailed;
-  }
-  return status;
+  return print(text, status);
 }
 
 }  // namespace
@@ -245,14 +261,15 @@ int main(int argc, char** argv) {
   try {
     const Flags flags = declare(app, arguments);
     app.parse(reversed_arguments(app, argc, argv));
+    restore_names(arguments.files);
     arguments.given = given_options(app, flags);
     arguments.settings = settings_of(arguments);
     return run(arguments);
   } catch (const CLI::CallForHelp&) {
-    std::fputs(textio::tool::help_text().c_str(), stdout);
-    return 0;
+    return print(textio::tool::help_text(), 0);
+  } catch (const CLI::CallForVersion& version) {
+    return print(version.what() + std::string("\n"), 0);
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error);
     complain(error.what());
     std::fputs("Try 'vltext --help' for more information.\n", stderr);
   } catch (const std::exception& error) {

@@ -24,18 +24,6 @@ using standalone::to_utf8;
 
 using Out = std::back_insert_iterator<std::string>;
 
-// What a terminal might take for a command, or what would turn the text around it: control
-// characters, separators of lines, marks of writing direction, and bytes that are no text.
-bool is_unprintable(char16_t unit) {
-  const bool is_control = unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
-  const bool is_separator = unit == 0x2028 || unit == 0x2029;
-  const bool is_direction = unit == 0x200E || unit == 0x200F || unit == 0x061C ||
-                            (unit >= 0x202A && unit <= 0x202E) ||
-                            (unit >= 0x2066 && unit <= 0x2069);
-  const bool is_hidden_byte = unit >= 0xDC80 && unit <= 0xDCFF;
-  return is_control || is_separator || is_direction || is_hidden_byte;
-}
-
 // U+001A, which stands for a character that was folded, becomes U+FFFD like everything else.
 std::string printable(std::u16string text) {
   // A surrogate pair is printed as it is; its second half must not be taken for a hidden byte.
@@ -313,6 +301,16 @@ std::string_view name_of(LineRole role) {
       return "data";
   }
   return "";
+}
+
+bool is_unprintable(char16_t unit) {
+  const bool is_control = unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
+  const bool is_separator = unit == 0x2028 || unit == 0x2029;
+  const bool is_direction = unit == 0x200E || unit == 0x200F || unit == 0x061C ||
+                            (unit >= 0x202A && unit <= 0x202E) ||
+                            (unit >= 0x2066 && unit <= 0x2069);
+  const bool is_hidden_byte = unit >= 0xDC80 && unit <= 0xDCFF;
+  return is_control || is_separator || is_direction || is_hidden_byte;
 }
 
 std::string printable(std::string_view text) { return printable(standalone::from_utf8(text)); }

@@ -482,7 +482,6 @@ const ContentCase kContents[] = {
     {"ZstdBehindASkippableFrame", skippable_frame("index") + zstd_of("x,y\n"), "x,y\n"},
     {"TextThatStartsLikeGzip", "\x1F\x8B,1,2\n3,4,5\n", "\x1F\x8B,1,2\n3,4,5\n"},
     {"TextThatStartsLikeBzip2", "BZh9,1,2\n3,4,5\n", "BZh9,1,2\n3,4,5\n"},
-    {"OneLevelOnly", gzip_of(gzip_of("x")), gzip_of("x")},
 };
 
 class OpenFileContent : public testing::TestWithParam<ContentCase> {
@@ -528,6 +527,9 @@ const ForeignCase kForeign[] = {
     {"Lz4", "\x04\x22\x4D\x18 and more", standalone::kFormatLz4},
     {"Xz", std::string("\xFD\x37zXZ\0 and more", 15), standalone::kFormatXz},
     {"Zip", "PK\x03\x04 and more", standalone::kFormatZip},
+    {"GzipOfGzip", gzip_of(gzip_of("x")), standalone::kCompressedTwice},
+    {"ZstdOfGzip", zstd_of(gzip_of("x")), standalone::kCompressedTwice},
+    {"GzipOfZip", gzip_of("PK\x03\x04 and more"), standalone::kCompressedTwice},
 };
 
 class OpenFileForeign : public testing::TestWithParam<ForeignCase> {};

@@ -32,6 +32,7 @@ const ProblemCase kProblems[] = {
     {"Lz4", kFormatLz4, "it is compressed with lz4, which is not read here; decompress it first"},
     {"Xz", kFormatXz, "it is compressed with xz, which is not read here; decompress it first"},
     {"Zip", kFormatZip, "it is a zip archive, which is not read here; unpack it first"},
+    {"Twice", kCompressedTwice, "it is compressed more than once; decompress it first"},
     {"OfTheSystem", ENOENT, "No such file or directory"},
     {"DiskWithoutData", ENODATA, "No data available"},
 };

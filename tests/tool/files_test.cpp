@@ -251,6 +251,11 @@ const BadFile kBadFiles[] = {
     {"Xz", std::string("\xFD\x37zXZ\0 and more", 15), "it is compressed with xz"},
     {"Lz4", "\x04\x22\x4D\x18 and more", "it is compressed with lz4"},
     {"Zip", "PK\x03\x04 and more", "it is a zip archive"},
+
+    // Former bugs.
+    {"GzipOfGzip", gzip_of(gzip_of(kTable)), "it is compressed more than once"},
+    {"ZstdOfGzip", zstd_of(gzip_of(kTable)), "it is compressed more than once"},
+    {"GzipOfZip", gzip_of("PK\x03\x04 and more"), "it is compressed more than once"},
 };
 
 class ToolBadFile : public testing::TestWithParam<BadFile> {

@@ -104,6 +104,7 @@ const RefusalCase kRefusals[] = {
     {"EmptyPath", {""}, "No such file or directory"},
     {"VeryLongName", {std::string(5000, 'x')}, "File name too long"},
     {"UnknownEncoding", {"--encoding", "klingon", kComma}, "unknown encoding 'klingon'"},
+    {"NearlyKnownEncoding", {"--encoding", "utf-9", kComma}, "'utf-9' (did you mean 'UTF-8'?)"},
     {"EmptyEncoding", {"--encoding", "", kComma}, "unknown encoding ''"},
     {"NegativeLines", {"--lines", "-1", kComma}, "--lines"},
     {"LinesThatAreNoNumber", {"--lines", "many", kComma}, "--lines"},
@@ -155,6 +156,30 @@ TEST_F(Tool, PrintsNothingThatCommandsTheTerminal) {
   EXPECT_THAT(result.err, Not(HasSubstr("\x1B")));
 }
 
+// In JSON it is escaped, and the text is the same to whoever parses it.
+TEST_F(Tool, PrintsNothingThatCommandsTheTerminalAsJson) {
+  const std::string path = folder_.file("red\x1B[31m\x7F.csv",
+                                        "a\x1B]0;\x08!,c\xC2\x9B,\xE2\x80\xAE\xE2\x81\xA6"
+                                        "d\xC3\xA9\n1,2,3\n4,5,6\n");
+  const CommandResult result = vltext({"--json", path});
+  EXPECT_EQ(result.status, 0);
+  for (const char* command : {"\x1B", "\x08", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xE2\x81\xA6"}) {
+    EXPECT_THAT(result.out, Not(HasSubstr(command)));
+  }
+  EXPECT_THAT(result.out, HasSubstr("d\xC3\xA9"));
+  const auto file = nlohmann::json::parse(result.out)["files"][0];
+  EXPECT_EQ(file["file"], path);
+  EXPECT_EQ(file["names"], nlohmann::json::array({"a\x1B]0;\x08!", "c\xC2\x9B",
+                                                  "\xE2\x80\xAE\xE2\x81\xA6"
+                                                  "d\xC3\xA9"}));
+}
+
+// Halves of a pair look like bytes that are no text.
+TEST_F(Tool, PrintsAPathOfAllPlanesAsJson) {
+  const std::string path = folder_.file("\xF0\x9F\x92\x80.csv", "1,2\n3,4\n");
+  EXPECT_EQ(nlohmann::json::parse(vltext({"--json", path}).out)["files"][0]["file"], path);
+}
+
 TEST_F(Tool, EndsOrderlyWhenItCannotComplain) {
   const CommandResult result =
       run_command("/bin/sh", {"-c", "\"$0\" none 2> /dev/full", VLTEXT_PROGRAM});
@@ -189,6 +214,95 @@ TEST_F(Tool, FailsWhenItsOutputCannotBeWritten) {
   EXPECT_EQ(result.status, 2);
   EXPECT_THAT(result.err, HasSubstr("No space left on device"));
 }
+
+struct PrintedCase {
+  const char* rule;
+  std::string command;  // in a shell; $0 is the tool
+};
+std::ostream& operator<<(std::ostream& out, const PrintedCase& row) { return out << row.rule; }
+
+const PrintedCase kLostOutputs[] = {
+    {"Help", "\"$0\" --help > /dev/full"},
+    {"Version", "\"$0\" --version > /dev/full"},
+    {"ClosedOutput", "\"$0\" --version >&-"},
+};
+
+class ToolLostOutput : public testing::TestWithParam<PrintedCase> {};
+TEST_P(ToolLostOutput, IsAFailure) {
+  const CommandResult result = run_command("/bin/sh", {"-c", GetParam().command, VLTEXT_PROGRAM});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.err, StartsWith("vltext: standard output: "));
+}
+INSTANTIATE_TEST_SUITE_P(Table, ToolLostOutput, testing::ValuesIn(kLostOutputs), ByRule());
+
+// Names that the parser of the command line might take for something else.
+struct FileNameCase {
+  const char* rule;
+  std::string name;
+};
+std::ostream& operator<<(std::ostream& out, const FileNameCase& row) { return out << row.rule; }
+
+const FileNameCase kFileNames[] = {
+    {"LikeAList", "[a,b]"},
+    {"LikeAListOfOne", "[a]"},
+    {"LikeAListOfNone", "[]"},
+    {"LikeAListOfLists", "[[a]]"},
+    {"OneBracket", "["},
+    {"LikeAnAssignment", "a=b"},
+    {"LikeAnAssignmentOfNothing", "FILE="},
+    {"LikeTheNameInTheHelp", "FILE"},
+};
+
+class ToolFileName : public Tool, public testing::WithParamInterface<FileNameCase> {};
+TEST_P(ToolFileName, IsTakenAsItStands) {
+  folder_.file(GetParam().name, "1;2\n3;4\n");
+  for (const char* dashes : {"", "-- "}) {
+    const CommandResult result = run_command(
+        "/bin/sh", {"-c", "cd \"$1\" && \"$0\" --json " + std::string(dashes) + "\"$2\"",
+                    VLTEXT_PROGRAM, folder_.path(), GetParam().name});
+    EXPECT_EQ(result.status, 0) << result.err;
+    const auto document = nlohmann::json::parse(result.out, nullptr, false);
+    ASSERT_TRUE(document.is_object());
+    ASSERT_EQ(document["files"].size(), 1U);
+    EXPECT_EQ(document["files"][0]["file"], GetParam().name);
+  }
+}
+INSTANTIATE_TEST_SUITE_P(Table, ToolFileName, testing::ValuesIn(kFileNames), ByRule());
+
+// Bytes that are no text of their encoding.
+struct IllFormedCase {
+  const char* rule;
+  std::string encoding;
+  std::string bytes;
+  std::size_t parts;
+};
+std::ostream& operator<<(std::ostream& out, const IllFormedCase& row) { return out << row.rule; }
+
+const IllFormedCase kIllFormed[] = {
+    {"None", "UTF-8", "a,b\n1,\xC3\xA9\n", 0},
+    {"TwoBytes", "UTF-8", "a\xFF,b\n1\xFF,2\n", 2},
+    {"OneCutCharacterInTheMiddle", "UTF-8", "a\xE2\x82,b\n1,2\n", 1},
+    {"TruncatedLastCharacter", "UTF-8", "a,b\n1,\xE2\x82", 1},
+    {"TruncatedLastCharacterOfTwoBytes", "Shift_JIS", "a,b\n1,\x83", 1},
+    {"HalfAUnitAtTheEnd", "UTF-16LE",
+     std::string("1\0,\0"
+                 "2\0\n",
+                 7),
+     1},
+};
+
+class ToolIllFormed : public Tool, public testing::WithParamInterface<IllFormedCase> {};
+TEST_P(ToolIllFormed, PartsAreCounted) {
+  const IllFormedCase& row = GetParam();
+  const std::string path = folder_.file("t.csv", row.bytes);
+  const CommandResult result = vltext({"--json", "--encoding", row.encoding, path});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(nlohmann::json::parse(result.out)["files"][0]["ill_formed_parts"], row.parts);
+  const std::string in_words = ", " + std::to_string(row.parts) + " ill-formed";
+  const CommandResult words = vltext({"--encoding", row.encoding, path});
+  EXPECT_EQ(words.out.find(in_words) != std::string::npos, row.parts > 0);
+}
+INSTANTIATE_TEST_SUITE_P(Table, ToolIllFormed, testing::ValuesIn(kIllFormed), ByRule());
 
 TEST_F(Tool, TellsItsVersionAndItsOptions) {
   EXPECT_THAT(vltext({"--version"}).out, StartsWith("vltext "));
