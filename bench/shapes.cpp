@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <initializer_list>
 #include <iterator>
+#include <limits>
+#include <utility>
 
 namespace textio::bench {
 namespace {
@@ -206,6 +208,79 @@ std::u16string field_of_doubled_quotes(std::size_t units) {
   return join({table, doubled_quotes(units > used ? (units - used) / 2 : 0), rest});
 }
 
+// Nearly nothing but empty lines, and then as many lines as a detection looks closely at.
+std::u16string blank_then_busy(std::size_t units) {
+  std::u16string busy;
+  for (std::size_t row = 0; row < 5; ++row) busy += crowded_line(row);
+  return std::u16string(units > busy.size() ? units - busy.size() : 0, u'\n') + busy;
+}
+
+// Fields of 64 units, most of which are doubled quotes, eight on a line.
+std::u16string quoted_fields_line(std::size_t row) {
+  std::u16string line;
+  for (std::size_t column = 0; column < 8; ++column) {
+    line += join(
+        {u"\"", digits(row % 10, 1), std::u16string(60, u'"'), u"\"", column == 7 ? u"\n" : u","});
+  }
+  return line;
+}
+
+// Four lines of one length with as many fixed-width columns as fit. A column holds one word or two,
+// so that the blanks between the words separate nothing.
+std::u16string fixed_columns(std::size_t units) {
+  constexpr std::u16string_view kOneWord = u"abcde  ";
+  constexpr std::u16string_view kTwoWords = u"ab cd  ";
+  constexpr std::size_t kRows = 4;
+  const std::size_t columns = units / kRows / kOneWord.size();
+  std::u16string text;
+  text.reserve(units);
+  for (std::size_t row = 0; row < kRows; ++row) {
+    for (std::size_t column = 0; column < columns; ++column) {
+      text += (row * row + column) % 3 == 0 ? kTwoWords : kOneWord;
+    }
+    text += u'\n';
+  }
+  return text;
+}
+
+// --- options, and texts made for them ----------------------------------------------------------
+
+using standalone::DetectSettings;
+
+// Half the text, with one unit at the end that stands nowhere in it.
+std::u16string long_marker(std::size_t units) { return std::u16string(units / 2, u'a') + u'b'; }
+
+// A marker for every 64 units: all begin alike and differ behind that.
+std::vector<std::u16string> many_markers(std::size_t units) {
+  std::vector<std::u16string> markers;
+  for (std::size_t i = 0; i < units / 64; ++i) markers.push_back(join({u"a", digits(i, 6)}));
+  return markers;
+}
+
+void give_delimiters(DetectSettings& settings, std::vector<std::u16string> delimiters) {
+  settings.options.delimiters = std::move(delimiters);
+  settings.options.detect_delimiters = false;
+}
+
+// Two lines that begin like the comment marker and turn out to be none.
+std::u16string nearly_comments(std::size_t units) {
+  const std::u16string line = std::u16string(units / 2, u'a') + u"c\n";
+  return line + line;
+}
+
+std::u16string same_units(std::size_t units) { return repeat(units, u"a"); }
+
+std::u16string two_lines(std::size_t units) {
+  std::u16string text = repeat(units, u"1");
+  if (units > 0) text[units / 2] = u'\n';
+  return text;
+}
+
+void give_widths(DetectSettings& settings, std::size_t units) {
+  settings.options.parser_type = parser::parser_kind::fixedwidth;
+  settings.options.variable_widths.assign(units, 1);
+}
+
 }  // namespace
 
 const std::vector<Shape>& data_shapes() {
@@ -234,12 +309,55 @@ const std::vector<Shape>& adversarial_shapes() {
       {"only_blanks", [](std::size_t units) { return repeat(units, u" "); }},
       {"only_commas", [](std::size_t units) { return repeat(units, u","); }},
       {"doubled_quotes", field_of_doubled_quotes},
+      {"blank_then_busy", blank_then_busy},
+      {"half_fields", [](std::size_t units) { return repeat(units, u"1,"); }},
+      {"short_lines", [](std::size_t units) { return repeat(units, u"1,2\n"); }},
+      {"quoted_fields", [](std::size_t units) { return lines_of(units, quoted_fields_line); }},
+      {"fixed_columns", fixed_columns},
+  };
+  return shapes;
+}
+
+const std::vector<Shape>& option_shapes() {
+  static const std::vector<Shape> shapes = {
+      {"long_comment_marker", nearly_comments,
+       [](DetectSettings& settings, std::size_t units) {
+         settings.options.comment_style = {long_marker(units)};
+       }},
+      {"long_delimiter", same_units,
+       [](DetectSettings& settings, std::size_t units) {
+         give_delimiters(settings, {long_marker(units)});
+       }},
+      {"long_line_ending", same_units,
+       [](DetectSettings& settings, std::size_t units) {
+         settings.options.line_endings = {long_marker(units)};
+       }},
+      {"many_delimiters", same_units,
+       [](DetectSettings& settings, std::size_t units) {
+         give_delimiters(settings, many_markers(units));
+       }},
+      {"many_line_endings", same_units,
+       [](DetectSettings& settings, std::size_t units) {
+         settings.options.line_endings = many_markers(units);
+       }},
+      {"huge_header_lines", [](std::size_t units) { return lines_of(units, narrow_line); },
+       [](DetectSettings& settings, std::size_t) {
+         settings.options.header_lines = std::numeric_limits<std::size_t>::max() - 1;
+         settings.options.detect_header_lines = false;
+       }},
+      {"huge_num_variables", [](std::size_t units) { return lines_of(units, narrow_line); },
+       [](DetectSettings& settings, std::size_t) {
+         settings.options.num_variables = std::numeric_limits<std::uint64_t>::max();
+         settings.options.detect_num_variables = false;
+       }},
+      {"given_widths", two_lines, give_widths},
   };
   return shapes;
 }
 
 const Shape* find_shape(std::string_view name) {
-  for (const std::vector<Shape>* shapes : {&data_shapes(), &adversarial_shapes()}) {
+  for (const std::vector<Shape>* shapes :
+       {&data_shapes(), &adversarial_shapes(), &option_shapes()}) {
     const auto found = std::find_if(shapes->begin(), shapes->end(),
                                     [name](const Shape& shape) { return shape.name == name; });
     if (found != shapes->end()) return &*found;

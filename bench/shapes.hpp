@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include <vltextstream/standalone/detect_layout.hpp>
+
 namespace textio::bench {
 
 struct Shape {
@@ -16,6 +18,9 @@ struct Shape {
 
   // A text of `units` units, or a little less where only whole lines fit.
   std::u16string (*make)(std::size_t units);
+
+  // Sets the options that belong to a text of `units` units; null when there are none.
+  void (*set)(standalone::DetectSettings& settings, std::size_t units) = nullptr;
 };
 
 // Tables as people keep them: narrow, regular (20 columns, four candidate characters), wide,
@@ -26,7 +31,10 @@ const std::vector<Shape>& data_shapes();
 // Texts that no table looks like, each a trap for some scan.
 const std::vector<Shape>& adversarial_shapes();
 
-// The shape called `name` of either list, null when there is none.
+// Texts with options that are as hostile: markers made to match almost everywhere, huge counts.
+const std::vector<Shape>& option_shapes();
+
+// The shape called `name` of any list, null when there is none.
 const Shape* find_shape(std::string_view name);
 
 // Prose in ASCII, and the same with every twentieth character replaced by one that takes two bytes

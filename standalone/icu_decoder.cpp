@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <stdexcept>
 #include <string_view>
 
@@ -79,6 +80,7 @@ bool passes_lone_surrogates(const UConverter* converter) {
 IcuDecoder::IcuDecoder(const std::string& encoding, bool one_unit) : one_unit_(one_unit) {
   UErrorCode status = U_ZERO_ERROR;
   converter_.reset(ucnv_open(encoding.c_str(), &status));
+  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
   if (!converter_ || U_FAILURE(status)) {
     throw std::invalid_argument(fmt::format("cannot open encoding '{}'", encoding));
   }

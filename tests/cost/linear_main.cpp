@@ -1,6 +1,7 @@
 // One detection over a text of a given shape and size, for tests that count its instructions.
 //   linear_main SHAPE UNITS
-// Only what happens inside `detect_once` is to be counted; the text is made outside.
+//   linear_main               lists the shapes that are traps
+// Only what happens inside `detect_once` is to be counted; text and options are made outside.
 #include <cstdlib>
 #include <iostream>
 #include <limits>
@@ -10,21 +11,31 @@
 
 #include "bench/shapes.hpp"
 
-extern "C" __attribute__((noinline)) void detect_once(const std::u16string& text) {
-  const textio::parser::options options;
-  const textio::detection::StrategySelector selector(options);
-  selector.pick_strategy(textio::Field(text.data(), text.size()),
-                         std::numeric_limits<unsigned long>::max());
+using textio::bench::Shape;
+using textio::standalone::DetectSettings;
+
+extern "C" __attribute__((noinline)) void detect_once(const std::u16string& text,
+                                                      const DetectSettings& settings) {
+  textio::standalone::detect_layout(text, settings);
 }
 
 int main(int argc, char** argv) {
-  const textio::bench::Shape* const shape =
-      argc == 3 ? textio::bench::find_shape(argv[1]) : nullptr;
+  if (argc == 1) {
+    for (const auto* shapes :
+         {&textio::bench::adversarial_shapes(), &textio::bench::option_shapes()}) {
+      for (const Shape& shape : *shapes) std::cout << shape.name << '\n';
+    }
+    return 0;
+  }
+  const Shape* const shape = argc == 3 ? textio::bench::find_shape(argv[1]) : nullptr;
   if (shape == nullptr) {
-    std::cerr << "usage: linear_main SHAPE UNITS\n";
+    std::cerr << "usage: linear_main [SHAPE UNITS]\n";
     return 2;
   }
   const auto units = static_cast<std::size_t>(std::strtoul(argv[2], nullptr, 10));
-  detect_once(units == 0 ? std::u16string() : shape->make(units));
+  DetectSettings settings;
+  settings.num_lines = std::numeric_limits<unsigned long>::max();
+  if (shape->set != nullptr) shape->set(settings, units);
+  detect_once(units == 0 ? std::u16string() : shape->make(units), settings);
   return 0;
 }

@@ -75,8 +75,8 @@ struct EncodingCase {
 std::ostream& operator<<(std::ostream& out, const EncodingCase& row) { return out << row.rule; }
 
 const EncodingCase kEncodingCases[] = {
-    {"Utf8", "UTF-8", "a\xC3\xA9,b\n", u"a\u00e9,b\n"},
-    {"Utf16", "UTF-16LE", std::string("a\0,\0b\0", 6), u"a,b"},
+    {"Gb18030", "GB18030", "a\x81\x30\x81\x30,b\n", u"a\u0080,b\n"},
+    {"EucJp", "EUC-JP", "a\xA5\xC6,b\n", u"a\u30c6,b\n"},
     {"Windows1252", "windows-1252", "a\x80,b\n", u"a\u20ac,b\n"},
     {"ShiftJis", "Shift_JIS", "a\x83\x65,b\n", u"a\u30c6,b\n"},
     {"Iso2022Jp", "ISO-2022-JP", "a\x1B$B%F\x1B(Bb", u"a\u30c6b"},

@@ -122,6 +122,16 @@ TEST(DetectionFromAFaultyDevice, IsAnErrorWhereverAReadOfAGivenEncodingFailsOnce
   }
 }
 
+// Without one the head is read twice; a failure of the first reading alone is not forgotten.
+TEST(DetectionFromAFaultyDevice, IsAnErrorWhereverAReadFailsOnce) {
+  for (std::size_t place = 0; place <= kTable.size(); ++place) {
+    FaultyDevice device(kTable);
+    device.fail_reads_at(place, EIO, 1);
+    EXPECT_EQ(error_from(device), message(EIO)) << place;
+    EXPECT_EQ(device.open_streams(), 0U);
+  }
+}
+
 struct PlaceCase {
   const char* rule;
   std::size_t place;
@@ -173,6 +183,14 @@ TEST(DetectionFromAFaultyDevice, ThatCannotSeekReadsItOnce) {
   open_next = [&] { return sound.open(); };
   EXPECT_EQ(layout.characters_sampled, detect_layout("table.csv").characters_sampled);
   EXPECT_EQ(layout.num_variables, 2U);
+}
+
+// The way back to the start, after a look at the head, is not taken for granted.
+TEST(DetectionFromAFaultyDevice, ThatDoesNotGoBackIsAnError) {
+  FaultyDevice device(kTable);
+  device.fail_seeks(2, EIO);
+  EXPECT_EQ(error_from(device), message(EIO));
+  EXPECT_EQ(device.open_streams(), 0U);
 }
 
 // --- files that cannot be opened -----------------------------------------------------------------
