@@ -141,6 +141,7 @@ Layout detect_layout(const std::string& path, const DetectSettings& settings) {
   layout.encoding_found = input.encoding().found;
   layout.encoding_confidence = input.encoding().confidence;
   layout.ill_formed_parts = input.ill_formed_parts();
+  layout.text_goes_on = input.goes_on();
   return layout;
 }
 
@@ -150,7 +151,10 @@ Layout detect_layout(std::u16string_view text, const DetectSettings& settings) {
   char16_t* const end = fold_surrogate_pairs(folded.data(), folded.data() + folded.size());
   MemoryTextSource source(folded.data(), static_cast<std::size_t>(end - folded.data()));
   const TextStream stream(&source);
-  return layout_of_sample(get_fixed_stream(stream, settings.options.line_endings), settings);
+  const Field sample = get_fixed_stream(stream, settings.options.line_endings);
+  Layout layout = layout_of_sample(sample, settings);
+  layout.text_goes_on = stream.at(sample.length) != TextStream::kEnd;
+  return layout;
 }
 
 }  // namespace textio::standalone

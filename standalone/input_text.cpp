@@ -115,15 +115,32 @@ void InputText::decode(File file) {
 
 // Ill-formed parts in a text whose head was well-formed.
 void InputText::look_behind_the_head() {
-  if (source_->getPos() < 0) return;
+  if (source_->getPos() < 0) {
+    doubt_utf8();
+    return;
+  }
   File file(source_->release());
   Preview preview(file.get(), path_);
   preview.go_back();
   const FoundEncoding found = encoding_behind_ascii(preview);
-  if (found.name == encoding_.name) return;
+  if (found.name == encoding_.name) {
+    doubt_utf8();
+    return;
+  }
   preview.go_back();
   encoding_ = found;
   decode(std::move(file));
+}
+
+// UTF-8 but for some parts: as sure as its other characters above 127 are many.
+void InputText::doubt_utf8() {
+  const auto above_ascii =
+      std::count_if(sample_.data, sample_.data + sample_.length,
+                    [](char16_t unit) { return unit > 0x7F || unit == kFoldedCharacter; });
+  const double parts = static_cast<double>(ill_formed_parts_);
+  encoding_.found = EncodingFound::statistics;
+  encoding_.confidence =
+      std::max(0.0, 1.0 - parts / std::max(parts, static_cast<double>(above_ascii)));
 }
 
 }  // namespace textio::standalone

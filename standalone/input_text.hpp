@@ -31,6 +31,9 @@ class InputText {
   const FoundEncoding& encoding() const { return encoding_; }
   std::size_t ill_formed_parts() const { return ill_formed_parts_; }
 
+  // Whether the text goes on behind the sample.
+  bool goes_on() const { return stream_->at(sample_.length) != TextStream::kEnd; }
+
  private:
   struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -39,6 +42,7 @@ class InputText {
 
   void decode(File file);
   void look_behind_the_head();
+  void doubt_utf8();
 
   std::string path_;
   const DetectSettings& settings_;

@@ -123,6 +123,10 @@ struct VLTEXTSTREAM_EXPORT Layout {
   std::size_t lines_sampled = 0;
   std::size_t characters_sampled = 0;
 
+  // Whether the text goes on behind these characters. When there are none at all, its first line is
+  // longer than any sample.
+  bool text_goes_on = false;
+
   // How the selection ended, and the filter that left a single candidate, if one did.
   detection::SelectionEnd end = detection::SelectionEnd::no_candidate;
   std::string decided_by;

@@ -156,6 +156,7 @@ Json json_of(const Layout& layout) {
           {"first_ragged_line", or_null(layout.first_ragged_line)},
           {"lines_sampled", layout.lines_sampled},
           {"characters_sampled", layout.characters_sampled},
+          {"text_goes_on", layout.text_goes_on},
           {"end", name_of(layout.end)},
           {"decided_by", or_null(layout.decided_by)},
           {"trace", layout.trace ? json_of(*layout.trace) : Json(nullptr)}};

@@ -1,9 +1,12 @@
 // vltext: prints how the tables in text files are laid out.
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <map>
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -237,6 +240,9 @@ int run(const Arguments& arguments) {
       } else {
         text += textio::tool::report(file, layout, arguments.given);
       }
+    } catch (const std::bad_alloc&) {
+      complain(fmt::format("cannot read '{}': {}", file, std::strerror(ENOMEM)));
+      status = kFailed;
     } catch (const std::exception& error) {
       complain(error.what());
       status = kFailed;

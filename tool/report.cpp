@@ -125,6 +125,13 @@ std::string encoding(const Layout& layout) {
   return out;
 }
 
+std::string sampled(const Layout& layout) {
+  if (layout.characters_sampled == 0 && layout.text_goes_on) {
+    return "nothing: no line ends in the first 4,194,304 characters";
+  }
+  return fmt::format("{} lines of {} characters", layout.lines_sampled, layout.characters_sampled);
+}
+
 // "1-4 header, 5 blank, 6 names, 7-18 data", or of many runs how many lines each role has.
 std::string lines(const Layout& layout) {
   constexpr std::size_t kMostRuns = 8;
@@ -337,8 +344,7 @@ std::string report(const std::string& file, const Layout& layout,
     fmt::format_to(Out(out), "  ragged          {} lines of data, the first in line {}\n",
                    layout.ragged_lines, *layout.first_ragged_line);
   }
-  fmt::format_to(Out(out), "  sampled         {} lines of {} characters\n", layout.lines_sampled,
-                 layout.characters_sampled);
+  fmt::format_to(Out(out), "  sampled         {}\n", sampled(layout));
   fmt::format_to(Out(out), "  decided by      {}\n", name_of_end(layout));
   if (layout.trace) add_trace(out, *layout.trace);
   return out;

@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstdint>
 #include <memory>
+#include <numeric>
 #include <sstream>
 #include <type_traits>
 
@@ -23,31 +24,6 @@ using testing_support::ExactText;
 
 bool is_datetime(const std::u16string& text) {
   return datetime::is_datetime(Field(text.data(), text.size()));
-}
-
-parser::options library_options(const Choices& choices) {
-  parser::options options;
-  options.line_endings = choices.line_endings;
-  options.comment_style = choices.comment_style;
-  options.whitespace = choices.whitespace;
-  options.detect_header_lines = !choices.header_lines;
-  if (choices.header_lines) options.header_lines = *choices.header_lines;
-  options.detect_num_variables = !choices.num_variables;
-  options.num_variables = choices.num_variables.value_or(0);
-  return options;
-}
-
-reference::Options reference_options(const Choices& choices) {
-  const parser::options options = library_options(choices);
-  reference::Options plain;
-  plain.line_endings = options.line_endings;
-  plain.comment_style = options.comment_style;
-  plain.whitespace = options.whitespace;
-  plain.header_lines = options.header_lines;
-  plain.num_variables = options.num_variables;
-  plain.detect_header_lines = options.detect_header_lines;
-  plain.detect_num_variables = options.detect_num_variables;
-  return plain;
 }
 
 // Collects what differs, under the name of what is being compared.
@@ -112,6 +88,13 @@ std::vector<std::uint16_t> codes_of(const std::vector<DatatypeCode>& codes) {
   return numbers;
 }
 
+// The number of fields on each line, from running totals.
+std::vector<std::size_t> counts_of(const std::vector<std::size_t>& totals) {
+  std::vector<std::size_t> counts(totals.size());
+  std::adjacent_difference(totals.begin(), totals.end(), counts.begin());
+  return counts;
+}
+
 void compare_valuations(Differences& differences, const StrategyValuation& library,
                         const reference::Valuation& plain) {
   differences.compare("total_variation", library.total_variation, plain.total_variation);
@@ -148,6 +131,31 @@ void compare_strategy(Differences& differences, Strategy& strategy, reference::M
 }
 
 }  // namespace
+
+parser::options library_options(const Choices& choices) {
+  parser::options options;
+  options.line_endings = choices.line_endings;
+  options.comment_style = choices.comment_style;
+  options.whitespace = choices.whitespace;
+  options.detect_header_lines = !choices.header_lines;
+  if (choices.header_lines) options.header_lines = *choices.header_lines;
+  options.detect_num_variables = !choices.num_variables;
+  options.num_variables = choices.num_variables.value_or(0);
+  return options;
+}
+
+reference::Options reference_options(const Choices& choices) {
+  const parser::options options = library_options(choices);
+  reference::Options plain;
+  plain.line_endings = options.line_endings;
+  plain.comment_style = options.comment_style;
+  plain.whitespace = options.whitespace;
+  plain.header_lines = options.header_lines;
+  plain.num_variables = options.num_variables;
+  plain.detect_header_lines = options.detect_header_lines;
+  plain.detect_num_variables = options.detect_num_variables;
+  return plain;
+}
 
 std::string difference_in_strategies(const std::u16string& text, const Choices& choices,
                                      const std::vector<unsigned long>& widths) {
@@ -194,6 +202,7 @@ std::string difference_in_detection(const std::u16string& text, const Choices& c
     compare_valuations(differences, winner->valuation(), plain.winner.valuation);
     differences.compare("column codes", codes_of(winner->column_classes()),
                         plain.winner.column_codes);
+    differences.compare("field counts", winner->field_counts(), counts_of(plain.winner.counts));
   }
 
   std::size_t kept = 0;

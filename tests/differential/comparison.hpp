@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "options/parser_options.hpp"
+#include "reference/reference.hpp"
+
 namespace textio::differential {
 
 // The choices of a caller that a detection reads.
@@ -17,6 +20,10 @@ struct Choices {
   std::optional<std::size_t> num_variables;  // nothing: to be detected
   unsigned long num_lines = 100;
 };
+
+// The record that holds these choices, for the library and for the reference.
+parser::options library_options(const Choices& choices);
+reference::Options reference_options(const Choices& choices);
 
 // Where the library and the reference part when they detect the layout of `text`; empty when they
 // agree on candidates, valuations, survivors and winner.

@@ -321,6 +321,15 @@ TEST_P(StreamCodeConverterSamples, GiveTheSameUnitsHoweverTheyAreFed) {
   }
 }
 
+// Former bug: the question whether the encoding exchanges control characters was counted, so that a
+// well-formed text in UTF-16 or UTF-32 had an ill-formed part.
+TEST_P(StreamCodeConverterSamples, HaveNoIllFormedPart) {
+  StreamCodeConverter converter(GetParam().encoding, true);
+  EXPECT_EQ(converter.ill_formed_parts(), 0U) << "before the first byte";
+  convert(converter, bytes(), kPlenty, true);
+  EXPECT_EQ(converter.ill_formed_parts(), 0U);
+}
+
 TEST_P(StreamCodeConverterSamples, GiveTheSameUnitsWhereverTheyAreCut) {
   for (const bool one_unit : {false, true}) {
     for (std::size_t cut = 0; cut <= bytes().size(); ++cut) {

@@ -70,6 +70,10 @@ TEST_P(InputTextBehindTheHead, IsReadInTheEncodingThatFitsIt) {
   const InputText input(folder.file("t", ascii(row.head) + row.behind), settings);
   EXPECT_EQ(input.encoding().name, row.encoding);
   EXPECT_EQ(input.ill_formed_parts(), row.ill_formed);
+  // What holds ill-formed parts is not proved to be UTF-8.
+  const bool is_proved = input.encoding().found == EncodingFound::valid_utf8;
+  EXPECT_EQ(is_proved, row.encoding == "UTF-8" && row.ill_formed == 0);
+  EXPECT_EQ(input.encoding().confidence == 1.0, is_proved);
   const std::u16string_view sample(input.sample().data, input.sample().length);
   ASSERT_GE(sample.size(), row.end.size());
   EXPECT_TRUE(sample.substr(sample.size() - row.end.size()) == row.end);
@@ -98,6 +102,19 @@ TEST(InputTextEncoding, OfTheOptionsIsTakenUnlessItIsTheDefault) {
   EXPECT_EQ(InputText(path, settings).encoding().found, EncodingFound::given);
   settings.options.encoding = u"UTF-8";
   EXPECT_NE(InputText(path, settings).encoding().found, EncodingFound::given);
+}
+
+TEST(InputTextSample, TellsWhetherTheTextGoesOn) {
+  const TempFolder folder;
+  const DetectSettings settings;
+  EXPECT_FALSE(InputText(folder.file("short", "a,b\n1,2\n"), settings).goes_on());
+  EXPECT_FALSE(InputText(folder.file("empty", ""), settings).goes_on());
+  EXPECT_TRUE(InputText(folder.file("long", ascii(5'000'000)), settings).goes_on());
+  // A line longer than any sample leaves nothing to sample.
+  const std::string one_line(5'000'000, 'x');
+  const InputText endless(folder.file("endless", one_line), settings);
+  EXPECT_EQ(endless.sample().length, 0U);
+  EXPECT_TRUE(endless.goes_on());
 }
 
 // --- failures -----------------------------------------------------------------------------------

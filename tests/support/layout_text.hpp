@@ -43,8 +43,8 @@ inline std::string every_member_of(const standalone::Layout& layout) {
   }
   out << "\nragged " << layout.ragged_lines << " from " << describe(layout.first_ragged_line)
       << "\nsampled " << layout.lines_sampled << " lines " << layout.characters_sampled
-      << " characters\nend " << static_cast<int>(layout.end) << " by '" << layout.decided_by
-      << "'\n";
+      << " characters" << (layout.text_goes_on ? " of more" : "") << "\nend "
+      << static_cast<int>(layout.end) << " by '" << layout.decided_by << "'\n";
   if (layout.trace) out << describe(*layout.trace);
   return out.str();
 }

@@ -53,6 +53,14 @@ TEST_F(Tool, PrintsTheLayoutInWords) {
                             "  decided by      only-candidate\n");
 }
 
+TEST_F(Tool, TellsAFirstLineBeyondAnySampleFromAnEmptyFile) {
+  const CommandResult endless = vltext({folder_.file("x", std::string(5'000'000, 'x'))});
+  EXPECT_EQ(endless.status, 0);
+  EXPECT_THAT(endless.out, HasSubstr("nothing: no line ends in the first 4,194,304 characters"));
+  const CommandResult empty = vltext({folder_.file("e", "")});
+  EXPECT_THAT(empty.out, HasSubstr("0 lines of 0 characters"));
+}
+
 TEST_F(Tool, ExplainsWithCandidatesAndFilters) {
   const CommandResult result =
       vltext({"--explain", folder_.file("t.csv", "a b,c\n1 2,3\n4 5,6\n")});

@@ -1,0 +1,19 @@
+// A Layout as text, so that two can be compared as a whole.
+#pragma once
+
+#include <string>
+
+#include "standalone/layout.hpp"
+#include "support/layout_text.hpp"
+
+namespace textio::fuzz {
+
+// Where the encoding came from is left out: files and texts differ in it.
+inline std::string describe(standalone::Layout layout) {
+  layout.encoding.clear();
+  layout.encoding_found = standalone::EncodingFound::none;
+  layout.encoding_confidence = 0.0;
+  return testing_support::every_member_of(layout);
+}
+
+}  // namespace textio::fuzz

@@ -1,0 +1,282 @@
+// Writes the seeds of all fuzz targets: make_corpus FOLDER EXAMPLES_FOLDER. A seed is the choices
+// of its target, byte by byte, and a text behind them; where a choice is 0 it is the plain one. The
+// same seeds come out everywhere.
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "fuzz/choices.hpp"
+#include "fuzz/encodings.hpp"
+#include "fuzz/option_names.hpp"
+#include "fuzz/table_maker.hpp"
+
+namespace textio::fuzz {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+std::string byte(std::size_t value) { return std::string(1, static_cast<char>(value)); }
+std::string zeros(std::size_t count) { return std::string(count, '\0'); }
+
+// The seeds of one target, numbered.
+class Seeds {
+ public:
+  Seeds(const fs::path& folder, const char* target) : folder_(folder / target) {
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+  }
+  void add(std::string_view bytes) {
+    char name[16];
+    std::snprintf(name, sizeof name, "seed-%03zu", ++count_);
+    std::ofstream out(folder_ / name, std::ios::binary);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (!out.flush()) throw std::runtime_error("cannot write " + (folder_ / name).string());
+  }
+
+ private:
+  fs::path folder_;
+  std::size_t count_ = 0;
+};
+
+void make_decoding(Seeds seeds) {
+  // Characters of each length and marks, as the encodings have them.
+  const std::string samples[] = {
+      "\xEF\xBB\xBF"
+      "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80,\n\xC3\x28\xF0\x9F"s,
+      "\xFE\xFF\0a\xD8\x3D\xDE\x00\0\n\xDC\x00"s,
+      "\xFF\xFE"
+      "a\0\x3D\xD8\x00\xDE\n\0\xE9"s,
+      "\0\0\xFE\xFF\0\0\0a\0\x01\xF6\0\0\x11\0\0"s,
+      "\xFF\xFE\0\0a\0\0\0\x00\xF6\x01\0"s,
+      "a\x83\x65\xB1\x93\xFA\x83\x5C\x95\x5C,\x96\x7B\n\x81"s,
+      "a\xD6\xD0\x81\x30\x81\x30\xCE\xC4\x94\x39\xFC\x36z\x84\x31\x95\x33"s,
+      "a\x1B$B\x46\x7C\x4B\x5C\x1B(B,\x1B$B\x24\x22\x1B(B\n\x1B$"s,
+      "Hi +2D3eAA-, +AGE-+"s,
+      "\x80\x9F\x93\xFF\x1A\x1C\x7F\x00z"s};
+  const std::string feeding = "\x01\x02\x03\x01\x02\x03\x00\x01\x03\x01\x05\x02\x01\x00\x02\x07"s;
+  const std::string plain_feeding = zeros(feeding.size());
+  for (std::size_t encoding = 0; encoding < std::size(kEncodings); ++encoding) {
+    for (const std::string& sample : samples) {
+      seeds.add(byte(encoding).append(feeding).append(sample));
+      seeds.add(byte(encoding).append(plain_feeding).append(sample));
+    }
+  }
+}
+
+void make_text_stream(Seeds seeds) {
+  const std::string own = "ab 12,\n\"x\xC0y\"\n\naB;9"s;
+  // All calls at one distance: kind, distance (its kind and its size), unit, set.
+  const auto calls = [](std::size_t distance_kind, std::size_t distance, std::size_t failures) {
+    std::string bytes;
+    for (std::size_t kind = 0; kind < 13; ++kind) {
+      bytes += byte(kind) + byte(distance_kind) + byte(distance) + ",\2,\n";
+      if (kind == 7 || kind == 8) bytes += byte(3) + byte(0);
+      bytes += byte(failures);
+    }
+    return bytes;
+  };
+  // Texts of several blocks take long: they come with few of the distances.
+  const auto add = [&](std::size_t length_kind, std::size_t distance_kind) {
+    const std::string text = byte(length_kind) + byte(own.size()) + own;
+    const std::string more = length_kind == 0 ? "" : "\1\1\1";
+    seeds.add(text + more + byte(15) + byte(0) + byte(0) + calls(distance_kind, 3, 0));
+    seeds.add(text + more + byte(0) + byte(0) + byte(0) + calls(distance_kind, 1, 15));
+  };
+  for (const std::size_t distance_kind : {0U, 8U, 10U, 11U, 12U, 14U, 15U}) add(0, distance_kind);
+  for (const std::size_t length_kind : {224U, 244U, 250U, 254U}) {
+    for (const std::size_t distance_kind : {10U, 11U, 12U}) add(length_kind, distance_kind);
+  }
+}
+
+void make_options(Seeds seeds) {
+  const std::string no_round_trip = zeros(11);
+  const auto pair = [](std::size_t name, const std::string& value) {
+    return byte(0) + byte(name) + value;
+  };
+  const auto text = [](std::string_view units) {
+    return byte(0) + byte(1) + byte(units.size()) + std::string(units);
+  };
+  const std::string number = byte(2) + byte(2);
+  const std::string flag = byte(4) + byte(1);
+  const std::string cell = byte(9) + byte(2) + byte(0) + byte(1) + byte(0) + byte(2);
+  for (std::size_t name = 0; name < std::size(kOptionNames); ++name) {
+    seeds.add(no_round_trip + pair(name, text("skip")) + pair(name, text("error")));
+    seeds.add(no_round_trip + pair(name, number) + pair(name, flag) + pair(name, cell));
+  }
+  for (std::size_t kind = 0; kind < 12; ++kind) {
+    for (const std::size_t name : {0U, 3U, 8U, 9U, 19U}) {
+      seeds.add(no_round_trip + pair(name, byte(kind) + byte(2) + byte(4) + byte(3) + byte(1)));
+    }
+  }
+}
+
+const std::string kTables[] = {"a,b\n1,2\n3,4\n",
+                               "x;y\r\n\"1;2\";3\r\n\r\n4;\r\n",
+                               "name  value\none     1\ntwo     22\nthree   333\n",
+                               "a\tb\tc\n1\t\t3\n",
+                               "% remark\n1 2 3\n4 5 6\n",
+                               "\"a\nb\",\"c\"\"d\"\n\"open,1\n",
+                               "  1  2\n 10 20\n",
+                               "a||b|c\n1||2|3\n",
+                               "1\r2\r\n3\n\n",
+                               "\x80,1\n\x81\x83,2\n",
+                               "2024-03-01 10:00:00\n2024-03-02 11:00:00\n",
+                               ""};
+
+void make_strategies(Seeds seeds) {
+  for (const std::string& table : kTables) {
+    for (std::size_t kind = 0; kind < 5; ++kind) {
+      std::string choices = zeros(kChoiceBytes);
+      choices[kFreeBytes] = static_cast<char>(kind == 4 ? 3 : 0);
+      choices[kFreeBytes + 1] = static_cast<char>(kind == 4 ? 2 : kind);
+      choices[kFreeBytes + 2] = 2;
+      choices[kFreeBytes + 3] = 3;
+      seeds.add(choices + table);
+    }
+  }
+  TableMaker maker(1);
+  for (int i = 0; i < 40; ++i) {
+    std::string choices = maker.choices();
+    for (std::size_t place = kFreeBytes; place < kChoiceBytes; ++place) {
+      choices[place] = static_cast<char>(maker.below(256));
+    }
+    seeds.add(choices + maker.table().substr(0, 200));
+  }
+}
+
+void make_classification(Seeds seeds) {
+  const std::string fields[] = {"",
+                                "12",
+                                "-2.5e+3",
+                                ".5",
+                                "1.5D-3",
+                                "nan",
+                                "-Inf",
+                                "1-2.5j",
+                                "3i",
+                                "i",
+                                "1:02:03.5",
+                                "12:30",
+                                "::",
+                                "\"12\"",
+                                "\"a\"\"b\"",
+                                "\"",
+                                "\"open",
+                                " \"x\" y",
+                                "2024-03-01",
+                                "2024-03-01T10:00Z",
+                                "March 1, 2024 9:30 PM",
+                                "3/1/24",
+                                "01.02.03",
+                                "24:00 2024-02-29",
+                                "1st Mar 2024",
+                                "north 7",
+                                " 1 ",
+                                "1e",
+                                "+",
+                                "12:30:00 1 Mar 2024"};
+  for (const std::string& field : fields) {
+    seeds.add(byte(0) + field);
+    seeds.add(byte(0) + byte('"') + field + "\" ");
+    seeds.add(byte(9) + byte(2) + "_ " + "_" + field);
+  }
+}
+
+void make_counts(Seeds seeds) {
+  const std::string lists[] = {"",
+                               "\1",
+                               "\3\3\3\3\3",
+                               "\1\1\1\3\3\3\3\3",
+                               "\1\0\2\3\3\3\0\3"s,
+                               "\5\4\3\3\3\3\3\2",
+                               "\1\1\1\1\1\1\1\1\1\1\1\2",
+                               "\0\0\3\3\3"s,
+                               "\2\3",
+                               "\3\2\3\2\3\2\3\2",
+                               "\3\3\3\3\3\3\3\3\3\1\1\1\1\1",
+                               "\xE9\xFF\3\3\3"};
+  for (const std::string& list : lists) {
+    seeds.add("\0\0\3\0\0\0"s + list);
+    seeds.add("\2\1\2\1\1\0"s + list);
+    seeds.add("\xFF\3\4\0\1\0"s + list);
+    seeds.add("\1\2\3\1\0\1"s + list);
+  }
+}
+
+std::vector<std::string> texts_of_files(const fs::path& folder) {
+  std::set<fs::path> files;
+  for (const auto& entry : fs::directory_iterator(folder)) files.insert(entry.path());
+  std::vector<std::string> texts;
+  for (const fs::path& file : files) {
+    const std::string extension = file.extension();
+    if (extension != ".csv" && extension != ".txt" && extension != ".tsv") continue;
+    std::ifstream in(file, std::ios::binary);
+    texts.emplace_back(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  }
+  return texts;
+}
+
+// Tables with the defaults, the examples, and tables with choices; `more` are choices that only the
+// target makes, in turn.
+void make_tables(Seeds seeds, std::uint32_t seed, const std::vector<std::string>& examples,
+                 const std::vector<std::string>& more) {
+  TableMaker maker(seed);
+  std::size_t turn = 0;
+  const auto with_more = [&](std::string choices) {
+    const std::string& target_choices = more[turn++ % more.size()];
+    choices.replace(kFreeBytes, target_choices.size(), target_choices);
+    return choices;
+  };
+  for (const std::string& table : kTables) seeds.add(with_more(zeros(kChoiceBytes)) + table);
+  for (const std::string& text : examples) seeds.add(with_more(zeros(kChoiceBytes)) + text);
+  for (int i = 0; i < 60; ++i) {
+    const std::string choices = maker.choices();
+    seeds.add((i % 2 == 0 ? with_more(choices) : choices) + maker.table());
+  }
+}
+
+void make_all(const fs::path& folder, const fs::path& examples_folder) {
+  const std::vector<std::string> examples = texts_of_files(examples_folder);
+  make_decoding(Seeds(folder, "decoding"));
+  make_text_stream(Seeds(folder, "text_stream"));
+  make_options(Seeds(folder, "options"));
+  make_strategies(Seeds(folder, "strategies"));
+  make_classification(Seeds(folder, "classification"));
+  make_counts(Seeds(folder, "counts"));
+  make_tables(Seeds(folder, "detection"), 1, examples, {""});
+  // Size of a read, read fault (3) or allocation, once or from there on, which one, trace,
+  // encoding.
+  make_tables(Seeds(folder, "faults"), 2, examples,
+              {"\0\0\0\0\1"s, "\0\0\0\0\x20"s, "\0\0\1\0\x30"s, "\7\3\0\0\2"s, "\7\3\1\0\1"s,
+               "\0\0\0\0\x60\1"s, "\0\0\0\1\0\0\1\1"s, "\0\0\1\0\x10\0\1\2"s});
+  // Layout given in part (6, 7), encoding (from 16 on), trace, read as a file.
+  make_tables(Seeds(folder, "front_door"), 3, examples,
+              {"\0\0\0\1"s, "\0\0\0\0"s, "\0\x10\0\1"s, "\0\x12\1\1"s, "\6\0\0\0\2\3\4"s,
+               "\7\0\0\1\1\1,"s, "\0\0\0\1"s});
+}
+
+}  // namespace
+}  // namespace textio::fuzz
+
+int main(int count, char** arguments) {
+  if (count != 3) {
+    std::fprintf(stderr, "usage: make_corpus FOLDER EXAMPLES_FOLDER\n");
+    return 2;
+  }
+  try {
+    textio::fuzz::make_all(arguments[1], arguments[2]);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
+}
