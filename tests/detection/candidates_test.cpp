@@ -117,7 +117,7 @@ TEST(FindCandidateCharsAscii, HasFiftySixCandidates) {
 
 struct WidthsCase {
   const char* rule;
-  std::vector<std::u16string> lines;  // all of one length
+  std::vector<std::u16string> lines;  // as long as the first, or shorter
   double variation;
   std::size_t most_columns;
   std::vector<unsigned long> widths;
@@ -143,6 +143,8 @@ const WidthsCase kWidthsCases[] = {
     {"OnlyBlanksAreOneColumn", {u"   ", u"   "}, 0, 1, {3}},
     {"OneUnitIsOneColumn", {u"x", u" "}, 0, 1, {1}},
     {"ATabIsText", {u"a\tb", u"c\td"}, 0, 1, {3}},
+    // Line 0 counts 2; the end of line 1 takes the blanks away, it counts 1: mean deviation 0.5.
+    {"BehindTheEndOfALineNothingIsBlank", {u"a  b", u"c"}, 0.5, 1, {4}},
     {"ANoBreakSpaceIsText", {u"a\u00a0b"}, 0, 1, {3}},
     // Line 0 counts 3, line 1 only 2: median 2, mean deviation 0.5.
     {"AVariationUpToTheLimit", {u"a b c", u"abc d"}, 0.5, 2, {3, 2}},
@@ -502,6 +504,16 @@ TEST_F(BuildOneCandidate, RefusesOneColumnWithAFixedNumberOfVariablesToo) {
   EXPECT_TRUE(build(u",", text).empty());
   ASSERT_EQ(trace_.candidates.size(), 1U);
   EXPECT_NE(trace_.candidates[0].fate, CandidateFate::kept);
+}
+
+TEST_F(BuildOneCandidate, RefusesASingleLineWithAFixedNumberOfVariablesToo) {
+  // One line has nothing to deviate from.
+  options_.detect_num_variables = false;
+  options_.num_variables = 2;
+  const ExactText text(u"a,b\n");
+  EXPECT_TRUE(build(u",", text).empty());
+  ASSERT_EQ(trace_.candidates.size(), 1U);
+  EXPECT_EQ(trace_.candidates[0].fate, CandidateFate::irregular);
 }
 
 TEST_F(BuildOneCandidate, LeavesTheGivenNumberOfHeaderLinesToTheAlignedReading) {

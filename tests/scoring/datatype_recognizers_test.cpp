@@ -493,6 +493,7 @@ const ClassCase kClassCases[] = {
     {"OneDigitOfHours", kBlanks, u"1:234", DatatypeCode::text},
     {"ThreeDigitsOfHours", kBlanks, u"123:4", DatatypeCode::text},
     {"LetterInTheMinutes", kBlanks, u"12:3x", DatatypeCode::text},
+    {"LetterInTheTensOfMinutes", kBlanks, u"12:x3", DatatypeCode::text},
     {"DoubledQuoteBetweenDigits", kBlanks, u"\"4\"\"2\"", DatatypeCode::text},
     {"NanAndADigit", kBlanks, u"nan5", DatatypeCode::text},
     {"DigitGrouping", kBlanks, u"1,000", DatatypeCode::text},

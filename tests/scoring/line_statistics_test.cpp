@@ -238,6 +238,7 @@ const SkipCase kSkipCases[] = {
     {"PositionFarBehindTheLinesStays", 10, {}, {3, 3, 3}, 10},
     {"PositionBehindTheLinesIsStillShifted", 3, {1}, {3, 0, 3}, 4},
     {"LargestPositionStays", SIZE_MAX, {}, {3, 3}, SIZE_MAX},
+    {"LargestPositionIsNotShifted", SIZE_MAX, {0}, {0, 3}, SIZE_MAX},
 };
 
 class SkipToData : public testing::TestWithParam<SkipCase> {};

@@ -340,6 +340,16 @@ TEST_F(ValuationOnce, TheSecondCallReturnsTheSameRecord) {
   EXPECT_EQ(score.typed_columns, 3u);
 }
 
+TEST(ValuationFieldCounts, AreKnownOnceTheStrategyIsValued) {
+  const parser::options options;
+  DelimitedStrategy commas(options, u',');
+  const ExactText text(u"a,b,c\n\n1\n4,5\n");
+  commas.populate_fields(text.field(), kManyLines);
+  EXPECT_EQ(commas.field_counts(), Series{});
+  commas.valuation();
+  EXPECT_EQ(commas.field_counts(), (Series{3, 0, 1, 2}));
+}
+
 TEST_F(ValuationOnce, ANewSampleDoesNotUndoIt) {
   sample({1, 1, 3, 3, 3});
   strategy_.valuation();

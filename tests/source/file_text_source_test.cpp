@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <iterator>
 #include <memory>
@@ -15,6 +17,9 @@
 #include <string_view>
 #include <vector>
 
+#include <unistd.h>
+
+#include "host/code_converter.hpp"
 #include "source/text_stream.hpp"
 #include "support/first_difference.hpp"
 #include "support/rule_name.hpp"
@@ -721,6 +726,111 @@ TEST(FileTextSourceOpen, TheFileIsClosedWithTheSourceAndAfterAFailure) {
   FileTextSource failing;
   EXPECT_THROW(failing.init_stream(bytes.path(), "no-such-encoding"), std::invalid_argument);
   EXPECT_EQ(open_descriptors(), before);
+}
+
+// --- an open stream, handed over and back ---------------------------------------------------------
+
+// The reading end of a pipe that holds `bytes`.
+std::FILE* pipe_with(std::string_view bytes) {
+  int ends[2];
+  EXPECT_EQ(::pipe(ends), 0);
+  EXPECT_EQ(::write(ends[1], bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+  ::close(ends[1]);
+  return ::fdopen(ends[0], "rb");
+}
+
+// A device whose every read fails and leaves `error` behind as errno.
+std::FILE* failing_device(int& error) {
+  cookie_io_functions_t device{};
+  device.read = [](void* reason, char*, std::size_t) -> ssize_t {
+    errno = *static_cast<const int*>(reason);
+    return -1;
+  };
+  return ::fopencookie(&error, "rb", device);
+}
+
+TEST(FileTextSourceStream, IsReadFromWhereItStands) {
+  std::FILE* const file = pipe_with("abc");
+  EXPECT_EQ(std::fgetc(file), 'a');
+  FileTextSource source;
+  source.init_stream(file, "UTF-8");
+  EXPECT_EQ(rest_of(source, 8), u"bc");
+}
+
+TEST(FileTextSourceStream, OfNullIsNotFound) {
+  FileTextSource source;
+  EXPECT_THROW(source.init_stream(static_cast<std::FILE*>(nullptr), "UTF-8"), std::runtime_error);
+  EXPECT_TRUE(source.isEoS());
+}
+
+// The place where such an input stands is -1, and it is the only one there is.
+TEST(FileTextSourceStream, ThatCannotSeekIsSkippedFromWhereItStandsOnly) {
+  FileTextSource source;
+  source.init_stream(pipe_with("abcdef"), "UTF-8");
+  EXPECT_EQ(source.getPos(), -1);
+  EXPECT_EQ(source.skipFromPos(-1, 2), 2U);
+  EXPECT_EQ(fill(source, 1), u"c");
+  // What follows now would be text from another place than was asked for.
+  EXPECT_EQ(source.skipFromPos(0, 2), 0U);
+  EXPECT_EQ(fill(source, 2), u"");
+  EXPECT_EQ(source.read_error(), ESPIPE);
+}
+
+TEST(FileTextSourceReadError, IsThatOfTheFirstReadThatFailed) {
+  int error = ENXIO;
+  FileTextSource source;
+  EXPECT_EQ(source.read_error(), 0);
+  source.init_stream(failing_device(error), "UTF-8");
+  EXPECT_EQ(source.read_error(), 0);
+  EXPECT_EQ(fill(source, 8), u"");
+  EXPECT_EQ(source.read_error(), ENXIO);
+  error = EBADMSG;
+  EXPECT_EQ(fill(source, 8), u"");
+  EXPECT_EQ(source.read_error(), ENXIO);
+}
+
+TEST(FileTextSourceReadError, WithoutAReasonIsAnErrorOfTheDevice) {
+  int error = 0;
+  FileTextSource source;
+  source.init_stream(failing_device(error), "UTF-8");
+  EXPECT_EQ(fill(source, 8), u"");
+  EXPECT_EQ(source.read_error(), EIO);
+}
+
+TEST(FileTextSourceReadError, IsNoneAtTheEndOfTheFile) {
+  OpenFile file("abc", "UTF-8");
+  EXPECT_EQ(rest_of(*file, 8), u"abc");
+  EXPECT_EQ(file->read_error(), 0);
+}
+
+TEST(FileTextSourceRelease, GivesTheStreamBackWhereReadingHasCome) {
+  OpenFile file("abc", "UTF-8");
+  EXPECT_EQ(fill(*file, 1), u"a");
+  std::FILE* const released = file->release();
+  ASSERT_NE(released, nullptr);
+  EXPECT_EQ(std::fgetc(released), 'b');
+  EXPECT_EQ(std::fclose(released), 0);
+}
+
+TEST(FileTextSourceRelease, LeavesAnEmptyText) {
+  OpenFile file("abc", "UTF-8");
+  std::FILE* const released = file->release();
+  EXPECT_TRUE(file->isEoS());
+  EXPECT_EQ(fill(*file, 8), u"");
+  EXPECT_EQ(file->getPos(), 0);
+  EXPECT_EQ(file->release(), nullptr);
+  EXPECT_EQ(std::fclose(released), 0);
+}
+
+TEST(FileTextSourceConverter, IsThereAsLongAsTheFileIs) {
+  FileTextSource source;
+  EXPECT_EQ(source.converter(), nullptr);
+  source.init_stream(pipe_with("a\xFFz"), "UTF-8");
+  ASSERT_NE(source.converter(), nullptr);
+  EXPECT_EQ(rest_of(source, 8), u"a\ufffdz");
+  EXPECT_EQ(source.converter()->ill_formed_parts(), 1U);
+  std::fclose(source.release());
+  EXPECT_EQ(source.converter(), nullptr);
 }
 
 TEST(FileTextSourceUnopened, ReadsAsAnEmptyText) {

@@ -605,6 +605,16 @@ TEST(TextStreamAdvancing, BeyondTheEndEmptiesTheWindowForGood) {
   }
 }
 
+TEST(TextStreamAdvancing, BeyondTheEndAsksTheSourceForNothingMore) {
+  ScriptedSource source(long_text(200'000));
+  TextStream stream(&source);
+  stream.advance(300'000);
+  source.forget_calls();
+  EXPECT_EQ(stream.at(0), kEnd);
+  stream.advance(1);
+  EXPECT_EQ(source.fills(), std::vector<std::size_t>{});
+}
+
 TEST(TextStreamAdvancing, ByTheLargestNumberEmptiesTheWindowForGood) {
   ScriptedSource source(std::u16string(300'000, u'x'));
   TextStream stream(&source);
@@ -802,6 +812,38 @@ TEST_P(TextStreamFailure, TheCallSucceedsWhenItIsMadeAgain) {
 
 INSTANTIATE_TEST_SUITE_P(Table, TextStreamFailure, testing::ValuesIn(kFailureCases),
                          testing_support::ByRule());
+
+// When the text that a failed call has overwritten cannot be put back either, there is none.
+void expect_ended(TextStream& stream) {
+  EXPECT_EQ(stream.at(0), kEnd);
+  EXPECT_EQ(stream.find_first_pos_of(u'a', 0), 0U);
+  stream.advance(1);
+  EXPECT_EQ(stream.at(0), kEnd);
+}
+
+// A source that does not go back would leave a gap behind the text that is loaded.
+TEST(TextStreamFailedTwice, EndsBehindWhatIsLoadedWhenTheSourceDoesNotGoBack) {
+  ScriptedSource source(long_text(1'000'000));
+  TextStream stream(&source);
+  source.fail_fill(1);
+  source.fail_skip(2);  // the first goes on by 368,928 units, the second would go back
+  EXPECT_THROW(stream.advance(500'000), ScriptedFailure);
+  source.fail_no_more();
+  const Model model{long_text(1'000'000)};
+  expect_same_units(stream, model, {0, 1, 500, TextStream::kBufferUnits - 1});
+  EXPECT_EQ(stream.at(TextStream::kBufferUnits), kEnd);
+}
+
+TEST(TextStreamFailedTwice, ReadsAsEndedWhenTheBufferDoesNotGrowAgain) {
+  ScriptedSource source(long_text(1'000'000));
+  TextStream stream(&source);
+  stream.at(599'999);
+  source.fail_fill(1);
+  source.fail_resize(2);  // the first cuts the buffer back, the second would make room again
+  EXPECT_THROW(stream.advance(800'000), ScriptedFailure);
+  source.fail_no_more();
+  expect_ended(stream);
+}
 
 TEST(TextStreamConstruction, PassesOnWhatTheSourceThrows) {
   ScriptedSource failing_fill(u"abc");

@@ -113,6 +113,13 @@ TEST(DelimitedConstructor, PrefersTheDelimitersItIsGivenToThoseOfTheOptions) {
   EXPECT_EQ(strategy.delimiter()->strings, (Texts{u",", u"::"}));
 }
 
+TEST(DelimitedDelimiters, AreTheOnesItCutsAt) {
+  const parser::options options;
+  EXPECT_EQ(DelimitedStrategy(options, u';').delimiters(), Texts{u";"});
+  EXPECT_EQ(DelimitedStrategy(options, Texts{u"::"}).delimiters(), Texts{u"::"});
+  EXPECT_EQ(DelimitedStrategy(options, Texts{u",", u"|"}).delimiters(), (Texts{u",", u"|"}));
+}
+
 struct WhitespaceCase {
   const char* rule;
   std::u16string whitespace;

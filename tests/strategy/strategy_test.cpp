@@ -132,6 +132,19 @@ TEST(StrategyConstructor, SetsTheFormatOfNumbers) {
   EXPECT_EQ(strategy.number_format_.narrow_text, "");
 }
 
+TEST(StrategyFormats, HaveTheDefaultsOfAPlainText) {
+  const FieldFormat text;
+  EXPECT_EQ(text.whitespace, u" \b\t");
+  EXPECT_FALSE(text.case_sensitive);
+  EXPECT_EQ(text.trim, FieldFormat::Trim::both);
+  const NumberFormat number;
+  EXPECT_EQ(number.whitespace, u" \b\t");
+  EXPECT_EQ(number.exp_chars, u"eEdD");
+  EXPECT_TRUE(number.exp_chars_default);
+  EXPECT_EQ(number.decimal_separator, u'.');
+  EXPECT_EQ(number.thousands_separator, char16_t{0xFFFF});
+}
+
 TEST(StrategyConstructor, TakesTheWhiteSpaceOfTheOptionsIntoAllFormats) {
   for (const std::u16string& whitespace : {std::u16string(u"_"), std::u16string()}) {
     parser::options options;
@@ -648,6 +661,24 @@ TEST(StrategyFieldArray, IsEmptyBeforeAnythingWasSampled) {
   PlainStrategy strategy(options);
   EXPECT_TRUE(strategy.get_fields_from_lines().fields.empty());
   EXPECT_TRUE(strategy.get_fields_from_lines().counts.empty());
+}
+
+// A field that starts behind its line does not end where the line ends.
+TEST(StrategyGetFieldsFromLines, AFieldBehindTheLineIsFollowedByOneMore) {
+  struct Beyond : PlainStrategy {
+    using PlainStrategy::PlainStrategy;
+    FieldExtent get_next_field(const Field& line, unsigned long /*start*/) override {
+      return {Field(line.data + line.length + 1, 1), line.length};
+    }
+  };
+  const parser::options options;
+  Beyond strategy(options);
+  const ExactText text(u"ab\ncd");
+  strategy.populate_fields(text.field(), 1);
+  const FieldArray array = strategy.get_fields_from_lines();
+  EXPECT_EQ(array.counts, (std::vector<std::size_t>{2}));
+  ASSERT_EQ(array.fields.size(), 2u);
+  EXPECT_EQ(text_of(array.fields[0]), u"c");
 }
 
 // The cut of lines that hold an end mark, put in place as they are.
