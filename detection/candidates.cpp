@@ -68,12 +68,14 @@ CandidateTrace trace_of(Strategy& strategy, CandidateFate fate) {
 class CandidateBuilder {
  public:
   CandidateBuilder(const CandidateInput& input, SelectionTrace* trace)
-      : input_(input), trace_(trace) {}
+      : input_(input), samples_(input.samples), trace_(trace) {}
 
   Candidates build(const std::u16string& chars) {
     for (const char16_t c : chars) {
       if (c == u' ') add_space_aligned();
-      add_if_accepted(std::make_shared<DelimitedStrategy>(input_.options, c));
+      auto delimited = std::make_shared<DelimitedStrategy>(input_.options, c);
+      samples_.draw(*delimited);
+      add_if_accepted(delimited);
     }
     return std::move(candidates_);
   }
@@ -82,14 +84,19 @@ class CandidateBuilder {
   void add_space_aligned() {
     auto aligned = std::make_shared<SpaceAlignedStrategy>(input_.options);
     if (!input_.options.detect_header_lines) aligned->header_lines(input_.header_lines);
-    const std::vector<Field> lines = aligned->populate_fields(input_.text, input_.num_lines);
+    const unsigned long header_lines_before = aligned->header_lines();
+    samples_.draw(*aligned);
     aligned->valuation();
+    const std::vector<Field>& lines = aligned->lines();
     // Without a data line, or with nothing but blanks in them, there are no columns to find.
     const bool has_data =
         lines.size() > 1 && aligned->header_lines() < lines.size() && lines[0].length > 0;
     if (has_data && all_as_long_as_the_first(lines, aligned->header_lines())) {
       add_aligned_or_fixed(aligned, lines);
     } else {
+      // A valuation may override header lines that are given, and with them how much is sampled.
+      const bool are_settled = aligned->header_lines() == header_lines_before;
+      if (!input_.options.detect_header_lines && !are_settled) samples_.draw(*aligned);
       add_if_accepted(aligned);
     }
   }
@@ -104,8 +111,8 @@ class CandidateBuilder {
     }
     std::vector<unsigned long> widths;
     if (score.data_variation != 0.0) {
-      widths = find_column_widths({lines.begin() + static_cast<std::ptrdiff_t>(begin), lines.end()},
-                                  lines[begin].length, score.data_variation, score.num_variables);
+      widths = find_column_widths(std::span(lines).subspan(begin), lines[begin].length,
+                                  score.data_variation, score.num_variables);
     }
     if (widths.empty()) {
       add(aligned, CandidateFate::kept);
@@ -114,14 +121,15 @@ class CandidateBuilder {
     record(*aligned, CandidateFate::made_fixed_width);
     auto fixed = std::make_shared<FixedWidthStrategy>(input_.options, widths);
     fixed->header_lines(begin);
-    fixed->populate_fields(input_.text, lines.size());
+    samples_.draw(*fixed, lines.size());
     fixed->valuation();
     add(fixed, CandidateFate::kept);
   }
 
   void add_if_accepted(const std::shared_ptr<Strategy>& strategy) {
-    strategy->populate_fields(input_.text, input_.num_lines);
-    const CandidateFate fate = judge(strategy->valuation());
+    const CandidateFate fate = judge(samples_.value(*strategy, [this](const StrategyValuation& v) {
+      return trace_ != nullptr || judge(v) == CandidateFate::kept;
+    }));
     if (fate == CandidateFate::kept) {
       add(strategy, fate);
     } else {
@@ -141,6 +149,7 @@ class CandidateBuilder {
   void add(const std::shared_ptr<Strategy>& strategy, CandidateFate fate) {
     record(*strategy, fate);
     candidates_.push_back(strategy);
+    samples_.put_away(*strategy);
   }
 
   void record(Strategy& strategy, CandidateFate fate) {
@@ -148,6 +157,7 @@ class CandidateBuilder {
   }
 
   const CandidateInput& input_;
+  SampleKeeper& samples_;
   SelectionTrace* trace_;
   Candidates candidates_;
 };
@@ -180,9 +190,8 @@ Candidates build_candidates(const std::u16string& chars, const CandidateInput& i
   return CandidateBuilder(input, trace).build(chars);
 }
 
-std::vector<unsigned long> find_column_widths(const std::vector<Field>& data_lines,
-                                              std::size_t width, double variation,
-                                              std::size_t most_columns) {
+std::vector<unsigned long> find_column_widths(std::span<const Field> data_lines, std::size_t width,
+                                              double variation, std::size_t most_columns) {
   // A place stays blank while every line so far has a space there; text behind such a place
   // begins a column.
   std::vector<char> blank(width, true);

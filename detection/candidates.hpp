@@ -2,9 +2,11 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "detection/sample_keeper.hpp"
 #include "detection/selection_trace.hpp"
 #include "options/parser_options.hpp"
 #include "strategy/strategy.hpp"
@@ -21,20 +23,19 @@ std::u16string find_candidate_chars(const std::vector<Field>& lines);
 struct CandidateInput {
   const parser::options& options;
   unsigned long header_lines;  // when the caller has settled them
-  Field text;
-  unsigned long num_lines;
+  SampleKeeper& samples;
 };
 
-// The candidates for `chars`, which are distinct, in their order; each has sampled the text and has
-// been valued. What was built, kept and refused is added to `trace`, if there is one.
+// The candidates for `chars`, which are distinct, in their order; each has sampled the text, has
+// been valued, and its sample has been put away. What was built, kept and refused is added to
+// `trace`, if there is one.
 Candidates build_candidates(const std::u16string& chars, const CandidateInput& input,
                             SelectionTrace* trace);
 
 // The column widths that fit lines with these texts: a column begins with the blanks that stand in
 // front of its text in all lines. Nothing when the lines have more columns in the end than
 // `most_columns`, or vary by more than `variation`.
-std::vector<unsigned long> find_column_widths(const std::vector<Field>& data_lines,
-                                              std::size_t width, double variation,
-                                              std::size_t most_columns);
+std::vector<unsigned long> find_column_widths(std::span<const Field> data_lines, std::size_t width,
+                                              double variation, std::size_t most_columns);
 
 }  // namespace textio::detection

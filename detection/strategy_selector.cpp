@@ -100,33 +100,38 @@ std::shared_ptr<Strategy> StrategySelector::pick(const Field& text, unsigned lon
 
   auto reader = std::make_shared<LineReaderStrategy>(*options_);
   reader->header_lines(0);
-  const std::vector<Field> lines = reader->populate_fields(text, num_lines);
+  SampleKeeper samples(text, num_lines);
+  samples.draw(*reader);
   if (reads_as_dates(reader->valuation())) {
     ended(SelectionEnd::whole_line_dates);
     return single_column(text, num_lines);
   }
-  if (lines.empty()) {
+  if (reader->lines().empty()) {
     ended(SelectionEnd::empty_sample);
     return reader;
   }
 
-  const std::u16string chars = find_candidate_chars(lines);
+  const std::u16string chars = find_candidate_chars(reader->lines());
   if (trace) trace->candidate_chars = chars;
-  const Candidates candidates =
-      build_candidates(chars, {*options_, header_lines_, text, num_lines}, trace);
+  samples.put_away(*reader);
+  const Candidates candidates = build_candidates(chars, {*options_, header_lines_, samples}, trace);
+  const auto won_by = [&samples](const std::shared_ptr<Strategy>& winner) {
+    samples.bring_back(*winner);
+    return winner;
+  };
   if (candidates.empty()) {
     ended(SelectionEnd::no_candidate);
-    return reader;
+    return won_by(reader);
   }
   if (candidates.size() == 1) {
     ended(SelectionEnd::only_candidate);
-    return candidates.front();
+    return won_by(candidates.front());
   }
 
   const Survivors survivors = reduce(candidates, trace);
   if (survivors.size() == 1) {
     ended(SelectionEnd::single_survivor);
-    return candidates[survivors.front()];
+    return won_by(candidates[survivors.front()]);
   }
   ended(SelectionEnd::unresolved_tie);
   return single_column(text, num_lines);

@@ -9,22 +9,10 @@
 #include "scoring/header_lines.hpp"
 #include "scoring/line_statistics.hpp"
 #include "strategy/cut_rollback.hpp"
-#include "strategy/strategy.hpp"
+#include "strategy/sample_cut.hpp"
 
 namespace textio {
 namespace {
-
-// The number of fields of each of `num_lines` lines, from the running totals.
-std::vector<std::size_t> counts_per_line(const std::vector<std::size_t>& totals,
-                                         std::size_t num_lines) {
-  std::vector<std::size_t> counts(num_lines, 0);
-  std::size_t before = 0;
-  for (std::size_t i = 0; i < std::min(num_lines, totals.size()); ++i) {
-    counts[i] = totals[i] - before;
-    before = totals[i];
-  }
-  return counts;
-}
 
 std::vector<std::size_t> indexes_of_zeros(const std::vector<std::size_t>& counts) {
   std::vector<std::size_t> indexes;
@@ -37,27 +25,32 @@ std::vector<std::size_t> indexes_of_zeros(const std::vector<std::size_t>& counts
 }  // namespace
 
 const StrategyValuation& Strategy::valuation() {
-  if (valuation_done_) return valuation_;
+  if (!valuation_done_) value([](const StrategyValuation&) { return true; });
+  return valuation_;
+}
+
+// Scores the cut. The classes of the columns come last, and only if the scores up to there say that
+// they are wanted.
+void Strategy::value(const std::function<bool(const StrategyValuation&)>& wants_classes) {
   CutRollback rollback(*this);
-  const FieldArray fields = get_fields_from_lines();
-  std::vector<std::size_t> line_counts = counts_per_line(fields.counts, lines_.size());
+  SampleCut cut(*this);
   const StrategyValuation valuation_before = valuation_;
   const std::size_t header_lines_before = header_lines_;
   try {
-    value_cut(fields, line_counts);
+    if (measure(cut.counts()) && wants_classes(valuation_)) take_classes(classes_of(cut));
   } catch (...) {
     valuation_ = valuation_before;
     header_lines_ = header_lines_before;
     throw;
   }
   rollback.dismiss();
-  field_counts_ = std::move(line_counts);
+  field_counts_ = cut.take_counts();
   valuation_done_ = true;
-  return valuation_;
 }
 
-void Strategy::value_cut(const FieldArray& fields, const std::vector<std::size_t>& line_counts) {
-  const std::size_t n = lines_.size();
+// Returns whether there are columns to classify.
+bool Strategy::measure(const std::vector<std::size_t>& line_counts) {
+  const std::size_t n = line_counts.size();
   valuation_.num_lines = n;
 
   // The first line that may hold data: a header line has one field, a data line more.
@@ -68,10 +61,10 @@ void Strategy::value_cut(const FieldArray& fields, const std::vector<std::size_t
     first = static_cast<std::size_t>(found - line_counts.begin());
     if (first == n) {
       header_lines_ = 0;
-      return;
+      return false;
     }
   } else if (n == 0) {
-    return;
+    return false;
   }
 
   valuation_.modal_field_count = static_cast<std::int32_t>(get_modified_median(line_counts, first));
@@ -80,7 +73,7 @@ void Strategy::value_cut(const FieldArray& fields, const std::vector<std::size_t
   } else if (header_lines_auto_) {
     header_lines_ = first;
   }
-  inspect_datatypes(fields);
+  return true;
 }
 
 void Strategy::settle_header_lines(const std::vector<std::size_t>& line_counts,

@@ -32,7 +32,8 @@ class VLTEXTSTREAM_EXPORT FixedWidthStrategy : public Strategy {
   const std::vector<std::size_t>& widths() const { return widths_; }
 
  private:
-  friend class Strategy;  // takes the column back when a cut fails
+  friend class SampleCut;
+  friend class Strategy;  // goes back to the column of an earlier line
 
   std::shared_ptr<const DelimiterSet> line_endings_;
   std::vector<std::size_t> widths_;

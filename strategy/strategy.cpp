@@ -13,9 +13,11 @@
 namespace textio {
 namespace {
 
+constexpr auto kNoLimit = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t kFirstRoom = 16'384;
+
 std::size_t saturating_add(std::size_t a, std::size_t b) {
-  constexpr auto kMost = std::numeric_limits<std::size_t>::max();
-  return a > kMost - b ? kMost : a + b;
+  return a > kNoLimit - b ? kNoLimit : a + b;
 }
 
 // Whether a line whose cleaned text is `text` is a comment. Only the start marker counts: what a
@@ -29,6 +31,13 @@ bool is_comment(const Field& text, const std::vector<std::u16string>& comment_st
 Field or_replacement(const Field& cleaned, const FieldFormat& format) {
   const std::u16string& replacement = format.empty_text;
   return cleaned.length > 0 ? cleaned : Field(replacement.data(), replacement.size());
+}
+
+// Doubles a full list of lines, yet not beyond what a text with so many units left can add.
+void make_room_for_one(std::vector<Field>& lines, std::size_t units_left) {
+  if (lines.size() < lines.capacity()) return;
+  const std::size_t as_many = std::max(lines.size(), kFirstRoom);
+  lines.reserve(lines.size() + std::min(as_many, units_left + 1));
 }
 
 // Whether `field`, a field of `line`, ends where the line ends. A field may report more units than
@@ -75,18 +84,29 @@ long Strategy::num_variables() const {
 
 // The sample before is kept until the new one is there, and its copy.
 std::vector<Field> Strategy::populate_fields(const Field& text, unsigned long num_lines) {
+  std::vector<Field> lines = sampled_lines(text, num_lines, kNoLimit);
+  std::vector<Field> copy = lines;
+  text_ = text;
+  lines_ = std::move(lines);
+  return copy;
+}
+
+// The lines of a sample, of which there are `most_lines` at most.
+std::vector<Field> Strategy::sampled_lines(const Field& text, unsigned long num_lines,
+                                           std::size_t most_lines) {
   std::vector<Field> lines;
   const std::size_t target =
       header_lines_auto_ ? num_lines : saturating_add(num_lines, header_lines_);
-  lines.reserve(std::min(target, saturating_add(text.length, 1)));
+  lines.reserve(std::min({target, saturating_add(text.length, 1), kFirstRoom}));
 
   // Every line extent ends behind its start while there is text: it holds a unit, or a line
   // ending, or both. So the loop ends.
   std::size_t pos = 0;
   std::size_t count = 0;
-  while (!ends_at(text, pos) && count < target) {
+  while (!ends_at(text, pos) && count < target && lines.size() < most_lines) {
     const FieldExtent line = get_line_extent(text, pos);
     pos = line.next;
+    make_room_for_one(lines, text.length - std::min(pos, text.length));
     const Field cleaned = or_replacement(clean_line(line.field, text_format_), text_format_);
     if (cleaned.length == 0) {
       lines.push_back(empty_field());
@@ -97,10 +117,7 @@ std::vector<Field> Strategy::populate_fields(const Field& text, unsigned long nu
   }
   // A budget that the text did not come up to may have reserved far more than is kept.
   if (lines.capacity() / 2 > lines.size()) lines.shrink_to_fit();
-  std::vector<Field> copy = lines;
-  text_ = text;
-  lines_ = std::move(lines);
-  return copy;
+  return lines;
 }
 
 // Every field moves `pos` on: it holds a unit, or a delimiter, or both. (Only columns of width 0 do

@@ -17,6 +17,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <string>
@@ -31,6 +32,12 @@
 #include <vltextstream/strategy/field_array.hpp>
 
 namespace textio {
+
+class LineFields;
+class SampleCut;
+namespace detection {
+class SampleKeeper;
+}
 
 // What is taken off the ends of a piece of text before it is treated as a value.
 struct VLTEXTSTREAM_EXPORT ValueFormat {
@@ -166,11 +173,17 @@ class VLTEXTSTREAM_EXPORT Strategy {
   Field text_;
 
  private:
+  friend class SampleCut;
+  friend class detection::SampleKeeper;
   class VLTEXTSTREAM_LOCAL CutRollback;
 
+  VLTEXTSTREAM_LOCAL std::vector<Field> sampled_lines(const Field& text, unsigned long num_lines,
+                                                      std::size_t most_lines);
   VLTEXTSTREAM_LOCAL void append_fields(const Field& line, std::vector<Field>& fields);
-  VLTEXTSTREAM_LOCAL void value_cut(const FieldArray& fields,
-                                    const std::vector<std::size_t>& line_counts);
+  VLTEXTSTREAM_LOCAL void value(const std::function<bool(const StrategyValuation&)>& wants_classes);
+  VLTEXTSTREAM_LOCAL bool measure(const std::vector<std::size_t>& line_counts);
+  VLTEXTSTREAM_LOCAL std::vector<DatatypeCode> classes_of(LineFields& lines) const;
+  VLTEXTSTREAM_LOCAL void take_classes(std::vector<DatatypeCode> codes);
   VLTEXTSTREAM_LOCAL void settle_header_lines(const std::vector<std::size_t>& line_counts,
                                               const std::vector<std::size_t>& diffs,
                                               std::size_t first);

@@ -26,6 +26,7 @@ using detection::CandidateInput;
 using detection::Candidates;
 using detection::find_candidate_chars;
 using detection::find_column_widths;
+using detection::SampleKeeper;
 using detection::SelectionTrace;
 using testing_support::ByRule;
 using testing_support::delimiter_of;
@@ -368,8 +369,8 @@ class BuildCandidates : public testing::TestWithParam<BuildCase> {
   }
 
   Candidates build(SelectionTrace* trace) const {
-    return build_candidates(GetParam().chars, {options_, options_.header_lines, text_.field(), 100},
-                            trace);
+    SampleKeeper samples(text_.field(), 100);
+    return build_candidates(GetParam().chars, {options_, options_.header_lines, samples}, trace);
   }
 
   parser::options options_;
@@ -422,8 +423,8 @@ class BuildOneCandidate : public testing::Test {
  protected:
   Candidates build(const std::u16string& chars, const ExactText& text,
                    unsigned long num_lines = 100) {
-    return build_candidates(chars, {options_, options_.header_lines, text.field(), num_lines},
-                            &trace_);
+    SampleKeeper samples(text.field(), num_lines);
+    return build_candidates(chars, {options_, options_.header_lines, samples}, &trace_);
   }
 
   parser::options options_;
@@ -552,9 +553,10 @@ TEST_F(BuildOneCandidate, ReadsQuotedLineEndingsAsText) {
 TEST_F(BuildOneCandidate, CandidatesOutliveTheInputAndTheTrace) {
   auto text = std::make_unique<ExactText>(kNames);
   auto trace = std::make_unique<SelectionTrace>();
-  const Candidates candidates =
-      build_candidates(u" ", {options_, kUnknown, text->field(), 100}, trace.get());
+  auto samples = std::make_unique<SampleKeeper>(text->field(), 100);
+  const Candidates candidates = build_candidates(u" ", {options_, kUnknown, *samples}, trace.get());
   text.reset();
+  samples.reset();
   trace.reset();
   ASSERT_EQ(candidates.size(), 1U);
   EXPECT_EQ(candidates[0]->num_variables(), 2);

@@ -1,0 +1,64 @@
+// A list of all fields of a large sample takes many times the memory of its text and is read once,
+// most of it never: a classification looks at a few lines. So lines are counted, and those few are
+// cut a second time.
+#include "strategy/sample_cut.hpp"
+
+#include <typeinfo>
+
+#include "strategy/delimited_strategy.hpp"
+#include "strategy/line_reader_strategy.hpp"
+#include "strategy/space_aligned_strategy.hpp"
+
+namespace textio {
+namespace {
+
+bool is_of_the_library(const Strategy& strategy) {
+  const std::type_info& type = typeid(strategy);
+  return type == typeid(DelimitedStrategy) || type == typeid(SpaceAlignedStrategy) ||
+         type == typeid(FixedWidthStrategy) || type == typeid(LineReaderStrategy);
+}
+
+}  // namespace
+
+SampleCut::SampleCut(Strategy& strategy)
+    : strategy_(strategy),
+      fixed_(dynamic_cast<FixedWidthStrategy*>(&strategy)),
+      first_column_(fixed_ ? fixed_->next_column_ : 0),
+      keeps_all_(!is_of_the_library(strategy)) {
+  counts_.reserve(strategy.lines_.size());
+  for (const Field& line : strategy.lines_) {
+    if (!keeps_all_) fields_.clear();
+    const std::size_t before = fields_.size();
+    strategy.append_fields(line, fields_);
+    strategy.reset_fields();
+    counts_.push_back(fields_.size() - before);
+  }
+}
+
+std::span<const Field> SampleCut::fields(std::size_t line) {
+  go_to(line);
+  if (keeps_all_) return std::span<const Field>(fields_).subspan(fields_before_, counts_[line]);
+  fields_.clear();
+  cut_again(line);
+  return fields_;
+}
+
+// A fixed-width strategy cuts from the column that it came to the first time, and then stands where
+// it stood.
+void SampleCut::cut_again(std::size_t line) {
+  if (!fixed_) {
+    strategy_.append_fields(strategy_.lines_[line], fields_);
+    return;
+  }
+  const std::size_t column = fixed_->next_column_;
+  fixed_->next_column_ = (first_column_ + fields_before_) % fixed_->widths_.size();
+  strategy_.append_fields(strategy_.lines_[line], fields_);
+  fixed_->next_column_ = column;
+}
+
+void SampleCut::go_to(std::size_t line) {
+  while (line_ < line) fields_before_ += counts_[line_++];
+  while (line_ > line) fields_before_ -= counts_[--line_];
+}
+
+}  // namespace textio
