@@ -2,9 +2,9 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <numeric>
-#include <sstream>
 #include <type_traits>
 
 #include "detection/strategy_selector.hpp"
@@ -16,6 +16,7 @@
 #include "strategy/space_aligned_strategy.hpp"
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
+#include "support/unit_strategy.hpp"
 
 namespace textio::differential {
 namespace {
@@ -33,19 +34,20 @@ class Differences {
 
   template <typename T>
   void compare(const char* what, const T& library, const T& plain) {
-    if (library == plain) return;
-    out_ << name_ << ' ' << what << ": library " << show(library) << ", reference " << show(plain)
-         << '\n';
+    if (!(library == plain)) add(what, show(library), show(plain));
   }
   // Bit for bit: infinities, negative zero and all.
   void compare(const char* what, double library, double plain) {
     if (std::bit_cast<std::uint64_t>(library) == std::bit_cast<std::uint64_t>(plain)) return;
-    out_ << name_ << ' ' << what << ": library " << library << ", reference " << plain << '\n';
+    add(what, show(library), show(plain));
   }
 
-  std::string str() const { return out_.str(); }
+  const std::string& str() const { return out_; }
 
  private:
+  void add(const char* what, const std::string& library, const std::string& plain) {
+    out_ += name_ + ' ' + what + ": library " + library + ", reference " + plain + '\n';
+  }
   template <typename T>
   static std::string show(const std::vector<T>& list) {
     std::string out = "[";
@@ -61,8 +63,14 @@ class Differences {
   static std::string show(Number number) requires std::is_arithmetic_v<Number> {
     return std::to_string(number);
   }
+  // With so many digits that numbers which differ look different.
+  static std::string show(double number) {
+    char digits[32];
+    std::snprintf(digits, sizeof digits, "%.17g", number);
+    return digits;
+  }
 
-  std::ostringstream out_;
+  std::string out_;
   std::string name_;
 };
 
@@ -109,25 +117,47 @@ void compare_valuations(Differences& differences, const StrategyValuation& libra
   differences.compare("priors_rank", library.priors_rank, plain.priors_rank);
 }
 
-void compare_strategy(Differences& differences, Strategy& strategy, reference::Mode mode,
-                      const std::vector<std::u16string>& delimiters,
-                      const std::vector<unsigned long>& widths, const std::u16string& text,
-                      const Choices& choices) {
+// What a strategy of the reference is made of.
+struct PlainStrategy {
+  reference::Mode mode;
+  std::vector<std::u16string> delimiters;
+  std::vector<std::size_t> widths;
+};
+
+// The text, and what both sides are told about it.
+struct Task {
+  const std::u16string& text;
+  unsigned long num_lines;
+  const reference::Options& plain_options;
+  unsigned long plain_num_lines;
+};
+
+void compare_strategy(Differences& differences, const std::string& name, Strategy& strategy,
+                      const PlainStrategy& plain_strategy, const Task& task) {
   const reference::Sample plain = reference::sample_strategy(
-      mode, delimiters, {widths.begin(), widths.end()}, text, reference_options(choices),
-      choices.num_lines, std::nullopt, true, is_datetime);
-  const ExactText exact(text);
-  strategy.populate_fields(exact.field(), choices.num_lines);
+      plain_strategy.mode, plain_strategy.delimiters, plain_strategy.widths, task.text,
+      task.plain_options, task.plain_num_lines, std::nullopt, true, is_datetime);
+  const ExactText exact(task.text);
+  strategy.populate_fields(exact.field(), task.num_lines);
   const StrategyValuation& valuation = strategy.valuation();
   const FieldArray again = strategy.get_fields_from_lines();
 
-  differences.enter("mode " + std::to_string(strategy.mode()));
+  differences.enter(name);
   differences.compare("lines", spans_of(strategy.lines(), exact), plain.lines);
   differences.compare("fields", spans_of(again.fields, exact), plain.fields_again);
   differences.compare("counts", again.counts, plain.counts_again);
   differences.compare("header_lines", std::size_t{strategy.header_lines()}, plain.header_lines);
   differences.compare("column codes", codes_of(strategy.column_classes()), plain.column_codes);
   compare_valuations(differences, valuation, plain.valuation);
+}
+
+std::u16string fields_between_blanks(const std::vector<std::size_t>& counts) {
+  std::u16string text;
+  for (const std::size_t count : counts) {
+    for (std::size_t i = 0; i < count; ++i) text += i == 0 ? u"1" : u" 1";
+    text += u'\n';
+  }
+  return text;
 }
 
 }  // namespace
@@ -159,26 +189,79 @@ reference::Options reference_options(const Choices& choices) {
 
 std::string difference_in_strategies(const std::u16string& text, const Choices& choices,
                                      const std::vector<unsigned long>& widths) {
+  return difference_in_strategies(text, choices, choices, widths);
+}
+
+std::string difference_in_strategies(const std::u16string& text, const Choices& choices,
+                                     const Choices& plain_choices,
+                                     const std::vector<unsigned long>& widths) {
   using reference::Mode;
   const parser::options options = library_options(choices);
+  const reference::Options plain_options = reference_options(plain_choices);
+  const Task task{text, choices.num_lines, plain_options, plain_choices.num_lines};
   Differences differences;
   LineReaderStrategy reader(options);
-  compare_strategy(differences, reader, Mode::line_reader, {}, {}, text, choices);
+  compare_strategy(differences, "line reader", reader, {Mode::line_reader, {}, {}}, task);
   for (const std::vector<std::u16string>& delimiters :
        {std::vector<std::u16string>{u","}, {u" "}, {u",1", u","}, {}}) {
     DelimitedStrategy delimited(options, delimiters);
-    compare_strategy(differences, delimited, Mode::delimited, delimiters, {}, text, choices);
+    std::string name = "delimited";
+    for (const std::u16string& delimiter : delimiters) {
+      name += " '" + testing_support::readable(delimiter) + '\'';
+    }
+    compare_strategy(differences, name, delimited, {Mode::delimited, delimiters, {}}, task);
   }
   SpaceAlignedStrategy aligned(options);
-  compare_strategy(differences, aligned, Mode::space_aligned, {u" ", u"\t"}, {}, text, choices);
+  compare_strategy(differences, "space-aligned", aligned, {Mode::space_aligned, {u" ", u"\t"}, {}},
+                   task);
   FixedWidthStrategy fixed(options, widths);
-  compare_strategy(differences, fixed, Mode::fixed_width, {}, widths, text, choices);
+  compare_strategy(differences, "fixed-width", fixed,
+                   {Mode::fixed_width, {}, {widths.begin(), widths.end()}}, task);
+  return differences.str();
+}
+
+std::string difference_in_scores(const std::vector<std::size_t>& counts, const Choices& choices) {
+  return difference_in_scores(counts, choices, choices);
+}
+
+// Columns of width 1 are the reference's way to make a field of each unit.
+std::string difference_in_scores(const std::vector<std::size_t>& counts, const Choices& choices,
+                                 const Choices& plain_choices) {
+  using reference::Mode;
+  const parser::options options = library_options(choices);
+  const reference::Options plain_options = reference_options(plain_choices);
+  const auto task_for = [&](const std::u16string& text) {
+    return Task{text, choices.num_lines, plain_options, plain_choices.num_lines};
+  };
+  Differences differences;
+  const std::u16string units = testing_support::text_of_counts(counts, u'1');
+  testing_support::UnitStrategy strategy(options);
+  compare_strategy(differences, "units", strategy, {Mode::fixed_width, {}, {1}}, task_for(units));
+  const bool is_asked_for_header_lines = !choices.header_lines || *choices.header_lines == SIZE_MAX;
+  if (is_asked_for_header_lines) {
+    const std::u16string text = fields_between_blanks(counts);
+    DelimitedStrategy blanks(options, std::vector<std::u16string>{u" "});
+    compare_strategy(differences, "blanks", blanks, {Mode::delimited, {u" "}, {}}, task_for(text));
+  }
+  return differences.str();
+}
+
+std::string difference_in_valuations(const StrategyValuation& library,
+                                     const reference::Valuation& plain) {
+  Differences differences;
+  differences.enter("valuation");
+  compare_valuations(differences, library, plain);
   return differences.str();
 }
 
 std::string difference_in_detection(const std::u16string& text, const Choices& choices) {
-  const reference::Detection plain =
-      reference::detect(text, reference_options(choices), choices.num_lines, is_datetime);
+  return difference_in_detection(text, choices, choices);
+}
+
+std::string difference_in_detection(const std::u16string& text, const Choices& choices,
+                                    const Choices& plain_choices) {
+  const reference::Detection plain = reference::detect(text, reference_options(plain_choices),
+                                                       plain_choices.num_lines, is_datetime);
   const ExactText exact(text);
   const parser::options options = library_options(choices);
   detection::SelectionTrace trace;

@@ -8,6 +8,7 @@
 
 #include "options/parser_options.hpp"
 #include "reference/reference.hpp"
+#include "scoring/strategy_valuation.hpp"
 
 namespace textio::differential {
 
@@ -33,5 +34,23 @@ std::string difference_in_detection(const std::u16string& text, const Choices& c
 // counts, valuation, header lines, column classes.
 std::string difference_in_strategies(const std::u16string& text, const Choices& choices,
                                      const std::vector<unsigned long>& widths);
+
+// The same for a strategy over lines with these numbers of fields, each of which holds a digit;
+// when header lines are to be detected, also between blanks, where large deviations weigh less.
+std::string difference_in_scores(const std::vector<std::size_t>& counts, const Choices& choices);
+
+// Which members of the two records differ in any bit.
+std::string difference_in_valuations(const StrategyValuation& library,
+                                     const reference::Valuation& plain);
+
+// The first three with other choices for the reference, which is then wrong: that they tell so is
+// how the tests know that they look.
+std::string difference_in_detection(const std::u16string& text, const Choices& choices,
+                                    const Choices& plain_choices);
+std::string difference_in_strategies(const std::u16string& text, const Choices& choices,
+                                     const Choices& plain_choices,
+                                     const std::vector<unsigned long>& widths);
+std::string difference_in_scores(const std::vector<std::size_t>& counts, const Choices& choices,
+                                 const Choices& plain_choices);
 
 }  // namespace textio::differential

@@ -1,0 +1,101 @@
+// The series are numbered as the positive numbers are written with the digits 1 to `letters`, the
+// empty series being 0: each series has one number, and a longer one has a larger number.
+#include "differential/small_worlds.hpp"
+
+#include <algorithm>
+
+#include "differential/comparison.hpp"
+#include "support/printing.hpp"
+
+namespace textio::differential {
+namespace {
+
+// One of the columns has no width, and lines of more than three units start over.
+const std::vector<unsigned long> kWidths = {1, 0, 2};
+
+constexpr std::size_t kNotKnown = SIZE_MAX;
+
+std::string under_heading(const std::string& heading, const std::string& difference) {
+  return difference.empty() ? difference : heading + '\n' + difference;
+}
+
+std::string heading(const Choices& choices) {
+  if (!choices.header_lines) return "header lines detected";
+  if (*choices.header_lines == kNotKnown) return "header lines given as not known";
+  return std::to_string(*choices.header_lines) + " header lines given";
+}
+
+std::string difference_in_text(const std::u16string& text, const Choices& choices) {
+  return under_heading(heading(choices), difference_in_strategies(text, choices, kWidths) +
+                                             difference_in_detection(text, choices));
+}
+
+std::string difference_in_counts(const Series& counts, Choices choices) {
+  choices.line_endings = {u"\n"};  // the only one there is
+  return under_heading(heading(choices), difference_in_scores(counts, choices));
+}
+
+Choices with_header_lines(std::size_t header_lines) {
+  Choices choices;
+  choices.header_lines = header_lines;
+  return choices;
+}
+
+}  // namespace
+
+SmallWorld::SmallWorld(std::size_t letters, std::size_t longest) : letters_(letters), size_(1) {
+  for (std::size_t length = 0; length < longest; ++length) size_ = size_ * letters + 1;
+}
+
+Series SmallWorld::series(std::uint64_t number) const {
+  Series series;
+  for (; number > 0; number /= letters_) {
+    --number;
+    series.push_back(number % letters_);
+  }
+  std::reverse(series.begin(), series.end());
+  return series;
+}
+
+std::optional<FirstDifference> first_difference(
+    const SmallWorld& world, const Part& part,
+    const std::function<std::string(const Series&)>& compare) {
+  for (std::uint64_t number = part.index; number < world.size(); number += part.count) {
+    std::string told = compare(world.series(number));
+    if (!told.empty()) return FirstDifference{number, std::move(told)};
+  }
+  return std::nullopt;
+}
+
+std::u16string small_text(const Series& series) {
+  std::u16string text;
+  for (const std::size_t letter : series) text += kSmallAlphabet[letter];
+  return text;
+}
+
+std::string difference_in_small_text(const Series& series, bool with_given) {
+  const std::u16string text = small_text(series);
+  std::string told = difference_in_text(text, {});
+  if (with_given) {
+    for (const std::size_t header_lines :
+         {std::size_t{0}, std::size_t{1}, std::size_t{2}, text.size() + 1}) {
+      told += difference_in_text(text, with_header_lines(header_lines));
+    }
+  }
+  return under_heading("text \"" + testing_support::readable(text) + '"', told);
+}
+
+std::string difference_in_small_counts(const Series& counts, bool with_given) {
+  std::string told = difference_in_counts(counts, {});
+  if (with_given) {
+    for (std::size_t header_lines = 0; header_lines <= counts.size() + 1; ++header_lines) {
+      told += difference_in_counts(counts, with_header_lines(header_lines));
+    }
+    told += difference_in_counts(counts, with_header_lines(kNotKnown));
+  }
+  std::string name = "fields per line";
+  for (const std::size_t count : counts) name += ' ' + std::to_string(count);
+  return under_heading(name, told);
+}
+
+}  // namespace textio::differential
