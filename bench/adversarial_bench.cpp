@@ -9,13 +9,11 @@
 
 #include <vltextstream/vltextstream.hpp>
 
+#include "bench/memory_count.hpp"
 #include "bench/shapes.hpp"
-#include "support/allocation_counter.hpp"
 
 namespace textio::bench {
 namespace {
-
-using testing_support::allocations_of_this_thread;
 
 constexpr unsigned long kAllLines = std::numeric_limits<unsigned long>::max();
 
@@ -24,12 +22,13 @@ void pick_strategy(benchmark::State& state, const Shape& shape) {
   const Field text(units.data(), units.size());
   const parser::options options;
   const detection::StrategySelector selector(options);
-  const std::size_t before = allocations_of_this_thread();
   for (auto _ : state) benchmark::DoNotOptimize(selector.pick_strategy(text, kAllLines));
-  const auto allocations = static_cast<double>(allocations_of_this_thread() - before);
-  state.counters["allocations"] =
-      benchmark::Counter(allocations, benchmark::Counter::kAvgIterations);
-  state.SetBytesProcessed(static_cast<std::int64_t>(units.size()) * state.iterations());
+  const MemoryCount memory =
+      count_memory([&] { benchmark::DoNotOptimize(selector.pick_strategy(text, kAllLines)); });
+  state.counters["allocations"] = static_cast<double>(memory.allocations);
+  state.counters["peak_bytes"] = static_cast<double>(memory.peak_bytes);
+  state.SetBytesProcessed(static_cast<std::int64_t>(units.size() * sizeof(char16_t)) *
+                          state.iterations());
   state.SetComplexityN(state.range(0));
 }
 

@@ -1,26 +1,22 @@
 // Date checks, without a locale and with one bound. The scope that binds a locale is internal to
 // the host, so this program is linked from its objects.
-#include <cstddef>
-#include <cstdint>
-#include <iterator>
+#include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
-#include <benchmark/benchmark.h>
-
+#include "bench/measure.hpp"
 #include "host/datetime.hpp"
 #include "standalone/date_locale.hpp"
 #include "strategy/field.hpp"
-#include "support/allocation_counter.hpp"
 
 namespace textio::bench {
 namespace {
 
-using testing_support::allocations_of_this_thread;
-
 // What a date check is asked in earnest: fields with a digit that are no number. A quarter of them
 // is written as in the locale that is named.
 struct Fields {
+  const char* name;
   const char16_t* locale;
   std::u16string_view own[8];
 };
@@ -40,55 +36,60 @@ constexpr std::u16string_view kCommon[] = {
     u"Mai Street 12", u"10-12",
 };
 
-constexpr Fields kEnglish = {u"",
+constexpr Fields kEnglish = {"english_alone",
+                             u"",
                              {u"1 Mar 2024", u"31 December 1999", u"Mar 1 2024", u"1st May 2024",
                               u"mars 2024", u"maybe 3", u"sun 4", u"Mon 1"}};
 constexpr Fields kGerman = {
+    "german",
     u"de_DE",
     {u"1. M\u00e4rz 2024", u"31. Dezember 1999", u"Fr., 1. M\u00e4rz 2024", u"1. Mai 2024 um 10:00",
      u"M\u00e4rz 2024", u"\u00dcbung 3", u"Raum 12", u"Mo 1"}};
 constexpr Fields kSpanish = {
+    "spanish",
     u"es_ES",
     {u"1 de marzo de 2024", u"31 de diciembre de 1999", u"viernes, 1 de marzo de 2024",
      u"1 ene 2024", u"marzo 2024", u"a\u00f1o 3", u"calle de la Paz 12", u"1 de 3"}};
 constexpr Fields kJapanese = {
+    "japanese",
     u"ja_JP",
     {u"2024\u5e743\u67081\u65e5", u"2024\u5e743\u67081\u65e5\u91d1\u66dc\u65e5",
      u"2024\u5e743\u67081\u65e5 10:00", u"2024/03/01", u"3\u67081\u65e5", u"7\u53f7\u5ba4",
      u"12\u500b", u"2024\u5e743\u6708"}};
 constexpr Fields kVietnamese = {
+    "vietnamese",
     u"vi_VN",
     {u"1 th\u00e1ng 3, 2024", u"31 th\u00e1ng 12, 2024", u"Th\u1ee9 S\u00e1u, 1 th\u00e1ng 3, 2024",
      u"1 thg 3, 2024", u"th\u00e1ng 3", u"ph\u00f2ng 7", u"12 qu\u1ea3", u"s\u1ed1 9"}};
 
-void is_datetime_under(benchmark::State& state, const Fields& texts) {
-  const datetime::DateLocaleScope scope(texts.locale);
+// 32 fields.
+Step recognise_dates(const Fields& texts) {
+  const auto scope = std::make_shared<datetime::DateLocaleScope>(texts.locale);
   std::vector<Field> fields;
   for (const auto text : kCommon) fields.emplace_back(text.data(), text.size());
+  std::size_t bytes = 0;
   for (const auto text : texts.own) fields.emplace_back(text.data(), text.size());
-  const std::size_t before = allocations_of_this_thread();
-  for (auto _ : state) {
-    for (const Field& field : fields) benchmark::DoNotOptimize(datetime::is_datetime(field));
-  }
-  state.counters["allocations"] = static_cast<double>(allocations_of_this_thread() - before);
-  state.SetItemsProcessed(static_cast<std::int64_t>(fields.size()) * state.iterations());
+  for (const Field& field : fields) bytes += field.length * sizeof(char16_t);
+  return {[scope, fields] {
+            for (const Field& field : fields) keep(datetime::is_datetime(field));
+          },
+          bytes,
+          {{"fields", static_cast<double>(fields.size())}}};
 }
-BENCHMARK_CAPTURE(is_datetime_under, english_alone, kEnglish);
-BENCHMARK_CAPTURE(is_datetime_under, german, kGerman);
-BENCHMARK_CAPTURE(is_datetime_under, spanish, kSpanish);
-BENCHMARK_CAPTURE(is_datetime_under, japanese, kJapanese);
-BENCHMARK_CAPTURE(is_datetime_under, vietnamese, kVietnamese);
 
-void bind_known_locale(benchmark::State& state) {
-  const datetime::DateLocaleScope first(u"de_DE");
-  for (auto _ : state) {
-    const datetime::DateLocaleScope again(u"de_DE");
-    benchmark::ClobberMemory();
-  }
+Step bind_known_locale() {
+  return {[] { keep(datetime::DateLocaleScope(u"de_DE")); }};
 }
-BENCHMARK(bind_known_locale);
+
+void add_all() {
+  for (const Fields* texts : {&kEnglish, &kGerman, &kSpanish, &kJapanese, &kVietnamese}) {
+    add_step(std::string("recognise_dates/") + texts->name,
+             [texts] { return recognise_dates(*texts); });
+  }
+  add_step("bind_known_locale", bind_known_locale);
+}
 
 }  // namespace
 }  // namespace textio::bench
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) { return textio::bench::run(argc, argv, textio::bench::add_all); }

@@ -1,104 +1,120 @@
-// Whole detections by the shape of the data.
+// Whole detections.
 //
-//   pick_strategy/<shape>/<lines>      the selection alone, over a text in memory
-//   detect_layout/<shape>/<lines>      a file in the page cache: open, decode, select, describe
+//   pick_strategy/<shape>/<sample>       the selection alone, over a text in memory
+//   detect_layout/<shape>/<sample>       a file in the page cache: open, decode, select, describe
+//   detect_encoded/<text>/<sample>       the same by encoding, which is given
+//   find_encoding/<text>/100_lines       and here found
+//   detect_small_file                    10 KB, nothing given
 //
-// Bytes per second count the text that the selection sampled, one byte per character; for a file
-// all of it, since all of it is decoded. `allocations` are those of one detection.
+// A selection reads no more than the lines that it samples; of a file all is read, since all of it
+// is decoded. `candidates` are the strategies that were built.
 #include <algorithm>
-#include <cstdint>
+#include <functional>
 #include <limits>
+#include <memory>
 #include <string>
-
-#include <benchmark/benchmark.h>
 
 #include <vltextstream/vltextstream.hpp>
 
+#include "bench/encoded_texts.hpp"
+#include "bench/measure.hpp"
 #include "bench/shapes.hpp"
-#include "support/allocation_counter.hpp"
 #include "support/temp_file.hpp"
 
 namespace textio::bench {
 namespace {
 
-using testing_support::allocations_of_this_thread;
+using standalone::DetectSettings;
 using testing_support::TempFile;
 
 constexpr unsigned long kAllLines = std::numeric_limits<unsigned long>::max();
 
-// Runs `detection` as often as the benchmark asks.
-template <typename Detection>
-void measure(benchmark::State& state, Detection detection) {
-  const std::size_t before = allocations_of_this_thread();
-  for (auto _ : state) benchmark::DoNotOptimize(detection());
-  const auto allocations = static_cast<double>(allocations_of_this_thread() - before);
-  state.counters["allocations"] =
-      benchmark::Counter(allocations, benchmark::Counter::kAvgIterations);
-}
+struct Sample {
+  const char* name;
+  unsigned long lines;
+};
+constexpr Sample kSamples[] = {{"100_lines", 100}, {"1000_lines", 1000}, {"all_lines", kAllLines}};
 
-void count_bytes(benchmark::State& state, std::size_t bytes) {
-  state.SetBytesProcessed(static_cast<std::int64_t>(bytes) * state.iterations());
-}
-
-// The units from the start of `text` to the end of the last line that `strategy` has sampled.
-std::size_t sampled_units(const Strategy& strategy, const Field& text) {
+// The bytes from the start of `text` to the end of the last line that `strategy` has sampled.
+std::size_t sampled_bytes(const Strategy& strategy, const Field& text) {
   std::size_t end = 0;
   for (const Field& line : strategy.lines()) {
     if (line.length == 0) continue;
     end = std::max(end, static_cast<std::size_t>(line.data + line.length - text.data));
   }
-  return end;
+  return end * sizeof(char16_t);
 }
 
-void pick_strategy(benchmark::State& state, const Shape& shape, unsigned long num_lines) {
-  const std::u16string units = shape.make(kSampleUnits);
-  const Field text(units.data(), units.size());
-  const parser::options options;
-  const detection::StrategySelector selector(options);
-  measure(state, [&] { return selector.pick_strategy(text, num_lines); });
-  count_bytes(state, sampled_units(*selector.pick_strategy(text, num_lines), text));
+Step pick_strategy(const Shape& shape, unsigned long num_lines) {
+  const auto units = std::make_shared<std::u16string>(shape.make(kSampleUnits));
+  const auto options = std::make_shared<parser::options>();
+  const auto pick = [=](detection::SelectionTrace* trace) {
+    const detection::StrategySelector selector(*options);
+    const Field text(units->data(), units->size());
+    return trace ? selector.pick_strategy(text, num_lines, *trace)
+                 : selector.pick_strategy(text, num_lines);
+  };
+  detection::SelectionTrace trace;
+  const auto winner = pick(&trace);
+  return {[pick] { keep(pick(nullptr)); },
+          sampled_bytes(*winner, Field(units->data(), units->size())),
+          {{"candidates", static_cast<double>(trace.candidates.size())},
+           {"lines", static_cast<double>(winner->lines().size())}}};
 }
 
-void detect_file(benchmark::State& state, const Shape& shape, unsigned long num_lines) {
-  const std::string bytes = ascii_bytes(shape.make(kSampleUnits));
-  const TempFile file(bytes);
-  const std::string path = standalone::to_utf8(file.path());
-  standalone::DetectSettings settings;
-  settings.num_lines = num_lines;
-  settings.encoding = "UTF-8";
-  measure(state, [&] { return standalone::detect_layout(path, settings).num_variables; });
-  count_bytes(state, bytes.size());
+// The settings are made anew for each call, as a program does that looks at one file.
+Step detect_file(const std::string& bytes, const std::function<DetectSettings()>& make_settings) {
+  const auto file = std::make_shared<TempFile>(bytes);
+  const std::string path = standalone::to_utf8(file->path());
+  DetectSettings traced = make_settings();
+  traced.trace = true;
+  const standalone::Layout layout = standalone::detect_layout(path, traced);
+  return {[file, path, make_settings] { keep(standalone::detect_layout(path, make_settings())); },
+          bytes.size(),
+          {{"candidates", static_cast<double>(layout.trace->candidates.size())},
+           {"lines", static_cast<double>(layout.lines_sampled)}}};
 }
 
-void register_all() {
-  const struct {
-    const char* name;
-    void (*run)(benchmark::State& state, const Shape& shape, unsigned long num_lines);
-  } detections[] = {{"pick_strategy", pick_strategy}, {"detect_layout", detect_file}};
-  const struct {
-    const char* name;
-    unsigned long lines;
-  } budgets[] = {{"100_lines", 100}, {"all_lines", kAllLines}};
-  for (const auto& detection : detections) {
+std::function<DetectSettings()> settings_for(const char* encoding, unsigned long num_lines) {
+  return [=] {
+    DetectSettings settings;
+    settings.num_lines = num_lines;
+    settings.encoding = encoding;
+    return settings;
+  };
+}
+
+DetectSettings default_settings() { return {}; }
+
+// A small table of 20 columns.
+Step detect_small_file() {
+  return detect_file(ascii_bytes(find_shape("regular")->make(10'000)), default_settings);
+}
+
+void add_all() {
+  for (const Sample& sample : kSamples) {
     for (const Shape& shape : data_shapes()) {
-      for (const auto& budget : budgets) {
-        const std::string name = std::string(detection.name) + "/" + shape.name + "/" + budget.name;
-        benchmark::RegisterBenchmark(name.c_str(), [detection, &shape,
-                                                    budget](benchmark::State& state) {
-          detection.run(state, shape, budget.lines);
-        })->Unit(benchmark::kMillisecond);
-      }
+      const std::string name = std::string("/") + shape.name + "/" + sample.name;
+      add_step("pick_strategy" + name, [&] { return pick_strategy(shape, sample.lines); });
+      add_step("detect_layout" + name, [&] {
+        return detect_file(ascii_bytes(shape.make(kSampleUnits)),
+                           settings_for("UTF-8", sample.lines));
+      });
+    }
+    for (const EncodedText& text : encoded_texts()) {
+      add_step(std::string("detect_encoded/") + text.name + "/" + sample.name, [&] {
+        return detect_file(text.make(kSampleUnits), settings_for(text.encoding, sample.lines));
+      });
     }
   }
+  for (const EncodedText& text : encoded_texts()) {
+    add_step(std::string("find_encoding/") + text.name + "/100_lines",
+             [&] { return detect_file(text.make(kSampleUnits), default_settings); });
+  }
+  add_step("detect_small_file", detect_small_file);
 }
 
 }  // namespace
 }  // namespace textio::bench
 
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
-  textio::bench::register_all();
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-}
+int main(int argc, char** argv) { return textio::bench::run(argc, argv, textio::bench::add_all); }

@@ -166,6 +166,16 @@ std::u16string text_line(std::size_t row) {
   return join({sentence(row, 0, 5 + value(row, 1, 12)), u"\n"});
 }
 
+// Four names and as many numbers, in turn.
+std::u16string names_line(std::size_t row) {
+  std::u16string line = digits(row, 1);
+  for (std::size_t column = 0; column < 4; ++column) {
+    line += join({u",", sentence(row, 10 * column, 2), u",", measured(row, column)});
+  }
+  line += u'\n';
+  return line;
+}
+
 std::u16string all_candidates_line(std::size_t row) {
   return join({values(row, 19), u",", candidate_chars(), u"\n"});
 }
@@ -365,15 +375,7 @@ const Shape* find_shape(std::string_view name) {
   return nullptr;
 }
 
-std::u16string ascii_text(std::size_t units) { return lines_of(units, text_line); }
-
-std::u16string two_byte_text(std::size_t units) {
-  std::u16string text = ascii_text(units);
-  for (std::size_t i = 0; i < text.size(); i += 20) {
-    if (text[i] != u'\n') text[i] = u'\u00E9';
-  }
-  return text;
-}
+std::u16string names_table(std::size_t units) { return lines_of(units, names_line); }
 
 std::u16string doubled_quotes(std::size_t pairs) { return std::u16string(2 * pairs + 2, u'"'); }
 

@@ -37,15 +37,13 @@ const std::vector<Shape>& option_shapes();
 // The shape called `name` of any list, null when there is none.
 const Shape* find_shape(std::string_view name);
 
-// Prose in ASCII, and the same with every twentieth character replaced by one that takes two bytes
-// in UTF-8.
-std::u16string ascii_text(std::size_t units);
-std::u16string two_byte_text(std::size_t units);
+// A table of names and numbers in which letters stand close together all over the line.
+std::u16string names_table(std::size_t units);
 
 // A quoted field of `pairs` doubled quotes.
 std::u16string doubled_quotes(std::size_t pairs);
 
-// The bytes of a text of ASCII units.
+// The bytes of a text of units below 256, one byte each.
 std::string ascii_bytes(std::u16string_view text);
 
 // The bytes of a text in UTF-16, little end first, with a byte-order mark.

@@ -1,15 +1,33 @@
-// The stages of a detection, each alone, and the copying of memory as the machine's own measure.
-#include <cstdint>
-#include <cstring>
+// The stages of a detection, each alone, over a full sample of 4,194,304 units where nothing else
+// is said: from the file to the sample, scans of a stream, sampling and cutting for each strategy,
+// valuing, the classes of fields, header lines, candidates and filters.
+//
+// Some are internal, so this program is linked from the library's objects.
+#include <algorithm>
+#include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include <benchmark/benchmark.h>
-
-#include <vltextstream/vltextstream.hpp>
-
+#include "bench/encoded_texts.hpp"
+#include "bench/measure.hpp"
 #include "bench/shapes.hpp"
+#include "detection/candidates.hpp"
+#include "detection/fixed_stream.hpp"
+#include "detection/strategy_selector.hpp"
+#include "scoring/datatype_inspection.hpp"
+#include "scoring/datatype_recognizers.hpp"
+#include "scoring/header_lines.hpp"
+#include "scoring/line_statistics.hpp"
+#include "source/file_text_source.hpp"
+#include "source/memory_text_source.hpp"
+#include "source/text_stream.hpp"
+#include "strategy/delimited_strategy.hpp"
+#include "strategy/fixed_width_strategy.hpp"
+#include "strategy/line_reader_strategy.hpp"
+#include "strategy/space_aligned_strategy.hpp"
 #include "support/temp_file.hpp"
 
 namespace textio::bench {
@@ -17,136 +35,346 @@ namespace {
 
 using testing_support::TempFile;
 
-void count_bytes(benchmark::State& state, std::size_t bytes) {
-  state.SetBytesProcessed(static_cast<std::int64_t>(bytes) * state.iterations());
-}
+constexpr unsigned long kAllLines = std::numeric_limits<unsigned long>::max();
 
-// --- the machine -------------------------------------------------------------------------------
+// Options and a text. Whoever calls a strategy holds on to what it looks at.
+struct Subject {
+  parser::options options;
+  std::u16string text;
 
-// As many bytes as the units of a full sample have.
-void memory_copy(benchmark::State& state) {
-  const std::u16string from(kSampleUnits, u'x');
-  std::u16string to(kSampleUnits, u'y');
-  for (auto _ : state) {
-    std::memcpy(to.data(), from.data(), kSampleUnits * sizeof(char16_t));
-    benchmark::ClobberMemory();
-  }
-  count_bytes(state, kSampleUnits * sizeof(char16_t));
+  Field field() const { return {text.data(), text.size()}; }
+};
+
+std::shared_ptr<Subject> subject_of(std::string_view shape) {
+  auto subject = std::make_shared<Subject>();
+  subject->text = find_shape(shape)->make(kSampleUnits);
+  return subject;
 }
-BENCHMARK(memory_copy)->Unit(benchmark::kMillisecond);
 
 // --- from a file to the sample -----------------------------------------------------------------
 
-void open_decode_cut(benchmark::State& state, const std::string& encoding,
-                     const std::string& bytes) {
-  const TempFile file(bytes);
-  const std::u16string path = file.path();
-  for (auto _ : state) {
-    FileTextSource source;
-    source.init_stream(path, encoding);
-    const TextStream stream(&source);
-    benchmark::DoNotOptimize(get_fixed_stream(stream, parser::default_line_endings()));
-  }
-  count_bytes(state, bytes.size());
-}
+// A little more than a sample, so that there is something to cut off.
+constexpr std::size_t kFileUnits = kSampleUnits + 65'536;
 
-void open_decode_cut_ascii(benchmark::State& state) {
-  open_decode_cut(state, "UTF-8", ascii_bytes(ascii_text(kSampleUnits)));
+Step open_decode_cut(const EncodedText& text) {
+  const std::string bytes = text.make(kFileUnits);
+  const auto file = std::make_shared<TempFile>(bytes);
+  const std::string encoding = text.encoding;
+  return {[file, encoding] {
+            FileTextSource source;
+            source.init_stream(file->path(), encoding);
+            const TextStream stream(&source);
+            keep(get_fixed_stream(stream, parser::default_line_endings()));
+          },
+          bytes.size()};
 }
-BENCHMARK(open_decode_cut_ascii)->Unit(benchmark::kMillisecond);
-
-void open_decode_cut_two_byte_utf8(benchmark::State& state) {
-  open_decode_cut(state, "UTF-8", standalone::to_utf8(two_byte_text(kSampleUnits)));
-}
-BENCHMARK(open_decode_cut_two_byte_utf8)->Unit(benchmark::kMillisecond);
-
-void open_decode_cut_utf16(benchmark::State& state) {
-  open_decode_cut(state, "UTF-16", utf16_bytes(ascii_text(kSampleUnits)));
-}
-BENCHMARK(open_decode_cut_utf16)->Unit(benchmark::kMillisecond);
 
 // --- scans of a stream -------------------------------------------------------------------------
 
 // `scan` runs over a text of one and the same unit to its end.
 template <typename Scan>
-void scan_to_end(benchmark::State& state, char16_t unit, Scan scan) {
-  const std::u16string text(kSampleUnits, unit);
-  MemoryTextSource source(text.data(), text.size());
-  const TextStream stream(&source);
-  for (auto _ : state) benchmark::DoNotOptimize(scan(stream));
-  count_bytes(state, text.size() * sizeof(char16_t));
+void add_scan(const char* name, char16_t unit, Scan scan) {
+  add_step(name, [unit, scan] {
+    const auto text = std::make_shared<std::u16string>(kSampleUnits, unit);
+    const auto source = std::make_shared<MemoryTextSource>(text->data(), text->size());
+    const auto stream = std::make_shared<TextStream>(source.get());
+    return Step{[text, source, stream, scan] { keep(scan(*stream)); }, bytes_of(*text)};
+  });
 }
 
-void find_one_of_one(benchmark::State& state) {
-  scan_to_end(state, u'a',
-              [](const TextStream& stream) { return stream.find_first_pos_of(u'\n', 0); });
+void add_scans() {
+  add_scan("scan/find_one", u'a',
+           [](const TextStream& stream) { return stream.find_first_pos_of(u'\n', 0); });
+  add_scan("scan/find_one_of_three", u'a', [set = std::u16string(u"\n\r,")](const auto& stream) {
+    return stream.find_first_pos_of(set, 0);
+  });
+  add_scan("scan/skip_one", u' ',
+           [](const TextStream& stream) { return stream.find_first_pos_not_of(u' ', 0); });
+  add_scan("scan/skip_three", u' ', [set = std::u16string(u"\b\t ")](const auto& stream) {
+    return stream.find_first_pos_not_of(set, 0);
+  });
+  add_scan("scan/skip_digits", u'7',
+           [](const TextStream& stream) { return stream.find_first_non_digit(0); });
+  add_scan("scan/match", u'a', [marker = std::u16string(kSampleUnits, u'a')](const auto& stream) {
+    return stream.matches_case_sensitive(marker, 0);
+  });
+  add_scan("scan/cut_to_budget", u'a', [](const TextStream& stream) {
+    return get_fixed_stream(stream, parser::default_line_endings()).length;
+  });
 }
-BENCHMARK(find_one_of_one)->Unit(benchmark::kMillisecond);
 
-void find_one_of_three(benchmark::State& state) {
-  const std::u16string set = u"\n\r,";
-  scan_to_end(state, u'a',
-              [&set](const TextStream& stream) { return stream.find_first_pos_of(set, 0); });
+// --- strategies --------------------------------------------------------------------------------
+
+struct StrategyCase {
+  const char* name;
+  const char* shape;
+  std::shared_ptr<Strategy> (*make)(const parser::options& options);
+};
+
+std::shared_ptr<Strategy> commas(const parser::options& options) {
+  return std::make_shared<DelimitedStrategy>(options, u',');
 }
-BENCHMARK(find_one_of_three)->Unit(benchmark::kMillisecond);
 
-void find_none_of_one(benchmark::State& state) {
-  scan_to_end(state, u' ',
-              [](const TextStream& stream) { return stream.find_first_pos_not_of(u' ', 0); });
+constexpr StrategyCase kStrategies[] = {
+    {"line_reader", "regular",
+     [](const parser::options& options) -> std::shared_ptr<Strategy> {
+       return std::make_shared<LineReaderStrategy>(options);
+     }},
+    {"delimited", "regular", commas},
+    {"delimited_quoted", "quoted", commas},
+    {"space_aligned", "aligned",
+     [](const parser::options& options) -> std::shared_ptr<Strategy> {
+       return std::make_shared<SpaceAlignedStrategy>(options);
+     }},
+    {"fixed_width", "fixed",
+     [](const parser::options& options) -> std::shared_ptr<Strategy> {
+       return std::make_shared<FixedWidthStrategy>(options,
+                                                   std::vector<unsigned long>{6, 20, 4, 6});
+     }},
+};
+
+Step sample_lines(const StrategyCase& row) {
+  const auto subject = subject_of(row.shape);
+  const std::shared_ptr<Strategy> strategy = row.make(subject->options);
+  return {[subject, strategy] { keep(strategy->populate_fields(subject->field(), kAllLines)); },
+          bytes_of(subject->text)};
 }
-BENCHMARK(find_none_of_one)->Unit(benchmark::kMillisecond);
 
-void find_none_of_three(benchmark::State& state) {
-  const std::u16string set = u"\b\t ";
-  scan_to_end(state, u' ',
-              [&set](const TextStream& stream) { return stream.find_first_pos_not_of(set, 0); });
+Step cut_into_fields(const StrategyCase& row) {
+  const auto subject = subject_of(row.shape);
+  const std::shared_ptr<Strategy> strategy = row.make(subject->options);
+  strategy->populate_fields(subject->field(), kAllLines);
+  return {[subject, strategy] { keep(strategy->get_fields_from_lines()); },
+          bytes_of(subject->text)};
 }
-BENCHMARK(find_none_of_three)->Unit(benchmark::kMillisecond);
 
-void find_non_digit(benchmark::State& state) {
-  scan_to_end(state, u'7', [](const TextStream& stream) { return stream.find_first_non_digit(0); });
+// A strategy is valued once for each sample.
+Step sample_and_value(const StrategyCase& row) {
+  const auto subject = subject_of(row.shape);
+  const auto make = row.make;
+  return {[subject, make] {
+            const std::shared_ptr<Strategy> strategy = make(subject->options);
+            strategy->populate_fields(subject->field(), kAllLines);
+            keep(strategy->valuation());
+          },
+          bytes_of(subject->text)};
 }
-BENCHMARK(find_non_digit)->Unit(benchmark::kMillisecond);
 
-// --- fields ------------------------------------------------------------------------------------
+// --- classes of fields -------------------------------------------------------------------------
 
-// What a date check is asked in earnest: fields with a digit that are no number.
-void is_datetime_mixed(benchmark::State& state) {
-  constexpr std::u16string_view kTexts[] = {u"2024-03-01",      u"2024-03-01 10:00:00",
-                                            u"01.03.2024",      u"Fri, 01 Mar 2024 10:00:00 GMT",
-                                            u"March 1, 2024",   u"20240301T100000Z",
-                                            u"12 apples",       u"room 7",
-                                            u"192.168.0.1",     u"A-17",
-                                            u"1.2.3-rc4",       u"2024-13-01",
-                                            u"10:00:00, 12 km", u"3/4 inch",
-                                            u"9th avenue",      u"01/Mar/2024:10:00:00 +0000"};
-  std::vector<Field> fields;
-  for (const std::u16string_view text : kTexts) fields.emplace_back(text.data(), text.size());
-  for (auto _ : state) {
-    for (const Field& field : fields) benchmark::DoNotOptimize(datetime::is_datetime(field));
+const std::u16string kWhitespace = u" \b\t";
+
+struct ClassCase {
+  const char* name;
+  std::u16string_view field;
+};
+constexpr ClassCase kClasses[] = {
+    {"empty", u"      "},
+    {"number", u"  -1234.5678e-12 "},
+    {"complex_number", u"1.25-17.5i"},
+    {"duration", u"12:34:56.789"},
+    {"date", u"2024-03-01"},
+    {"date_time", u"2024-03-01 10:00:00"},
+    {"text", u"north of the river"},
+    {"text_with_digits", u"room 12, 3rd floor"},
+    {"quoted_number", u"\"12.5\""},
+    {"quoted_text", u"\"north, \"\"the\"\" river\""},
+};
+
+// One field, a thousand times.
+Step classify(const ClassCase& row) {
+  const std::u16string_view text = row.field;
+  return {[text] {
+            const Field field(text.data(), text.size());
+            for (int i = 0; i < 1000; ++i) keep(classify_field(field, kWhitespace));
+          },
+          1000 * bytes_of(text)};
+}
+
+// The columns of a table as `row` cuts it. With `with_empty` there is nothing in the last of them,
+// so it is looked for down to the last line.
+Step classify_all_columns(const StrategyCase& row, bool with_empty) {
+  const auto subject = subject_of(row.shape);
+  const std::shared_ptr<Strategy> strategy = row.make(subject->options);
+  strategy->populate_fields(subject->field(), kAllLines);
+  const auto cut = std::make_shared<FieldArray>(strategy->get_fields_from_lines());
+  InspectionScope scope;
+  scope.modal_field_count = static_cast<std::int32_t>(cut->counts.front());
+  scope.num_variables = cut->counts.front();
+  scope.whitespace = kWhitespace;
+  scope.text = subject->field();
+  if (with_empty) {
+    for (const std::size_t end : cut->counts) cut->fields[end - 1] = empty_field();
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(fields.size()) * state.iterations());
+  return {[subject, cut, scope] { keep(classify_columns(*cut, scope)); }, bytes_of(subject->text)};
 }
-BENCHMARK(is_datetime_mixed);
 
-void unquote_doubled_quotes(benchmark::State& state) {
-  const std::u16string text = doubled_quotes(static_cast<std::size_t>(state.range(0)));
-  const std::u16string whitespace = u" \b\t";
-  for (auto _ : state) {
-    MutableField field(Field(text.data(), text.size()));
-    unquote(field, whitespace);
-    benchmark::DoNotOptimize(field.length);
-  }
-  count_bytes(state, text.size() * sizeof(char16_t));
-  state.SetComplexityN(state.range(0));
+Step unquote_field() {
+  const auto text = std::make_shared<std::u16string>(doubled_quotes(kSampleUnits / 2 - 1));
+  return {[text] {
+            MutableField field(Field(text->data(), text->size()));
+            unquote(field, kWhitespace);
+            keep(field.length);
+          },
+          bytes_of(*text)};
 }
-BENCHMARK(unquote_doubled_quotes)
-    ->RangeMultiplier(2)
-    ->Range(1 << 10, 1 << 20)
-    ->Complexity(benchmark::oN)
-    ->Unit(benchmark::kMicrosecond);
+
+// --- header lines, statistics ------------------------------------------------------------------
+
+constexpr std::size_t kLines = 100'000;
+
+// A header of twenty lines, then a stray line now and then.
+std::vector<std::size_t> field_counts() {
+  std::vector<std::size_t> counts(kLines, 20);
+  for (std::size_t i = 0; i < 20; ++i) counts[i] = 1 + i % 3;
+  for (std::size_t i = 20; i < kLines; i += 1000) counts[i] = 18;
+  return counts;
+}
+
+Step find_header_lines() {
+  const auto diffs = std::make_shared<std::vector<std::size_t>>(get_abs_diffs(field_counts(), 20));
+  return {[diffs] { keep(detection::get_header_lines(*diffs, 0, true)); },
+          diffs->size() * sizeof(std::size_t)};
+}
+
+Step find_modal_count() {
+  const auto counts = std::make_shared<std::vector<std::size_t>>(field_counts());
+  return {[counts] { keep(get_modified_median(*counts, 0)); },
+          counts->size() * sizeof(std::size_t)};
+}
+
+Step find_deviations() {
+  const auto counts = std::make_shared<std::vector<std::size_t>>(field_counts());
+  return {[counts] { keep(get_abs_diffs(*counts, 20)); }, counts->size() * sizeof(std::size_t)};
+}
+
+// --- candidates and filters --------------------------------------------------------------------
+
+Step find_candidates(const char* shape) {
+  const auto subject = subject_of(shape);
+  LineReaderStrategy reader(subject->options);
+  const auto lines =
+      std::make_shared<std::vector<Field>>(reader.populate_fields(subject->field(), kAllLines));
+  return {[subject, lines] { keep(detection::find_candidate_chars(*lines)); },
+          bytes_of(subject->text)};
+}
+
+Step find_widths() {
+  const auto subject = subject_of("fixed");
+  LineReaderStrategy reader(subject->options);
+  const auto lines =
+      std::make_shared<std::vector<Field>>(reader.populate_fields(subject->field(), kAllLines));
+  const std::size_t width = lines->front().length;
+  return {
+      [subject, lines, width] { keep(detection::find_column_widths(*lines, width, 1.0, width)); },
+      bytes_of(subject->text)};
+}
+
+using Selector = detection::StrategySelector;
+
+struct FilterCase {
+  const char* name;
+  Selector::Survivors (Selector::*filter)(const Selector::Survivors&,
+                                          const Selector::Valuations&) const;
+};
+constexpr FilterCase kFilters[] = {
+    {"numvariables", &Selector::reduce_by_numvariables},
+    {"dates", &Selector::reduce_by_dates},
+    {"variation", &Selector::reduce_by_variation},
+    {"class_value", &Selector::reduce_by_class_value},
+    {"non_empty", &Selector::reduce_by_non_empty},
+    {"priors_rank", &Selector::reduce_by_priors_rank},
+};
+
+constexpr unsigned long kCandidates = 56;
+
+// As many valuations as there are candidate characters, all as good as each other.
+Selector::Valuations equal_valuations() {
+  StrategyValuation score;
+  score.total_variation = 0.0;
+  score.data_variation = 0.0;
+  score.num_lines = 1000;
+  score.modal_field_count = 20;
+  score.num_variables = 20;
+  score.typed_columns = 20;
+  score.numeric_columns = 18;
+  return Selector::Valuations(kCandidates, score);
+}
+
+Selector::Survivors all_survive() {
+  Selector::Survivors survivors;
+  for (unsigned long i = 0; i < kCandidates; ++i) survivors.push_back(i);
+  return survivors;
+}
+
+Step filter_by(const FilterCase& row) {
+  const auto options = std::make_shared<parser::options>();
+  const auto selector = std::make_shared<Selector>(*options);
+  const Selector::Valuations valuations = equal_valuations();
+  const Selector::Survivors survivors = all_survive();
+  const auto filter = row.filter;
+  return {[options, selector, filter, valuations, survivors] {
+    keep(((*selector).*filter)(survivors, valuations));
+  }};
+}
+
+Step filter_by_header_lines() {
+  const auto options = std::make_shared<parser::options>();
+  const auto selector = std::make_shared<Selector>(*options);
+  const Selector::Valuations valuations = equal_valuations();
+  const Selector::Survivors survivors = all_survive();
+  std::vector<std::shared_ptr<Strategy>> candidates;
+  for (const unsigned long i : survivors) {
+    candidates.push_back(commas(*options));
+    candidates.back()->header_lines(i % 7);
+  }
+  return {[options, selector, valuations, survivors, candidates] {
+    keep(selector->reduce_by_header_lines(survivors, valuations, candidates));
+  }};
+}
+
+// -----------------------------------------------------------------------------------------------
+
+void add_strategies() {
+  for (const StrategyCase& row : kStrategies) {
+    const std::string name = row.name;
+    add_step("sample/" + name, [&row] { return sample_lines(row); });
+    add_step("tokenise/" + name, [&row] { return cut_into_fields(row); });
+    add_step("sample_tokenise_value/" + name, [&row] { return sample_and_value(row); });
+  }
+}
+
+void add_classification() {
+  for (const ClassCase& row : kClasses) {
+    add_step(std::string("classify_1000_fields/") + row.name, [&row] { return classify(row); });
+  }
+  const StrategyCase& delimited = kStrategies[1];
+  add_step("classify_columns/filled", [&] { return classify_all_columns(delimited, false); });
+  add_step("classify_columns/last_one_empty",
+           [&] { return classify_all_columns(delimited, true); });
+  add_step("unquote", unquote_field);
+}
+
+void add_all() {
+  for (const EncodedText& text : encoded_texts()) {
+    add_step(std::string("open_decode_cut/") + text.name, [&] { return open_decode_cut(text); });
+  }
+  add_scans();
+  add_strategies();
+  add_classification();
+  add_step("header_lines/find_header_lines", find_header_lines);
+  add_step("header_lines/find_modal_count", find_modal_count);
+  add_step("header_lines/find_deviations", find_deviations);
+  add_step("candidates/find_chars_4", [] { return find_candidates("regular"); });
+  add_step("candidates/find_chars_56", [] { return find_candidates("all_candidates"); });
+  add_step("candidates/find_widths", find_widths);
+  for (const FilterCase& row : kFilters) {
+    add_step(std::string("filter/") + row.name, [&row] { return filter_by(row); });
+  }
+  add_step("filter/header_lines", filter_by_header_lines);
+}
 
 }  // namespace
 }  // namespace textio::bench
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) { return textio::bench::run(argc, argv, textio::bench::add_all); }

@@ -1,6 +1,6 @@
 // One detection over a text of a given shape and size, for tests that count its instructions.
-//   linear_main SHAPE UNITS
-//   linear_main               lists the shapes that are traps
+//   linear_main SHAPE UNITS [LINES]     LINES 0, or none given: all lines
+//   linear_main                         lists the shapes that are traps
 // Only what happens inside `detect_once` is to be counted; text and options are made outside.
 #include <cstdlib>
 #include <iostream>
@@ -27,14 +27,16 @@ int main(int argc, char** argv) {
     }
     return 0;
   }
-  const Shape* const shape = argc == 3 ? textio::bench::find_shape(argv[1]) : nullptr;
+  const bool is_call = argc == 3 || argc == 4;
+  const Shape* const shape = is_call ? textio::bench::find_shape(argv[1]) : nullptr;
   if (shape == nullptr) {
-    std::cerr << "usage: linear_main [SHAPE UNITS]\n";
+    std::cerr << "usage: linear_main [SHAPE UNITS [LINES]]\n";
     return 2;
   }
   const auto units = static_cast<std::size_t>(std::strtoul(argv[2], nullptr, 10));
+  const unsigned long lines = argc == 4 ? std::strtoul(argv[3], nullptr, 10) : 0;
   DetectSettings settings;
-  settings.num_lines = std::numeric_limits<unsigned long>::max();
+  settings.num_lines = lines > 0 ? lines : std::numeric_limits<unsigned long>::max();
   if (shape->set != nullptr) shape->set(settings, units);
   detect_once(units == 0 ? std::u16string() : shape->make(units), settings);
   return 0;

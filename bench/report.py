@@ -1,0 +1,400 @@
+"""Makes the tables of docs/performance.md from what the benchmark programs wrote.
+
+    report.py goals RESULTS                      prints the goals
+    report.py document RESULTS DOCUMENT STEPS    writes the tables between the markers of DOCUMENT
+    report.py step RESULTS STEPS WHAT            appends a row with the goals' figures to STEPS
+
+RESULTS is a folder with a file *.json for each run of a program. Of a figure's repetitions the
+median counts; the least is shown beside it, for what disturbs a run can only make it longer.
+"""
+import glob
+import json
+import math
+import os
+import re
+import statistics
+import subprocess
+import sys
+from datetime import date
+
+COPY = "machine/memory_copy"
+BEGIN, END = "<!-- measured -->", "<!-- end of measured -->"
+
+
+# --- what was measured ------------------------------------------------------------------------
+
+class Figure:
+    """One step: the times of its repetitions in microseconds, and its counters."""
+
+    def __init__(self):
+        self.times = []
+        self.facts = {}
+
+    median = property(lambda self: statistics.median(self.times))
+    least = property(lambda self: min(self.times))
+
+    @property
+    def bytes_per_second(self):
+        rate = self.facts.get("bytes_per_second")
+        return rate and rate * self.facts["time of the rate"] / self.median
+
+
+def read_results(folder):
+    figures = {}
+    for path in sorted(glob.glob(os.path.join(folder, "*.json"))):
+        with open(path, encoding="utf-8") as file:
+            runs = json.load(file)["benchmarks"]
+        for run in runs:
+            if run["run_type"] != "iteration":
+                continue
+            add_run(figures, run)
+    return figures
+
+
+def add_run(figures, run):
+    name = run["run_name"]
+    is_real = name.endswith("/real_time")
+    figure = figures.setdefault(name.removesuffix("/real_time"), Figure())
+    time = run["real_time" if is_real else "cpu_time"]
+    microseconds = time * {"ns": 1e-3, "us": 1.0, "ms": 1e3, "s": 1e6}[run["time_unit"]]
+    figure.times.append(microseconds)
+    figure.facts.update({key: value for key, value in run.items() if isinstance(value, (int, float))})
+    figure.facts["time of the rate"] = microseconds
+
+
+# --- goals ------------------------------------------------------------------------------------
+
+class Goal:
+    """What is aimed at: `measure` gives the figure and the limit from a way to read times."""
+
+    def __init__(self, key, what, unit, measure):
+        self.key, self.what, self.unit, self.measure = key, what, unit, measure
+
+    def text(self, value):
+        digits = 4 if abs(value) < 0.1 else 2 if value < 10 else 1 if value < 100 else 0
+        return f"{value:.{digits}f}{self.unit}"
+
+
+def ratio(name, to, limit):
+    return lambda figures, time: (time(figures[name]) / time(figures[to]), limit)
+
+
+def allocations(figures, _):
+    facts = figures["detect_layout/regular/100_lines"].facts
+    return facts["allocations"], 40 * facts["candidates"] + 100
+
+
+def allocations_per_line(figures, _):
+    few = figures["detect_layout/regular/100_lines"].facts
+    all_lines = figures["detect_layout/regular/all_lines"].facts
+    more = all_lines["allocations"] - few["allocations"]
+    return more / (all_lines["lines"] - few["lines"]), 0.01
+
+
+GOALS = [
+    Goal("open_ascii", "Open a file of 4 MB of ASCII, decode the sample of 4,194,304 characters and cut it: at most"
+         " 8 copies", " copies", ratio("open_decode_cut/ascii", COPY, 8)),
+    Goal("open_two_byte", "The same with 5 % of two-byte characters in UTF-8: at most 20 copies", " copies",
+         ratio("open_decode_cut/utf8_two_byte", COPY, 20)),
+    Goal("pick_100", "`pick_strategy`, 20 columns, 100 lines: at most the cost of decoding the ASCII sample once",
+         " decodings", ratio("pick_strategy/regular/100_lines", "decode/ascii", 1)),
+    Goal("pick_all", "`pick_strategy`, 20 columns, 4 candidate characters, all lines of the sample: at most 40 copies",
+         " copies", ratio("pick_strategy/regular/all_lines", COPY, 40)),
+    Goal("pick_quoted", "`pick_strategy`, quoted fields, all lines of the sample: at most 80 copies", " copies",
+         ratio("pick_strategy/quoted/all_lines", COPY, 80)),
+    Goal("candidates_56", "56 candidate characters, all lines: at most 15 times as long as 4", " times",
+         ratio("pick_strategy/all_candidates/all_lines", "pick_strategy/regular/all_lines", 15)),
+    Goal("allocations", "Allocations of a detection, file of 20 columns, 100 lines: at most 40 for each candidate"
+         " and 100", "", allocations),
+    Goal("allocations_per_line", "None per line or field: fewer than one more for each hundred lines more (vectors"
+         " that double)", "", allocations_per_line),
+    Goal("small_file", "A whole detection of a file of 10 KB, after the first: at most 150 microseconds", " us",
+         lambda figures, time: (time(figures["detect_small_file"]), 150)),
+    Goal("peak_memory", "Peak memory of `vltext` on a file of 100 MB: at most 40 MB", " MB",
+         lambda figures, _: (figures["process/large_file"].facts["peak_bytes_of_process"] / 1e6, 40)),
+]
+
+
+def by_median(figure):
+    return figure.median
+
+
+def by_least(figure):
+    return figure.least
+
+
+def goals_table(figures):
+    rows = []
+    for goal in GOALS:
+        value, limit = goal.measure(figures, by_median)
+        from_least, _ = goal.measure(figures, by_least)
+        rows.append([goal.what, goal.text(limit), goal.text(value), goal.text(from_least),
+                     "met" if value <= limit else "missed"])
+    return table(["goal", "limit", "measured", "by the least times", "verdict"], rows, "lrrrl")
+
+
+# --- tables -----------------------------------------------------------------------------------
+
+def table(head, rows, align):
+    rule = "|" + "|".join({"l": "---", "r": "--:"}[side] for side in align) + "|"
+    lines = ["| " + " | ".join(row) + " |" for row in [head, *rows]]
+    return "\n".join([lines[0], rule, *lines[1:]])
+
+
+def time_text(microseconds):
+    for limit, factor, unit in ((1.0, 1e3, "ns"), (1e3, 1.0, "us"), (1e6, 1e-3, "ms"), (math.inf, 1e-6, "s")):
+        if microseconds < limit:
+            return f"{three_digits(microseconds * factor)} {unit}"
+    return ""
+
+
+def three_digits(value):
+    if value == 0:
+        return "0"
+    digits = max(0, 2 - math.floor(math.log10(abs(value))))
+    return f"{value:,.{digits}f}"
+
+
+def bytes_text(count):
+    for limit, factor, unit in ((1e3, 1, "B"), (1e6, 1e-3, "KB"), (1e9, 1e-6, "MB"), (math.inf, 1e-9, "GB")):
+        if count < limit:
+            return f"{three_digits(count * factor)} {unit}"
+    return ""
+
+
+HEAD, ALIGN = ["time", "least", "copies", "per second", "allocations", "peak"], "rrrrrr"
+
+
+def cells(figure, copy):
+    # Where a search ends early there is no rate of what it was given.
+    rate = figure.bytes_per_second
+    return [time_text(figure.median), time_text(figure.least), three_digits(figure.median / copy),
+            bytes_text(rate) if rate and rate < 1e11 else "-", f"{figure.facts['allocations']:,.0f}",
+            bytes_text(figure.facts["peak_bytes"])]
+
+
+def steps_table(figures, prefixes, copy):
+    rows = [[name.replace("_", " "), *cells(figure, copy)] for prefix in prefixes
+            for name, figure in figures.items() if name.startswith(prefix)]
+    return table(["step", *HEAD], rows, "l" + ALIGN)
+
+
+STAGES = [
+    ("From the file to the sample", ["open_decode_cut/"]),
+    ("Decoding by the fastest route, by the one through ICU, and the making of a converter",
+     ["decode/", "decode_by_icu/", "make_converter/"]),
+    ("Scans of a stream", ["scan/"]),
+    ("Sampling, cutting into fields, and both with the valuation",
+     ["sample/", "tokenise/", "sample_tokenise_value/"]),
+    ("Classes of fields: a thousand fields, all columns, one field of nothing but doubled quotes",
+     ["classify_1000_fields/", "classify_columns/", "unquote"]),
+    ("Dates: 32 fields, with English names and those of one locale", ["recognise_dates/", "bind_known_locale"]),
+    ("Header lines, of 100,000 lines", ["header_lines/"]),
+    ("Candidates and filters (of 56 candidates)", ["candidates/", "filter/"]),
+]
+
+SAMPLES = ["100_lines", "1000_lines", "all_lines"]
+
+
+def sample_text(sample):
+    return {"100_lines": "100 lines", "1000_lines": "1,000 lines", "all_lines": "all lines"}[sample]
+
+
+def shapes_table(figures, prefix, copy):
+    rows = []
+    for name in dict.fromkeys(name.split("/")[1] for name in figures if name.startswith(prefix + "/")):
+        for sample in SAMPLES:
+            figure = figures.get(f"{prefix}/{name}/{sample}")
+            if figure:
+                rows.append([name.replace("_", " "), sample_text(sample), *cells(figure, copy)])
+    return table(["text", "sample", *HEAD], rows, "ll" + ALIGN)
+
+
+def limits_table(figures, copy):
+    names = [(COPY, "copy 8.4 MB with memcpy: \"one copy\" in all tables"),
+             ("machine/memory_read", "read 8.4 MB: the sum"),
+             ("machine/first_touch_small_pages", "write to each page of 8.9 MB of fresh memory, pages of 4 KB"),
+             ("machine/first_touch_huge_pages", "the same with madvise(MADV_HUGEPAGE)"),
+             ("process/trivial", "start a trivial program and wait for its end")]
+    rows = []
+    for name, what in names:
+        figure = figures[name]
+        rate = "-" if "/trivial" in name else bytes_text(figure.bytes_per_second)
+        rows.append([what, time_text(figure.median), time_text(figure.least), three_digits(figure.median / copy), rate])
+    return table(["limit", "time", "least", "copies", "per second"], rows, "lrrrr")
+
+
+PROCESSES = [
+    ("process/trivial", "a trivial program"),
+    ("process/small_file", "`vltext` on a file of 10 KB"),
+    ("process/large_file", "`vltext` on a file of 100 MB"),
+    ("process/large_file_all_lines", "the same, all lines of the sample"),
+    ("process/many_files", "`vltext` on 2,000 files of 10 KB"),
+    ("process/many_files_jobs_1", "the same with `--jobs 1`"),
+    ("process/many_files_jobs_2", "the same with `--jobs 2`"),
+]
+
+
+def files_text(figure):
+    files = figure.facts.get("files")
+    return f"{files / figure.median * 1e6:,.0f}" if files else "-"
+
+
+def process_table(figures, copy):
+    trivial = figures["process/trivial"].median
+    rows = []
+    for name, what in PROCESSES:
+        figure = figures[name]
+        if figure.facts.get("jobs_refused"):
+            rows.append([what, "refused", "-", "-", "-", "-", "-"])
+            continue
+        rows.append([what, time_text(figure.median), time_text(figure.least), three_digits(figure.median / copy),
+                     three_digits(figure.median / trivial), files_text(figure),
+                     bytes_text(figure.facts["peak_bytes_of_process"])])
+    return table(["process", "time", "least", "copies", "trivial programs", "files a second", "peak"], rows, "lrrrrrr")
+
+
+def scaling_text(figures):
+    one, two = figures["process/many_files_jobs_1"], figures["process/many_files_jobs_2"]
+    if two.facts.get("jobs_refused"):
+        return "The tool refuses `--jobs`, so how it scales was not measured."
+    return f"Two jobs are {one.median / two.median:.2f} times as fast as one."
+
+
+def traps_table(figures):
+    sizes = {}
+    for name in figures:
+        if name.startswith("adversarial/"):
+            _, shape, units = name.split("/")
+            sizes.setdefault(shape, []).append(int(units))
+    rows = []
+    for shape, units in sizes.items():
+        most = max(units)
+        long, half = (figures[f"adversarial/{shape}/{size}"] for size in (most, most // 2))
+        rows.append([shape.replace("_", " "), f"{most:,}", time_text(long.median), bytes_text(long.bytes_per_second),
+                     f"{long.median / half.median:.2f}", f"{long.facts['allocations']:,.0f}",
+                     bytes_text(long.facts["peak_bytes"])])
+    return table(["text", "units", "time", "per second", "to half the text", "allocations", "peak"], rows, "lrrrrrr")
+
+
+# --- machine ----------------------------------------------------------------------------------
+
+def output_of(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout.strip()
+
+
+def first_match(pattern, path):
+    with open(path, encoding="utf-8") as file:
+        found = re.search(pattern, file.read(), re.MULTILINE)
+    return found.group(1) if found else "unknown"
+
+
+def loads(results):
+    """Of the runs, the least and the largest number of processes that wanted to run."""
+    found = []
+    for path in glob.glob(os.path.join(results, "*.json")):
+        with open(path, encoding="utf-8") as file:
+            found += json.load(file)["context"]["load_avg"][:1]
+    return min(found), max(found)
+
+
+def machine_text(results):
+    cache = os.path.join(os.path.dirname(os.path.abspath(results)), "CMakeCache.txt")
+    compiler = first_match(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", cache)
+    build = first_match(r"^CMAKE_BUILD_TYPE:\w+=(.*)$", cache)
+    system = os.uname()
+    low, high = loads(results)
+    # One program runs at a time.
+    quiet = "nothing else was running" if high < 1.5 else "the machine was not quiet: other programs were running"
+    rows = [
+        ["processor", f"{first_match(r'^model name[^:]*: (.*)$', '/proc/cpuinfo')}, {os.cpu_count()} cores"],
+        ["system", f"{first_match('^PRETTY_NAME=.(.*).$', '/etc/os-release')}, {system.sysname} {system.release}"],
+        ["compiler", f"{output_of(compiler, '--version').splitlines()[0]}, {build}"],
+        ["load average", f"{low:.1f} to {high:.1f}; {quiet}"],
+        ["date", date.today().isoformat()],
+        ["commit", commit()],
+        ["command", "`scripts/bench`"],
+    ]
+    return table(["", ""], rows, "ll")
+
+
+def commit():
+    changed = output_of("git", "status", "--porcelain", "--", ".", ":!docs/performance.md", ":!bench/steps.tsv")
+    return output_of("git", "rev-parse", "--short", "HEAD") + (" and changes" if changed else "")
+
+
+# --- steps ------------------------------------------------------------------------------------
+
+def append_step(figures, path, what):
+    row = [date.today().isoformat(), commit(), " ".join(what.split())]
+    row += [f"{goal.measure(figures, by_median)[0]:.4g}" for goal in GOALS]
+    if not os.path.exists(path):
+        with open(path, "w", encoding="utf-8") as file:
+            file.write("\t".join(["date", "commit", "step", *(goal.key for goal in GOALS)]) + "\n")
+    with open(path, "a", encoding="utf-8") as file:
+        file.write("\t".join(row) + "\n")
+
+
+def history_table(path):
+    if not os.path.exists(path):
+        return "No step has been recorded."
+    with open(path, encoding="utf-8") as file:
+        head, *rows = [line.rstrip("\n").split("\t") for line in file]
+    texts = [[cell.replace("|", "\\|") for cell in row] for row in rows]
+    return table([key.replace("_", " ") for key in head], texts, "lll" + "r" * (len(head) - 3))
+
+
+# --- the document -----------------------------------------------------------------------------
+
+def document(figures, results, steps):
+    copy = figures[COPY].median
+    repetitions = len(figures["pick_strategy/regular/all_lines"].times)
+    parts = [
+        machine_text(results),
+        f"Medians of {repetitions} repetitions, of the copy and the other limits of memory of"
+        f" {len(figures[COPY].times)}, spread over the run.",
+        "## The machine's own limits", limits_table(figures, copy),
+        "## Goals", goals_table(figures),
+        "## Steps", "What was done about them, and the goals' figures after it.", history_table(steps),
+        "## By stage",
+    ]
+    for title, prefixes in STAGES:
+        parts += [f"### {title}", steps_table(figures, prefixes, copy)]
+    parts += [
+        "## By shape", "### The selection alone, a text in memory", shapes_table(figures, "pick_strategy", copy),
+        "### From the file to the layout", shapes_table(figures, "detect_layout", copy),
+        "## By encoding", "### The encoding given", shapes_table(figures, "detect_encoded", copy),
+        "### The encoding found", shapes_table(figures, "find_encoding", copy),
+        "## The tool", process_table(figures, copy),
+        "No peak is smaller than that of the trivial program: a process starts with that of the one that started it.",
+        scaling_text(figures),
+        "## Traps",
+        "The selection alone, all lines. Twice the text should take about twice as long.", traps_table(figures),
+    ]
+    return "\n\n".join(parts)
+
+
+def write_document(text, path):
+    with open(path, encoding="utf-8") as file:
+        before, rest = file.read().split(BEGIN + "\n")
+    after = rest.split(END)[1]
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(f"{before}{BEGIN}\n\n{text}\n\n{END}{after}")
+
+
+def main(arguments):
+    if not arguments or arguments[0] not in ("goals", "document", "step"):
+        sys.exit(__doc__)
+    what, results, *rest = arguments
+    figures = read_results(results)
+    if what == "goals":
+        print(goals_table(figures))
+        print()
+        print(process_table(figures, figures[COPY].median))
+    elif what == "step":
+        append_step(figures, *rest)
+    else:
+        write_document(document(figures, results, rest[1]), rest[0])
+
+
+main(sys.argv[1:])
