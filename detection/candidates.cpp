@@ -5,8 +5,9 @@
 #include "detection/candidates.hpp"
 
 #include <algorithm>
-#include <bitset>
+#include <array>
 #include <cmath>
+#include <cstdint>
 
 #include "scoring/line_statistics.hpp"
 #include "strategy/delimited_strategy.hpp"
@@ -40,10 +41,65 @@ Range lines_to_scan(std::size_t n) {
   return {n == 1 ? std::size_t{0} : std::size_t{1}, n};
 }
 
+// Collects the characters that may delimit, each the first time that it is met.
+class NewCandidateChars {
+ public:
+  NewCandidateChars() {
+    for (std::size_t unit = 0; unit < kAsciiCount; ++unit) {
+      is_new_[unit] = may_delimit(static_cast<char16_t>(unit));
+    }
+  }
+
+  // A U+FFFF ends the line.
+  void add_those_of(const Field& line) {
+    for (const char16_t unit : view_of(line)) {
+      if (unit >= kAsciiCount) {
+        if (unit == kEndMark) return;
+      } else if (is_new_[unit]) {
+        is_new_[unit] = false;
+        found_.push_back(unit);
+      }
+    }
+  }
+
+  const std::u16string& found() const { return found_; }
+
+ private:
+  std::array<bool, kAsciiCount> is_new_;
+  std::u16string found_;
+};
+
 bool all_as_long_as_the_first(const std::vector<Field>& lines, std::size_t begin) {
   return std::all_of(lines.begin() + static_cast<std::ptrdiff_t>(begin), lines.end(),
                      [&](const Field& line) { return line.length == lines[0].length; });
 }
+
+// A place stays blank while every line so far has a space there; text behind such a place begins a
+// column. Both loops take many places at a time: nothing else has the type of the marks.
+class BlankPlaces {
+ public:
+  explicit BlankPlaces(std::size_t width) : is_blank_(width, 1) {}
+
+  bool operator[](std::size_t place) const { return is_blank_[place] != 0; }
+
+  void keep_those_of(const Field& line) {
+    const std::size_t length = std::min(line.length, is_blank_.size());
+    std::uint16_t* const marks = is_blank_.data();
+    for (std::size_t i = 0; i < length; ++i) {
+      marks[i] = static_cast<std::uint16_t>(marks[i] & (line.data[i] == u' ' ? 1 : 0));
+    }
+    std::fill(is_blank_.begin() + static_cast<std::ptrdiff_t>(length), is_blank_.end(), 0);
+  }
+
+  std::size_t num_columns() const {
+    std::size_t columns = 1;
+    for (std::size_t i = 1; i < is_blank_.size(); ++i) columns += is_blank_[i - 1] > is_blank_[i];
+    return columns;
+  }
+
+ private:
+  std::vector<std::uint16_t> is_blank_;
+};
 
 double mean_deviation(std::vector<std::size_t> counts, std::size_t from) {
   for (std::size_t& count : counts) count = count > from ? count - from : from - count;
@@ -169,20 +225,14 @@ std::u16string find_candidate_chars(const std::vector<Field>& lines) {
   const auto n =
       lines.size() - static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), is_empty));
   const Range range = lines_to_scan(n);
-  std::u16string chars;
-  std::bitset<kAsciiCount> seen;
+  NewCandidateChars chars;
   std::size_t index = 0;
   for (const Field& line : lines) {
     if (is_empty(line)) continue;
     const std::size_t i = index++;
-    if (i < range.first || i >= range.last) continue;
-    for (const char16_t unit : view_of(line).substr(0, view_of(line).find(kEndMark))) {
-      if (!may_delimit(unit) || seen[unit]) continue;
-      seen[unit] = true;
-      chars.push_back(unit);
-    }
+    if (i >= range.first && i < range.last) chars.add_those_of(line);
   }
-  return chars;
+  return chars.found();
 }
 
 Candidates build_candidates(const std::u16string& chars, const CandidateInput& input,
@@ -192,18 +242,12 @@ Candidates build_candidates(const std::u16string& chars, const CandidateInput& i
 
 std::vector<unsigned long> find_column_widths(std::span<const Field> data_lines, std::size_t width,
                                               double variation, std::size_t most_columns) {
-  // A place stays blank while every line so far has a space there; text behind such a place
-  // begins a column.
-  std::vector<char> blank(width, true);
+  BlankPlaces blank(width);
   std::vector<std::size_t> counts;
   counts.reserve(data_lines.size());
   for (const Field& line : data_lines) {
-    std::size_t columns = 1;
-    for (std::size_t j = 0; j < width; ++j) {
-      if (j >= line.length || line.data[j] != u' ') blank[j] = false;
-      if (j > 0 && blank[j - 1] && !blank[j]) ++columns;
-    }
-    counts.push_back(columns);
+    blank.keep_those_of(line);
+    counts.push_back(blank.num_columns());
   }
   const double deviation = mean_deviation(counts, get_modified_median(counts, 0));
   if (deviation > variation || counts.back() > most_columns) return {};

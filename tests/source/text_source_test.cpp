@@ -30,6 +30,8 @@ const FoldCase kFoldCases[] = {
     {"PairsBetweenOtherUnits",
      {u'a', 0xD83D, 0xDE00, u'b', 0xD83D, 0xDE01, u'c'},
      {u'a', 0x001A, u'b', 0x001A, u'c'}},
+    {"HighSurrogatesAlone", {0xD800, 0xD800, u'a', 0xDBFF}, {0x001A, 0x001A, u'a', 0x001A}},
+    {"LowSurrogatesAlone", {0xDC00, u'a', 0xDFFF}, {u'a'}},
 };
 
 class FoldSurrogatePairs : public testing::TestWithParam<FoldCase> {};
@@ -43,6 +45,20 @@ TEST_P(FoldSurrogatePairs, MakesOneUnitOfEachPair) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, FoldSurrogatePairs, testing::ValuesIn(kFoldCases),
                          testing_support::ByRule());
+
+// Blocks without a surrogate are passed over: no place may be special.
+TEST(FoldSurrogatePairs, FindsAPairAtEveryPlace) {
+  constexpr std::size_t kLength = 200;
+  for (std::size_t place = 0; place + 2 <= kLength; ++place) {
+    std::u16string text(kLength, u'a');
+    text[place] = 0xD83D;
+    text[place + 1] = 0xDE00;
+    std::u16string folded(kLength - 1, u'a');
+    folded[place] = kFoldedCharacter;
+    char16_t* const end = fold_surrogate_pairs(text.data(), text.data() + kLength);
+    EXPECT_EQ(std::u16string(text.data(), end), folded) << "pair at " << place;
+  }
+}
 
 }  // namespace
 }  // namespace textio
