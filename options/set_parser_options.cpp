@@ -3,8 +3,8 @@
 #include "options/set_parser_options.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <locale>
-#include <map>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -127,18 +127,12 @@ void set_choice(const hxArray* value, Record& record) {
 
 // --- the table -----------------------------------------------------------------------------------
 
-// Characters are compared in upper case, as the global locale has it; a beginning comes first.
-struct LessIgnoringCase {
-  bool operator()(std::string_view a, std::string_view b) const {
-    const std::locale locale;
-    const auto& letters = std::use_facet<std::ctype<char>>(locale);
-    return std::lexicographical_compare(
-        a.begin(), a.end(), b.begin(), b.end(),
-        [&letters](char x, char y) { return letters.toupper(x) < letters.toupper(y); });
-  }
+struct NamedSetter {
+  std::string_view name;
+  option_setter setter;
 };
 
-const std::map<std::string_view, option_setter, LessIgnoringCase> option_table = {
+constexpr NamedSetter kSetters[] = {
     {"Delimiter", set_delimiter},
     {"LineEnding", set_line_ending},
     {"EndOfLine", set_line_ending},
@@ -175,18 +169,18 @@ const std::map<std::string_view, option_setter, LessIgnoringCase> option_table =
     {"EmptyValue", ignore_value},
 };
 
-// The setter with this name. The table was sorted when the library was loaded; when the global
-// locale has changed since then, its order may be another one, so a name that is not in its place
-// is looked for everywhere.
+// The setter with this name, null when there is none. Characters are compared in upper case, as the
+// global locale has it.
 option_setter find_setter(std::string_view name) {
-  auto entry = option_table.find(name);
-  if (entry == option_table.end()) {
-    const LessIgnoringCase less;
-    entry = std::find_if(option_table.begin(), option_table.end(), [&](const auto& candidate) {
-      return !less(candidate.first, name) && !less(name, candidate.first);
-    });
-  }
-  return entry == option_table.end() ? nullptr : entry->second;
+  const std::locale locale;
+  const auto& letters = std::use_facet<std::ctype<char>>(locale);
+  const auto is_named = [&](const NamedSetter& candidate) {
+    return std::equal(
+        candidate.name.begin(), candidate.name.end(), name.begin(), name.end(),
+        [&letters](char x, char y) { return letters.toupper(x) == letters.toupper(y); });
+  };
+  const auto* const found = std::find_if(std::begin(kSetters), std::end(kSetters), is_named);
+  return found == std::end(kSetters) ? nullptr : found->setter;
 }
 
 void set_option(const hxArray* name, const hxArray* value, Record& record) {

@@ -193,4 +193,23 @@ std::string json_text(const nlohmann::ordered_json& document) {
   return to_utf8(safe);
 }
 
+// Two lists around it give it the indentation that it has in the document.
+std::string json_member(const Json& file) {
+  constexpr std::string_view kOpening = "[\n  [\n";
+  constexpr std::string_view kClosing = "\n  ]\n]\n";
+  const std::string text = json_text(Json::array({Json::array({file})}));
+  return text.substr(kOpening.size(), text.size() - kOpening.size() - kClosing.size());
+}
+
+std::string json_text(const standalone::DetectSettings& settings,
+                      const std::vector<GivenOption>& given, const std::string& members) {
+  constexpr std::string_view kEnd = "]\n}\n";
+  std::string text = json_text(Json{{"schema", kJsonSchema},
+                                    {"settings", json_of(settings)},
+                                    {"given", json_of(given)},
+                                    {"files", Json::array()}});
+  text.resize(text.size() - kEnd.size());
+  return text + '\n' + members + "\n  ]\n}\n";
+}
+
 }  // namespace textio::tool

@@ -2,11 +2,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <limits>
 #include <map>
+#include <mutex>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,6 +18,10 @@
 
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <vltextstream/options/set_parser_options.hpp>
 #include <vltextstream/standalone/detect_layout.hpp>
@@ -23,6 +31,8 @@
 #include "tool/help.hpp"
 #include "tool/json_report.hpp"
 #include "tool/option_flags.hpp"
+#include "tool/ordered_work.hpp"
+#include "tool/progress_line.hpp"
 #include "tool/report.hpp"
 
 namespace {
@@ -30,20 +40,27 @@ namespace {
 using textio::standalone::detect_layout;
 using textio::standalone::DetectSettings;
 using textio::standalone::Layout;
+using textio::tool::Answer;
+using textio::tool::available_processors;
 using textio::tool::GivenOption;
 using textio::tool::OptionFlag;
+using textio::tool::ProgressLine;
 using textio::tool::ValueKind;
 
 constexpr int kFailed = 2;
 constexpr const char* kAutoEncoding = "auto";
+constexpr unsigned long kMostJobs = 256;
 
 struct Arguments {
   std::vector<std::string> files;
   std::vector<GivenOption> given;
   DetectSettings settings;
   std::string lines = "100";
+  std::optional<std::string> jobs;
+  std::size_t num_threads = 1;
   bool json = false;
   bool explain = false;
+  bool no_progress = false;
 };
 
 // An argument that is wrong: where it stands and what was expected.
@@ -65,16 +82,28 @@ CLI::Option* add_repeatable(CLI::App& app, const std::string& flag) {
   return option;
 }
 
-Flags declare(CLI::App& app, Arguments& arguments) {
+// Whether one of the arguments is `flag`, or `flag` and a value behind "=".
+bool is_typed(const std::string& flag, int argc, char** argv) {
+  return std::any_of(argv + 1, argv + argc, [&flag](std::string_view argument) {
+    return argument.substr(0, argument.find('=')) == flag;
+  });
+}
+
+// The parser compares every flag that it is told of with all others, which took longer than a small
+// file: it is told of the options that were typed alone.
+Flags declare(CLI::App& app, Arguments& arguments, int argc, char** argv) {
   app.add_option("FILE", arguments.files)->required();
   app.add_flag("--json", arguments.json);
   app.add_flag("--explain", arguments.explain);
   app.add_option("--lines", arguments.lines);
+  app.add_option("--jobs", arguments.jobs);
+  app.add_flag("--no-progress", arguments.no_progress);
   app.set_version_flag("--version", std::string("vltext ") + libvltextstream_version);
 
   Flags flags;
   for (const OptionFlag& flag : textio::tool::option_flags()) {
-    flags[add_repeatable(app, textio::tool::flag_of(flag.name))] = &flag;
+    const std::string name = textio::tool::flag_of(flag.name);
+    if (is_typed(name, argc, argv)) flags[add_repeatable(app, name)] = &flag;
   }
   flags[add_repeatable(app, "--option")] = nullptr;
   return flags;
@@ -147,16 +176,30 @@ std::vector<GivenOption> given_options(const CLI::App& app, const Flags& flags) 
   return given;
 }
 
-// The whole of `text` as a number of lines; the parser of the command line would take "-1" for one.
-unsigned long to_line_count(const std::string& text) {
-  unsigned long count = 0;
+// The whole of `text` as a number; the parser of the command line would take "-1" for one.
+unsigned long to_number(const char* flag, const std::string& text, unsigned long least,
+                        unsigned long most) {
+  unsigned long number = 0;
   const char* const end = text.data() + text.size();
-  const auto [stop, problem] = std::from_chars(text.data(), end, count);
-  if (problem != std::errc() || stop != end) {
-    throw BadArgument("--lines",
-                      fmt::format("Expected a whole number from 0 to 2^64 - 1, got '{}'.", text));
-  }
-  return count;
+  const auto [stop, problem] = std::from_chars(text.data(), end, number);
+  const bool is_whole_number = problem == std::errc() && stop == end;
+  if (is_whole_number && number >= least && number <= most) return number;
+  const bool is_any = most == std::numeric_limits<unsigned long>::max();
+  throw BadArgument(flag, fmt::format("Expected a whole number from {} to {}, got '{}'.", least,
+                                      is_any ? "2^64 - 1" : std::to_string(most), text));
+}
+
+unsigned long to_line_count(const std::string& text) {
+  return to_number("--lines", text, 0, std::numeric_limits<unsigned long>::max());
+}
+
+std::size_t thread_count(const Arguments& arguments) {
+  const std::size_t jobs = arguments.jobs
+                               ? to_number("--jobs", *arguments.jobs, 1, kMostJobs)
+                               : std::min<std::size_t>(available_processors(), kMostJobs);
+  rlimit descriptors = {};
+  if (getrlimit(RLIMIT_NOFILE, &descriptors) != 0) return 1;
+  return textio::tool::thread_count(jobs, arguments.files.size(), descriptors.rlim_cur);
 }
 
 textio::standalone::Array value_of(const GivenOption& option) {
@@ -225,36 +268,68 @@ int print(std::string_view text, int status) {
   return kFailed;
 }
 
+// What is printed about a file. Called in several threads; only the JSON is written by one of them
+// at a time.
+Answer answer_for(const std::string& file, const Arguments& arguments, std::mutex& json_mutex) {
+  try {
+    const Layout layout = detect_layout(file, arguments.settings);
+    if (!arguments.json) return {textio::tool::report(file, layout, arguments.given), std::nullopt};
+    nlohmann::ordered_json members = {{"file", file}};
+    members.update(textio::tool::json_of(layout));
+    const std::lock_guard<std::mutex> lock(json_mutex);
+    return {textio::tool::json_member(members), std::nullopt};
+  } catch (const std::bad_alloc&) {
+    return {{}, fmt::format("cannot read '{}': {}", file, std::strerror(ENOMEM))};
+  } catch (const std::exception& error) {
+    return {{}, error.what()};
+  }
+}
+
+// Two paths may lead to the same pipe, or its like, and the first to read it uses it up. "-" is
+// whatever standard input is.
+bool may_be_used_up(const std::string& file) {
+  struct stat about = {};
+  return file == "-" || (stat(file.c_str(), &about) == 0 && !S_ISREG(about.st_mode));
+}
+
+textio::tool::WorkPlan plan_of(const Arguments& arguments) {
+  textio::tool::WorkPlan plan = {arguments.files.size(), arguments.num_threads, {}};
+  if (plan.num_threads == 1) return plan;
+  for (std::size_t i = 0; i < plan.num_tasks; ++i) {
+    if (may_be_used_up(arguments.files[i])) plan.one_by_one.push_back(i);
+  }
+  return plan;
+}
+
+void write_progress(std::string_view line) { std::fwrite(line.data(), 1, line.size(), stderr); }
+
 // Looks at every file; one that fails does not stop the others. Standard output is written only at
 // the end, so that nothing stands there when no file could be read.
 int run(const Arguments& arguments) {
+  const std::string_view separator = arguments.json ? textio::tool::kJsonSeparator : "";
+  const bool is_terminal = !arguments.no_progress && isatty(STDERR_FILENO) != 0;
+  ProgressLine progress(arguments.files.size(),
+                        {is_terminal, std::chrono::steady_clock::now, write_progress});
+  std::mutex json_mutex;
   std::string text;
-  nlohmann::ordered_json files = nlohmann::ordered_json::array();
   int status = 0;
-  for (const std::string& file : arguments.files) {
-    try {
-      const Layout layout = detect_layout(file, arguments.settings);
-      if (arguments.json) {
-        files.push_back({{"file", file}});
-        files.back().update(textio::tool::json_of(layout));
-      } else {
-        text += textio::tool::report(file, layout, arguments.given);
-      }
-    } catch (const std::bad_alloc&) {
-      complain(fmt::format("cannot read '{}': {}", file, std::strerror(ENOMEM)));
+  const auto deliver = [&](const Answer& answer) {
+    if (answer.problem) {
+      progress.clear();
+      complain(*answer.problem);
       status = kFailed;
-    } catch (const std::exception& error) {
-      complain(error.what());
-      status = kFailed;
+    } else {
+      if (!text.empty()) text += separator;
+      text += answer.text;
     }
-  }
-  if (arguments.json && !files.empty()) {
-    const nlohmann::ordered_json document = {
-        {"schema", textio::tool::kJsonSchema},
-        {"settings", textio::tool::json_of(arguments.settings)},
-        {"given", textio::tool::json_of(arguments.given)},
-        {"files", files}};
-    text = textio::tool::json_text(document);
+  };
+  textio::tool::work_in_order(
+      plan_of(arguments),
+      {[&](std::size_t i) { return answer_for(arguments.files[i], arguments, json_mutex); },
+       deliver, [&](std::size_t done) { progress.show(done); }});
+  progress.clear();
+  if (arguments.json && !text.empty()) {
+    text = textio::tool::json_text(arguments.settings, arguments.given, text);
   }
   return print(text, status);
 }
@@ -265,11 +340,12 @@ int main(int argc, char** argv) {
   CLI::App app("", "vltext");
   Arguments arguments;
   try {
-    const Flags flags = declare(app, arguments);
+    const Flags flags = declare(app, arguments, argc, argv);
     app.parse(reversed_arguments(app, argc, argv));
     restore_names(arguments.files);
     arguments.given = given_options(app, flags);
     arguments.settings = settings_of(arguments);
+    arguments.num_threads = thread_count(arguments);
     return run(arguments);
   } catch (const CLI::CallForHelp&) {
     return print(textio::tool::help_text(), 0);

@@ -1,0 +1,271 @@
+// Many files in several threads: what is printed is what one thread prints.
+#include <cstdlib>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
+
+#include "support/archives.hpp"
+#include "support/command.hpp"
+#include "support/rule_name.hpp"
+#include "support/temp_folder.hpp"
+
+namespace textio {
+namespace {
+
+using testing::HasSubstr;
+using testing_support::ByRule;
+using testing_support::CommandResult;
+using testing_support::gzip_of;
+using testing_support::run_command;
+using testing_support::TempFolder;
+using testing_support::zstd_of;
+
+using Words = std::vector<std::string>;
+
+CommandResult vltext(const Words& arguments, const std::string& input = {}) {
+  return run_command(VLTEXT_PROGRAM, arguments, input);
+}
+
+Words joined(Words first, const Words& second) {
+  first.insert(first.end(), second.begin(), second.end());
+  return first;
+}
+
+// A file of each kind, one after the other, each with as many columns as its number asks for, so
+// that no two neighbours are laid out alike.
+class ManyFiles {
+ public:
+  static constexpr std::size_t kFiles = 300;
+
+  ManyFiles() {
+    for (std::size_t i = 0; i < kFiles; ++i) paths_.push_back(add(i));
+  }
+
+  const Words& paths() const { return paths_; }
+
+ private:
+  static std::string table_of(std::size_t columns) {
+    std::string text;
+    for (std::size_t line = 0; line < 5; ++line) {
+      for (std::size_t column = 0; column < columns; ++column) {
+        text += (column == 0 ? "" : ";") + std::to_string(line * 10 + column);
+      }
+      text += '\n';
+    }
+    return text;
+  }
+
+  std::string add(std::size_t i) const {
+    const std::string name = std::to_string(i);
+    const std::string table = table_of(2 + i % 11);
+    switch (i % 10) {
+      case 0:
+        return folder_.path_of(name + "-missing");
+      case 1:
+        return folder_.file(name + "-empty", "");
+      case 2:
+        return folder_.folder(name + "-folder");
+      case 3:
+        return folder_.file(name + "-gzip", gzip_of(table));
+      case 4:
+        return folder_.file(name + "-zstd", zstd_of(table));
+      case 5:
+        return folder_.file(name + "-cut", gzip_of(table).substr(0, 20));
+      case 6:
+        return folder_.file(name + "-bzip2", "BZh9\x31\x41\x59\x26\x53\x59");
+      case 7:
+        return folder_.file(name + "-undecidable", "words\nand more words\n\nof no table\n");
+      case 8:
+        return folder_.file(name + "-long", std::string(5'000, 'x') + '\n' + table);
+      default:
+        return folder_.file(name + "-table", table);
+    }
+  }
+
+  const TempFolder folder_;
+  Words paths_;
+};
+
+struct WayOfPrinting {
+  const char* rule;
+  Words options;
+};
+std::ostream& operator<<(std::ostream& out, const WayOfPrinting& row) { return out << row.rule; }
+
+const WayOfPrinting kWays[] = {
+    {"Words", {}},
+    {"ExplainedWords", {"--explain"}},
+    {"Json", {"--json"}},
+    {"ExplainedJson", {"--json", "--explain"}},
+    {"DatesOfALocale", {"--json", "--date-locale", "de_DE"}},
+    {"UnknownEncoding", {"--encoding", "klingon"}},
+};
+
+class ToolJobs : public testing::TestWithParam<WayOfPrinting> {
+ protected:
+  CommandResult vltext_with_jobs(const std::string& jobs) const {
+    return vltext(joined(joined({"--jobs", jobs}, GetParam().options), files_.paths()));
+  }
+
+  const ManyFiles files_;
+};
+
+TEST_P(ToolJobs, PrintWhatOneJobPrints) {
+  const CommandResult alone = vltext_with_jobs("1");
+  EXPECT_EQ(alone.status, 2);
+  for (const char* jobs : {"2", "8"}) {
+    const CommandResult crowded = vltext_with_jobs(jobs);
+    EXPECT_EQ(crowded.status, 2) << jobs;
+    EXPECT_TRUE(crowded.out == alone.out) << jobs;
+    EXPECT_EQ(crowded.err, alone.err) << jobs;
+  }
+  EXPECT_TRUE(vltext(joined(GetParam().options, files_.paths())).out == alone.out);
+}
+INSTANTIATE_TEST_SUITE_P(Table, ToolJobs, testing::ValuesIn(kWays), ByRule());
+
+// Four of each ten cannot be read: the missing one, the folder, the archive cut off and the other
+// archive.
+TEST(ToolManyFiles, AreListedAndComplainedOfInTheirOrder) {
+  const ManyFiles files;
+  const CommandResult result = vltext(joined({"--json", "--jobs", "8"}, files.paths()));
+  const auto listed = nlohmann::json::parse(result.out)["files"];
+  ASSERT_EQ(listed.size(), 180U);
+  std::size_t next_listed = 0;
+  std::size_t place = 0;
+  for (std::size_t i = 0; i < files.paths().size(); ++i) {
+    const std::string& path = files.paths()[i];
+    const bool is_unreadable = i % 10 == 0 || i % 10 == 2 || i % 10 == 5 || i % 10 == 6;
+    if (is_unreadable) {
+      place = result.err.find("'" + path + "': ", place);
+      ASSERT_NE(place, std::string::npos) << path;
+    } else {
+      EXPECT_EQ(listed[next_listed++]["file"], path);
+    }
+  }
+}
+
+TEST(ToolManyFiles, OfWhichNoneCanBeReadPrintNothing) {
+  for (const char* form : {"--json", "--explain"}) {
+    const CommandResult result = vltext({form, "--jobs", "3", "none", "nor", "neither"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err,
+              "vltext: cannot open 'none': No such file or directory\n"
+              "vltext: cannot open 'nor': No such file or directory\n"
+              "vltext: cannot open 'neither': No such file or directory\n");
+  }
+}
+
+// The first reads the pipe, whichever thread is the faster.
+TEST(ToolManyFiles, ShareStandardInputInTheirOrder) {
+  const TempFolder folder;
+  const std::string table = folder.file("t", "1,2\n3,4\n");
+  for (int i = 0; i < 20; ++i) {
+    const CommandResult result = run_command(
+        "/bin/sh", {"-c", "printf 'a;1\\nb;2\\n' | \"$0\" --jobs 4 - \"$1\" - /dev/stdin",
+                    VLTEXT_PROGRAM, table});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.out, testing::StartsWith("-\n  layout          delimited by semicolon\n"));
+    EXPECT_THAT(result.out, HasSubstr(table + "\n  layout          delimited by comma\n"));
+    EXPECT_THAT(result.out.substr(result.out.find("/dev/stdin\n")),
+                HasSubstr("0 lines of 0 characters\n"));
+    EXPECT_EQ(result.err, "vltext: cannot open '-': standard input has been read already\n");
+  }
+}
+
+TEST(ToolManyFiles, ReadAFileAsStandardInputAsOftenAsAsked) {
+  const CommandResult result = vltext({"--json", "--jobs", "4", "-", "-", "-"}, "a;1\nb;2\n");
+  EXPECT_EQ(result.status, 0);
+  const auto files = nlohmann::json::parse(result.out)["files"];
+  ASSERT_EQ(files.size(), 3U);
+  EXPECT_EQ(files[0], files[1]);
+  EXPECT_EQ(files[0], files[2]);
+}
+
+// A pipe is opened when somebody writes to it; here the second writer begins after the first.
+TEST(ToolManyFiles, ReadPipesOneAfterTheOther) {
+  const TempFolder folder;
+  const std::string first = folder.path_of("first");
+  const std::string second = folder.path_of("second");
+  ASSERT_EQ(mkfifo(first.c_str(), 0600), 0);
+  ASSERT_EQ(mkfifo(second.c_str(), 0600), 0);
+  const std::string script =
+      "{ printf 'a;1\\nb;2\\n' > \"$1\"; printf 'a|1\\nb|2\\n' > \"$2\"; } & "
+      "\"$0\" --jobs 2 \"$1\" \"$2\"";
+  const CommandResult result =
+      run_command("/bin/sh", {"-c", script, VLTEXT_PROGRAM, first, second});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(result.out, HasSubstr(first + "\n  layout          delimited by semicolon\n"));
+  EXPECT_THAT(result.out, HasSubstr(second + "\n  layout          delimited by bar\n"));
+}
+
+// More than a pipe holds, so the tool is still writing when its reader is gone.
+TEST(ToolManyFiles, EndAsOneJobDoesWhenNobodyReadsTheAnswer) {
+  const ManyFiles files;
+  const auto status = [&](const std::string& jobs) {
+    const Words script = {"-c", "\"$0\" --json \"$@\" 2> /dev/null | true; exit ${PIPESTATUS[0]}",
+                          VLTEXT_PROGRAM, "--jobs", jobs};
+    return run_command("/bin/bash", joined(script, files.paths())).status;
+  };
+  EXPECT_NE(status("1"), 0);
+  EXPECT_EQ(status("8"), status("1"));
+}
+
+// --- what may be typed -------------------------------------------------------------------------
+
+struct JobsCase {
+  const char* rule;
+  std::string jobs;
+};
+std::ostream& operator<<(std::ostream& out, const JobsCase& row) { return out << row.rule; }
+
+const JobsCase kRefusedJobs[] = {
+    {"None", "0"},
+    {"Negative", "-1"},
+    {"Word", "x"},
+    {"Empty", ""},
+    {"BlankInFront", " 2"},
+    {"BlankBehind", "2 "},
+    {"Sign", "+2"},
+    {"Fraction", "1.5"},
+    {"Power", "1e1"},
+    {"Hexadecimal", "0x2"},
+    {"OneTooMany", "257"},
+    {"Million", "1000000"},
+    {"MoreThanANumberHolds", "18446744073709551617"},
+};
+
+class ToolJobsRefusal : public testing::TestWithParam<JobsCase> {};
+TEST_P(ToolJobsRefusal, NamesTheOptionAndWhatWasExpected) {
+  const CommandResult result = vltext({"--jobs", GetParam().jobs, EXAMPLES_DIR "/comma.csv"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "vltext: --jobs: Expected a whole number from 1 to 256, got '" +
+                            GetParam().jobs + "'.\n");
+}
+INSTANTIATE_TEST_SUITE_P(Table, ToolJobsRefusal, testing::ValuesIn(kRefusedJobs), ByRule());
+
+const JobsCase kAcceptedJobs[] = {
+    {"One", "1"},
+    {"LeadingZero", "02"},
+    {"MoreThanFiles", "8"},
+    {"Most", "256"},
+};
+
+class ToolJobsAccepted : public testing::TestWithParam<JobsCase> {};
+TEST_P(ToolJobsAccepted, LooksAtTheFile) {
+  const CommandResult result = vltext({"--jobs", GetParam().jobs, EXAMPLES_DIR "/comma.csv"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.out, vltext({EXAMPLES_DIR "/comma.csv"}).out);
+}
+INSTANTIATE_TEST_SUITE_P(Table, ToolJobsAccepted, testing::ValuesIn(kAcceptedJobs), ByRule());
+
+}  // namespace
+}  // namespace textio

@@ -1,0 +1,248 @@
+#include "tool/ordered_work.hpp"
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <sched.h>
+
+#include "support/rule_name.hpp"
+
+namespace textio::tool {
+namespace {
+
+using Numbers = std::vector<std::size_t>;
+
+// A gate that threads wait at until somebody opens it.
+class Gate {
+ public:
+  void open() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    is_open_ = true;
+    opened_.notify_all();
+  }
+
+  void wait() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    opened_.wait(lock, [this] { return is_open_; });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable opened_;
+  bool is_open_ = false;
+};
+
+std::vector<std::string> texts_up_to(std::size_t count) {
+  std::vector<std::string> texts;
+  for (std::size_t i = 0; i < count; ++i) texts.push_back(std::to_string(i));
+  return texts;
+}
+
+struct Delivery {
+  std::vector<std::string> texts;
+  Numbers finished;
+};
+
+Delivery delivery_of(const WorkPlan& plan, const std::function<void(std::size_t)>& work) {
+  Delivery delivery;
+  work_in_order(plan, {[&](std::size_t task) {
+                         work(task);
+                         return Answer{std::to_string(task), std::nullopt};
+                       },
+                       [&](const Answer& answer) { delivery.texts.push_back(answer.text); },
+                       [&](std::size_t count) { delivery.finished.push_back(count); }});
+  return delivery;
+}
+
+void do_nothing(std::size_t) {}
+
+TEST(WorkInOrder, OfNoTaskDoesNothing) {
+  const Delivery delivery = delivery_of({0, 8, {}}, do_nothing);
+  EXPECT_TRUE(delivery.texts.empty());
+  EXPECT_TRUE(delivery.finished.empty());
+}
+
+TEST(WorkInOrder, DeliversEachAnswerOnceInTheOrderOfTheTasks) {
+  for (const std::size_t threads : {0U, 1U, 2U, 8U, 64U}) {
+    EXPECT_EQ(delivery_of({500, threads, {}}, do_nothing).texts, texts_up_to(500)) << threads;
+    EXPECT_EQ(delivery_of({500, threads, {0, 7, 8, 499}}, do_nothing).texts, texts_up_to(500));
+    EXPECT_EQ(delivery_of({3, threads, {0, 1, 2}}, do_nothing).texts, texts_up_to(3));
+  }
+}
+
+TEST(WorkInOrder, CountsUpToTheNumberOfTasks) {
+  for (const std::size_t threads : {1U, 4U}) {
+    const Numbers finished = delivery_of({100, threads, {}}, do_nothing).finished;
+    EXPECT_TRUE(std::is_sorted(finished.begin(), finished.end()));
+    ASSERT_FALSE(finished.empty());
+    EXPECT_EQ(finished.back(), 100U);
+  }
+}
+
+// The first is finished last.
+TEST(WorkInOrder, KeepsAnswersUntilTheOnesBeforeAreThere) {
+  Gate others_done;
+  std::atomic<int> others = 0;
+  const auto work = [&](std::size_t task) {
+    if (task == 0) return others_done.wait();
+    if (++others == 9) others_done.open();
+  };
+  EXPECT_EQ(delivery_of({10, 2, {}}, work).texts, texts_up_to(10));
+}
+
+TEST(WorkInOrder, WorksOnAsManyTasksAtATimeAsThereAreThreads) {
+  std::mutex mutex;
+  std::size_t under_way = 0;
+  std::size_t most = 0;
+  const auto work = [&](std::size_t) {
+    {
+      const std::lock_guard<std::mutex> lock(mutex);
+      most = std::max(most, ++under_way);
+    }
+    std::this_thread::yield();
+    const std::lock_guard<std::mutex> lock(mutex);
+    --under_way;
+  };
+  delivery_of({1000, 3, {}}, work);
+  EXPECT_LE(most, 3U);
+}
+
+// Each of the four waits for the other three.
+TEST(WorkInOrder, RunsThreadsSideBySide) {
+  Gate all_here;
+  std::atomic<int> here = 0;
+  const auto work = [&](std::size_t) {
+    if (++here == 4) all_here.open();
+    all_here.wait();
+  };
+  EXPECT_EQ(delivery_of({4, 4, {}}, work).texts, texts_up_to(4));
+}
+
+TEST(WorkInOrder, WithOneThreadWorksInTheCallingOne) {
+  const auto caller = std::this_thread::get_id();
+  delivery_of({5, 1, {}}, [&](std::size_t) { EXPECT_EQ(std::this_thread::get_id(), caller); });
+  delivery_of({1, 8, {}}, [&](std::size_t) { EXPECT_EQ(std::this_thread::get_id(), caller); });
+}
+
+TEST(WorkInOrder, DeliversInTheCallingThread) {
+  const auto caller = std::this_thread::get_id();
+  const auto expect_caller = [&] { EXPECT_EQ(std::this_thread::get_id(), caller); };
+  work_in_order({20, 4, {}},
+                {[](std::size_t) { return Answer{}; }, [&](const Answer&) { expect_caller(); },
+                 [&](std::size_t) { expect_caller(); }});
+}
+
+TEST(WorkInOrder, WorksOneByOneInOrderOnTasksThatShare) {
+  const Numbers shared = {1, 2, 30, 31, 99};
+  for (const std::size_t threads : {1U, 2U, 8U}) {
+    std::mutex mutex;
+    Numbers done;
+    std::atomic<int> under_way = 0;
+    const auto work = [&](std::size_t task) {
+      if (!std::binary_search(shared.begin(), shared.end(), task)) return;
+      EXPECT_EQ(++under_way, 1);
+      std::this_thread::yield();
+      const std::lock_guard<std::mutex> lock(mutex);
+      done.push_back(task);
+      --under_way;
+    };
+    EXPECT_EQ(delivery_of({100, threads, shared}, work).texts, texts_up_to(100));
+    EXPECT_EQ(done, shared);
+  }
+}
+
+// A task that shares waits for a gate that one without opens.
+TEST(WorkInOrder, DoesNotLetTasksThatShareKeepTheOthersWaiting) {
+  Gate gate;
+  const auto work = [&](std::size_t task) {
+    if (task == 0) gate.wait();
+    if (task == 4) gate.open();
+  };
+  EXPECT_EQ(delivery_of({5, 2, {0, 1, 2, 3}}, work).texts, texts_up_to(5));
+}
+
+TEST(WorkInOrder, ThrowsWhatATaskThrewOnceItsTurnHasCome) {
+  for (const std::size_t threads : {1U, 2U, 8U}) {
+    std::vector<std::string> texts;
+    const WorkSteps steps = {[](std::size_t task) {
+                               if (task == 5) throw std::domain_error("task 5");
+                               if (task == 6) throw std::range_error("task 6");
+                               return Answer{std::to_string(task), std::nullopt};
+                             },
+                             [&](const Answer& answer) { texts.push_back(answer.text); },
+                             do_nothing};
+    EXPECT_THROW(work_in_order({50, threads, {3, 5, 20}}, steps), std::domain_error) << threads;
+    EXPECT_EQ(texts, texts_up_to(5)) << threads;
+  }
+}
+
+TEST(WorkInOrder, EndsWhenAnAnswerCannotBeDelivered) {
+  const WorkSteps steps = {[](std::size_t) { return Answer{}; },
+                           [](const Answer&) { throw std::domain_error("lost"); }, do_nothing};
+  EXPECT_THROW(work_in_order({1000, 4, {}}, steps), std::domain_error);
+}
+
+TEST(WorkInOrder, PassesTextAndProblemOn) {
+  std::vector<std::string> problems;
+  work_in_order({2, 2, {}},
+                {[](std::size_t task) {
+                   return Answer{"", "problem " + std::to_string(task)};
+                 },
+                 [&](const Answer& answer) { problems.push_back(answer.problem.value_or("none")); },
+                 do_nothing});
+  EXPECT_EQ(problems, (std::vector<std::string>{"problem 0", "problem 1"}));
+}
+
+struct ThreadCase {
+  const char* rule;
+  std::size_t num_jobs;
+  std::size_t num_files;
+  std::size_t num_descriptors;
+  std::size_t num_threads;
+};
+std::ostream& operator<<(std::ostream& out, const ThreadCase& row) { return out << row.rule; }
+
+const ThreadCase kThreadCases[] = {
+    {"OneForEachJob", 8, 300, 1024, 8},
+    {"NoMoreThanFiles", 8, 3, 1024, 3},
+    {"NoMoreThanHalfOfTheDescriptors", 256, 300, 40, 20},
+    {"HalfIsRoundedDown", 256, 300, 41, 20},
+    {"OneAtLeastWithoutDescriptors", 8, 300, 1, 1},
+    {"OneAtLeastWithoutFiles", 8, 0, 1024, 1},
+};
+
+class ThreadCount : public testing::TestWithParam<ThreadCase> {};
+TEST_P(ThreadCount, IsTheLeastOfTheLimits) {
+  const ThreadCase& row = GetParam();
+  EXPECT_EQ(thread_count(row.num_jobs, row.num_files, row.num_descriptors), row.num_threads);
+}
+INSTANTIATE_TEST_SUITE_P(Table, ThreadCount, testing::ValuesIn(kThreadCases),
+                         testing_support::ByRule());
+
+TEST(AvailableProcessors, AreThoseThatTheProcessMayUse) {
+  cpu_set_t all;
+  ASSERT_EQ(sched_getaffinity(0, sizeof all, &all), 0);
+  EXPECT_EQ(available_processors(), static_cast<std::size_t>(CPU_COUNT(&all)));
+  int first = 0;
+  while (!CPU_ISSET(first, &all)) ++first;
+  cpu_set_t one;
+  CPU_ZERO(&one);
+  CPU_SET(first, &one);
+  ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
+  EXPECT_EQ(available_processors(), 1U);
+  ASSERT_EQ(sched_setaffinity(0, sizeof all, &all), 0);
+}
+
+}  // namespace
+}  // namespace textio::tool

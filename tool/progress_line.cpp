@@ -1,0 +1,54 @@
+// The number of files only grows, and so does the line: a new one covers the one before.
+#include "tool/progress_line.hpp"
+
+#include <utility>
+
+#include <fmt/format.h>
+
+namespace textio::tool {
+namespace {
+
+// The digits in groups of three.
+std::string grouped(std::size_t number) {
+  std::string digits = std::to_string(number);
+  for (std::size_t place = digits.size(); place > 3;) {
+    place -= 3;
+    digits.insert(place, 1, ',');
+  }
+  return digits;
+}
+
+std::string line_of(std::size_t done, std::size_t total) {
+  return fmt::format("  {} of {} files", grouped(done), grouped(total));
+}
+
+}  // namespace
+
+ProgressLine::ProgressLine(std::size_t total, Surroundings surroundings)
+    : total_(total),
+      surroundings_(std::move(surroundings)),
+      is_wanted_(surroundings_.is_terminal && total > 1) {
+  if (!is_wanted_) return;
+  due_ = surroundings_.now() + kDelay;
+  blank_ = '\r' + std::string(line_of(total, total).size(), ' ') + '\r';
+}
+
+ProgressLine::~ProgressLine() { clear(); }
+
+void ProgressLine::show(std::size_t done) {
+  if (!is_wanted_) return;
+  const Time now = surroundings_.now();
+  const bool stands_there = is_shown_ && done == shown_;
+  if (now < due_ || stands_there) return;
+  surroundings_.write('\r' + line_of(done, total_));
+  is_shown_ = true;
+  shown_ = done;
+  due_ = now + kPause;
+}
+
+void ProgressLine::clear() noexcept {
+  if (is_shown_) surroundings_.write(blank_);
+  is_shown_ = false;
+}
+
+}  // namespace textio::tool
