@@ -178,6 +178,8 @@ const FilterCase kVariationCases[] = {
      {0, 2}},
     // 0.001 * 2000 = 2 beats 0.1 * 10 = 1
     {"TheLargerToleranceCounts", {variation(10.0, 2000), variation(11.5)}, {0, 1}, {0, 1}},
+    // 0.1 * 2.0 = 0.2 beats 0.001 * 150 = 0.15
+    {"TheLargerToleranceMayBeTheTenth", {variation(2.0, 150), variation(2.1875)}, {0, 1}, {0, 1}},
     {"TheBestMayStandAnywhere",
      {variation(3.0, 5), variation(0.5, 5), variation(0.5, 5), variation(0.1, 10)},
      {0, 1, 2, 3},

@@ -500,6 +500,17 @@ TEST(StrategySelectorCopies, HoldWhatTheOptionsHeldAtTheStart) {
   EXPECT_EQ(assigned.header_lines(), 4UL);
 }
 
+TEST(StrategySelectorCopies, StayWhatTheyAreWhenAssignedToThemselves) {
+  parser::options options;
+  options.delimiters = {u";", u"a delimiter that is longer than a string keeps inside"};
+  options.header_lines = 4;
+  StrategySelector selector(options);
+  const StrategySelector& same = selector;
+  selector = same;
+  EXPECT_EQ(selector.delimiters(), options.delimiters);
+  EXPECT_EQ(selector.header_lines(), 4UL);
+}
+
 TEST(StrategySelectorCopies, PickTheSame) {
   const parser::options options = options_of(variables(2));
   const ExactText text(u"a,b,c|d\n1,2,3|4\n5,6,7|8\n");
@@ -577,6 +588,22 @@ TEST(SingleColumnRecord, IsACopy) {
   EXPECT_EQ(options.header_lines, kUnknown);
   EXPECT_TRUE(options.detect_delimiters);
   EXPECT_TRUE(options.detect_header_lines);
+}
+
+// Whoever reads the record finds everything settled.
+TEST(SingleColumnRecord, SaysWhatTheStrategyDoes) {
+  struct Open : Strategy {
+    using Strategy::options_;
+  };
+  const parser::options options;
+  const ExactText text(u"2020-01-01\n2020-01-02\n");
+  const auto winner = StrategySelector(options).pick_strategy(text.field(), kBudget);
+  const parser::options& record = *((*winner).*(&Open::options_));
+  EXPECT_EQ(record.delimiters, std::vector<std::u16string>{u","});
+  EXPECT_FALSE(record.detect_delimiters);
+  EXPECT_EQ(record.header_lines, 0U);
+  EXPECT_FALSE(record.detect_header_lines);
+  EXPECT_EQ(record.num_variables, 1U);
 }
 
 TEST(SingleColumnRecord, EachStrategyHasItsOwn) {

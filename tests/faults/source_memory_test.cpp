@@ -26,13 +26,18 @@
 namespace textio {
 namespace {
 
+using testing_support::allocations_can_fail;
 using testing_support::Attempt;
 using testing_support::ByRule;
 using testing_support::ExactText;
 using testing_support::expect_to_survive_failing_memory;
+using testing_support::FaultKind;
 using testing_support::FaultyDevice;
+using testing_support::live_blocks;
+using testing_support::meets_failure;
 using testing_support::readable;
 using testing_support::TempFolder;
+using testing_support::undisturbed_answer;
 
 constexpr std::size_t kBufferUnits = TextStream::kBufferUnits;
 
@@ -110,6 +115,8 @@ TEST(FileTextSourceMemory, RunsOutInInitStreamByPath) {
 // The error names the encoding, in memory of its own.
 class OpeningWithUnknownEncoding : public Attempt {
  public:
+  explicit OpeningWithUnknownEncoding(std::string encoding) : encoding_(std::move(encoding)) {}
+
   void call() override {
     try {
       source_.init_stream(device_.open(), encoding_);
@@ -120,14 +127,31 @@ class OpeningWithUnknownEncoding : public Attempt {
   std::string answer() override { return message_ + std::to_string(device_.open_streams()); }
 
  private:
-  const std::string encoding_ = "an encoding that nobody knows";
+  const std::string encoding_;
   FaultyDevice device_{"text"};
   FileTextSource source_;
   std::string message_;
 };
 
+// Of a name this long no near one is looked for.
 TEST(FileTextSourceMemory, RunsOutWhileTheErrorIsMade) {
-  expect_to_survive_failing_memory([] { return std::make_unique<OpeningWithUnknownEncoding>(); });
+  const std::string encoding(200, 'x');
+  expect_to_survive_failing_memory(
+      [&] { return std::make_unique<OpeningWithUnknownEncoding>(encoding); });
+}
+
+// The search asks for memory thousands of times, over and over in the same way: a few of them do.
+TEST(FileTextSourceMemory, RunsOutWhileANearNameIsLookedFor) {
+  const auto make = [] {
+    return std::make_unique<OpeningWithUnknownEncoding>("an encoding that nobody knows");
+  };
+  const std::string expected = undisturbed_answer(make);
+  for (const std::size_t nth : {5U, 50U, 500U, 1000U}) {
+    SCOPED_TRACE(nth);
+    const long blocks = live_blocks();
+    EXPECT_EQ(meets_failure(make, nth, FaultKind::single, expected), allocations_can_fail());
+    EXPECT_EQ(live_blocks(), blocks);
+  }
 }
 
 // --- reading -------------------------------------------------------------------------------------

@@ -488,6 +488,9 @@ const ClassCase kClassCases[] = {
     {"TimeThenDate", kBlanks, u"12:00:00 2024-03-01", DatatypeCode::datetime},
     {"TimeSeveralBlanksDate", kBlanks, u"12:00:00   2024-03-01", DatatypeCode::datetime},
     {"FractionThenDate", kBlanks, u"12:00:00.25 2024-03-01", DatatypeCode::datetime},
+    // the host takes neither of these for a date as a whole
+    {"DateThenAClockValueBeyondTheDay", kBlanks, u"2024-03-01 99:99:99", DatatypeCode::datetime},
+    {"AClockValueBeyondTheDayThenDate", kBlanks, u"99:99:99 2024-03-01", DatatypeCode::datetime},
     // nothing fits
     {"OneDigitOfMinutes", kBlanks, u"12:3", DatatypeCode::text},
     {"OneDigitOfHours", kBlanks, u"1:234", DatatypeCode::text},
@@ -550,6 +553,17 @@ TEST(ClassifyFieldCost, ALongFieldOfDoubledQuotesIsText) {
 TEST(ClassifyFieldCost, AMillionDigitsAreANumber) {
   const ExactText text(std::u16string(1'000'000, u'7'));
   EXPECT_EQ(name_of(classify_field(text.field(), kBlanks)), "number");
+}
+
+// --- the codes -----------------------------------------------------------------------------------
+
+TEST(DatatypeCodes, HaveTheNumbersOfTheInterface) {
+  EXPECT_EQ(static_cast<int>(DatatypeCode::number), 1);
+  EXPECT_EQ(static_cast<int>(DatatypeCode::text), 2);
+  EXPECT_EQ(static_cast<int>(DatatypeCode::datetime), 3);
+  EXPECT_EQ(static_cast<int>(DatatypeCode::empty), 5);
+  EXPECT_EQ(static_cast<int>(DatatypeCode::date), 7);
+  EXPECT_EQ(static_cast<int>(DatatypeCode::duration), 8);
 }
 
 }  // namespace

@@ -141,6 +141,9 @@ const SeriesCase kSeriesCases[] = {
     // d 2 0 0 0 without the empty lines: one header line among the others, which is line 1;
     // behind it is an empty one
     {"EmptyLinesAboveTheData", {0, 1, 0, 3, 3, 3}, kDetect, 0.5, 0.0, 3, 3, 3, 3},
+    // d 2 2 0 0 0 0 0 0 without the empty line; Q 4 8 5.3; S -4 6.7: two header lines among the
+    // others, which are the lines 0 and 2
+    {"EmptyLineAmongLongHeaderLines", {5, 0, 5, 3, 3, 3, 3, 3, 3}, kDetect, 0.5, 0.0, 3, 3, 3, 3},
     // d 9 2 0 0 0 0 0 0; Q 81 60.5 40.3; S 20.5 -0.3: one header line. The line of one field
     // behind it is passed afterwards, when the variation is already computed from it.
     {"OneFieldBehindTheHeader", {12, 1, 3, 3, 3, 3, 3, 3}, kDetect, 1.375, 2.0 / 7.0, 3, 2, 3, 3},

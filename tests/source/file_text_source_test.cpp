@@ -891,6 +891,33 @@ TEST(FileStreamBufferManagerResize, AShrinkKeepsTheStorage) {
   EXPECT_EQ(std::u16string(begin, end), std::u16string(u"ab\0\0", 4));
 }
 
+// The storage that a shrink has kept is exchanged for one without room to spare.
+TEST(FileStreamBufferManagerResize, AGrowthWithinTheStorageLeavesNoRoomToSpare) {
+  FileStreamBufferManager manager;
+  char16_t* begin = nullptr;
+  char16_t* end = nullptr;
+  manager.resize(kBufferUnits * 6, begin, end);
+  manager.resize(2, begin, end);
+  std::copy_n(u"ab", 2, begin);
+  const char16_t* const before = begin;
+  manager.resize(kBufferUnits * 5, begin, end);
+  EXPECT_NE(begin, before);
+  EXPECT_EQ(std::u16string(begin, begin + 3), std::u16string(u"ab\0", 3));
+  EXPECT_EQ(end, begin + kBufferUnits * 5);
+}
+
+TEST(FileStreamBufferManagerResize, AGrowthThatFillsTheStorageKeepsIt) {
+  FileStreamBufferManager manager;
+  char16_t* begin = nullptr;
+  char16_t* end = nullptr;
+  manager.resize(kBufferUnits * 6, begin, end);
+  const char16_t* const before = begin;
+  manager.resize(2, begin, end);
+  manager.resize(kBufferUnits * 6, begin, end);
+  EXPECT_EQ(begin, before);
+  EXPECT_EQ(end, begin + kBufferUnits * 6);
+}
+
 TEST(FileStreamBufferManagerResize, OfAnImpossibleSizeChangesNothing) {
   FileStreamBufferManager manager;
   char16_t* begin = nullptr;

@@ -44,7 +44,7 @@ TEST_F(MemoryTextSourceLending, AnyResizeExposesTheWholeText) {
   for (const std::size_t asked : {0UL, 3UL, 10UL, 131'072UL}) {
     char16_t* begin = nullptr;
     char16_t* end = nullptr;
-    source_.getBufferManager()->resize(asked, begin, end);
+    EXPECT_EQ(source_.getBufferManager()->resize(asked, begin, end), asked);
     EXPECT_EQ(begin, text_.data()) << asked;
     EXPECT_EQ(end, text_.data() + 10) << asked;
   }

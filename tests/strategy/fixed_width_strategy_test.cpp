@@ -385,6 +385,28 @@ TEST(FixedWidthColumn, IsNotMovedByTheSampling) {
   EXPECT_EQ(cut_of(strategy), (Rows{{u"ab", u"cde"}}));
 }
 
+// The lengths tell which widths were taken: a line of three units leaves the second one over for
+// the next line.
+TEST(FixedWidthColumn, RunsOnFromLineToLineThatIsCutAlone) {
+  const parser::options options;
+  FixedWidthStrategy strategy(options, {2, 3});
+  const ExactText line(u"abc");
+  std::vector<Field> fields;
+  for (int i = 0; i < 3; ++i) strategy.cut_line(line.field(), fields);
+  Counts lengths;
+  for (const Field& field : fields) lengths.push_back(field.length);
+  EXPECT_EQ(lengths, (Counts{2, 3, 2, 3, 2, 3, 2}));
+}
+
+TEST(FixedWidthColumn, RunsOnFromTheValuationToTheNextCut) {
+  const parser::options options;
+  FixedWidthStrategy strategy(options, {2, 3});
+  const ExactText text(u"abc");
+  strategy.populate_fields(text.field(), 9);
+  strategy.valuation();
+  EXPECT_EQ(cut_of(strategy), (Rows{{u"abc"}}));
+}
+
 // Whoever reads the units of a field stops at the end of the text, whatever length it reports.
 TEST(FixedWidthColumn, IsReadNoFurtherThanTheText) {
   parser::options options;
