@@ -257,14 +257,50 @@ std::u16string fixed_columns(std::size_t units) {
 
 using standalone::DetectSettings;
 
-// Half the text, with one unit at the end that stands nowhere in it.
-std::u16string long_marker(std::size_t units) { return std::u16string(units / 2, u'a') + u'b'; }
+// Half a text of `pattern`, with one unit at the end that stands nowhere in it.
+std::u16string long_marker(std::size_t units, std::u16string_view pattern = u"a") {
+  return repeat(units / 2, pattern) + u'b';
+}
 
 // A marker for every 64 units: all begin alike and differ behind that.
 std::vector<std::u16string> many_markers(std::size_t units) {
   std::vector<std::u16string> markers;
   for (std::size_t i = 0; i < units / 64; ++i) markers.push_back(join({u"a", digits(i, 6)}));
   return markers;
+}
+
+// The unit that marker `number` begins with: one of more than 60,000, all of them characters.
+char16_t first_unit(std::size_t number) {
+  constexpr std::size_t kFirst = 0x0100;
+  constexpr std::size_t kSurrogates = 0xD800;
+  constexpr std::size_t kBehindSurrogates = 0xE000;
+  const std::size_t unit = kFirst + number;
+  return static_cast<char16_t>(unit < kSurrogates ? unit : unit - kSurrogates + kBehindSurrogates);
+}
+
+std::size_t number_of_first_units(std::size_t units) {
+  return std::clamp<std::size_t>(units / 64, 1, 60000);
+}
+
+// A marker for every 64 units, each of which begins with a unit of its own.
+std::vector<std::u16string> markers_of_first_units(std::size_t units) {
+  std::vector<std::u16string> markers;
+  for (std::size_t i = 0; i < number_of_first_units(units); ++i) {
+    markers.push_back({first_unit(i), u'b'});
+  }
+  return markers;
+}
+
+// Those units again and again.
+std::u16string first_units(std::size_t units) {
+  std::u16string text(units, u' ');
+  for (std::size_t i = 0; i < units; ++i) text[i] = first_unit(i % number_of_first_units(units));
+  return text;
+}
+
+// Lines of 63 units; at each of them a marker of `many_markers` begins.
+std::u16string lines_of_same_units(std::size_t units) {
+  return repeat(units, std::u16string(63, u'a') + u'\n');
 }
 
 void give_delimiters(DetectSettings& settings, std::vector<std::u16string> delimiters) {
@@ -286,9 +322,9 @@ std::u16string two_lines(std::size_t units) {
   return text;
 }
 
-void give_widths(DetectSettings& settings, std::size_t units) {
+void give_widths(DetectSettings& settings, std::size_t columns) {
   settings.options.parser_type = parser::parser_kind::fixedwidth;
-  settings.options.variable_widths.assign(units, 1);
+  settings.options.variable_widths.assign(columns, 1);
 }
 
 }  // namespace
@@ -349,6 +385,31 @@ const std::vector<Shape>& option_shapes() {
       {"many_line_endings", same_units,
        [](DetectSettings& settings, std::size_t units) {
          settings.options.line_endings = many_markers(units);
+       }},
+      {"long_beside_short", [](std::size_t units) { return repeat(units, u"a,"); },
+       [](DetectSettings& settings, std::size_t units) {
+         give_delimiters(settings, {long_marker(units, u"a,"), u","});
+       }},
+      {"overlapping_endings", [](std::size_t units) { return repeat(units, u" a"); },
+       [](DetectSettings& settings, std::size_t units) {
+         settings.options.line_endings = {repeat(units / 2, u" a")};
+       }},
+      {"delimiters_in_lines", lines_of_same_units,
+       [](DetectSettings& settings, std::size_t units) {
+         give_delimiters(settings, many_markers(units));
+       }},
+      {"many_first_units", first_units,
+       [](DetectSettings& settings, std::size_t units) {
+         give_delimiters(settings, markers_of_first_units(units));
+       }},
+      {"many_first_line_units", first_units,
+       [](DetectSettings& settings, std::size_t units) {
+         settings.options.line_endings = markers_of_first_units(units);
+       }},
+      {"long_ending_of_widths", same_units,
+       [](DetectSettings& settings, std::size_t units) {
+         give_widths(settings, 16);
+         settings.options.line_endings = {long_marker(units)};
        }},
       {"huge_header_lines", [](std::size_t units) { return lines_of(units, narrow_line); },
        [](DetectSettings& settings, std::size_t) {

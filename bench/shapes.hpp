@@ -1,5 +1,6 @@
 // Texts of known shape to measure detections with. Every text is the same on each run and on each
-// machine, and all but one of them are ASCII.
+// machine, and all of them are ASCII but those of many first units and the one of two-byte
+// characters.
 //
 // Units  a size counts UTF-16 code units.
 #pragma once

@@ -1,15 +1,20 @@
 #include "detection/fixed_stream.hpp"
 
+#include <optional>
+
 #include "host/delimiter_set.hpp"
-#include "strategy/scan.hpp"
+#include "strategy/marker_index.hpp"
+#include "strategy/marker_matcher.hpp"
 
 namespace textio {
 namespace {
 
 // The length of `text` up to and including the first unit of its last line ending.
-std::size_t length_to_last_line(const Field& text, const DelimiterSet& line_endings) {
+std::size_t length_to_last_line(const Field& text, const MarkerMatcher& line_endings) {
+  std::optional<MarkerIndex> index;
+  if (line_endings.may_need_index()) index.emplace(line_endings).bind(text);
   for (std::size_t length = text.length; length > 0; --length) {
-    if (match_length(line_endings, text, length - 1) > 0) return length;
+    if (line_endings.length_at(text, length - 1) > 0) return length;
   }
   return 0;
 }
@@ -22,7 +27,7 @@ Field get_fixed_stream(const TextStream& stream, const std::vector<std::u16strin
     return {stream.window_begin(), length};
   }
   const Field most(stream.window_begin(), kSampleUnits);
-  return {most.data, length_to_last_line(most, *get_or_create_delim(line_endings))};
+  return {most.data, length_to_last_line(most, MarkerMatcher(get_or_create_delim(line_endings)))};
 }
 
 }  // namespace textio

@@ -20,6 +20,7 @@ inline constexpr unsigned long kSampleUnits = 4'194'304;
 // Ownership  a view into the stream's buffer, valid until the stream advances or loads more text.
 // Errors     what the source or the allocation throws.
 // Cost       loads the rest of the text, or kSampleUnits + 1 units and what fills their last block.
+//            Looking for the last line ending is linear in the units and the markers together.
 VLTEXTSTREAM_EXPORT Field get_fixed_stream(const TextStream& stream,
                                            const std::vector<std::u16string>& line_endings);
 

@@ -1,6 +1,6 @@
 #include "host/delimiter_set.hpp"
 
-#include <algorithm>
+#include <bitset>
 
 namespace textio {
 
@@ -8,9 +8,11 @@ std::shared_ptr<const DelimiterSet> get_or_create_delim(
     const std::vector<std::u16string>& markers) {
   auto set = std::make_shared<DelimiterSet>();
   set->strings = markers;
+  std::bitset<65536> listed;
   for (const std::u16string& marker : markers) {
     const char16_t first = marker.empty() ? u'\0' : marker[0];
-    if (set->first_chars.find(first) == std::u16string::npos) set->first_chars.push_back(first);
+    if (!listed[first]) set->first_chars.push_back(first);
+    listed.set(first);
   }
   if (!set->first_chars.empty()) {
     set->first_chars_begin = set->first_chars.data();

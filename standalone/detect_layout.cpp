@@ -28,7 +28,9 @@ using detection::SelectionEnd;
 // What a line reader consumes behind the first line.
 std::optional<std::u16string> first_line_ending(const Field& sample,
                                                 const parser::options& options) {
-  const FieldExtent line = LineReaderStrategy(options).get_line_extent(sample, 0);
+  const LineReaderStrategy reader(options);
+  const Strategy::StableText stable(reader, sample);
+  const FieldExtent line = reader.get_line_extent(sample, 0);
   if (line.next == line.field.length) return std::nullopt;
   return std::u16string(line.field.data + line.field.length, line.next - line.field.length);
 }

@@ -29,7 +29,10 @@ bool is_blank(const Field& line, const std::u16string& whitespace) {
 class LineNumbers {
  public:
   LineNumbers(const Field& text, const parser::options& options)
-      : text_(text), reader_(options), next_(reader_.get_line_extent(text, 0).next) {}
+      : text_(text),
+        reader_(options),
+        stable_(reader_, text),
+        next_(reader_.get_line_extent(text, 0).next) {}
 
   // The number of the line that holds unit `pos`. Every line has a unit or a line ending, so the
   // walk moves on.
@@ -44,6 +47,7 @@ class LineNumbers {
  private:
   const Field& text_;
   LineReaderStrategy reader_;
+  Strategy::StableText stable_;
   std::size_t next_;
   std::size_t number_ = 1;
 };
@@ -72,6 +76,7 @@ void SampledTable::find_lines(const Field& sample, unsigned long num_lines) {
   const std::vector<Field>& kept = strategy_.lines();
   const std::size_t budget = line_budget(options_, num_lines);
   LineNumbers numbers(sample, options_);
+  const Strategy::StableText stable(strategy_, sample);
   std::size_t texts = 0;
   std::size_t pos = 0;
   while (!ends_at(sample, pos) && (line_numbers_.size() < kept.size() || texts < budget)) {

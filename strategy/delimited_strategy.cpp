@@ -17,7 +17,8 @@ DelimitedStrategy::DelimitedStrategy(const parser::options& options,
                                      const std::vector<std::u16string>& delimiters)
     : Strategy(options),
       tokenizer_(delimiters, options.line_endings),
-      line_endings_(get_or_create_delim(options.line_endings)) {
+      line_endings_(get_or_create_delim(options.line_endings)),
+      ending_matcher_(line_endings_) {
   std::u16string whitespace = options.whitespace;
   for (const std::u16string& delimiter : delimiters) {
     if (delimiter.size() == 1) remove_in_place(whitespace, delimiter[0]);
@@ -56,7 +57,7 @@ FieldExtent DelimitedStrategy::get_line_extent(const Field& text, unsigned long 
     const std::size_t end = pos + field.field.length;
     pos = field.next;
     if (pos != end) continue;
-    if (const std::size_t ending = match_length(*line_endings_, text, end)) {
+    if (const std::size_t ending = ending_matcher_.length_at(text, end)) {
       return {slice(text, start, end), end + ending};
     }
   }

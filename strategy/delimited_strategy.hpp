@@ -13,6 +13,7 @@
 
 #include <vltextstream/host/delimiter_set.hpp>
 #include <vltextstream/strategy/field_tokenizer.hpp>
+#include <vltextstream/strategy/marker_matcher.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
@@ -39,8 +40,11 @@ class VLTEXTSTREAM_EXPORT DelimitedStrategy : public Strategy {
   std::vector<std::u16string> delimiters() const;
 
  private:
+  friend class Strategy;  // reaches the matchers
+
   FieldTokenizer tokenizer_;
   std::shared_ptr<const DelimiterSet> line_endings_;
+  MarkerMatcher ending_matcher_;
 };
 
 }  // namespace textio

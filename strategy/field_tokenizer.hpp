@@ -13,6 +13,7 @@
 #include <vltextstream/host/delimiter_set.hpp>
 #include <vltextstream/host/export.hpp>
 #include <vltextstream/strategy/field.hpp>
+#include <vltextstream/strategy/marker_matcher.hpp>
 
 namespace textio {
 
@@ -30,6 +31,11 @@ struct VLTEXTSTREAM_EXPORT FieldTokenizer {
 
   // The units at which a scan must look closer, ascending.
   std::u16string stop_chars_;
+
+  // What asks the two sets, and looks up the stop characters.
+  MarkerMatcher delimiter_matcher_;
+  MarkerMatcher ending_matcher_;
+  std::shared_ptr<const UnitBits> stop_bits_;
 };
 
 }  // namespace textio

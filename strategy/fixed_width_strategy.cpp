@@ -24,7 +24,8 @@ FixedWidthStrategy::FixedWidthStrategy(const parser::options& options,
     : Strategy(options),
       line_endings_(get_or_create_delim(options.line_endings)),
       widths_(widths.begin(), widths.end()),
-      total_width_(saturating_sum(widths)) {
+      total_width_(saturating_sum(widths)),
+      ending_matcher_(line_endings_) {
   if (total_width_ == 0) {
     throw std::invalid_argument("the widths of a fixed-width table must add up to at least 1");
   }
@@ -37,7 +38,7 @@ int FixedWidthStrategy::mode() const { return kFixedWidth; }
 // Every index is tried, and a U+FFFF in the text does not end the line.
 FieldExtent FixedWidthStrategy::get_line_extent(const Field& text, unsigned long start) const {
   for (std::size_t i = start; i <= text.length; ++i) {
-    if (const std::size_t ending = match_length(*line_endings_, text, i)) {
+    if (const std::size_t ending = ending_matcher_.length_at(text, i)) {
       return {slice(text, start, i), i + ending};
     }
   }

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include <vltextstream/host/delimiter_set.hpp>
+#include <vltextstream/strategy/marker_matcher.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
@@ -33,12 +34,13 @@ class VLTEXTSTREAM_EXPORT FixedWidthStrategy : public Strategy {
 
  private:
   friend class SampleCut;
-  friend class Strategy;  // goes back to the column of an earlier line
+  friend class Strategy;  // goes back to the column of an earlier line, reaches the matcher
 
   std::shared_ptr<const DelimiterSet> line_endings_;
   std::vector<std::size_t> widths_;
   std::size_t total_width_;
   std::size_t next_column_ = 0;
+  MarkerMatcher ending_matcher_;
 };
 
 }  // namespace textio

@@ -8,7 +8,9 @@ LineReaderStrategy::LineReaderStrategy(const parser::options& options)
     : Strategy(options),
       line_endings_(get_or_create_delim(options.line_endings)),
       delimiters_(get_or_create_delim({})),
-      stop_chars_(make_stop_chars(options.line_endings, {})) {}
+      stop_chars_(make_stop_chars(options.line_endings, {})),
+      ending_matcher_(line_endings_),
+      stop_bits_(make_unit_bits(stop_chars_)) {}
 
 LineReaderStrategy::~LineReaderStrategy() = default;
 
@@ -18,9 +20,9 @@ FieldExtent LineReaderStrategy::get_line_extent(const Field& text, unsigned long
   if (ends_at(text, start)) return {slice(text, start, start), start};
   std::size_t i = start;
   do {
-    i = find_first_of(text, i, stop_chars_);
+    i = find_first_of(text, i, stop_chars_, stop_bits_.get());
     if (ends_at(text, i) || match_length(*delimiters_, text, i) > 0) break;
-    if (const std::size_t ending = match_length(*line_endings_, text, i)) {
+    if (const std::size_t ending = ending_matcher_.length_at(text, i)) {
       return {slice(text, start, i), i + ending};
     }
     ++i;

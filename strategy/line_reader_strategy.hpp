@@ -5,6 +5,7 @@
 #include <string>
 
 #include <vltextstream/host/delimiter_set.hpp>
+#include <vltextstream/strategy/marker_matcher.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
@@ -19,9 +20,13 @@ class VLTEXTSTREAM_EXPORT LineReaderStrategy : public Strategy {
   FieldExtent get_next_field(const Field& line, unsigned long start) override;
 
  private:
+  friend class Strategy;  // reaches the matcher
+
   std::shared_ptr<const DelimiterSet> line_endings_;
   std::shared_ptr<const DelimiterSet> delimiters_;
   std::u16string stop_chars_;
+  MarkerMatcher ending_matcher_;
+  std::shared_ptr<const UnitBits> stop_bits_;
 };
 
 }  // namespace textio

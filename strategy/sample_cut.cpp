@@ -22,6 +22,7 @@ bool is_of_the_library(const Strategy& strategy) {
 
 SampleCut::SampleCut(Strategy& strategy)
     : strategy_(strategy),
+      stable_(strategy, Field()),
       fixed_(dynamic_cast<FixedWidthStrategy*>(&strategy)),
       first_column_(fixed_ ? fixed_->next_column_ : 0),
       keeps_all_(!is_of_the_library(strategy)) {
@@ -29,6 +30,7 @@ SampleCut::SampleCut(Strategy& strategy)
   for (const Field& line : strategy.lines_) {
     if (!keeps_all_) fields_.clear();
     const std::size_t before = fields_.size();
+    stable_.move_to(line);
     strategy.append_fields(line, fields_);
     strategy.reset_fields();
     counts_.push_back(fields_.size() - before);
@@ -46,6 +48,7 @@ std::span<const Field> SampleCut::fields(std::size_t line) {
 // A fixed-width strategy cuts from the column that it came to the first time, and then stands where
 // it stood.
 void SampleCut::cut_again(std::size_t line) {
+  stable_.move_to(strategy_.lines_[line]);
   if (!fixed_) {
     strategy_.append_fields(strategy_.lines_[line], fields_);
     return;

@@ -39,6 +39,7 @@ class SampleCut final : public LineFields {
   void go_to(std::size_t line);
 
   Strategy& strategy_;
+  Strategy::StableText stable_;
   FixedWidthStrategy* fixed_;  // the only one of the library's that remembers something: its column
   std::size_t first_column_;
   bool keeps_all_;

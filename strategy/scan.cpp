@@ -12,12 +12,7 @@ char16_t first_unit(const std::u16string& marker) { return marker.empty() ? u'\0
 std::size_t match_length(const DelimiterSet& set, const Field& text, std::size_t i) {
   const char16_t unit = i < text.length ? text.data[i] : kEndMark;
   if (set.is_single_char) return unit == *set.single_char ? 1 : 0;
-  if (std::find(set.first_chars_begin, set.first_chars_end, unit) == set.first_chars_end) return 0;
-  const std::u16string_view rest = view_of(slice(text, i, text.length));
-  for (const std::u16string& marker : set.strings) {
-    if (rest.substr(0, marker.size()) == marker) return marker.size();
-  }
-  return 0;
+  return begins_with(set, unit) ? match_marker(set, text, i) : 0;
 }
 
 std::u16string make_stop_chars(const std::vector<std::u16string>& a,

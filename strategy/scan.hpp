@@ -9,6 +9,7 @@
 
 #include "host/delimiter_set.hpp"
 #include "strategy/field.hpp"
+#include "strategy/marker_matcher.hpp"
 
 namespace textio {
 
@@ -41,6 +42,14 @@ inline std::size_t find_first_of(const Field& text, std::size_t i, std::u16strin
   return i;
 }
 
+// The same for a set of which `bits` are made if it is a long one.
+inline std::size_t find_first_of(const Field& text, std::size_t i, std::u16string_view set,
+                                 const UnitBits* bits) {
+  if (!bits) return find_first_of(text, i, set);
+  while (i < text.length && !(*bits)[text.data[i]]) ++i;
+  return i;
+}
+
 // The first position from `i` on whose unit is not in `set`, the text's length when there is none.
 inline std::size_t find_first_not_of(const Field& text, std::size_t i, std::u16string_view set) {
   while (i < text.length && contains(set, text.data[i])) ++i;
@@ -48,8 +57,26 @@ inline std::size_t find_first_not_of(const Field& text, std::size_t i, std::u16s
 }
 
 // Length of the first marker of `set` that stands at `i`, 0 when none does. An empty marker ends
-// the search.
+// the search. One comparison after the other; see strategy/marker_matcher.hpp.
 std::size_t match_length(const DelimiterSet& set, const Field& text, std::size_t i);
+
+// Whether a marker of `set` begins with `unit`. As a rule there are few such characters: a plain
+// loop is faster than std::find, which prepares for many.
+inline bool begins_with(const DelimiterSet& set, char16_t unit) {
+  const char16_t* first = set.first_chars_begin;
+  while (first != set.first_chars_end && *first != unit) ++first;
+  return first != set.first_chars_end;
+}
+
+// The same as match_length for a place at which one of the first characters stands.
+inline std::size_t match_marker(const DelimiterSet& set, const Field& text, std::size_t i) {
+  const std::size_t from = std::min(i, text.length);
+  const std::u16string_view rest(text.data + from, text.length - from);
+  for (const std::u16string& marker : set.strings) {
+    if (rest.substr(0, marker.size()) == marker) return marker.size();
+  }
+  return 0;
+}
 
 // The distinct first characters of all markers of both lists, ascending.
 std::u16string make_stop_chars(const std::vector<std::u16string>& a,

@@ -17,7 +17,8 @@ const std::vector<std::u16string>& blank_delimiters() {
 SpaceAlignedStrategy::SpaceAlignedStrategy(const parser::options& options)
     : Strategy(options),
       tokenizer_(blank_delimiters(), options.line_endings),
-      line_endings_(get_or_create_delim(options.line_endings)) {
+      line_endings_(get_or_create_delim(options.line_endings)),
+      ending_matcher_(line_endings_) {
   std::u16string whitespace = options.whitespace;
   remove_in_place(whitespace, u'\t');
   remove_in_place(whitespace, u' ');
@@ -40,7 +41,7 @@ FieldExtent SpaceAlignedStrategy::get_line_extent(const Field& text, unsigned lo
     const std::size_t end = pos + field.field.length;
     pos = find_first_not_of(text, field.next, kBlankChars);
     if (pos != end) continue;
-    if (const std::size_t ending = match_length(*line_endings_, text, end)) {
+    if (const std::size_t ending = ending_matcher_.length_at(text, end)) {
       return {slice(text, line_start, end), end + ending};
     }
   }

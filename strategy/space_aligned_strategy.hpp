@@ -8,6 +8,7 @@
 
 #include <vltextstream/host/delimiter_set.hpp>
 #include <vltextstream/strategy/field_tokenizer.hpp>
+#include <vltextstream/strategy/marker_matcher.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
@@ -22,8 +23,11 @@ class VLTEXTSTREAM_EXPORT SpaceAlignedStrategy : public Strategy {
   FieldExtent get_next_field(const Field& line, unsigned long start) override;
 
  private:
+  friend class Strategy;  // reaches the matchers
+
   FieldTokenizer tokenizer_;
   std::shared_ptr<const DelimiterSet> line_endings_;
+  MarkerMatcher ending_matcher_;
 };
 
 }  // namespace textio

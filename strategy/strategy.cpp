@@ -99,6 +99,7 @@ std::vector<Field> Strategy::sampled_lines(const Field& text, unsigned long num_
       header_lines_auto_ ? num_lines : saturating_add(num_lines, header_lines_);
   lines.reserve(std::min({target, saturating_add(text.length, 1), kFirstRoom}));
 
+  const StableText stable(*this, text);
   // Every line extent ends behind its start while there is text: it holds a unit, or a line
   // ending, or both. So the loop ends.
   std::size_t pos = 0;
@@ -139,6 +140,7 @@ void Strategy::append_fields(const Field& line, std::vector<Field>& fields) {
 
 void Strategy::cut_line(const Field& line, std::vector<Field>& fields) {
   CutRollback rollback(*this);
+  const StableText stable(*this, line);
   const std::size_t before = fields.size();
   try {
     append_fields(line, fields);
@@ -153,7 +155,9 @@ FieldArray Strategy::get_fields_from_lines() {
   CutRollback rollback(*this);
   FieldArray result;
   result.counts.reserve(lines_.size());
+  StableText stable(*this, Field());
   for (const Field& line : lines_) {
+    stable.move_to(line);
     append_fields(line, result.fields);
     reset_fields();
     result.counts.push_back(result.fields.size());

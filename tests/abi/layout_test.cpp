@@ -122,7 +122,9 @@ TEST(MemberOrder, OfFields) {
 
 TEST(MemberOrder, OfTheTokenizer) {
   expect_in_order(0, {MEMBER(FieldTokenizer, quote_), MEMBER(FieldTokenizer, delimiters_),
-                      MEMBER(FieldTokenizer, line_endings_), MEMBER(FieldTokenizer, stop_chars_)});
+                      MEMBER(FieldTokenizer, line_endings_), MEMBER(FieldTokenizer, stop_chars_),
+                      MEMBER(FieldTokenizer, delimiter_matcher_),
+                      MEMBER(FieldTokenizer, ending_matcher_), MEMBER(FieldTokenizer, stop_bits_)});
 }
 
 TEST(MemberOrder, OfTheFormats) {

@@ -3,6 +3,7 @@
 // The text is read from a file. What counts are the blocks that the C library hands out while the
 // detection runs, at the size it rounds them to; `new`, file buffers and other libraries go there
 // as well. The options are there before.
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstddef>
@@ -78,6 +79,13 @@ namespace {
 
 constexpr std::size_t kForTheProgram = 500'000'000;  // libraries, the text, the options
 
+// One byte for each unit where that is possible.
+std::string bytes_of(const std::u16string& text) {
+  const bool is_ascii =
+      std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
+  return is_ascii ? textio::bench::ascii_bytes(text) : textio::bench::utf16_bytes(text);
+}
+
 // Whoever wants far more than it may have is refused it, and does not take the machine's memory.
 void limit_memory(std::size_t bytes) {
   const rlimit limit = {bytes, bytes};
@@ -98,7 +106,7 @@ int main(int argc, char** argv) {
   const std::size_t most_bytes = std::strtoul(argv[4], nullptr, 10);
 
   const textio::testing_support::TempFolder folder;
-  const std::string path = folder.file("text", textio::bench::ascii_bytes(shape->make(units)));
+  const std::string path = folder.file("text", bytes_of(shape->make(units)));
   textio::standalone::DetectSettings settings;
   settings.num_lines = lines > 0 ? lines : std::numeric_limits<unsigned long>::max();
   if (shape->set != nullptr) shape->set(settings, units);

@@ -70,6 +70,17 @@ const StrategyCase kStrategyCases[] = {
            options, std::vector<std::u16string>{u"a separator of length", u"::"});
      },
      u"a::b\n1::2\n\n3a separator of length4\n", u"5::6::7\n8::9::0\n"},
+    // Markers that nearly match everywhere, so that an index of the text is made.
+    {"DelimitedByManyTexts",
+     [](const parser::options& options) -> std::shared_ptr<Strategy> {
+       std::vector<std::u16string> delimiters;
+       for (char16_t k = 0; k < 64; ++k) {
+         delimiters.push_back({u'a', static_cast<char16_t>(u'\u0100' + k)});
+       }
+       return std::make_shared<DelimitedStrategy>(options, delimiters);
+     },
+     std::u16string(60, u'a') + u"\u0105b\n\n" + std::u16string(60, u'a') + u"\u0107b\n",
+     std::u16string(60, u'a') + u"\u0101ba\u0102c\n" + std::u16string(60, u'a') + u"\n"},
     {"LongQuotedFields",
      [](const parser::options& options) -> std::shared_ptr<Strategy> {
        return std::make_shared<DelimitedStrategy>(options, u',');

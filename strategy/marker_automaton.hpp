@@ -1,0 +1,57 @@
+// MarkerAutomaton: finds all markers of a list in one pass over a text.
+//
+//   MarkerAutomaton automaton({u"ab", u"b"});
+//   automaton.run({u"abb", 3}, lengths);      // lengths == {2, 1, 1}
+//
+// Units      lengths count UTF-16 code units.
+// Ownership  keeps no view of the markers.
+// Errors     std::bad_alloc; of run() too, which leaves `lengths` valid but unspecified.
+// Cost       made in O(units of all markers), run in O(units of the text), both times the logarithm
+//            of the number of markers at most; 16 bytes per unit of the markers are kept.
+// Threads    may be run by any number of threads once it is made.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+#include <vector>
+
+#include "strategy/field.hpp"
+
+namespace textio {
+
+class MarkerAutomaton {
+ public:
+  // The most units that all markers may have together.
+  static constexpr std::size_t kMostUnits = std::numeric_limits<std::uint32_t>::max() - 2;
+
+  // `markers` in the order in which they are tried; none is empty.
+  explicit MarkerAutomaton(const std::vector<std::u16string_view>& markers);
+
+  // Sets lengths[i] to the length of the first marker in the list that stands at `i` of `text`, 0
+  // when none does.
+  void run(const Field& text, std::vector<std::uint32_t>& lengths) const;
+
+ private:
+  using NodeId = std::uint32_t;
+
+  // A node stands for the end of a marker, its last units. The children of node k are those from
+  // its `first_child` up to, not including, that of node k + 1; their units ascend.
+  struct Node {
+    NodeId first_child = 0;
+    NodeId fallback = 0;       // the longest shorter end that the node's text begins with
+    std::uint32_t marker = 0;  // the first in the list that the node's text begins with
+    char16_t unit = 0;
+  };
+
+  void make_nodes(const std::vector<std::u16string_view>& markers);
+  void make_fallbacks();
+  NodeId child(NodeId node, char16_t unit) const;
+  NodeId step(NodeId node, char16_t unit) const;
+
+  std::vector<Node> nodes_;
+  std::vector<std::uint32_t> lengths_;  // of the markers
+};
+
+}  // namespace textio
