@@ -10,7 +10,8 @@ namespace textio::detection {
 
 void SampleKeeper::draw(Strategy& strategy, unsigned long num_lines) const {
   constexpr auto kNoLimit = std::numeric_limits<std::size_t>::max();
-  strategy.lines_ = strategy.sampled_lines(text_, num_lines, kNoLimit);
+  strategy.counted_fields_.clear();
+  strategy.lines_ = strategy.sampled_lines(text_, num_lines, kNoLimit, &strategy.counted_fields_);
   strategy.text_ = text_;
 }
 
@@ -37,7 +38,8 @@ void SampleKeeper::bring_back(Strategy& strategy) const {
                                    [&](const GivenUp& s) { return s.strategy == &strategy; });
   if (sample == given_up_.end()) return;
   constexpr auto kNoBudget = std::numeric_limits<unsigned long>::max();
-  strategy.lines_ = strategy.sampled_lines(text_, kNoBudget, sample->lines);
+  strategy.lines_ =
+      strategy.sampled_lines(text_, kNoBudget, sample->lines, &strategy.counted_fields_);
   strategy.field_counts_ = SampleCut(strategy).take_counts();
 }
 

@@ -1,7 +1,8 @@
 #include "strategy/delimited_strategy.hpp"
 
 #include "strategy/delimiter_priority.hpp"
-#include "strategy/scan.hpp"
+#include "strategy/field_scan.hpp"
+#include "strategy/line_scan.hpp"
 
 namespace textio {
 namespace {
@@ -47,21 +48,31 @@ std::vector<std::u16string> DelimitedStrategy::delimiters() const {
 
 int DelimitedStrategy::mode() const { return kDelimited; }
 
+FieldExtent DelimitedStrategy::get_line_extent(const Field& text, unsigned long start) const {
+  FieldScan fields(tokenizer_, text);
+  return scan_line(fields, start).extent;
+}
+
 // A line is made of whole fields, so that a line ending inside quotes does not end it. A field
 // that consumed nothing stopped at a line ending or at the end of the text: the loop moves on
-// with every field.
-FieldExtent DelimitedStrategy::get_line_extent(const Field& text, unsigned long start) const {
+// with every field. A delimiter at the end of the text has one more, empty, field behind it.
+ScannedLine DelimitedStrategy::scan_line(FieldScan& fields, std::size_t start) const {
+  const Field& text = fields.text();
+  std::size_t num_fields = 0;
+  bool ends_with_delimiter = false;
   std::size_t pos = start;
   while (!ends_at(text, pos)) {
-    const FieldExtent field = tokenizer_.tokenize(text, pos);
+    const FieldExtent field = fields.field_at(pos);
     const std::size_t end = pos + field.field.length;
     pos = field.next;
-    if (pos != end) continue;
+    ++num_fields;
+    ends_with_delimiter = pos != end;
+    if (ends_with_delimiter) continue;
     if (const std::size_t ending = ending_matcher_.length_at(text, end)) {
-      return {slice(text, start, end), end + ending};
+      return {{slice(text, start, end), end + ending}, num_fields};
     }
   }
-  return {slice(text, start, pos), pos};
+  return {{slice(text, start, pos), pos}, num_fields + (ends_with_delimiter ? 1 : 0)};
 }
 
 FieldExtent DelimitedStrategy::get_next_field(const Field& line, unsigned long start) {

@@ -18,6 +18,10 @@
 
 namespace textio {
 
+class FieldScan;
+class LineScan;
+struct ScannedLine;
+
 class VLTEXTSTREAM_EXPORT DelimitedStrategy : public Strategy {
  public:
   // Of two delimiters that match, the earlier in the list wins.
@@ -40,7 +44,10 @@ class VLTEXTSTREAM_EXPORT DelimitedStrategy : public Strategy {
   std::vector<std::u16string> delimiters() const;
 
  private:
+  friend class LineScan;
   friend class Strategy;  // reaches the matchers
+
+  VLTEXTSTREAM_LOCAL ScannedLine scan_line(FieldScan& fields, std::size_t start) const;
 
   FieldTokenizer tokenizer_;
   std::shared_ptr<const DelimiterSet> line_endings_;

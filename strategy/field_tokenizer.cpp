@@ -1,18 +1,10 @@
 #include "strategy/field_tokenizer.hpp"
 
-#include "strategy/scan.hpp"
+#include <algorithm>
+
+#include "strategy/field_scan.hpp"
 
 namespace textio {
-namespace {
-
-// The index behind the next `quote` after the one at `open`, the text's length when there is none.
-std::size_t behind_next_quote(const Field& text, std::size_t open, char16_t quote) {
-  const std::size_t found = view_of(text).find(quote, open + 1);
-  return found == std::u16string_view::npos ? text.length : found + 1;
-}
-
-}  // namespace
-
 FieldTokenizer::FieldTokenizer(const std::vector<std::u16string>& delimiters,
                                const std::vector<std::u16string>& line_endings)
     : delimiters_(get_or_create_delim(delimiters)),
@@ -23,18 +15,25 @@ FieldTokenizer::FieldTokenizer(const std::vector<std::u16string>& delimiters,
       stop_bits_(make_unit_bits(stop_chars_)) {}
 
 FieldExtent FieldTokenizer::tokenize(const Field& text, std::size_t pos) const {
-  if (pos >= text.length) return {slice(text, pos, pos), pos};
+  return FieldScan(*this, text).field_at(pos);
+}
+
+FieldExtent FieldScan::field_at(std::size_t pos) {
+  if (pos >= text_.length) return {slice(text_, pos, pos), pos};
   std::size_t i = pos;
-  while (!ends_at(text, i) && text.data[i] == quote_) i = behind_next_quote(text, i, quote_);
-  while (!ends_at(text, i)) {
-    i = find_first_of(text, i, stop_chars_, stop_bits_.get());
-    if (ends_at(text, i) || ending_matcher_.length_at(text, i) > 0) break;
-    if (const std::size_t delimiter = delimiter_matcher_.length_at(text, i)) {
-      return {slice(text, pos, i), i + delimiter};
+  while (!ends_at(text_, i) && text_.data[i] == tokenizer_.quote_) {
+    const std::size_t closing = quotes_.next(i + 1);
+    i = std::min(closing + 1, text_.length);
+  }
+  while (!ends_at(text_, i)) {
+    i = next_stop(i);
+    if (ends_at(text_, i) || tokenizer_.ending_matcher_.length_at(text_, i) > 0) break;
+    if (const std::size_t delimiter = tokenizer_.delimiter_matcher_.length_at(text_, i)) {
+      return {slice(text_, pos, i), i + delimiter};
     }
     ++i;
   }
-  return {slice(text, pos, i), i};
+  return {slice(text_, pos, i), i};
 }
 
 }  // namespace textio

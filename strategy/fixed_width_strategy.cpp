@@ -5,7 +5,9 @@
 #include <numeric>
 #include <stdexcept>
 
+#include "strategy/line_scan.hpp"
 #include "strategy/scan.hpp"
+#include "strategy/unit_finder.hpp"
 
 namespace textio {
 namespace {
@@ -35,14 +37,32 @@ FixedWidthStrategy::~FixedWidthStrategy() = default;
 
 int FixedWidthStrategy::mode() const { return kFixedWidth; }
 
-// Every index is tried, and a U+FFFF in the text does not end the line.
 FieldExtent FixedWidthStrategy::get_line_extent(const Field& text, unsigned long start) const {
+  UnitFinder stops(text, stop_chars());
+  return scan_line(text, stops, start).extent;
+}
+
+// The units with which a line ending begins; none when they are many.
+std::u16string_view FixedWidthStrategy::stop_chars() const {
+  const DelimiterSet& set = *line_endings_;
+  if (ending_matcher_.may_need_index()) return {};
+  if (set.is_single_char) return {set.single_char, 1};
+  return {set.first_chars_begin,
+          static_cast<std::size_t>(set.first_chars_end - set.first_chars_begin)};
+}
+
+// A line ending may stand anywhere, and a U+FFFF in the text does not end the line: behind the text
+// one is seen, too, and a line ending may consist of it.
+ScannedLine FixedWidthStrategy::scan_line(const Field& text, UnitFinder& stops,
+                                          std::size_t start) const {
+  const bool tries_each = ending_matcher_.may_need_index();
   for (std::size_t i = start; i <= text.length; ++i) {
+    if (!tries_each) i = stops.next(i);
     if (const std::size_t ending = ending_matcher_.length_at(text, i)) {
-      return {slice(text, start, i), i + ending};
+      return {{slice(text, start, i), i + ending}};
     }
   }
-  return {slice(text, start, text.length), text.length};
+  return {{slice(text, start, text.length), text.length}};
 }
 
 // The column index moves on with every call, also when no text is left, and is not reset at the

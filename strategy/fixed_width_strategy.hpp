@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include <vltextstream/host/delimiter_set.hpp>
@@ -18,6 +19,10 @@
 #include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
+
+class LineScan;
+struct ScannedLine;
+class UnitFinder;
 
 class VLTEXTSTREAM_EXPORT FixedWidthStrategy : public Strategy {
  public:
@@ -33,8 +38,13 @@ class VLTEXTSTREAM_EXPORT FixedWidthStrategy : public Strategy {
   const std::vector<std::size_t>& widths() const { return widths_; }
 
  private:
+  friend class LineScan;
   friend class SampleCut;
   friend class Strategy;  // goes back to the column of an earlier line, reaches the matcher
+
+  VLTEXTSTREAM_LOCAL std::u16string_view stop_chars() const;
+  VLTEXTSTREAM_LOCAL ScannedLine scan_line(const Field& text, UnitFinder& stops,
+                                           std::size_t start) const;
 
   std::shared_ptr<const DelimiterSet> line_endings_;
   std::vector<std::size_t> widths_;

@@ -1,6 +1,8 @@
 #include "strategy/line_reader_strategy.hpp"
 
+#include "strategy/line_scan.hpp"
 #include "strategy/scan.hpp"
+#include "strategy/unit_finder.hpp"
 
 namespace textio {
 
@@ -17,17 +19,24 @@ LineReaderStrategy::~LineReaderStrategy() = default;
 int LineReaderStrategy::mode() const { return kLineReader; }
 
 FieldExtent LineReaderStrategy::get_line_extent(const Field& text, unsigned long start) const {
-  if (ends_at(text, start)) return {slice(text, start, start), start};
+  UnitFinder stops(text, stop_chars_);
+  return scan_line(text, stops, start).extent;
+}
+
+ScannedLine LineReaderStrategy::scan_line(const Field& text, UnitFinder& stops,
+                                          std::size_t start) const {
+  if (ends_at(text, start)) return {{slice(text, start, start), start}, 0};
+  const UnitBits* const bits = stop_bits_.get();
   std::size_t i = start;
   do {
-    i = find_first_of(text, i, stop_chars_, stop_bits_.get());
+    i = bits ? find_first_of(text, i, stop_chars_, bits) : stops.next(i);
     if (ends_at(text, i) || match_length(*delimiters_, text, i) > 0) break;
     if (const std::size_t ending = ending_matcher_.length_at(text, i)) {
-      return {slice(text, start, i), i + ending};
+      return {{slice(text, start, i), i + ending}, 1};
     }
     ++i;
   } while (!ends_at(text, i));
-  return {slice(text, start, i), i};
+  return {{slice(text, start, i), i}, 1};
 }
 
 FieldExtent LineReaderStrategy::get_next_field(const Field& line, unsigned long start) {

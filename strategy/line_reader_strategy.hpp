@@ -10,6 +10,10 @@
 
 namespace textio {
 
+class LineScan;
+struct ScannedLine;
+class UnitFinder;
+
 class VLTEXTSTREAM_EXPORT LineReaderStrategy : public Strategy {
  public:
   explicit LineReaderStrategy(const parser::options& options);
@@ -20,7 +24,11 @@ class VLTEXTSTREAM_EXPORT LineReaderStrategy : public Strategy {
   FieldExtent get_next_field(const Field& line, unsigned long start) override;
 
  private:
+  friend class LineScan;
   friend class Strategy;  // reaches the matcher
+
+  VLTEXTSTREAM_LOCAL ScannedLine scan_line(const Field& text, UnitFinder& stops,
+                                           std::size_t start) const;
 
   std::shared_ptr<const DelimiterSet> line_endings_;
   std::shared_ptr<const DelimiterSet> delimiters_;

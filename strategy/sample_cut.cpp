@@ -3,22 +3,11 @@
 // cut a second time.
 #include "strategy/sample_cut.hpp"
 
-#include <typeinfo>
+#include <utility>
 
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
-#include "strategy/space_aligned_strategy.hpp"
+#include "strategy/line_scan.hpp"
 
 namespace textio {
-namespace {
-
-bool is_of_the_library(const Strategy& strategy) {
-  const std::type_info& type = typeid(strategy);
-  return type == typeid(DelimitedStrategy) || type == typeid(SpaceAlignedStrategy) ||
-         type == typeid(FixedWidthStrategy) || type == typeid(LineReaderStrategy);
-}
-
-}  // namespace
 
 SampleCut::SampleCut(Strategy& strategy)
     : strategy_(strategy),
@@ -26,6 +15,10 @@ SampleCut::SampleCut(Strategy& strategy)
       fixed_(dynamic_cast<FixedWidthStrategy*>(&strategy)),
       first_column_(fixed_ ? fixed_->next_column_ : 0),
       keeps_all_(!is_of_the_library(strategy)) {
+  if (!strategy.lines_.empty() && strategy.counted_fields_.size() == strategy.lines_.size()) {
+    counts_ = std::exchange(strategy.counted_fields_, {});
+    return;
+  }
   counts_.reserve(strategy.lines_.size());
   for (const Field& line : strategy.lines_) {
     if (!keeps_all_) fields_.clear();

@@ -1,6 +1,7 @@
 #include "strategy/space_aligned_strategy.hpp"
 
-#include "strategy/scan.hpp"
+#include "strategy/field_scan.hpp"
+#include "strategy/line_scan.hpp"
 
 namespace textio {
 namespace {
@@ -31,21 +32,31 @@ SpaceAlignedStrategy::~SpaceAlignedStrategy() = default;
 
 int SpaceAlignedStrategy::mode() const { return kSpaceAligned; }
 
+FieldExtent SpaceAlignedStrategy::get_line_extent(const Field& text, unsigned long start) const {
+  FieldScan fields(tokenizer_, text);
+  return scan_line(fields, start).extent;
+}
+
 // As for delimited text, with the blanks after a field as one separator. A field that nothing
 // follows, no blank and no line ending, stopped at the end of the text.
-FieldExtent SpaceAlignedStrategy::get_line_extent(const Field& text, unsigned long start) const {
+ScannedLine SpaceAlignedStrategy::scan_line(FieldScan& fields, std::size_t start) const {
+  const Field& text = fields.text();
   const std::size_t line_start = find_first_not_of(text, start, kBlankChars);
+  std::size_t num_fields = 0;
+  bool ends_with_blanks = false;
   std::size_t pos = line_start;
   while (!ends_at(text, pos)) {
-    const FieldExtent field = tokenizer_.tokenize(text, pos);
+    const FieldExtent field = fields.field_at(pos);
     const std::size_t end = pos + field.field.length;
     pos = find_first_not_of(text, field.next, kBlankChars);
-    if (pos != end) continue;
+    ++num_fields;
+    ends_with_blanks = pos != end;
+    if (ends_with_blanks) continue;
     if (const std::size_t ending = ending_matcher_.length_at(text, end)) {
-      return {slice(text, line_start, end), end + ending};
+      return {{slice(text, line_start, end), end + ending}, num_fields};
     }
   }
-  return {slice(text, line_start, pos), pos};
+  return {{slice(text, line_start, pos), pos}, num_fields + (ends_with_blanks ? 1 : 0)};
 }
 
 FieldExtent SpaceAlignedStrategy::get_next_field(const Field& line, unsigned long start) {

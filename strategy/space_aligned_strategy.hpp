@@ -13,6 +13,10 @@
 
 namespace textio {
 
+class FieldScan;
+class LineScan;
+struct ScannedLine;
+
 class VLTEXTSTREAM_EXPORT SpaceAlignedStrategy : public Strategy {
  public:
   explicit SpaceAlignedStrategy(const parser::options& options);
@@ -23,7 +27,10 @@ class VLTEXTSTREAM_EXPORT SpaceAlignedStrategy : public Strategy {
   FieldExtent get_next_field(const Field& line, unsigned long start) override;
 
  private:
+  friend class LineScan;
   friend class Strategy;  // reaches the matchers
+
+  VLTEXTSTREAM_LOCAL ScannedLine scan_line(FieldScan& fields, std::size_t start) const;
 
   FieldTokenizer tokenizer_;
   std::shared_ptr<const DelimiterSet> line_endings_;

@@ -8,6 +8,7 @@
 
 #include "strategy/cut_rollback.hpp"
 #include "strategy/line_cleaning.hpp"
+#include "strategy/line_scan.hpp"
 #include "strategy/scan.hpp"
 
 namespace textio {
@@ -84,35 +85,59 @@ long Strategy::num_variables() const {
 
 // The sample before is kept until the new one is there, and its copy.
 std::vector<Field> Strategy::populate_fields(const Field& text, unsigned long num_lines) {
-  std::vector<Field> lines = sampled_lines(text, num_lines, kNoLimit);
+  std::vector<Field> lines = sampled_lines(text, num_lines, kNoLimit, nullptr);
   std::vector<Field> copy = lines;
   text_ = text;
   lines_ = std::move(lines);
+  counted_fields_.clear();
   return copy;
 }
 
-// The lines of a sample, of which there are `most_lines` at most.
+// Whether a line that is not cleaned yet is neither empty nor a comment. Nothing is taken off most
+// lines but white space, and few begin with it.
+bool Strategy::is_surely_text(const Field& line) const {
+  const bool is_only_trimmed =
+      !text_format_.affixes && !text_format_.quote && options_->comment_style.empty();
+  return is_only_trimmed && line.length > 0 && text_format_.whitespace &&
+         !contains(*text_format_.whitespace, line.data[0]);
+}
+
+// The lines of a sample, of which there are `most_lines` at most. `num_fields` receives the number
+// of fields on each, if it is wanted and the strategy counts them.
 std::vector<Field> Strategy::sampled_lines(const Field& text, unsigned long num_lines,
-                                           std::size_t most_lines) {
+                                           std::size_t most_lines,
+                                           std::vector<std::size_t>* num_fields) {
   std::vector<Field> lines;
   const std::size_t target =
       header_lines_auto_ ? num_lines : saturating_add(num_lines, header_lines_);
   lines.reserve(std::min({target, saturating_add(text.length, 1), kFirstRoom}));
 
   const StableText stable(*this, text);
+  const std::unique_ptr<LineScan> scan = LineScan::of(*this, text);
+  if (!scan->counts_fields()) num_fields = nullptr;
+  const auto keep = [&](const Field& line, std::size_t count) {
+    lines.push_back(line);
+    if (num_fields) num_fields->push_back(count);
+  };
   // Every line extent ends behind its start while there is text: it holds a unit, or a line
   // ending, or both. So the loop ends.
   std::size_t pos = 0;
   std::size_t count = 0;
   while (!ends_at(text, pos) && count < target && lines.size() < most_lines) {
-    const FieldExtent line = get_line_extent(text, pos);
-    pos = line.next;
+    const auto [extent, fields_on_line] = scan->line_at(pos);
+    pos = extent.next;
     make_room_for_one(lines, text.length - std::min(pos, text.length));
-    const Field cleaned = or_replacement(clean_line(line.field, text_format_), text_format_);
+    const Field& line = extent.field;
+    if (is_surely_text(line)) {
+      keep(line, fields_on_line);
+      ++count;
+      continue;
+    }
+    const Field cleaned = or_replacement(clean_line(line, text_format_), text_format_);
     if (cleaned.length == 0) {
-      lines.push_back(empty_field());
+      keep(empty_field(), 0);
     } else if (!is_comment(cleaned, options_->comment_style)) {
-      lines.push_back(line.field);
+      keep(line, line.length > 0 ? fields_on_line : 0);
       ++count;
     }
   }

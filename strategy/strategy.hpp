@@ -198,7 +198,9 @@ class VLTEXTSTREAM_EXPORT Strategy {
   class VLTEXTSTREAM_LOCAL CutRollback;
 
   VLTEXTSTREAM_LOCAL std::vector<Field> sampled_lines(const Field& text, unsigned long num_lines,
-                                                      std::size_t most_lines);
+                                                      std::size_t most_lines,
+                                                      std::vector<std::size_t>* num_fields);
+  VLTEXTSTREAM_LOCAL bool is_surely_text(const Field& line) const;
   VLTEXTSTREAM_LOCAL void append_fields(const Field& line, std::vector<Field>& fields);
   VLTEXTSTREAM_LOCAL void value(const std::function<bool(const StrategyValuation&)>& wants_classes);
   VLTEXTSTREAM_LOCAL bool measure(const std::vector<std::size_t>& line_counts);
@@ -210,6 +212,9 @@ class VLTEXTSTREAM_EXPORT Strategy {
 
   std::vector<DatatypeCode> column_classes_;
   std::vector<std::size_t> field_counts_;
+
+  // The number of fields on each line, where sampling has counted them.
+  std::vector<std::size_t> counted_fields_;
 };
 
 class VLTEXTSTREAM_EXPORT Strategy::StableText {

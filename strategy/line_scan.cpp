@@ -1,0 +1,94 @@
+#include "strategy/line_scan.hpp"
+
+#include <typeinfo>
+
+#include "strategy/delimited_strategy.hpp"
+#include "strategy/field_scan.hpp"
+#include "strategy/fixed_width_strategy.hpp"
+#include "strategy/line_reader_strategy.hpp"
+#include "strategy/space_aligned_strategy.hpp"
+#include "strategy/unit_finder.hpp"
+
+namespace textio {
+namespace {
+
+template <typename Own>
+bool is(const Strategy& strategy) {
+  return typeid(strategy) == typeid(Own);
+}
+
+}  // namespace
+
+// Field by field.
+template <typename Own>
+class LineScan::Fieldwise final : public LineScan {
+ public:
+  Fieldwise(const Own& strategy, const FieldTokenizer& tokenizer, const Field& text)
+      : strategy_(strategy), fields_(tokenizer, text) {}
+
+  bool counts_fields() const override { return true; }
+  ScannedLine line_at(std::size_t start) override { return strategy_.scan_line(fields_, start); }
+
+ private:
+  const Own& strategy_;
+  FieldScan fields_;
+};
+
+// By the units with which a line ending may begin.
+template <typename Own>
+class LineScan::Unitwise final : public LineScan {
+ public:
+  Unitwise(const Own& strategy, const Field& text, std::u16string_view units)
+      : strategy_(strategy), text_(text), units_(text, units) {}
+
+  bool counts_fields() const override { return is<LineReaderStrategy>(strategy_); }
+  ScannedLine line_at(std::size_t start) override {
+    return strategy_.scan_line(text_, units_, start);
+  }
+
+ private:
+  const Own& strategy_;
+  const Field text_;
+  UnitFinder units_;
+};
+
+class LineScan::Virtual final : public LineScan {
+ public:
+  Virtual(const Strategy& strategy, const Field& text) : strategy_(strategy), text_(text) {}
+
+  bool counts_fields() const override { return false; }
+  ScannedLine line_at(std::size_t start) override {
+    return {strategy_.get_line_extent(text_, start)};
+  }
+
+ private:
+  const Strategy& strategy_;
+  const Field text_;
+};
+
+std::unique_ptr<LineScan> LineScan::of(const Strategy& strategy, const Field& text) {
+  if (is<DelimitedStrategy>(strategy)) {
+    const auto& own = static_cast<const DelimitedStrategy&>(strategy);
+    return std::make_unique<Fieldwise<DelimitedStrategy>>(own, own.tokenizer_, text);
+  }
+  if (is<SpaceAlignedStrategy>(strategy)) {
+    const auto& own = static_cast<const SpaceAlignedStrategy&>(strategy);
+    return std::make_unique<Fieldwise<SpaceAlignedStrategy>>(own, own.tokenizer_, text);
+  }
+  if (is<FixedWidthStrategy>(strategy)) {
+    const auto& own = static_cast<const FixedWidthStrategy&>(strategy);
+    return std::make_unique<Unitwise<FixedWidthStrategy>>(own, text, own.stop_chars());
+  }
+  if (is<LineReaderStrategy>(strategy)) {
+    const auto& own = static_cast<const LineReaderStrategy&>(strategy);
+    return std::make_unique<Unitwise<LineReaderStrategy>>(own, text, own.stop_chars_);
+  }
+  return std::make_unique<Virtual>(strategy, text);
+}
+
+bool is_of_the_library(const Strategy& strategy) {
+  return is<DelimitedStrategy>(strategy) || is<SpaceAlignedStrategy>(strategy) ||
+         is<FixedWidthStrategy>(strategy) || is<LineReaderStrategy>(strategy);
+}
+
+}  // namespace textio

@@ -1,0 +1,147 @@
+#include "strategy/line_scan.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include "options/parser_options.hpp"
+#include "strategy/delimited_strategy.hpp"
+#include "strategy/fixed_width_strategy.hpp"
+#include "strategy/line_reader_strategy.hpp"
+#include "strategy/scan.hpp"
+#include "strategy/space_aligned_strategy.hpp"
+#include "support/exact_text.hpp"
+#include "support/rule_name.hpp"
+
+namespace textio {
+namespace {
+
+using testing_support::ByRule;
+using testing_support::ExactText;
+using testing_support::text_of;
+
+// All lines of a text, each with the number of its fields if it is counted: "a,b=2 c=1".
+std::string scanned(const Strategy& strategy, const Field& text) {
+  const std::unique_ptr<LineScan> scan = LineScan::of(strategy, text);
+  std::string told;
+  std::size_t pos = 0;
+  while (!ends_at(text, pos)) {
+    const ScannedLine line = scan->line_at(pos);
+    if (!told.empty()) told += ' ';
+    for (const char16_t unit : text_of(line.extent.field)) told += static_cast<char>(unit);
+    if (scan->counts_fields()) told += '=' + std::to_string(line.num_fields);
+    pos = line.extent.next;
+  }
+  return told;
+}
+
+// --- the lines and the numbers of fields ---------------------------------------------------------
+
+using Make = std::unique_ptr<Strategy> (*)(const parser::options&);
+
+std::unique_ptr<Strategy> commas(const parser::options& options) {
+  return std::make_unique<DelimitedStrategy>(options, u',');
+}
+std::unique_ptr<Strategy> blanks(const parser::options& options) {
+  return std::make_unique<SpaceAlignedStrategy>(options);
+}
+std::unique_ptr<Strategy> widths(const parser::options& options) {
+  return std::make_unique<FixedWidthStrategy>(options, std::vector<unsigned long>{1, 2});
+}
+std::unique_ptr<Strategy> whole_lines(const parser::options& options) {
+  return std::make_unique<LineReaderStrategy>(options);
+}
+
+struct ScanCase {
+  const char* rule;
+  Make make;
+  std::u16string text;
+  std::string told;
+};
+std::ostream& operator<<(std::ostream& out, const ScanCase& row) { return out << row.rule; }
+
+const ScanCase kScanCases[] = {
+    {"DelimitedFields", commas, u"a,b\nc\n,,\n", "a,b=2 c=1 ,,=3"},
+    {"LineEndingsOfTwoUnits", commas, u"a,b\r\nc,d\r\n", "a,b=2 c,d=2"},
+    {"LastLineWithoutAnEnding", commas, u"a,b\nc,d", "a,b=2 c,d=2"},
+    {"DelimiterAtTheEndOfALine", commas, u"a,\nb,c\n", "a,=2 b,c=2"},
+    {"DelimiterAtTheEndOfTheText", commas, u"a,b\nc,", "a,b=2 c,=2"},
+    {"DelimiterBeforeTheEndMark", commas, u"a,b,\uFFFF", "a,b,=3"},
+    {"FieldBeforeTheEndMark", commas, u"a,b\n\uFFFF", "a,b=2"},
+    {"DelimitersInQuotes", commas, u"\"a,b\",c\n", "\"a,b\",c=2"},
+    {"UnterminatedQuote", commas, u"a,\"b,c", "a,\"b,c=2"},
+    {"BlankSeparatedFields", blanks, u"  a  b\nc\n", "a  b=2 c=1"},
+    {"BlanksAtTheEndOfALine", blanks, u"a b \nc\n", "a b =3 c=1"},
+    {"BlanksAtTheEndOfTheText", blanks, u"a b ", "a b =3"},
+    {"WholeLines", whole_lines, u"a,b\nc d\r\n", "a,b=1 c d=1"},
+    {"FixedWidthsAreNotCounted", widths, u"abc\ndef\n", "abc def"},
+};
+
+class LineScanTable : public testing::TestWithParam<ScanCase> {};
+TEST_P(LineScanTable, TellsLinesAndCounts) {
+  const parser::options options;
+  const ExactText text(GetParam().text);
+  EXPECT_EQ(scanned(*GetParam().make(options), text.field()), GetParam().told);
+}
+INSTANTIATE_TEST_SUITE_P(Table, LineScanTable, testing::ValuesIn(kScanCases), ByRule());
+
+// A class that is derived from one of the library's is asked for each line.
+class EveryUnit : public LineReaderStrategy {
+ public:
+  using LineReaderStrategy::LineReaderStrategy;
+  FieldExtent get_line_extent(const Field& text, unsigned long start) const override {
+    return {slice(text, start, start + 1), start + 1};
+  }
+};
+
+TEST(LineScan, AsksAStrategyFromOutside) {
+  const parser::options options;
+  const ExactText text(u"ab\n");
+  EXPECT_EQ(scanned(EveryUnit(options), text.field()), "a b \n");
+}
+
+// --- against the plain ways --------------------------------------------------------------------
+
+// Markers that overlap each other, the blanks and the quote.
+const std::vector<std::vector<std::u16string>> kLineEndings = {
+    {u"\r\n", u"\n", u"\r"}, {u" \n", u"\n"}, {u"\n\n"}, {u"a\n", u","}, {u"\""}, {u",\n", u"\n"}};
+
+std::size_t fields_by_cutting(Strategy& strategy, const Field& line) {
+  std::vector<Field> fields;
+  strategy.cut_line(line, fields);
+  return fields.size();
+}
+
+// Each line is what get_line_extent tells, and has as many fields as it is cut into.
+RC_GTEST_PROP(LineScanProperty, AgreesWithCutting, ()) {
+  const auto text = *rc::gen::container<std::u16string>(rc::gen::weightedElement<char16_t>(
+      {{6, u'a'}, {6, u','}, {4, u' '}, {3, u'"'}, {3, u'\n'}, {1, u'\r'}, {1, u'\uFFFF'}}));
+  parser::options options;
+  options.line_endings = *rc::gen::elementOf(kLineEndings);
+  const ExactText exact(text);
+  for (const Make make : {commas, blanks, widths, whole_lines}) {
+    const std::unique_ptr<Strategy> strategy = make(options);
+    const std::unique_ptr<LineScan> scan = LineScan::of(*strategy, exact.field());
+    for (std::size_t pos = 0; !ends_at(exact.field(), pos);) {
+      const ScannedLine line = scan->line_at(pos);
+      const FieldExtent plain = strategy->get_line_extent(exact.field(), pos);
+      RC_ASSERT(line.extent.next == plain.next);
+      const bool begins_there = line.extent.field.data == plain.field.data;
+      RC_ASSERT(begins_there);
+      RC_ASSERT(line.extent.field.length == plain.field.length);
+      if (scan->counts_fields() && plain.field.length > 0) {
+        RC_ASSERT(line.num_fields == fields_by_cutting(*strategy, plain.field));
+      }
+      pos = plain.next;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace textio

@@ -1,0 +1,153 @@
+#include "strategy/unit_finder.hpp"
+
+#include <cstddef>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include "support/exact_text.hpp"
+#include "support/rule_name.hpp"
+
+namespace textio {
+namespace {
+
+using testing_support::ByRule;
+using testing_support::ExactText;
+
+constexpr std::size_t kBlock = UnitFinder::kBlockUnits;
+
+// Searches by each kernel of this machine in turn, and goes back to the fastest.
+class ForEachKernel {
+ public:
+  template <typename Check>
+  explicit ForEachKernel(Check check) {
+    for (const UnitKernel& kernel : unit_kernels()) {
+      const testing::ScopedTrace trace(__FILE__, __LINE__, kernel.name);
+      use_unit_kernel(kernel);
+      check();
+    }
+  }
+  ~ForEachKernel() { use_unit_kernel(unit_kernels().front()); }
+};
+
+std::vector<std::size_t> all_places(const ExactText& text, std::u16string_view set) {
+  std::vector<std::size_t> places;
+  UnitFinder finder(text.field(), set);
+  for (std::size_t i = finder.next(0); i < text.field().length; i = finder.next(i + 1)) {
+    places.push_back(i);
+  }
+  return places;
+}
+
+// A text of as many units "a", with "," at some places.
+std::u16string commas_at(const std::vector<std::size_t>& places, std::size_t length) {
+  std::u16string text(length, u'a');
+  for (const std::size_t place : places) text[place] = u',';
+  return text;
+}
+
+// --- where the units stand ----------------------------------------------------------------------
+
+struct PlaceCase {
+  const char* rule;
+  std::size_t length;
+  std::vector<std::size_t> places;
+};
+std::ostream& operator<<(std::ostream& out, const PlaceCase& row) { return out << row.rule; }
+
+const PlaceCase kPlaceCases[] = {
+    {"NoUnit", 0, {}},
+    {"OneUnit", 1, {0}},
+    {"Nowhere", 3 * kBlock + 1, {}},
+    {"EndsOfABlock", kBlock, {0, kBlock - 1}},
+    {"BothSidesOfABorder", 2 * kBlock, {kBlock - 1, kBlock}},
+    {"LastUnitOfAnIncompleteBlock", kBlock + 7, {kBlock + 6}},
+    {"FirstUnitOfAnIncompleteBlock", kBlock + 1, {kBlock}},
+    {"BehindEmptyBlocks", 9 * kBlock, {0, 8 * kBlock + 5}},
+    {"EachHalfOfEachHalf", kBlock, {3, 8, 15, 16, 31, 32, 47, 48}},
+};
+
+class UnitFinderPlaces : public testing::TestWithParam<PlaceCase> {};
+TEST_P(UnitFinderPlaces, AreFoundByEveryKernel) {
+  const ExactText text(commas_at(GetParam().places, GetParam().length));
+  ForEachKernel([&] {
+    EXPECT_EQ(all_places(text, u","), GetParam().places);
+    EXPECT_EQ(all_places(text, u"\n,"), GetParam().places);
+    EXPECT_EQ(all_places(text, u"\n\r,"), GetParam().places);
+    EXPECT_EQ(all_places(text, u"\n\r,;"), GetParam().places);
+    EXPECT_EQ(all_places(text, u"\n\r,;\t"), GetParam().places);
+    EXPECT_EQ(all_places(text, u"\n\r,;\t|:\u2028"), GetParam().places);
+    EXPECT_EQ(all_places(text, u"\n\r,;\t|:\u2028\uFFFF"), GetParam().places);
+  });
+}
+INSTANTIATE_TEST_SUITE_P(Table, UnitFinderPlaces, testing::ValuesIn(kPlaceCases), ByRule());
+
+// --- what is no place ----------------------------------------------------------------------------
+
+// Both halves of a unit count: U+0A2C and U+2C0A hold the bytes of a line feed and a comma.
+TEST(UnitFinder, ComparesWholeUnits) {
+  const ExactText text(u"\u0A2C\u2C0A\u0A0A\u2C2C");
+  ForEachKernel([&] { EXPECT_EQ(all_places(text, u"\n,"), std::vector<std::size_t>{}); });
+}
+
+TEST(UnitFinder, FindsTheFirstAndTheLastUnitOfAll) {
+  const ExactText text(std::u16string(u"a\0b\uFFFF", 4));
+  ForEachKernel([&] {
+    EXPECT_EQ(all_places(text, std::u16string_view(u"\0", 1)), std::vector<std::size_t>{1});
+    EXPECT_EQ(all_places(text, u"\uFFFF"), std::vector<std::size_t>{3});
+  });
+}
+
+// Units behind the text would be zeros.
+TEST(UnitFinder, FindsNoZerosBehindTheText) {
+  const ExactText text(std::u16string(kBlock + 3, u'a'));
+  ForEachKernel([&] {
+    EXPECT_EQ(all_places(text, std::u16string_view(u"\0", 1)), std::vector<std::size_t>{});
+  });
+}
+
+TEST(UnitFinder, FindsNothingForAnEmptySet) {
+  const ExactText text(u"a,b");
+  UnitFinder finder(text.field(), u"");
+  EXPECT_EQ(finder.next(0), 3U);
+}
+
+TEST(UnitFinder, GivesTheLengthAtAndBehindTheEnd) {
+  const ExactText text(u"a,b,");
+  UnitFinder finder(text.field(), u",");
+  EXPECT_EQ(finder.next(4), 4U);
+  EXPECT_EQ(finder.next(5), 4U);
+}
+
+// --- kernels and order ----------------------------------------------------------------------------
+
+TEST(UnitKernels, EndWithThePlainLoop) {
+  ASSERT_FALSE(unit_kernels().empty());
+  EXPECT_STREQ(unit_kernels().back().name, "plain");
+}
+
+std::size_t plain_next(const std::u16string& text, std::u16string_view set, std::size_t i) {
+  return std::min(text.find_first_of(set, i), text.size());
+}
+
+// Places may be asked for in any order.
+RC_GTEST_PROP(UnitFinderProperty, AgreesWithAPlainSearch, ()) {
+  const auto set = *rc::gen::container<std::u16string>(rc::gen::inRange<char16_t>(u'a', u'h'));
+  const auto length = *rc::gen::inRange<std::size_t>(0, 5 * kBlock);
+  const auto text = *rc::gen::container<std::u16string>(
+      length, rc::gen::weightedOneOf<char16_t>(
+                  {{20, rc::gen::just(u'x')}, {1, rc::gen::inRange<char16_t>(u'a', u'h')}}));
+  const auto places =
+      *rc::gen::container<std::vector<std::size_t>>(rc::gen::inRange<std::size_t>(0, length + 1));
+  const ExactText exact(text);
+  ForEachKernel([&] {
+    UnitFinder finder(exact.field(), set);
+    for (const std::size_t i : places) RC_ASSERT(finder.next(i) == plain_next(text, set, i));
+  });
+}
+
+}  // namespace
+}  // namespace textio
