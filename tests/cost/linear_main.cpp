@@ -1,11 +1,12 @@
-// One detection over a text of a given shape and size, for tests that count its instructions.
-//   linear_main SHAPE UNITS [LINES]     LINES 0, or none given: all lines
-//   linear_main                         lists the shapes that are traps
+// One detection over a text of a given shape for each size, for tests that count its instructions.
+//   linear_main [--lines LINES] SHAPE UNITS...     LINES 0, or none given: all lines
+//   linear_main                                    lists the shapes that are traps
 // Only what happens inside `detect_once` is to be counted; text and options are made outside.
 #include <cstdlib>
 #include <iostream>
 #include <limits>
 #include <string>
+#include <string_view>
 
 #include <vltextstream/vltextstream.hpp>
 
@@ -19,6 +20,17 @@ extern "C" __attribute__((noinline)) void detect_once(const std::u16string& text
   textio::standalone::detect_layout(text, settings);
 }
 
+namespace {
+
+void detect(const Shape& shape, std::size_t units, unsigned long lines) {
+  DetectSettings settings;
+  settings.num_lines = lines > 0 ? lines : std::numeric_limits<unsigned long>::max();
+  if (shape.set != nullptr) shape.set(settings, units);
+  detect_once(units == 0 ? std::u16string() : shape.make(units), settings);
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   if (argc == 1) {
     for (const auto* shapes :
@@ -27,17 +39,19 @@ int main(int argc, char** argv) {
     }
     return 0;
   }
-  const bool is_call = argc == 3 || argc == 4;
-  const Shape* const shape = is_call ? textio::bench::find_shape(argv[1]) : nullptr;
+  unsigned long lines = 0;
+  int next = 1;
+  if (argc > 2 && std::string_view(argv[1]) == "--lines") {
+    lines = std::strtoul(argv[2], nullptr, 10);
+    next = 3;
+  }
+  const Shape* const shape = argc > next + 1 ? textio::bench::find_shape(argv[next]) : nullptr;
   if (shape == nullptr) {
-    std::cerr << "usage: linear_main [SHAPE UNITS [LINES]]\n";
+    std::cerr << "usage: linear_main [[--lines LINES] SHAPE UNITS...]\n";
     return 2;
   }
-  const auto units = static_cast<std::size_t>(std::strtoul(argv[2], nullptr, 10));
-  const unsigned long lines = argc == 4 ? std::strtoul(argv[3], nullptr, 10) : 0;
-  DetectSettings settings;
-  settings.num_lines = lines > 0 ? lines : std::numeric_limits<unsigned long>::max();
-  if (shape->set != nullptr) shape->set(settings, units);
-  detect_once(units == 0 ? std::u16string() : shape->make(units), settings);
+  for (++next; next < argc; ++next) {
+    detect(*shape, std::strtoul(argv[next], nullptr, 10), lines);
+  }
   return 0;
 }
