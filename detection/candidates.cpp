@@ -26,9 +26,8 @@ bool is_word_char(char16_t unit) {
          (unit >= u'0' && unit <= u'9');
 }
 
-bool may_delimit(char16_t unit) {
-  return unit < kAsciiCount && !is_word_char(unit) && !contains(kNeverDelimiters, unit);
-}
+// Of the ASCII characters.
+bool may_delimit(char16_t unit) { return !is_word_char(unit) && !contains(kNeverDelimiters, unit); }
 
 // The lines in the middle, where header and trailer do not reach; of a few lines, all but the
 // first.

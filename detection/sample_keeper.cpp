@@ -11,7 +11,9 @@ namespace textio::detection {
 void SampleKeeper::draw(Strategy& strategy, unsigned long num_lines) const {
   constexpr auto kNoLimit = std::numeric_limits<std::size_t>::max();
   strategy.counted_fields_.clear();
-  strategy.lines_ = strategy.sampled_lines(text_, num_lines, kNoLimit, &strategy.counted_fields_);
+  const bool will_be_valued = !strategy.valuation_done_;
+  strategy.lines_ = strategy.sampled_lines(text_, num_lines, kNoLimit,
+                                           will_be_valued ? &strategy.counted_fields_ : nullptr);
   strategy.text_ = text_;
 }
 
@@ -30,6 +32,7 @@ void SampleKeeper::put_away(Strategy& strategy) {
   given_up_.push_back({&strategy, lines});
   strategy.lines_ = std::vector<Field>();
   strategy.field_counts_ = std::vector<std::size_t>();
+  strategy.counted_fields_ = std::vector<std::size_t>();
 }
 
 // Where the sample ended before, whether for want of text or of a budget, it ends again.
@@ -38,6 +41,7 @@ void SampleKeeper::bring_back(Strategy& strategy) const {
                                    [&](const GivenUp& s) { return s.strategy == &strategy; });
   if (sample == given_up_.end()) return;
   constexpr auto kNoBudget = std::numeric_limits<unsigned long>::max();
+  strategy.counted_fields_.clear();
   strategy.lines_ =
       strategy.sampled_lines(text_, kNoBudget, sample->lines, &strategy.counted_fields_);
   strategy.field_counts_ = SampleCut(strategy).take_counts();

@@ -31,8 +31,6 @@ class SampleKeeper {
   SampleKeeper(const Field& text, unsigned long num_lines, std::size_t most_lines = kMostLines)
       : text_(text), num_lines_(num_lines), room_(most_lines) {}
 
-  const Field& text() const { return text_; }
-
   // Samples the text as populate_fields does, without making the copy that it returns.
   void draw(Strategy& strategy) const { draw(strategy, num_lines_); }
   void draw(Strategy& strategy, unsigned long num_lines) const;

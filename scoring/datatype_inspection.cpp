@@ -30,7 +30,8 @@ class ArrayLines final : public LineFields {
   }
 
  private:
-  std::size_t begin(std::size_t line) const { return line > 0 ? array_.counts[line - 1] : 0; }
+  // The first line of all is never inspected.
+  std::size_t begin(std::size_t line) const { return array_.counts[line - 1]; }
 
   const FieldArray& array_;
 };

@@ -1,4 +1,5 @@
-// Texts hold few surrogates: blocks without one are passed over at the speed of vectors.
+// Most texts hold no surrogates: the blocks up to the first one are passed over at the speed of
+// vectors.
 #include "source/text_source.hpp"
 
 #include <algorithm>

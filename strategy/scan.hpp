@@ -36,7 +36,8 @@ inline char16_t fold_ascii(char16_t unit) {
 
 inline bool contains(std::u16string_view set, char16_t unit) { return set.find(unit) != set.npos; }
 
-// The first position from `i` on whose unit is in `set`, the text's length when there is none.
+// The first position from `i` on whose unit is in `set`, the text's length when there is none; `i`
+// lies in the text or at its end.
 inline std::size_t find_first_of(const Field& text, std::size_t i, std::u16string_view set) {
   while (i < text.length && !contains(set, text.data[i])) ++i;
   return i;

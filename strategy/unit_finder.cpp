@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <initializer_list>
 
 #include "strategy/scan.hpp"
 
@@ -16,6 +17,8 @@
 // Must come behind foreach_target.h.
 #include <hwy/highway.h>
 
+// Without vectors the plain loop is what runs.
+#if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
 HWY_BEFORE_NAMESPACE();
 namespace textio::HWY_NAMESPACE {
 
@@ -26,7 +29,7 @@ constexpr std::size_t kBlock = UnitFinder::kBlockUnits;
 // A bit for each of the 64 units at `block` that is one of `units`.
 template <std::size_t kCount>
 std::uint64_t places_in(const char16_t* block, const char16_t* units) {
-  const hn::CappedTag<std::uint16_t, kBlock> d;
+  const hn::CappedTag<std::uint16_t, kBlock> d;  // of eight units at least: they fill whole bytes
   const auto* const in = reinterpret_cast<const std::uint16_t*>(block);
   alignas(8) std::uint8_t bits[kBlock / 8] = {};
   for (std::size_t i = 0; i < kBlock; i += hn::Lanes(d)) {
@@ -68,6 +71,7 @@ std::size_t find_block(const char16_t* text, std::size_t length, std::size_t blo
 
 }  // namespace textio::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+#endif
 
 #if HWY_ONCE
 namespace textio {
@@ -88,22 +92,27 @@ std::size_t plain_find_block(const char16_t* text, std::size_t length, std::size
   }
 }
 
+// What the compiler may make use of where it compiles for such vectors.
+bool are_all_there(std::initializer_list<bool> features) {
+  return std::find(features.begin(), features.end(), false) == features.end();
+}
+
 #if HWY_TARGETS & HWY_AVX3
 bool has_avx512() {
-  return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-         __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
-         __builtin_cpu_supports("avx512vl");
+  return are_all_there(
+      {__builtin_cpu_supports("avx512f") != 0, __builtin_cpu_supports("avx512bw") != 0,
+       __builtin_cpu_supports("avx512cd") != 0, __builtin_cpu_supports("avx512dq") != 0,
+       __builtin_cpu_supports("avx512vl") != 0});
 }
 #endif
 #if HWY_TARGETS & HWY_AVX2
 bool has_avx2() {
-  return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
-         __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("fma");
+  return are_all_there({__builtin_cpu_supports("avx2") != 0, __builtin_cpu_supports("bmi") != 0,
+                        __builtin_cpu_supports("bmi2") != 0, __builtin_cpu_supports("fma") != 0});
 }
 #endif
-
 #if HWY_TARGETS & HWY_SSE4
-bool has_sse4() { return __builtin_cpu_supports("sse4.1"); }
+bool has_sse4() { return __builtin_cpu_supports("sse4.1") != 0; }
 #endif
 
 struct Kernels {
@@ -117,7 +126,7 @@ struct Kernels {
 #if HWY_TARGETS & HWY_SSE4
     if (has_sse4()) add({"sse4", N_SSE4::find_block});
 #endif
-#if !HWY_ARCH_X86
+#if !HWY_ARCH_X86 && HWY_STATIC_TARGET != HWY_SCALAR && HWY_STATIC_TARGET != HWY_EMU128
     add({"native", HWY_STATIC_DISPATCH(find_block)});
 #endif
     add({"plain", plain_find_block});
@@ -125,7 +134,7 @@ struct Kernels {
 
   void add(const UnitKernel& kernel) { all[count++] = kernel; }
 
-  std::array<UnitKernel, 4> all = {};
+  std::array<UnitKernel, 5> all = {};
   std::size_t count = 0;
 };
 
@@ -159,8 +168,8 @@ UnitFinder::UnitFinder(const Field& text, std::u16string_view set)
 
 // What is left of the block looked at last holds nothing.
 std::size_t UnitFinder::next_outside(std::size_t i) {
-  if (num_units_ > kMostUnits) return find_first_of(Field(text_, length_), i, large_set_);
   if (num_units_ == 0 || i >= length_) return length_;
+  if (num_units_ > kMostUnits) return find_first_of(Field(text_, length_), i, large_set_);
   const std::size_t own_block = i / kBlockUnits;
   std::size_t block = own_block == block_ ? own_block + 1 : own_block;
   do {

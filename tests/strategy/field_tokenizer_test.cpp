@@ -212,6 +212,22 @@ TEST(FieldTokenizerScan, FindsNothingPastTheEnd) {
   EXPECT_EQ(extent.next, 10u);
 }
 
+// Copies share the markers, not the object that they were copied from.
+TEST(FieldTokenizerScan, IsTheSameByACopy) {
+  const ExactText text(u"a,b;c");
+  auto commas = std::make_unique<FieldTokenizer>(kComma, kDefault);
+  FieldTokenizer copied(*commas);
+  FieldTokenizer assigned(Texts{u";"}, kDefault);
+  EXPECT_EQ(step_of(assigned.tokenize(text.field(), 0)), (Step{u"a,b", 4}));
+  assigned = *commas;
+  FieldTokenizer moved(std::move(*commas));
+  commas.reset();
+  assigned = *&assigned;
+  for (const FieldTokenizer* tokenizer : {&copied, &assigned, &moved}) {
+    EXPECT_EQ(step_of(tokenizer->tokenize(text.field(), 0)), (Step{u"a", 2}));
+  }
+}
+
 TEST(FieldTokenizerScan, UsesTheQuoteItHolds) {
   FieldTokenizer tokenizer(kComma, kDefault);
   tokenizer.quote_ = u'\'';

@@ -91,6 +91,27 @@ TEST_P(LineScanTable, TellsLinesAndCounts) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, LineScanTable, testing::ValuesIn(kScanCases), ByRule());
 
+// A list of them that is too long to be searched.
+TEST(LineScan, LooksUpManyMarkers) {
+  parser::options options;
+  options.line_endings.clear();
+  std::vector<std::u16string> delimiters;
+  for (char16_t unit = u'A'; unit < u'A' + 40; ++unit) options.line_endings.push_back({unit, u'.'});
+  for (char16_t unit = 0x100; unit < 0x100 + 40; ++unit) delimiters.push_back({unit});
+  const ExactText text(u"x\u0100xA.yyB.A\u0127A.");
+  EXPECT_EQ(scanned(LineReaderStrategy(options), ExactText(u"xxA.yyB.zC").field()),
+            "xx=1 yy=1 zC=1");
+  EXPECT_EQ(scanned(FixedWidthStrategy(options, {1}), ExactText(u"xxA.yyB.zC").field()),
+            "xx yy zC");
+  const DelimitedStrategy delimited(options, delimiters);
+  const std::unique_ptr<LineScan> scan = LineScan::of(delimited, text.field());
+  EXPECT_EQ(scan->line_at(0).num_fields, 2U);
+  EXPECT_EQ(scan->line_at(0).extent.next, 5U);
+  EXPECT_EQ(scan->line_at(5).num_fields, 1U);
+  EXPECT_EQ(scan->line_at(9).num_fields, 2U);
+  EXPECT_EQ(scan->line_at(9).extent.next, 13U);
+}
+
 // A class that is derived from one of the library's is asked for each line.
 class EveryUnit : public LineReaderStrategy {
  public:

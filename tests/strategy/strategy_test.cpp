@@ -399,6 +399,15 @@ TEST(StrategyPopulate, ReservesTheBudgetBeforeItSamples) {
   EXPECT_EQ(strategy.lines_.capacity(), 5u);
 }
 
+// Without characters to trim a line of blanks is text.
+TEST(StrategyPopulate, TrimsNothingWithoutWhiteSpace) {
+  const parser::options options;
+  PlainStrategy strategy(options);
+  strategy.text_format_.whitespace.reset();
+  const ExactText text(u" \n\na\n");
+  EXPECT_EQ(testing_support::lines_of(strategy, text, 100), (Texts{u" ", u"", u"a"}));
+}
+
 // -- sampling: which lines ----------------------------------------------------------------------
 
 struct PopulateCase {

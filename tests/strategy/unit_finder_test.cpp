@@ -120,6 +120,9 @@ TEST(UnitFinder, GivesTheLengthAtAndBehindTheEnd) {
   UnitFinder finder(text.field(), u",");
   EXPECT_EQ(finder.next(4), 4U);
   EXPECT_EQ(finder.next(5), 4U);
+  UnitFinder of_many(text.field(), u"0123456789");
+  EXPECT_EQ(of_many.next(4), 4U);
+  EXPECT_EQ(of_many.next(5), 4U);
 }
 
 // --- kernels and order ----------------------------------------------------------------------------
