@@ -236,12 +236,13 @@ std::u16string quoted_fields_line(std::size_t row) {
 }
 
 // Four lines of one length with as many fixed-width columns as fit. A column holds one word or two,
-// so that the blanks between the words separate nothing.
+// so that the blanks between the words separate nothing. The number of columns is a multiple of
+// three, so that the last one holds the same at any size.
 std::u16string fixed_columns(std::size_t units) {
   constexpr std::u16string_view kOneWord = u"abcde  ";
   constexpr std::u16string_view kTwoWords = u"ab cd  ";
   constexpr std::size_t kRows = 4;
-  const std::size_t columns = units / kRows / kOneWord.size();
+  const std::size_t columns = units / kRows / kOneWord.size() / 3 * 3;
   std::u16string text;
   text.reserve(units);
   for (std::size_t row = 0; row < kRows; ++row) {
