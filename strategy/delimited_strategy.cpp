@@ -62,9 +62,8 @@ ScannedLine DelimitedStrategy::scan_line(FieldScan& fields, std::size_t start) c
   bool ends_with_delimiter = false;
   std::size_t pos = start;
   while (!ends_at(text, pos)) {
-    const FieldExtent field = fields.field_at(pos);
-    const std::size_t end = pos + field.field.length;
-    pos = field.next;
+    const auto [end, next] = fields.end_of_field(pos);
+    pos = next;
     ++num_fields;
     ends_with_delimiter = pos != end;
     if (ends_with_delimiter) continue;

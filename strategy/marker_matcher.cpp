@@ -43,16 +43,9 @@ MarkerMatcher::MarkerMatcher(std::shared_ptr<const DelimiterSet> set) : set_(std
   }
 }
 
-std::size_t MarkerMatcher::length_of_several_at(const Field& text, std::size_t i,
-                                                char16_t unit) const {
-  if (first_units_) return length_of_many_at(text, i);
-  return begins_with(*set_, unit) ? match_marker(*set_, text, i) : 0;
-}
-
-// No marker fits behind the end of the text.
-std::size_t MarkerMatcher::length_of_many_at(const Field& text, std::size_t i) const {
-  if (i >= text.length || !(*first_units_)[text.data[i]]) return 0;
-  if (index_ && index_->is_bound_to(text)) return index_->length_at(i);
+// One of the first units stands at `i`, or behind the end of the text, where no marker of many fits.
+std::size_t MarkerMatcher::length_of_several_at(const Field& text, std::size_t i) const {
+  if (index_ && i < text.length && index_->is_bound_to(text)) return index_->length_at(i);
   return match_marker(*set_, text, i);
 }
 

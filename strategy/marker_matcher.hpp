@@ -35,6 +35,14 @@ using UnitBits = std::bitset<65536>;
 // The bits of `units`; null for a list short enough to be searched.
 std::shared_ptr<const UnitBits> make_unit_bits(std::u16string_view units);
 
+// Whether a marker of `set` begins with `unit`. As a rule there are few such characters: a plain
+// loop is faster than std::find, which prepares for many.
+inline bool begins_with(const DelimiterSet& set, char16_t unit) {
+  const char16_t* first = set.first_chars_begin;
+  while (first != set.first_chars_end && *first != unit) ++first;
+  return first != set.first_chars_end;
+}
+
 class MarkerMatcher {
  public:
   explicit MarkerMatcher(std::shared_ptr<const DelimiterSet> set);
@@ -53,7 +61,7 @@ class MarkerMatcher {
   std::size_t length_at(const Field& text, std::size_t i) const {
     const char16_t unit = i < text.length ? text.data[i] : char16_t{0xFFFF};
     if (set_->is_single_char) return unit == *set_->single_char ? 1 : 0;
-    return length_of_several_at(text, i, unit);
+    return may_begin_with(unit) ? length_of_several_at(text, i) : 0;
   }
 
   // Whether the markers are so many or so long that an index may pay.
@@ -62,8 +70,10 @@ class MarkerMatcher {
  private:
   friend class MarkerIndex;
 
-  std::size_t length_of_several_at(const Field& text, std::size_t i, char16_t unit) const;
-  std::size_t length_of_many_at(const Field& text, std::size_t i) const;
+  bool may_begin_with(char16_t unit) const {
+    return first_units_ ? (*first_units_)[unit] : begins_with(*set_, unit);
+  }
+  std::size_t length_of_several_at(const Field& text, std::size_t i) const;
 
   std::shared_ptr<const DelimiterSet> set_;
   std::shared_ptr<const UnitBits> first_units_;  // null for few short markers

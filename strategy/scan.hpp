@@ -61,12 +61,12 @@ inline std::size_t find_first_not_of(const Field& text, std::size_t i, std::u16s
 // the search. One comparison after the other; see strategy/marker_matcher.hpp.
 std::size_t match_length(const DelimiterSet& set, const Field& text, std::size_t i);
 
-// Whether a marker of `set` begins with `unit`. As a rule there are few such characters: a plain
-// loop is faster than std::find, which prepares for many.
-inline bool begins_with(const DelimiterSet& set, char16_t unit) {
-  const char16_t* first = set.first_chars_begin;
-  while (first != set.first_chars_end && *first != unit) ++first;
-  return first != set.first_chars_end;
+// Markers are short: a plain loop is faster than a comparison that prepares for long ones.
+inline bool starts_with(std::u16string_view text, std::u16string_view marker) {
+  if (marker.size() > text.size()) return false;
+  std::size_t same = 0;
+  while (same < marker.size() && text[same] == marker[same]) ++same;
+  return same == marker.size();
 }
 
 // The same as match_length for a place at which one of the first characters stands.
@@ -74,7 +74,7 @@ inline std::size_t match_marker(const DelimiterSet& set, const Field& text, std:
   const std::size_t from = std::min(i, text.length);
   const std::u16string_view rest(text.data + from, text.length - from);
   for (const std::u16string& marker : set.strings) {
-    if (rest.substr(0, marker.size()) == marker) return marker.size();
+    if (starts_with(rest, marker)) return marker.size();
   }
   return 0;
 }

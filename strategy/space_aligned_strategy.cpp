@@ -46,9 +46,8 @@ ScannedLine SpaceAlignedStrategy::scan_line(FieldScan& fields, std::size_t start
   bool ends_with_blanks = false;
   std::size_t pos = line_start;
   while (!ends_at(text, pos)) {
-    const FieldExtent field = fields.field_at(pos);
-    const std::size_t end = pos + field.field.length;
-    pos = find_first_not_of(text, field.next, kBlankChars);
+    const auto [end, next] = fields.end_of_field(pos);
+    pos = find_first_not_of(text, next, kBlankChars);
     ++num_fields;
     ends_with_blanks = pos != end;
     if (ends_with_blanks) continue;

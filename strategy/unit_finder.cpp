@@ -31,42 +31,57 @@ template <std::size_t kCount>
 std::uint64_t places_in(const char16_t* block, const char16_t* units) {
   const hn::CappedTag<std::uint16_t, kBlock> d;  // of eight units at least: they fill whole bytes
   const auto* const in = reinterpret_cast<const std::uint16_t*>(block);
-  alignas(8) std::uint8_t bits[kBlock / 8] = {};
+  std::uint64_t places = 0;
   for (std::size_t i = 0; i < kBlock; i += hn::Lanes(d)) {
     const auto text = hn::LoadU(d, in + i);
     auto found = hn::Eq(text, hn::Set(d, static_cast<std::uint16_t>(units[0])));
     for (std::size_t k = 1; k < kCount; ++k) {
       found = hn::Or(found, hn::Eq(text, hn::Set(d, static_cast<std::uint16_t>(units[k]))));
     }
-    hn::StoreMaskBits(d, found, bits + i / 8);
+    std::uint8_t bits[8] = {};
+    hn::StoreMaskBits(d, found, bits);
+    for (std::size_t byte = 0; byte < hn::Lanes(d) / 8; ++byte) {
+      places |= std::uint64_t{bits[byte]} << (i + 8 * byte);
+    }
   }
-  std::uint64_t places = 0;
-  for (std::size_t i = 0; i < sizeof bits; ++i) places |= std::uint64_t{bits[i]} << (8 * i);
   return places;
 }
 
+// The last block is not full: nothing behind the text may be read.
 template <std::size_t kCount>
-std::size_t first_block(const char16_t* text, std::size_t length, std::size_t block,
-                        const char16_t* units, std::uint64_t& places) {
-  for (; (block + 1) * kBlock <= length; ++block) {
-    places = places_in<kCount>(text + block * kBlock, units);
-    if (places != 0) return block;
-  }
-  // The last block is not full: nothing behind the text may be read.
+std::uint64_t places_in_last(const char16_t* block, std::size_t rest, const char16_t* units) {
   char16_t last[kBlock] = {};
-  const std::size_t rest = length - std::min(length, block * kBlock);
-  std::copy_n(text + (length - rest), rest, last);
-  places = places_in<kCount>(last, units) & ((std::uint64_t{1} << rest) - 1);
+  std::copy_n(block, rest, last);
+  return places_in<kCount>(last, units) & ((std::uint64_t{1} << rest) - 1);
+}
+
+template <std::size_t kCount>
+std::size_t search(const char16_t* text, std::size_t length, std::size_t block,
+                   const char16_t* units, std::uint64_t* places, std::size_t num_blocks) {
+  const std::size_t num_full = length / kBlock;
+  places[0] = 0;
+  while (block < num_full) {
+    places[0] = places_in<kCount>(text + block * kBlock, units);
+    if (places[0] != 0) break;
+    ++block;
+  }
+  for (std::size_t k = block < num_full ? 1 : 0; k < num_blocks; ++k) {
+    const std::size_t at = (block + k) * kBlock;
+    const std::size_t rest = length - std::min(length, at);
+    places[k] = rest >= kBlock ? places_in<kCount>(text + at, units)
+                : rest > 0     ? places_in_last<kCount>(text + at, rest, units)
+                               : 0;
+  }
   return block;
 }
 
-std::size_t find_block(const char16_t* text, std::size_t length, std::size_t block,
-                       const char16_t* units, std::size_t count, std::uint64_t& places) {
-  if (count <= 1) return first_block<1>(text, length, block, units, places);
-  if (count <= 2) return first_block<2>(text, length, block, units, places);
-  if (count <= 3) return first_block<3>(text, length, block, units, places);
-  if (count <= 4) return first_block<4>(text, length, block, units, places);
-  return first_block<UnitFinder::kMostUnits>(text, length, block, units, places);
+std::size_t find_blocks(const char16_t* text, std::size_t length, std::size_t block,
+                        const char16_t* units, std::size_t count, std::uint64_t* places,
+                        std::size_t num_blocks) {
+  static constexpr std::array kSearches = {search<1>, search<2>, search<3>,
+                                           search<4>, search<5>, search<UnitFinder::kMostUnits>};
+  const std::size_t fitting = std::min(count, kSearches.size()) - 1;
+  return kSearches[fitting](text, length, block, units, places, num_blocks);
 }
 
 }  // namespace textio::HWY_NAMESPACE
@@ -77,19 +92,29 @@ HWY_AFTER_NAMESPACE();
 namespace textio {
 namespace {
 
-std::size_t plain_find_block(const char16_t* text, std::size_t length, std::size_t block,
-                             const char16_t* units, std::size_t count, std::uint64_t& places) {
-  for (;; ++block) {
-    const std::size_t begin = block * UnitFinder::kBlockUnits;
-    const std::size_t end = std::min(length, begin + UnitFinder::kBlockUnits);
-    places = 0;
-    for (std::size_t i = begin; i < end; ++i) {
-      const bool is_found = contains({units, count}, text[i]);
-      places |= std::uint64_t{is_found} << (i - begin);
-    }
-    const bool is_last = begin + UnitFinder::kBlockUnits > length;
-    if (places != 0 || is_last) return block;
+std::uint64_t plain_places_in(const char16_t* text, std::size_t length, std::size_t block,
+                              std::u16string_view units) {
+  const std::size_t begin = std::min(length, block * UnitFinder::kBlockUnits);
+  const std::size_t end = std::min(length, begin + UnitFinder::kBlockUnits);
+  std::uint64_t places = 0;
+  for (std::size_t i = begin; i < end; ++i) {
+    places |= std::uint64_t{contains(units, text[i])} << (i - begin);
   }
+  return places;
+}
+
+std::size_t plain_find_blocks(const char16_t* text, std::size_t length, std::size_t block,
+                              const char16_t* units, std::size_t count, std::uint64_t* places,
+                              std::size_t num_blocks) {
+  const std::u16string_view set(units, count);
+  places[0] = plain_places_in(text, length, block, set);
+  while (places[0] == 0 && block < length / UnitFinder::kBlockUnits) {
+    places[0] = plain_places_in(text, length, ++block, set);
+  }
+  for (std::size_t k = 1; k < num_blocks; ++k) {
+    places[k] = plain_places_in(text, length, block + k, set);
+  }
+  return block;
 }
 
 // What the compiler may make use of where it compiles for such vectors.
@@ -118,18 +143,18 @@ bool has_sse4() { return __builtin_cpu_supports("sse4.1") != 0; }
 struct Kernels {
   Kernels() {
 #if HWY_TARGETS & HWY_AVX3
-    if (has_avx512()) add({"avx512", N_AVX3::find_block});
+    if (has_avx512()) add({"avx512", N_AVX3::find_blocks});
 #endif
 #if HWY_TARGETS & HWY_AVX2
-    if (has_avx2()) add({"avx2", N_AVX2::find_block});
+    if (has_avx2()) add({"avx2", N_AVX2::find_blocks});
 #endif
 #if HWY_TARGETS & HWY_SSE4
-    if (has_sse4()) add({"sse4", N_SSE4::find_block});
+    if (has_sse4()) add({"sse4", N_SSE4::find_blocks});
 #endif
 #if !HWY_ARCH_X86 && HWY_STATIC_TARGET != HWY_SCALAR && HWY_STATIC_TARGET != HWY_EMU128
-    add({"native", HWY_STATIC_DISPATCH(find_block)});
+    add({"native", HWY_STATIC_DISPATCH(find_blocks)});
 #endif
-    add({"plain", plain_find_block});
+    add({"plain", plain_find_blocks});
   }
 
   void add(const UnitKernel& kernel) { all[count++] = kernel; }
@@ -166,21 +191,37 @@ UnitFinder::UnitFinder(const Field& text, std::u16string_view set)
   std::fill(units_ + num_units_, units_ + kMostUnits, set.empty() ? u'\0' : set.back());
 }
 
-// What is left of the block looked at last holds nothing.
+// So many blocks are looked at as hold what was asked for so far: a text may be a line of a few
+// units.
 std::size_t UnitFinder::next_outside(std::size_t i) {
   if (num_units_ == 0 || i >= length_) return length_;
   if (num_units_ > kMostUnits) return find_first_of(Field(text_, length_), i, large_set_);
-  const std::size_t own_block = i / kBlockUnits;
-  std::size_t block = own_block == block_ ? own_block + 1 : own_block;
-  do {
-    block_ = kernel_->find_block(text_, length_, block, units_, num_units_, places_);
-    const std::uint64_t from_i = ~std::uint64_t{0} << (i % kBlockUnits);
-    const std::uint64_t places = block_ == own_block ? places_ & from_i : places_;
-    if (places != 0) {
-      return block_ * kBlockUnits + static_cast<std::size_t>(std::countr_zero(places));
+  std::size_t place = next_within(i);
+  std::size_t block = i / kBlockUnits;
+  if (block - first_block_ < num_blocks_) block = first_block_ + num_blocks_;
+  while (place == length_ && block * kBlockUnits < length_) {
+    num_blocks_ = std::clamp<std::size_t>(2 * num_blocks_, 1, kMostBlocks);
+    first_block_ =
+        kernel_->find_blocks(text_, length_, block, units_, num_units_, places_, num_blocks_);
+    place = next_within(std::max(i, first_block_ * kBlockUnits));
+    block = first_block_ + num_blocks_;
+  }
+  return place;
+}
+
+// The first place from `i` on in the blocks that were looked at, the text's length when there is
+// none or the block of `i` was not.
+std::size_t UnitFinder::next_within(std::size_t i) const {
+  std::size_t k = i / kBlockUnits - first_block_;
+  if (k >= num_blocks_) return length_;
+  const std::uint64_t rest = places_[k] >> (i % kBlockUnits);
+  if (rest != 0) return i + static_cast<std::size_t>(std::countr_zero(rest));
+  while (++k < num_blocks_) {
+    if (places_[k] != 0) {
+      return (first_block_ + k) * kBlockUnits +
+             static_cast<std::size_t>(std::countr_zero(places_[k]));
     }
-    block = block_ + 1;
-  } while (block * kBlockUnits < length_);
+  }
   return length_;
 }
 

@@ -67,6 +67,13 @@ const PlaceCase kPlaceCases[] = {
     {"LastUnitOfAnIncompleteBlock", kBlock + 7, {kBlock + 6}},
     {"FirstUnitOfAnIncompleteBlock", kBlock + 1, {kBlock}},
     {"BehindEmptyBlocks", 9 * kBlock, {0, 8 * kBlock + 5}},
+    {"BehindAThousandEmptyBlocks", 1001 * kBlock + 1, {1000 * kBlock + 63, 1001 * kBlock}},
+    {"BordersOfTheBlocksLookedAtAtOnce",
+     24 * kBlock,
+     {0, kBlock - 1, kBlock, 3 * kBlock - 1, 3 * kBlock, 7 * kBlock - 1, 7 * kBlock,
+      15 * kBlock - 1, 15 * kBlock, 23 * kBlock - 1, 23 * kBlock, 24 * kBlock - 1}},
+    {"EmptyBlocksBetweenThoseLookedAt", 8 * kBlock, {0, kBlock, 3 * kBlock, 6 * kBlock + 63}},
+    {"EndAmongTheBlocksLookedAtAtOnce", 5 * kBlock + 9, {0, kBlock, 3 * kBlock, 5 * kBlock + 8}},
     {"EachHalfOfEachHalf", kBlock, {3, 8, 15, 16, 31, 32, 47, 48}},
 };
 
@@ -115,6 +122,18 @@ TEST(UnitFinder, FindsNothingForAnEmptySet) {
   EXPECT_EQ(finder.next(0), 3U);
 }
 
+// Also where it looked from the middle of a block before.
+TEST(UnitFinder, GoesBack) {
+  const ExactText text(commas_at({3, 20, kBlock + 1}, 2 * kBlock));
+  ForEachKernel([&] {
+    UnitFinder finder(text.field(), u",");
+    EXPECT_EQ(finder.next(10), 20U);
+    EXPECT_EQ(finder.next(0), 3U);
+    EXPECT_EQ(finder.next(21), kBlock + 1);
+    EXPECT_EQ(finder.next(4), 20U);
+  });
+}
+
 TEST(UnitFinder, GivesTheLengthAtAndBehindTheEnd) {
   const ExactText text(u"a,b,");
   UnitFinder finder(text.field(), u",");
@@ -136,13 +155,13 @@ std::size_t plain_next(const std::u16string& text, std::u16string_view set, std:
   return std::min(text.find_first_of(set, i), text.size());
 }
 
-// Places may be asked for in any order.
+// Places may be asked for in any order, over a few blocks and over more than are looked at at once.
 RC_GTEST_PROP(UnitFinderProperty, AgreesWithAPlainSearch, ()) {
   const auto set = *rc::gen::container<std::u16string>(rc::gen::inRange<char16_t>(u'a', u'h'));
-  const auto length = *rc::gen::inRange<std::size_t>(0, 5 * kBlock);
+  const auto length = *rc::gen::inRange<std::size_t>(0, 40 * kBlock);
   const auto text = *rc::gen::container<std::u16string>(
       length, rc::gen::weightedOneOf<char16_t>(
-                  {{20, rc::gen::just(u'x')}, {1, rc::gen::inRange<char16_t>(u'a', u'h')}}));
+                  {{200, rc::gen::just(u'x')}, {1, rc::gen::inRange<char16_t>(u'a', u'h')}}));
   const auto places =
       *rc::gen::container<std::vector<std::size_t>>(rc::gen::inRange<std::size_t>(0, length + 1));
   const ExactText exact(text);
