@@ -75,7 +75,13 @@ ScannedLine DelimitedStrategy::scan_line(FieldScan& fields, std::size_t start) c
 }
 
 FieldExtent DelimitedStrategy::get_next_field(const Field& line, unsigned long start) {
-  return tokenizer_.tokenize(line, start);
+  FieldScan fields(tokenizer_, line);
+  return next_field(fields, start);
+}
+
+FieldExtent DelimitedStrategy::next_field(FieldScan& fields, std::size_t start) const {
+  const auto [end, next] = fields.end_of_field(start);
+  return {slice(fields.text(), start, end), next};
 }
 
 }  // namespace textio

@@ -34,8 +34,8 @@ class FieldScan {
 
   const Field& text() const { return text_; }
 
-  // Of the field that starts at `pos`.
-  FieldEnd end_of_field(std::size_t pos) {
+  // Of the field that starts at `pos`. Inlined by command: it is most of the work of its callers.
+  [[gnu::always_inline]] FieldEnd end_of_field(std::size_t pos) {
     if (pos >= text_.length) return {pos, pos};
     std::size_t i = pos;
     while (!ends_at(text_, i) && is_quote(i)) {

@@ -1,7 +1,5 @@
 #include "strategy/line_scan.hpp"
 
-#include <typeinfo>
-
 #include "strategy/delimited_strategy.hpp"
 #include "strategy/field_scan.hpp"
 #include "strategy/fixed_width_strategy.hpp"
@@ -10,15 +8,6 @@
 #include "strategy/unit_finder.hpp"
 
 namespace textio {
-namespace {
-
-template <typename Own>
-bool is(const Strategy& strategy) {
-  return typeid(strategy) == typeid(Own);
-}
-
-}  // namespace
-
 // Field by field.
 template <typename Own>
 class LineScan::Fieldwise final : public LineScan {
@@ -41,7 +30,7 @@ class LineScan::Unitwise final : public LineScan {
   Unitwise(const Own& strategy, const Field& text, std::u16string_view units)
       : strategy_(strategy), text_(text), units_(text, units) {}
 
-  bool counts_fields() const override { return is<LineReaderStrategy>(strategy_); }
+  bool counts_fields() const override { return as_own<LineReaderStrategy>(strategy_) != nullptr; }
   ScannedLine line_at(std::size_t start) override {
     return strategy_.scan_line(text_, units_, start);
   }
@@ -67,28 +56,24 @@ class LineScan::Virtual final : public LineScan {
 };
 
 std::unique_ptr<LineScan> LineScan::of(const Strategy& strategy, const Field& text) {
-  if (is<DelimitedStrategy>(strategy)) {
-    const auto& own = static_cast<const DelimitedStrategy&>(strategy);
-    return std::make_unique<Fieldwise<DelimitedStrategy>>(own, own.tokenizer_, text);
+  if (const auto* own = as_own<DelimitedStrategy>(strategy)) {
+    return std::make_unique<Fieldwise<DelimitedStrategy>>(*own, own->tokenizer_, text);
   }
-  if (is<SpaceAlignedStrategy>(strategy)) {
-    const auto& own = static_cast<const SpaceAlignedStrategy&>(strategy);
-    return std::make_unique<Fieldwise<SpaceAlignedStrategy>>(own, own.tokenizer_, text);
+  if (const auto* own = as_own<SpaceAlignedStrategy>(strategy)) {
+    return std::make_unique<Fieldwise<SpaceAlignedStrategy>>(*own, own->tokenizer_, text);
   }
-  if (is<FixedWidthStrategy>(strategy)) {
-    const auto& own = static_cast<const FixedWidthStrategy&>(strategy);
-    return std::make_unique<Unitwise<FixedWidthStrategy>>(own, text, own.stop_chars());
+  if (const auto* own = as_own<FixedWidthStrategy>(strategy)) {
+    return std::make_unique<Unitwise<FixedWidthStrategy>>(*own, text, own->stop_chars());
   }
-  if (is<LineReaderStrategy>(strategy)) {
-    const auto& own = static_cast<const LineReaderStrategy&>(strategy);
-    return std::make_unique<Unitwise<LineReaderStrategy>>(own, text, own.stop_chars_);
+  if (const auto* own = as_own<LineReaderStrategy>(strategy)) {
+    return std::make_unique<Unitwise<LineReaderStrategy>>(*own, text, own->stop_chars_);
   }
   return std::make_unique<Virtual>(strategy, text);
 }
 
 bool is_of_the_library(const Strategy& strategy) {
-  return is<DelimitedStrategy>(strategy) || is<SpaceAlignedStrategy>(strategy) ||
-         is<FixedWidthStrategy>(strategy) || is<LineReaderStrategy>(strategy);
+  return as_own<DelimitedStrategy>(strategy) || as_own<SpaceAlignedStrategy>(strategy) ||
+         as_own<FixedWidthStrategy>(strategy) || as_own<LineReaderStrategy>(strategy);
 }
 
 }  // namespace textio

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <typeinfo>
 
 #include "strategy/field.hpp"
 #include "strategy/strategy.hpp"
@@ -46,8 +47,14 @@ class LineScan {
   class Virtual;
 };
 
-// Whether `strategy` is one of the library's own classes, not derived from one: what is known of
-// these is known of it.
+// `strategy` as one of the library's own classes; null when it is of another class, be it one derived
+// from that: what is known of the library's is not known of these.
+template <typename Own>
+const Own* as_own(const Strategy& strategy) {
+  return typeid(strategy) == typeid(Own) ? static_cast<const Own*>(&strategy) : nullptr;
+}
+
+// Whether `strategy` is of any of these classes.
 bool is_of_the_library(const Strategy& strategy);
 
 }  // namespace textio

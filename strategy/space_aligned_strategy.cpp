@@ -59,9 +59,14 @@ ScannedLine SpaceAlignedStrategy::scan_line(FieldScan& fields, std::size_t start
 }
 
 FieldExtent SpaceAlignedStrategy::get_next_field(const Field& line, unsigned long start) {
-  FieldExtent extent = tokenizer_.tokenize(line, start);
-  extent.next = find_first_not_of(line, extent.next, kBlankChars);
-  return extent;
+  FieldScan fields(tokenizer_, line);
+  return next_field(fields, start);
+}
+
+FieldExtent SpaceAlignedStrategy::next_field(FieldScan& fields, std::size_t start) const {
+  const auto [end, next] = fields.end_of_field(start);
+  const Field& line = fields.text();
+  return {slice(line, start, end), find_first_not_of(line, next, kBlankChars)};
 }
 
 }  // namespace textio

@@ -28,9 +28,10 @@ class VLTEXTSTREAM_EXPORT SpaceAlignedStrategy : public Strategy {
 
  private:
   friend class LineScan;
-  friend class Strategy;  // reaches the matchers
+  friend class Strategy;  // reaches the matchers, and cuts lines
 
   VLTEXTSTREAM_LOCAL ScannedLine scan_line(FieldScan& fields, std::size_t start) const;
+  VLTEXTSTREAM_LOCAL FieldExtent next_field(FieldScan& fields, std::size_t start) const;
 
   FieldTokenizer tokenizer_;
   std::shared_ptr<const DelimiterSet> line_endings_;

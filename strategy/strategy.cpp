@@ -7,9 +7,12 @@
 #include <utility>
 
 #include "strategy/cut_rollback.hpp"
+#include "strategy/delimited_strategy.hpp"
+#include "strategy/field_scan.hpp"
 #include "strategy/line_cleaning.hpp"
 #include "strategy/line_scan.hpp"
 #include "strategy/scan.hpp"
+#include "strategy/space_aligned_strategy.hpp"
 
 namespace textio {
 namespace {
@@ -46,6 +49,24 @@ void make_room_for_one(std::vector<Field>& lines, std::size_t units_left) {
 bool ends_with(const Field& line, const Field& field) {
   const auto offset = static_cast<std::size_t>(field.data - line.data);
   return offset <= line.length && field.length == line.length - offset;
+}
+
+// Every field moves `pos` on: it holds a unit, or a delimiter, or both. (Only columns of width 0 do
+// not, and not all columns have width 0.)
+template <typename NextField>
+void append_fields_of(const Field& line, std::vector<Field>& fields, NextField next_field) {
+  std::size_t pos = 0;
+  const auto take = [&] {
+    const FieldExtent extent = next_field(pos);
+    fields.push_back(extent.field);
+    pos = extent.next;
+  };
+  while (!ends_at(line, pos)) {
+    take();
+    // A line that ends with a delimiter has one more, empty, field behind it; the same step gives
+    // a line that is too short for its fixed widths one field more.
+    if (ends_at(line, pos) && !ends_with(line, fields.back())) take();
+  }
 }
 
 }  // namespace
@@ -146,20 +167,18 @@ std::vector<Field> Strategy::sampled_lines(const Field& text, unsigned long num_
   return lines;
 }
 
-// Every field moves `pos` on: it holds a unit, or a delimiter, or both. (Only columns of width 0 do
-// not, and not all columns have width 0.)
+// A line that is read field by field is cut in one scan.
 void Strategy::append_fields(const Field& line, std::vector<Field>& fields) {
-  std::size_t pos = 0;
-  const auto take = [&] {
-    const FieldExtent extent = get_next_field(line, pos);
-    fields.push_back(extent.field);
-    pos = extent.next;
+  const auto append_by_scan = [&](const auto& own) {
+    FieldScan scan(own.tokenizer_, line);
+    append_fields_of(line, fields, [&](std::size_t pos) { return own.next_field(scan, pos); });
   };
-  while (!ends_at(line, pos)) {
-    take();
-    // A line that ends with a delimiter has one more, empty, field behind it; the same step gives
-    // a line that is too short for its fixed widths one field more.
-    if (ends_at(line, pos) && !ends_with(line, fields.back())) take();
+  if (const auto* delimited = as_own<DelimitedStrategy>(*this)) {
+    append_by_scan(*delimited);
+  } else if (const auto* aligned = as_own<SpaceAlignedStrategy>(*this)) {
+    append_by_scan(*aligned);
+  } else {
+    append_fields_of(line, fields, [&](std::size_t pos) { return get_next_field(line, pos); });
   }
 }
 
