@@ -4,63 +4,25 @@
 // `peak_bytes_of_process` is the most memory that the process had in use. What a child inherits
 // from this program until it becomes another one counts for it too, so this program stays small:
 // texts are written piece by piece. `jobs_refused` is 1 where the tool knows no --jobs.
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "bench/measure.hpp"
+#include "bench/run_program.hpp"
 #include "bench/shapes.hpp"
 #include "support/temp_folder.hpp"
-
-extern char** environ;
 
 namespace textio::bench {
 namespace {
 
 using testing_support::TempFolder;
-using Arguments = std::vector<std::string>;
 
 constexpr std::size_t kSmallFiles = 2000;
 constexpr std::size_t kSmallFileBytes = 10'000;
 constexpr std::size_t kLargeFileBytes = 100'000'000;
 constexpr std::size_t kPieceUnits = 65'536;
-
-struct Ended {
-  int status;
-  std::size_t peak_bytes;
-};
-
-// Runs a program without output, its path first among the arguments.
-Ended run_program(const Arguments& arguments) {
-  std::vector<char*> argv;
-  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
-  posix_spawn_file_actions_t streams;
-  ::posix_spawn_file_actions_init(&streams);
-  ::posix_spawn_file_actions_addopen(&streams, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  ::posix_spawn_file_actions_addopen(&streams, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-  pid_t child = 0;
-  const int failed = ::posix_spawn(&child, argv[0], &streams, nullptr, argv.data(), environ);
-  ::posix_spawn_file_actions_destroy(&streams);
-  if (failed != 0) throw std::runtime_error("cannot run " + arguments.front());
-  int status = 0;
-  rusage usage = {};
-  if (::wait4(child, &status, 0, &usage) != child) throw std::runtime_error("lost a process");
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
-          static_cast<std::size_t>(usage.ru_maxrss) * 1024};
-}
-
-void run_or_throw(const Arguments& arguments) {
-  if (run_program(arguments).status != 0) throw std::runtime_error(arguments.front() + " failed");
-}
 
 // A program that is run again and again, and the folder with its files, if there is one.
 Step program_step(const Arguments& arguments, std::size_t bytes,

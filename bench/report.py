@@ -1,11 +1,15 @@
 """Makes the tables of docs/performance.md from what the benchmark programs wrote.
 
-    report.py goals RESULTS                      prints the goals
-    report.py document RESULTS DOCUMENT STEPS    writes the tables between the markers of DOCUMENT
-    report.py step RESULTS STEPS WHAT            appends a row with the goals' figures to STEPS
+    report.py goals RESULTS                    prints the goals
+    report.py document RESULTS DOCUMENT        writes the tables of `scripts/bench` into DOCUMENT
+    report.py steps RESULTS CACHE [DOCUMENT]   prints the table of `scripts/bench-steps`, or writes
+                                               it into DOCUMENT
 
 RESULTS is a folder with a file *.json for each run of a program. Of a figure's repetitions the
-median counts; the least is shown beside it, for what disturbs a run can only make it longer.
+median counts; the least is shown beside it, for what disturbs a run can only make it longer. Of
+the steps, it holds a folder of that kind for each commit, and rows.tsv, which names them in order.
+CACHE is the one that CMake left where the programs were built. A table stands between markers of
+its own, and the rest of a document stays as it is.
 """
 import glob
 import json
@@ -15,10 +19,12 @@ import re
 import statistics
 import subprocess
 import sys
+import textwrap
 from datetime import date
 
 COPY = "machine/memory_copy"
-BEGIN, END = "<!-- measured -->", "<!-- end of measured -->"
+MEASURED = "<!-- measured -->", "<!-- end of measured -->"
+STEPS = "<!-- steps -->", "<!-- end of steps -->"
 
 
 # --- what was measured ------------------------------------------------------------------------
@@ -67,8 +73,8 @@ def add_run(figures, run):
 class Goal:
     """What is aimed at: `measure` gives the figure and the limit from a way to read times."""
 
-    def __init__(self, key, what, unit, measure):
-        self.key, self.what, self.unit, self.measure = key, what, unit, measure
+    def __init__(self, what, unit, measure):
+        self.what, self.unit, self.measure = what, unit, measure
 
     def text(self, value):
         digits = 4 if abs(value) < 0.1 else 2 if value < 10 else 1 if value < 100 else 0
@@ -92,25 +98,25 @@ def allocations_per_line(figures, _):
 
 
 GOALS = [
-    Goal("open_ascii", "Open a file of 4 MB of ASCII, decode the sample of 4,194,304 characters and cut it: at most"
+    Goal("Open a file of 4 MB of ASCII, decode the sample of 4,194,304 characters and cut it: at most"
          " 8 copies", " copies", ratio("open_decode_cut/ascii", COPY, 8)),
-    Goal("open_two_byte", "The same with 5 % of two-byte characters in UTF-8: at most 20 copies", " copies",
+    Goal("The same with 5 % of two-byte characters in UTF-8: at most 20 copies", " copies",
          ratio("open_decode_cut/utf8_two_byte", COPY, 20)),
-    Goal("pick_100", "`pick_strategy`, 20 columns, 100 lines: at most the cost of decoding the ASCII sample once",
+    Goal("`pick_strategy`, 20 columns, 100 lines: at most the cost of decoding the ASCII sample once",
          " decodings", ratio("pick_strategy/regular/100_lines", "decode/ascii", 1)),
-    Goal("pick_all", "`pick_strategy`, 20 columns, 4 candidate characters, all lines of the sample: at most 40 copies",
+    Goal("`pick_strategy`, 20 columns, 4 candidate characters, all lines of the sample: at most 40 copies",
          " copies", ratio("pick_strategy/regular/all_lines", COPY, 40)),
-    Goal("pick_quoted", "`pick_strategy`, quoted fields, all lines of the sample: at most 80 copies", " copies",
+    Goal("`pick_strategy`, quoted fields, all lines of the sample: at most 80 copies", " copies",
          ratio("pick_strategy/quoted/all_lines", COPY, 80)),
-    Goal("candidates_56", "56 candidate characters, all lines: at most 15 times as long as 4", " times",
+    Goal("56 candidate characters, all lines: at most 15 times as long as 4", " times",
          ratio("pick_strategy/all_candidates/all_lines", "pick_strategy/regular/all_lines", 15)),
-    Goal("allocations", "Allocations of a detection, file of 20 columns, 100 lines: at most 40 for each candidate"
+    Goal("Allocations of a detection, file of 20 columns, 100 lines: at most 40 for each candidate"
          " and 100", "", allocations),
-    Goal("allocations_per_line", "None per line or field: fewer than one more for each hundred lines more (vectors"
+    Goal("None per line or field: fewer than one more for each hundred lines more (vectors"
          " that double)", "", allocations_per_line),
-    Goal("small_file", "A whole detection of a file of 10 KB, after the first: at most 150 microseconds", " us",
+    Goal("A whole detection of a file of 10 KB, after the first: at most 150 microseconds", " us",
          lambda figures, time: (time(figures["detect_small_file"]), 150)),
-    Goal("peak_memory", "Peak memory of `vltext` on a file of 100 MB: at most 40 MB", " MB",
+    Goal("Peak memory of `vltext` on a file of 100 MB: at most 40 MB", " MB",
          lambda figures, _: (figures["process/large_file"].facts["peak_bytes_of_process"] / 1e6, 40)),
 ]
 
@@ -289,27 +295,32 @@ def first_match(pattern, path):
     return found.group(1) if found else "unknown"
 
 
-def loads(results):
+def loads(paths):
     """Of the runs, the least and the largest number of processes that wanted to run."""
     found = []
-    for path in glob.glob(os.path.join(results, "*.json")):
+    for path in paths:
         with open(path, encoding="utf-8") as file:
             found += json.load(file)["context"]["load_avg"][:1]
     return min(found), max(found)
 
 
-def machine_text(results):
-    cache = os.path.join(os.path.dirname(os.path.abspath(results)), "CMakeCache.txt")
+def machine_rows(cache):
     compiler = first_match(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", cache)
     build = first_match(r"^CMAKE_BUILD_TYPE:\w+=(.*)$", cache)
     system = os.uname()
-    low, high = loads(results)
-    # One program runs at a time.
-    quiet = "nothing else was running" if high < 1.5 else "the machine was not quiet: other programs were running"
-    rows = [
+    return [
         ["processor", f"{first_match(r'^model name[^:]*: (.*)$', '/proc/cpuinfo')}, {os.cpu_count()} cores"],
         ["system", f"{first_match('^PRETTY_NAME=.(.*).$', '/etc/os-release')}, {system.sysname} {system.release}"],
         ["compiler", f"{output_of(compiler, '--version').splitlines()[0]}, {build}"],
+    ]
+
+
+def machine_text(results):
+    low, high = loads(glob.glob(os.path.join(results, "*.json")))
+    # One program runs at a time.
+    quiet = "nothing else was running" if high < 1.5 else "the machine was not quiet: other programs were running"
+    rows = [
+        *machine_rows(os.path.join(os.path.dirname(os.path.abspath(results)), "CMakeCache.txt")),
         ["load average", f"{low:.1f} to {high:.1f}; {quiet}"],
         ["date", date.today().isoformat()],
         ["commit", commit()],
@@ -325,28 +336,109 @@ def commit():
 
 # --- steps ------------------------------------------------------------------------------------
 
-def append_step(figures, path, what):
-    row = [date.today().isoformat(), commit(), " ".join(what.split())]
-    row += [f"{goal.measure(figures, by_median)[0]:.4g}" for goal in GOALS]
-    if not os.path.exists(path):
-        with open(path, "w", encoding="utf-8") as file:
-            file.write("\t".join(["date", "commit", "step", *(goal.key for goal in GOALS)]) + "\n")
-    with open(path, "a", encoding="utf-8") as file:
-        file.write("\t".join(row) + "\n")
+class StepFigure:
+    """A column of the table of steps: `name` is the figure, `fact` the counter of it that is shown, else the time."""
+
+    def __init__(self, head, what, name, fact=None):
+        self.head, self.what, self.name, self.fact = head, what, name, fact
+
+    def text(self, figures):
+        if self.name not in figures:
+            return "-"
+        figure = figures[self.name]
+        if self.fact is None:
+            return time_text(figure.median)
+        return f"{figure.facts[self.fact]:,.0f}" if self.fact == "allocations" else bytes_text(figure.facts[self.fact])
+
+    def has_changed(self, before, after):
+        """In every round, and each time in the same direction."""
+        if self.name not in before or self.name not in after:
+            return False
+        old, new = before[self.name], after[self.name]
+        if self.fact:
+            ratios = [new.facts[self.fact] / old.facts[self.fact]]
+        else:
+            ratios = [late / early for early, late in zip(old.times, new.times)]
+        return max(ratios) < 1 / CHANGE or min(ratios) > CHANGE
 
 
-def history_table(path):
+CHANGE = 1.05
+
+STEP_FIGURES = [
+    StepFigure("ASCII", "open a file of 4 MB of ASCII, decode it and cut the sample, with a `FileTextSource`, a"
+               " `TextStream` and `get_fixed_stream`", "open_ascii"),
+    StepFigure("two-byte", "the same with 5 % of two-byte characters in UTF-8", "open_two_byte"),
+    StepFigure("100 lines", "`pick_strategy` over a text in memory, 20 columns, 100 lines", "pick_100"),
+    StepFigure("all lines", "the same, all lines of a text of 4 MB, 4 candidate characters", "pick_all"),
+    StepFigure("quoted", "the same, quoted fields", "pick_quoted"),
+    StepFigure("56 candidates", "the same, 56 candidate characters", "pick_56"),
+    StepFigure("10 KB", "`detect_layout` of a file of 10 KB, nothing given", "detect_small"),
+    StepFigure("2,000 files", "the tool, as a process, on 2,000 such files with its defaults: the time that passes",
+               "many_files"),
+    StepFigure("allocations", "those of `detect_layout` of a file of 4 MB, 20 columns, 100 lines", "detect_100",
+               "allocations"),
+    StepFigure("peak", "the most memory that `pick_strategy` holds beside the text, as for \"all lines\"", "pick_all",
+               "peak_bytes"),
+    StepFigure("long delimiter", "`detect_layout` with a delimiter of 8,193 characters, which a text of 16,384 matches"
+               " almost everywhere up to its last one", "long_delimiter"),
+]
+
+
+def step_cells(before, after):
+    return [f"**{figure.text(after)}**" if figure.has_changed(before, after) else figure.text(after)
+            for figure in STEP_FIGURES]
+
+
+def remark_on(folder):
+    """What kept a commit from being measured."""
+    path = os.path.join(folder, "remark")
     if not os.path.exists(path):
-        return "No step has been recorded."
+        return ""
     with open(path, encoding="utf-8") as file:
-        head, *rows = [line.rstrip("\n").split("\t") for line in file]
-    texts = [[cell.replace("|", "\\|") for cell in row] for row in rows]
-    return table([key.replace("_", " ") for key in head], texts, "lll" + "r" * (len(head) - 3))
+        return f": **{file.read().strip()}**"
+
+
+def changes_table(results):
+    """A row for each commit. One without words is there to be compared with the next."""
+    with open(os.path.join(results, "rows.tsv"), encoding="utf-8") as file:
+        listed = [line.rstrip("\n").split("\t") for line in file]
+    rows, before = [], {}
+    for name, words in listed:
+        folder = os.path.join(results, name)
+        after = read_results(folder)
+        what = words.replace("|", "\\|") or "(before the next step)"
+        rows.append([f"`{name}`", what + remark_on(folder), *step_cells(before if words else {}, after)])
+        before = after
+    return table(["commit", "what was done", *(figure.head for figure in STEP_FIGURES)], rows,
+                 "ll" + "r" * len(STEP_FIGURES))
+
+
+def steps_text(results, cache):
+    paths = glob.glob(os.path.join(results, "*", "*.json"))
+    rounds = max(int(re.search(r"-(\d+)\.json$", path).group(1)) for path in paths)
+    low, high = loads(paths)
+    rows = [
+        *machine_rows(cache),
+        ["load average", f"{low:.1f} to {high:.1f}; what was built just before and the threads of the tool count"],
+        ["date", date.today().isoformat()],
+        ["command", "`scripts/bench-steps" + (f" --rounds {rounds}`" if rounds != ROUNDS else "`")],
+    ]
+    meant = f"medians of {rounds} rounds" if rounds > 1 else "of a single round"
+    columns = [f"- **{figure.head}**: {figure.what}" for figure in STEP_FIGURES]
+    return "\n\n".join([
+        table(["", ""], rows, "ll"),
+        f"Times are {meant}; all commits were measured one after the other in each.",
+        "\n".join(textwrap.fill(line, 120, subsequent_indent="  ") for line in columns),
+        changes_table(results)])
+
+
+# What scripts/bench-steps takes if it is not told.
+ROUNDS = 5
 
 
 # --- the document -----------------------------------------------------------------------------
 
-def document(figures, results, steps):
+def document(figures, results):
     copy = figures[COPY].median
     repetitions = len(figures["pick_strategy/regular/all_lines"].times)
     parts = [
@@ -355,7 +447,6 @@ def document(figures, results, steps):
         f" {len(figures[COPY].times)}, spread over the run.",
         "## The machine's own limits", limits_table(figures, copy),
         "## Goals", goals_table(figures),
-        "## Steps", "What was done about them, and the goals' figures after it.", history_table(steps),
         "## By stage",
     ]
     for title, prefixes in STAGES:
@@ -374,27 +465,39 @@ def document(figures, results, steps):
     return "\n\n".join(parts)
 
 
-def write_document(text, path):
+def write_document(text, path, markers):
+    begin, end = markers
     with open(path, encoding="utf-8") as file:
-        before, rest = file.read().split(BEGIN + "\n")
-    after = rest.split(END)[1]
+        before, rest = file.read().split(begin + "\n")
+    after = rest.split(end)[1]
     with open(path, "w", encoding="utf-8") as file:
-        file.write(f"{before}{BEGIN}\n\n{text}\n\n{END}{after}")
+        file.write(f"{before}{begin}\n\n{text}\n\n{end}{after}")
+
+
+def report_goals(results):
+    figures = read_results(results)
+    print(goals_table(figures))
+    print()
+    print(process_table(figures, figures[COPY].median))
+
+
+def report_document(results, path):
+    write_document(document(read_results(results), results), path, MEASURED)
+
+
+def report_steps(results, cache, path=None):
+    text = steps_text(results, cache)
+    if path:
+        write_document(text, path, STEPS)
+    else:
+        print(text)
 
 
 def main(arguments):
-    if not arguments or arguments[0] not in ("goals", "document", "step"):
+    reports = {"goals": report_goals, "document": report_document, "steps": report_steps}
+    if not arguments or arguments[0] not in reports:
         sys.exit(__doc__)
-    what, results, *rest = arguments
-    figures = read_results(results)
-    if what == "goals":
-        print(goals_table(figures))
-        print()
-        print(process_table(figures, figures[COPY].median))
-    elif what == "step":
-        append_step(figures, *rest)
-    else:
-        write_document(document(figures, results, rest[1]), rest[0])
+    reports[arguments[0]](*arguments[1:])
 
 
 main(sys.argv[1:])
