@@ -19,6 +19,10 @@ namespace textio::detection {
 namespace {
 
 constexpr std::size_t kAsciiCount = 128;
+
+// Besides the delimited candidate: a space-aligned one, and a fixed-width one made of it.
+constexpr std::size_t kMoreForTheSpace = 2;
+
 constexpr std::u16string_view kNeverDelimiters = u"@-.\"$'+\r\n\x1A";
 
 bool is_word_char(char16_t unit) {
@@ -126,6 +130,8 @@ class CandidateBuilder {
       : input_(input), samples_(input.samples), trace_(trace) {}
 
   Candidates build(const std::u16string& chars) {
+    candidates_.reserve(chars.size() + kMoreForTheSpace);
+    if (trace_) trace_->candidates.reserve(chars.size() + kMoreForTheSpace);
     for (const char16_t c : chars) {
       if (c == u' ') add_space_aligned();
       auto delimited = std::make_shared<DelimitedStrategy>(input_.options, c);
@@ -253,6 +259,7 @@ std::vector<unsigned long> find_column_widths(std::span<const Field> data_lines,
 
   // The blanks in front of a text are part of its column, so a column ends where blanks begin.
   std::vector<unsigned long> widths;
+  widths.reserve(counts.back() + 1);  // blanks at the end are a column, too
   std::size_t begin = 0;
   for (std::size_t j = 1; j < width; ++j) {
     if (blank[j - 1] || !blank[j]) continue;

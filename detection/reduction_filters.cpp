@@ -17,9 +17,11 @@ constexpr auto kPriorityCount = static_cast<double>(kDelimiterPriority.size());
 
 template <typename Criterion>
 Survivors keep_if_any(const Survivors& survivors, Criterion meets) {
+  if (std::none_of(survivors.begin(), survivors.end(), meets)) return survivors;
   Survivors kept;
+  kept.reserve(survivors.size());
   std::copy_if(survivors.begin(), survivors.end(), std::back_inserter(kept), meets);
-  return kept.empty() ? survivors : kept;
+  return kept;
 }
 
 // The earliest survivor that no other one beats; `survivors` is not empty.

@@ -8,13 +8,14 @@
 
 namespace textio::detection {
 
-void SampleKeeper::draw(Strategy& strategy, unsigned long num_lines) const {
+void SampleKeeper::draw(Strategy& strategy, unsigned long num_lines) {
   constexpr auto kNoLimit = std::numeric_limits<std::size_t>::max();
   strategy.counted_fields_.clear();
   const bool will_be_valued = !strategy.valuation_done_;
-  strategy.lines_ = strategy.sampled_lines(text_, num_lines, kNoLimit,
+  strategy.lines_ = strategy.sampled_lines(text_, num_lines, kNoLimit, likely_lines_,
                                            will_be_valued ? &strategy.counted_fields_ : nullptr);
   strategy.text_ = text_;
+  likely_lines_ = strategy.lines_.size();
 }
 
 const StrategyValuation& SampleKeeper::value(
@@ -42,8 +43,8 @@ void SampleKeeper::bring_back(Strategy& strategy) const {
   if (sample == given_up_.end()) return;
   constexpr auto kNoBudget = std::numeric_limits<unsigned long>::max();
   strategy.counted_fields_.clear();
-  strategy.lines_ =
-      strategy.sampled_lines(text_, kNoBudget, sample->lines, &strategy.counted_fields_);
+  strategy.lines_ = strategy.sampled_lines(text_, kNoBudget, sample->lines, sample->lines,
+                                           &strategy.counted_fields_);
   strategy.field_counts_ = SampleCut(strategy).take_counts();
 }
 

@@ -32,8 +32,8 @@ class SampleKeeper {
       : text_(text), num_lines_(num_lines), room_(most_lines) {}
 
   // Samples the text as populate_fields does, without making the copy that it returns.
-  void draw(Strategy& strategy) const { draw(strategy, num_lines_); }
-  void draw(Strategy& strategy, unsigned long num_lines) const;
+  void draw(Strategy& strategy) { draw(strategy, num_lines_); }
+  void draw(Strategy& strategy, unsigned long num_lines);
 
   // Values a strategy. One that turns out not to be wanted stays without classes.
   const StrategyValuation& value(
@@ -57,6 +57,10 @@ class SampleKeeper {
   Field text_;
   unsigned long num_lines_;
   std::size_t room_;  // for so many lines more
+
+  // As many as the last sample had. The lines of one text are about as many for all strategies, so
+  // that a list of this length seldom grows or has room to give back.
+  std::size_t likely_lines_ = 16'384;
   std::vector<GivenUp> given_up_;
 };
 

@@ -2,6 +2,7 @@
 // the filters one after the other until one candidate is left.
 #include "detection/strategy_selector.hpp"
 
+#include <iterator>
 #include <numeric>
 #include <utility>
 
@@ -145,6 +146,7 @@ StrategySelector::Survivors StrategySelector::reduce(const Candidates& candidate
   for (const auto& candidate : candidates) valuations.push_back(candidate->valuation());
   Survivors survivors(candidates.size());
   std::iota(survivors.begin(), survivors.end(), 0UL);
+  if (trace) trace->filters.reserve(std::size(kCascade));
 
   for (const FilterStep& step : kCascade) {
     if (step.for_given_number_of_variables && options_->detect_num_variables) continue;

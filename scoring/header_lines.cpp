@@ -20,11 +20,9 @@ std::vector<double> running_sums(const std::vector<std::size_t>& d, bool cap_dev
   return sums;
 }
 
-std::vector<std::size_t> running_zeros(const std::vector<std::size_t>& d) {
-  std::vector<std::size_t> zeros(d.size());
-  std::size_t count = 0;
-  for (std::size_t i = 0; i < d.size(); ++i) zeros[i] = count += d[i] == 0 ? 1 : 0;
-  return zeros;
+std::size_t zeros_among_first(const std::vector<std::size_t>& d, std::size_t count) {
+  const auto end = d.begin() + static_cast<std::ptrdiff_t>(count);
+  return static_cast<std::size_t>(std::count(d.begin(), end, 0U));
 }
 
 // The squared running mean times the number of entries it is taken over.
@@ -58,8 +56,8 @@ std::size_t get_header_lines(const std::vector<std::size_t>& d, std::size_t firs
   if (k <= first) return first;
 
   // Not more than half of the candidates may agree with the modal count.
-  const std::vector<std::size_t> zeros = running_zeros(d);
-  while (k > first && zeros[k - 1] > k / 2) --k;
+  std::size_t zeros = zeros_among_first(d, k);
+  while (k > first && zeros > k / 2) zeros -= d[--k] == 0 ? 1 : 0;
   if (k <= first) return first;
 
   std::vector<double> series = running_sums(d, cap_deviations);

@@ -3,7 +3,7 @@
 //   get_header_lines({2, 1, 0, 0, 0, 0, 0, 0}, 0, false)   // 2
 //
 // Units  `d` holds the deviation of each line that is not empty; positions count such lines.
-// Cost   linear in the list; three lists of its length are allocated.
+// Cost   linear in the list; two lists of its length are allocated.
 #pragma once
 
 #include <cstddef>

@@ -22,6 +22,7 @@ double sum_from(const std::vector<std::size_t>& diffs, std::size_t begin) {
 
 std::size_t get_modified_median(const std::vector<std::size_t>& line_counts, std::size_t first) {
   std::vector<std::size_t> several;
+  several.reserve(line_counts.size());
   std::size_t lines_with_fields = 0;
   for (std::size_t i = first; i < line_counts.size(); ++i) {
     if (line_counts[i] != 0) ++lines_with_fields;
@@ -39,6 +40,7 @@ std::vector<std::size_t> get_abs_diffs(const std::vector<std::size_t>& line_coun
   const auto modal = static_cast<std::size_t>(modal_field_count);
   const auto last = std::find(line_counts.rbegin(), line_counts.rend(), modal);
   std::vector<std::size_t> diffs;
+  diffs.reserve(static_cast<std::size_t>(last.base() - line_counts.begin()));
   for (auto count = line_counts.begin(); count != last.base(); ++count) {
     if (*count != 0) diffs.push_back(abs_diff(*count, modal));
   }

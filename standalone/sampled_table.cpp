@@ -76,6 +76,8 @@ void SampledTable::find_lines(const Field& sample, unsigned long num_lines) {
   const std::vector<Field>& kept = strategy_.lines();
   const std::size_t budget = line_budget(options_, num_lines);
   LineNumbers numbers(sample, options_);
+  lines_.reserve(kept.size());
+  line_numbers_.reserve(kept.size());
   const Strategy::StableText stable(strategy_, sample);
   std::size_t texts = 0;
   std::size_t pos = 0;
@@ -122,6 +124,7 @@ std::vector<Field> SampledTable::fields(std::size_t index) const {
   const Field& line = strategy_.lines()[index];
   if (is_single_column()) return {line};
   std::vector<Field> fields;
+  fields.reserve(field_count(index));
   if (const auto* fixed = dynamic_cast<const FixedWidthStrategy*>(&strategy_)) {
     FixedWidthStrategy(options_, fixed->widths()).cut_line(line, fields);
   } else {
@@ -137,6 +140,7 @@ std::vector<Field> SampledTable::fields(std::size_t index) const {
 
 std::vector<std::u16string> SampledTable::texts(std::size_t index) const {
   std::vector<std::u16string> texts;
+  texts.reserve(field_count(index));
   for (const Field& field : fields(index)) {
     texts.push_back(value_text(field, options_.whitespace));
   }
@@ -145,6 +149,7 @@ std::vector<std::u16string> SampledTable::texts(std::size_t index) const {
 
 std::vector<DatatypeCode> SampledTable::classes_of_line(std::size_t index) const {
   std::vector<DatatypeCode> classes;
+  classes.reserve(field_count(index));
   for (const Field& field : fields(index)) {
     classes.push_back(classify_field(field, options_.whitespace));
   }

@@ -4,7 +4,8 @@
 #include "standalone/variable_names.hpp"
 
 #include <algorithm>
-#include <set>
+#include <string_view>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -39,7 +40,9 @@ class NamesCandidate {
     return std::any_of(texts_.begin(), texts_.end(), [](const auto& text) { return text.empty(); });
   }
   bool repeats_a_field() const {
-    return std::set<std::u16string>(texts_.begin(), texts_.end()).size() != texts_.size();
+    std::vector<std::u16string_view> sorted(texts_.begin(), texts_.end());
+    std::sort(sorted.begin(), sorted.end());
+    return std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end();
   }
   bool has_values() const { return std::any_of(classes_.begin(), classes_.end(), is_typed); }
 

@@ -18,7 +18,7 @@ DelimitedStrategy::DelimitedStrategy(const parser::options& options,
                                      const std::vector<std::u16string>& delimiters)
     : Strategy(options),
       tokenizer_(delimiters, options.line_endings),
-      line_endings_(get_or_create_delim(options.line_endings)),
+      line_endings_(tokenizer_.line_endings_),
       ending_matcher_(line_endings_) {
   std::u16string whitespace = options.whitespace;
   for (const std::u16string& delimiter : delimiters) {

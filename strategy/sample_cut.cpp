@@ -34,6 +34,7 @@ std::span<const Field> SampleCut::fields(std::size_t line) {
   go_to(line);
   if (keeps_all_) return std::span<const Field>(fields_).subspan(fields_before_, counts_[line]);
   fields_.clear();
+  if (fields_.capacity() == 0) fields_.reserve(counts_[line]);
   cut_again(line);
   return fields_;
 }

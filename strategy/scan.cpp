@@ -1,6 +1,6 @@
 #include "strategy/scan.hpp"
 
-#include <set>
+#include <algorithm>
 
 namespace textio {
 namespace {
@@ -17,10 +17,14 @@ std::size_t match_length(const DelimiterSet& set, const Field& text, std::size_t
 
 std::u16string make_stop_chars(const std::vector<std::u16string>& a,
                                const std::vector<std::u16string>& b) {
-  std::set<char16_t> units;
-  for (const std::u16string& marker : b) units.insert(first_unit(marker));
-  for (const std::u16string& marker : a) units.insert(first_unit(marker));
-  return {units.begin(), units.end()};
+  std::u16string units;
+  units.reserve(a.size() + b.size());
+  for (const std::u16string& marker : a) units.push_back(first_unit(marker));
+  for (const std::u16string& marker : b) units.push_back(first_unit(marker));
+  std::sort(units.begin(), units.end());
+  units.erase(std::unique(units.begin(), units.end()), units.end());
+  units.shrink_to_fit();  // of many markers few may begin differently
+  return units;
 }
 
 void remove_in_place(std::u16string& chars, char16_t unit) {

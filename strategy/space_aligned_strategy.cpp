@@ -18,7 +18,7 @@ const std::vector<std::u16string>& blank_delimiters() {
 SpaceAlignedStrategy::SpaceAlignedStrategy(const parser::options& options)
     : Strategy(options),
       tokenizer_(blank_delimiters(), options.line_endings),
-      line_endings_(get_or_create_delim(options.line_endings)),
+      line_endings_(tokenizer_.line_endings_),
       ending_matcher_(line_endings_) {
   std::u16string whitespace = options.whitespace;
   remove_in_place(whitespace, u'\t');

@@ -37,11 +37,26 @@ Field or_replacement(const Field& cleaned, const FieldFormat& format) {
   return cleaned.length > 0 ? cleaned : Field(replacement.data(), replacement.size());
 }
 
+enum class LineKind { text, empty, comment };
+
+LineKind kind_of(const Field& line, FieldFormat& format,
+                 const std::vector<std::u16string>& comment_style) {
+  const Field cleaned = or_replacement(clean_line(line, format), format);
+  if (cleaned.length == 0) return LineKind::empty;
+  return is_comment(cleaned, comment_style) ? LineKind::comment : LineKind::text;
+}
+
 // Doubles a full list of lines, yet not beyond what a text with so many units left can add.
 void make_room_for_one(std::vector<Field>& lines, std::size_t units_left) {
   if (lines.size() < lines.capacity()) return;
   const std::size_t as_many = std::max(lines.size(), kFirstRoom);
   lines.reserve(lines.size() + std::min(as_many, units_left + 1));
+}
+
+// What was expected or doubled may be far more than is kept.
+template <typename Entry>
+void give_back_room(std::vector<Entry>& list) {
+  if (list.capacity() / 2 > list.size()) list.shrink_to_fit();
 }
 
 // Whether `field`, a field of `line`, ends where the line ends. A field may report more units than
@@ -106,7 +121,7 @@ long Strategy::num_variables() const {
 
 // The sample before is kept until the new one is there, and its copy.
 std::vector<Field> Strategy::populate_fields(const Field& text, unsigned long num_lines) {
-  std::vector<Field> lines = sampled_lines(text, num_lines, kNoLimit, nullptr);
+  std::vector<Field> lines = sampled_lines(text, num_lines, kNoLimit, kFirstRoom, nullptr);
   std::vector<Field> copy = lines;
   text_ = text;
   lines_ = std::move(lines);
@@ -123,23 +138,20 @@ bool Strategy::is_surely_text(const Field& line) const {
          !contains(*text_format_.whitespace, line.data[0]);
 }
 
-// The lines of a sample, of which there are `most_lines` at most. `num_fields` receives the number
-// of fields on each, if it is wanted and the strategy counts them.
+// The lines of a sample, of which there are `most_lines` at most and, as a rule, `likely_lines`.
+// `num_fields` receives the number of fields on each, if it is wanted and the strategy counts them.
 std::vector<Field> Strategy::sampled_lines(const Field& text, unsigned long num_lines,
-                                           std::size_t most_lines,
+                                           std::size_t most_lines, std::size_t likely_lines,
                                            std::vector<std::size_t>* num_fields) {
   std::vector<Field> lines;
   const std::size_t target =
       header_lines_auto_ ? num_lines : saturating_add(num_lines, header_lines_);
-  lines.reserve(std::min({target, saturating_add(text.length, 1), kFirstRoom}));
+  lines.reserve(std::min({target, saturating_add(text.length, 1), likely_lines}));
 
   const StableText stable(*this, text);
   const std::unique_ptr<LineScan> scan = LineScan::of(*this, text);
   if (!scan->counts_fields()) num_fields = nullptr;
-  const auto keep = [&](const Field& line, std::size_t count) {
-    lines.push_back(line);
-    if (num_fields) num_fields->push_back(count);
-  };
+  if (num_fields) num_fields->reserve(lines.capacity());
   // Every line extent ends behind its start while there is text: it holds a unit, or a line
   // ending, or both. So the loop ends.
   std::size_t pos = 0;
@@ -147,23 +159,19 @@ std::vector<Field> Strategy::sampled_lines(const Field& text, unsigned long num_
   while (!ends_at(text, pos) && count < target && lines.size() < most_lines) {
     const auto [extent, fields_on_line] = scan->line_at(pos);
     pos = extent.next;
-    make_room_for_one(lines, text.length - std::min(pos, text.length));
     const Field& line = extent.field;
-    if (is_surely_text(line)) {
-      keep(line, fields_on_line);
-      ++count;
-      continue;
-    }
-    const Field cleaned = or_replacement(clean_line(line, text_format_), text_format_);
-    if (cleaned.length == 0) {
-      keep(empty_field(), 0);
-    } else if (!is_comment(cleaned, options_->comment_style)) {
-      keep(line, line.length > 0 ? fields_on_line : 0);
-      ++count;
-    }
+    const LineKind kind = is_surely_text(line)
+                              ? LineKind::text
+                              : kind_of(line, text_format_, options_->comment_style);
+    if (kind == LineKind::comment) continue;
+    const Field& kept = kind == LineKind::text ? line : empty_field();
+    make_room_for_one(lines, text.length - std::min(pos, text.length));
+    lines.push_back(kept);
+    if (num_fields) num_fields->push_back(kept.length > 0 ? fields_on_line : 0);
+    if (kind == LineKind::text) ++count;
   }
-  // A budget that the text did not come up to may have reserved far more than is kept.
-  if (lines.capacity() / 2 > lines.size()) lines.shrink_to_fit();
+  give_back_room(lines);
+  if (num_fields) give_back_room(*num_fields);
   return lines;
 }
 

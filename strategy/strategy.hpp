@@ -199,6 +199,7 @@ class VLTEXTSTREAM_EXPORT Strategy {
 
   VLTEXTSTREAM_LOCAL std::vector<Field> sampled_lines(const Field& text, unsigned long num_lines,
                                                       std::size_t most_lines,
+                                                      std::size_t likely_lines,
                                                       std::vector<std::size_t>* num_fields);
   VLTEXTSTREAM_LOCAL bool is_surely_text(const Field& line) const;
   VLTEXTSTREAM_LOCAL void append_fields(const Field& line, std::vector<Field>& fields);

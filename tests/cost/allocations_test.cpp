@@ -1,5 +1,6 @@
-// A detection asks for memory per candidate, never per line or per field. What grows with the text
+// A selection asks for memory per candidate, never per line or per field. What grows with the text
 // are a few vectors that double their storage: ten times as many entries are four doublings more.
+// A whole detection is counted by allocations_main.cpp.
 #include <cstddef>
 #include <memory>
 #include <ostream>
@@ -22,12 +23,17 @@ using testing_support::ExactText;
 
 constexpr std::size_t kDoublingsForTenTimes = 4;
 
-// Per candidate: the fields, the counts that take part in the median, the deviations, the empty
-// lines.
-constexpr std::size_t kVectorsThatGrowWithLines = 4;
+// Per candidate: the empty lines. All other lists are made as long as they will be.
+constexpr std::size_t kVectorsThatGrowWithLines = 1;
 
-// Per candidate: the fields, and the widths of a fixed-width table.
-constexpr std::size_t kVectorsThatGrowWithColumns = 2;
+// Per candidate: the fields of a line whose number is not known before.
+constexpr std::size_t kVectorsThatGrowWithColumns = 1;
+
+// A strategy and its two sets of markers, its sample, and the lists that value it.
+constexpr std::size_t kPerStrategy = 15;
+
+// The lists of the candidates and of those that the filters keep; the empty lines of a hundred.
+constexpr std::size_t kPerSelection = 15;
 
 // A table of `columns` columns; `field` makes the text of one place, separator included.
 using MakeField = std::u16string (*)(std::size_t row, std::size_t column);
@@ -144,7 +150,21 @@ TEST_P(DetectionAllocations, DoNotGrowWithColumns) {
   expect_only_doublings(columns_5, columns_50, kVectorsThatGrowWithColumns);
 }
 
+TEST_P(DetectionAllocations, AreFewForEachCandidate) {
+  const Cost cost = cost_of_detection(GetParam().field, 100, 5);
+  EXPECT_LE(cost.allocations, kPerStrategy * cost.strategies + kPerSelection);
+}
+
 INSTANTIATE_TEST_SUITE_P(Table, DetectionAllocations, testing::ValuesIn(kTableCases), ByRule());
+
+// Only the first sample is drawn without knowing how many lines the text has: beyond 16,384 of them
+// its two lists, the lines and the numbers of their fields, are doubled twice.
+TEST(DetectionAllocationsOfManyLines, GrowForTheFirstSampleAlone) {
+  const Cost lines_16000 = cost_of_detection(quoted, 16'000, 1);
+  const Cost lines_40000 = cost_of_detection(quoted, 40'000, 1);
+  ASSERT_EQ(lines_16000.strategies, lines_40000.strategies);
+  EXPECT_LE(lines_40000.allocations, lines_16000.allocations + 2 * 2);
+}
 
 }  // namespace
 }  // namespace textio

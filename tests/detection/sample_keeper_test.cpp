@@ -155,6 +155,40 @@ TEST(SampleKeeperPutAway, CountsTheLinesOfAllThatItKept) {
   EXPECT_EQ(second.lines().size(), 2U);
 }
 
+// --- samples one after the other -------------------------------------------------------------------
+
+// To commas the text is one line, to the line reader six.
+struct OrderCase {
+  const char* rule;
+  std::vector<std::shared_ptr<Strategy> (*)(const parser::options&)> order;
+};
+std::ostream& operator<<(std::ostream& out, const OrderCase& row) { return out << row.rule; }
+
+const OrderCase kOrderCases[] = {
+    {"TheLongerOneFirst", {whole_lines, commas}},
+    {"TheShorterOneFirst", {commas, whole_lines}},
+    {"TheSameTwice", {whole_lines, whole_lines}},
+    {"ThreeOfThem", {commas, whole_lines, commas}},
+};
+
+class SampleKeeperDraw : public testing::TestWithParam<OrderCase> {};
+TEST_P(SampleKeeperDraw, DoesNotDependOnTheSampleBefore) {
+  const parser::options options;
+  const ExactText text(u"\"a\n1,2\n3\n\n5\n6");
+  SampleKeeper samples(text.field(), 100);
+  for (const auto make : GetParam().order) {
+    const std::shared_ptr<Strategy> strategy = make(options);
+    samples.draw(*strategy);
+    const Texts expected = make == commas ? Texts{u"\"a\n1,2\n3\n\n5\n6"}
+                                          : Texts{u"\"a", u"1,2", u"3", u"", u"5", u"6"};
+    EXPECT_EQ(lines_of(*strategy), expected);
+    EXPECT_LE(strategy->lines().capacity(), 2 * expected.size()) << "room that is not given back";
+    samples.value(*strategy, wanted);
+    EXPECT_EQ(strategy->field_counts(), make == commas ? Counts{1} : Counts({1, 1, 1, 0, 1, 1}));
+  }
+}
+INSTANTIATE_TEST_SUITE_P(Table, SampleKeeperDraw, testing::ValuesIn(kOrderCases), ByRule());
+
 // --- valuing -------------------------------------------------------------------------------------
 
 TEST(SampleKeeperValue, LeavesTheClassesOutOfWhatIsNotWanted) {
@@ -162,7 +196,7 @@ TEST(SampleKeeperValue, LeavesTheClassesOutOfWhatIsNotWanted) {
   const ExactText text(u"a,b\n1,2\n3,4\n");
   DelimitedStrategy kept(options, u',');
   DelimitedStrategy dropped(options, u',');
-  const SampleKeeper samples(text.field(), 100);
+  SampleKeeper samples(text.field(), 100);
   samples.draw(kept);
   samples.draw(dropped);
   EXPECT_EQ(samples.value(kept, wanted).numeric_columns, 2U);
