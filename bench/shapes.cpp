@@ -412,6 +412,11 @@ const std::vector<Shape>& option_shapes() {
          give_widths(settings, 16);
          settings.options.line_endings = {long_marker(units)};
        }},
+      {"widths_and_ending", same_units,
+       [](DetectSettings& settings, std::size_t units) {
+         give_widths(settings, units);
+         settings.options.line_endings = {long_marker(units)};
+       }},
       {"huge_header_lines", [](std::size_t units) { return lines_of(units, narrow_line); },
        [](DetectSettings& settings, std::size_t) {
          settings.options.header_lines = std::numeric_limits<std::size_t>::max() - 1;

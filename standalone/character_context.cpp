@@ -10,6 +10,8 @@
 #include <unicode/uchar.h>
 #include <unicode/unorm2.h>
 
+#include "standalone/icu_status.hpp"
+
 namespace textio::standalone {
 namespace {
 
@@ -79,6 +81,7 @@ char16_t base_of(char16_t c) {
   UErrorCode status = U_ZERO_ERROR;
   char16_t units[8] = {};
   const UNormalizer2* const normalizer = unorm2_getNFDInstance(&status);
+  throw_if_out_of_memory(status);
   const std::int32_t size = unorm2_getDecomposition(normalizer, c, units, 8, &status);
   return U_SUCCESS(status) && size > 0 ? units[0] : c;
 }

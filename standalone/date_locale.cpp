@@ -14,7 +14,6 @@
 #include <iterator>
 #include <map>
 #include <mutex>
-#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -33,6 +32,7 @@
 #include <unicode/ustring.h>
 
 #include "standalone/date_patterns.hpp"
+#include "standalone/icu_status.hpp"
 
 namespace textio::datetime {
 namespace {
@@ -42,7 +42,7 @@ using View = std::u16string_view;
 // --- ICU ---------------------------------------------------------------------------------------
 
 void check(UErrorCode status) {
-  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+  standalone::throw_if_out_of_memory(status);
   if (U_FAILURE(status)) {
     throw std::runtime_error(fmt::format("DateLocale: {}", u_errorName(status)));
   }

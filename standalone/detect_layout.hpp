@@ -14,7 +14,7 @@
 // Errors     FileError when the file cannot be opened or a read fails; std::invalid_argument for an
 //            encoding or a DateLocale that is not known, widths that are no widths, and (as
 //            OptionProblem) options that are refused; std::runtime_error when the decoder itself
-//            fails; std::bad_alloc.
+//            fails; std::bad_alloc, also where memory runs out in opening or reading the file.
 // Cost       of a file no more than the first 4,194,304 characters are looked at, and little more
 //            is read, each byte once; a prefix of at most 64 KB is read once more to find the
 //            encoding. A text is copied.

@@ -11,6 +11,7 @@
 #include <unicode/uchar.h>
 #include <unicode/ucnv.h>
 
+#include "standalone/icu_status.hpp"
 #include "standalone/letter_tables.hpp"
 
 namespace textio::standalone {
@@ -178,6 +179,7 @@ class Walk {
         begin_(bytes.data()),
         next_(bytes.data()),
         end_(bytes.data() + bytes.size()) {
+    throw_if_out_of_memory(status_);
     // ICU's own substitution writes U+001A for some encodings.
     if (converter_) {
       ucnv_setToUCallBack(converter_.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr,

@@ -7,6 +7,8 @@
 
 #include <unicode/ucnv.h>
 
+#include "standalone/icu_status.hpp"
+
 namespace textio::standalone {
 namespace {
 
@@ -28,6 +30,7 @@ bool decodes(const char* encoding, std::string_view bytes, bool is_whole) {
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(ucnv_open(encoding, &status),
                                                                      ucnv_close);
+  throw_if_out_of_memory(status);
   if (!converter || U_FAILURE(status)) return false;
   ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
   const char* next = bytes.data();
@@ -38,6 +41,7 @@ bool decodes(const char* encoding, std::string_view bytes, bool is_whole) {
     ucnv_toUnicode(converter.get(), &end, units + kUnits, &next, bytes.data() + bytes.size(),
                    nullptr, static_cast<UBool>(is_whole), &status);
   } while (status == U_BUFFER_OVERFLOW_ERROR);
+  throw_if_out_of_memory(status);
   return U_SUCCESS(status);
 }
 

@@ -8,13 +8,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <new>
 #include <stdexcept>
 #include <string_view>
 
 #include <fmt/format.h>
 #include <unicode/ucnv_cb.h>
 
+#include "standalone/icu_status.hpp"
 #include "standalone/surrogates.hpp"
 
 namespace textio::standalone {
@@ -80,7 +80,7 @@ bool passes_lone_surrogates(const UConverter* converter) {
 IcuDecoder::IcuDecoder(const std::string& encoding, bool one_unit) : one_unit_(one_unit) {
   UErrorCode status = U_ZERO_ERROR;
   converter_.reset(ucnv_open(encoding.c_str(), &status));
-  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+  throw_if_out_of_memory(status);
   if (!converter_ || U_FAILURE(status)) {
     throw std::invalid_argument(fmt::format("cannot open encoding '{}'", encoding));
   }
@@ -106,6 +106,7 @@ bool IcuDecoder::decode(DecodeWindow& window, bool final) {
     ucnv_toUnicode(converter_.get(), &end, begin + room, &window.in, in_end, nullptr,
                    final && is_last ? 1 : 0, &status);
     window.out = settle(window.out, begin, end);
+    throw_if_out_of_memory(status);
     const bool is_full = status == U_BUFFER_OVERFLOW_ERROR;
     if (!is_full && U_FAILURE(status)) {
       throw std::runtime_error(fmt::format("cannot decode: {}", u_errorName(status)));

@@ -7,8 +7,11 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
+#include <new>
 
 #include <unicode/ucsdet.h>
+
+#include "standalone/icu_status.hpp"
 
 namespace textio::standalone {
 namespace {
@@ -46,9 +49,12 @@ void raise_named_by_icu(std::string_view bytes, std::vector<Reading>& readings) 
   const std::string_view heard = bytes.substr(0, kHeard);
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<UCharsetDetector, CloseDetector> detector(ucsdet_open(&status));
+  throw_if_out_of_memory(status);
+  if (!detector) throw std::bad_alloc();  // which ICU does not tell
   ucsdet_setText(detector.get(), heard.data(), static_cast<std::int32_t>(heard.size()), &status);
   std::int32_t count = 0;
   const UCharsetMatch** const matches = ucsdet_detectAll(detector.get(), &count, &status);
+  throw_if_out_of_memory(status);
   if (U_FAILURE(status)) return;
   for (std::int32_t i = 0; i < count; ++i) {
     const std::string_view named = ucsdet_getName(matches[i], &status);

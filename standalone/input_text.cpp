@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -20,8 +21,10 @@ namespace {
 // As much of a file as is looked at for its encoding.
 constexpr std::size_t kHeadBytes = 65'536;
 
-FileError read_error_of(const std::string& path, int error) {
-  return FileError(fmt::format("cannot read '{}': {}", path, read_problem(error)));
+// Memory that runs out is no fault of the file.
+[[noreturn]] void refuse(const char* action, const std::string& path, int error) {
+  if (error == ENOMEM) throw std::bad_alloc();
+  throw FileError(fmt::format("cannot {} '{}': {}", action, path, read_problem(error)));
 }
 
 // A file that is read for its encoding before it is read for its text. What fails here must not be
@@ -35,7 +38,7 @@ class Preview {
     std::string bytes(kHeadBytes, '\0');
     errno = 0;
     bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file_));
-    if (std::ferror(file_) != 0) throw read_error_of(path_, errno != 0 ? errno : EIO);
+    if (std::ferror(file_) != 0) refuse("read", path_, errno != 0 ? errno : EIO);
     return bytes;
   }
 
@@ -43,7 +46,7 @@ class Preview {
 
   void go_back() {
     errno = 0;
-    if (::fseeko64(file_, 0, SEEK_SET) != 0) throw read_error_of(path_, errno);
+    if (::fseeko64(file_, 0, SEEK_SET) != 0) refuse("read", path_, errno);
   }
 
  private:
@@ -97,7 +100,7 @@ InputText::InputText(const std::string& path, const DetectSettings& settings)
     : path_(path), settings_(settings) {
   errno = 0;
   File file(open_file(from_utf8(path), "rb"));
-  if (!file) throw FileError(fmt::format("cannot open '{}': {}", path, read_problem(errno)));
+  if (!file) refuse("open", path_, errno);
   encoding_ = encoding_of(file.get(), path_, settings);
   decode(std::move(file));
   if (encoding_.found == EncodingFound::valid_utf8 && ill_formed_parts_ > 0) look_behind_the_head();
@@ -110,7 +113,7 @@ void InputText::decode(File file) {
   stream_ = std::make_unique<TextStream>(source_.get());
   sample_ = get_fixed_stream(*stream_, settings_.options.line_endings);
   ill_formed_parts_ = source_->converter()->ill_formed_parts();
-  if (const int error = source_->read_error(); error != 0) throw read_error_of(path_, error);
+  if (const int error = source_->read_error(); error != 0) refuse("read", path_, error);
 }
 
 // Ill-formed parts in a text whose head was well-formed.

@@ -139,9 +139,10 @@ std::vector<Field> SampledTable::fields(std::size_t index) const {
 }
 
 std::vector<std::u16string> SampledTable::texts(std::size_t index) const {
+  const std::vector<Field> found = fields(index);
   std::vector<std::u16string> texts;
-  texts.reserve(field_count(index));
-  for (const Field& field : fields(index)) {
+  texts.reserve(found.size());
+  for (const Field& field : found) {
     texts.push_back(value_text(field, options_.whitespace));
   }
   return texts;

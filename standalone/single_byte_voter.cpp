@@ -16,6 +16,7 @@
 #include <unicode/ucnv.h>
 
 #include "standalone/character_context.hpp"
+#include "standalone/icu_status.hpp"
 #include "standalone/letter_tables.hpp"
 
 namespace textio::standalone {
@@ -113,6 +114,7 @@ CodePage code_page(const char* name) {
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(ucnv_open(name, &status),
                                                                      ucnv_close);
+  throw_if_out_of_memory(status);
   for (unsigned byte = 0x80; byte <= 0xFF && converter != nullptr; ++byte) {
     const char text = static_cast<char>(byte);
     char16_t units[2] = {};

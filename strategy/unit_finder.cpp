@@ -179,7 +179,9 @@ std::span<const UnitKernel> unit_kernels() {
   return std::span(kernels().all).first(kernels().count);
 }
 
-void use_unit_kernel(const UnitKernel& kernel) { chosen_kernel() = &kernel; }
+const UnitKernel& use_unit_kernel(const UnitKernel& kernel) {
+  return *chosen_kernel().exchange(&kernel);
+}
 
 UnitFinder::UnitFinder(const Field& text, std::u16string_view set)
     : kernel_(chosen_kernel()), text_(text.data), length_(text.length), num_units_(set.size()) {

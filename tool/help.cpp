@@ -69,7 +69,8 @@ std::string help_text() {
                 "Sample N data lines from the start of each file, 100 if not given");
   append_option(
       out, "--jobs N",
-      "Look at N files at a time, 1 to 256; if not given, as many as there are processors");
+      "Look at N files at a time, 1 to 256, each of which takes memory; if not given, as many as "
+      "there are processors");
   append_option(out, "--no-progress",
                 "Do not count the files on standard error, which is done only on a terminal");
   out += "\nWhat is known about the files:\n";

@@ -34,6 +34,7 @@
 #include "tool/ordered_work.hpp"
 #include "tool/progress_line.hpp"
 #include "tool/report.hpp"
+#include "tool/worker_thread.hpp"
 
 namespace {
 
@@ -279,7 +280,7 @@ Answer answer_for(const std::string& file, const Arguments& arguments, std::mute
     const std::lock_guard<std::mutex> lock(json_mutex);
     return {textio::tool::json_member(members), std::nullopt};
   } catch (const std::bad_alloc&) {
-    return {{}, fmt::format("cannot read '{}': {}", file, std::strerror(ENOMEM))};
+    return {{}, fmt::format("cannot read '{}': {}", file, std::strerror(ENOMEM)), true};
   } catch (const std::exception& error) {
     return {{}, error.what()};
   }
@@ -346,6 +347,7 @@ int main(int argc, char** argv) {
     arguments.given = given_options(app, flags);
     arguments.settings = settings_of(arguments);
     arguments.num_threads = thread_count(arguments);
+    if (arguments.num_threads > 1) textio::tool::share_heap_if_memory_is_limited();
     return run(arguments);
   } catch (const CLI::CallForHelp&) {
     return print(textio::tool::help_text(), 0);

@@ -1,20 +1,27 @@
 // The threads take the next task from a counter. An answer goes into the slot of its task, and the
 // calling thread empties the slots from the first to the last, waiting where one is still empty.
 //
-// The tasks that share something belong to the thread that meets the first of them: it works
-// through all, and the others skip them.
+// Two kinds of tasks are left to the calling thread: those that are to be worked on one by one, and
+// those that ran out of memory, which another task may have held. When the turn of the first of them
+// comes, the threads do all the rest and end, for each of them holds memory, too. If it still lacks
+// memory, the answers that wait behind it are forgotten, and made anew when their turn comes: then
+// nothing is held that one thread would not hold.
 #include "tool/ordered_work.hpp"
 
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <exception>
+#include <functional>
+#include <list>
 #include <mutex>
+#include <new>
 #include <optional>
-#include <thread>
 #include <utility>
 
 #include <sched.h>
+
+#include "tool/worker_thread.hpp"
 
 namespace textio::tool {
 namespace {
@@ -24,7 +31,21 @@ constexpr std::chrono::milliseconds kPatience{100};
 struct Outcome {
   Answer answer;
   std::exception_ptr error;
+  bool lacked_memory = false;
+  bool is_counted = false;  // among the finished
 };
+
+Outcome outcome_of(const WorkSteps& steps, std::size_t task) {
+  try {
+    Answer answer = steps.work(task);
+    const bool lacked_memory = answer.lacked_memory;
+    return {std::move(answer), nullptr, lacked_memory};
+  } catch (const std::bad_alloc&) {
+    return {{}, std::current_exception(), true};
+  } catch (...) {
+    return {{}, std::current_exception(), false};
+  }
+}
 
 void work_alone(const WorkPlan& plan, const WorkSteps& steps) {
   for (std::size_t task = 0; task < plan.num_tasks; ++task) {
@@ -35,11 +56,13 @@ void work_alone(const WorkPlan& plan, const WorkSteps& steps) {
 
 class Crew {
  public:
-  Crew(const WorkPlan& plan, const WorkSteps& steps)
-      : plan_(plan), steps_(steps), slots_(plan.num_tasks) {
-    threads_.reserve(plan.num_threads);
+  Crew(const WorkPlan& plan, const WorkSteps& steps) : plan_(plan), steps_(steps) {
+    const std::size_t num_for_threads = plan.num_tasks - plan.one_by_one.size();
+    const std::size_t num_threads = std::min(plan.num_threads, num_for_threads);
+    next_ = first_for_threads(0);
     try {
-      while (threads_.size() < plan.num_threads) threads_.emplace_back(&Crew::work, this);
+      slots_.resize(plan.num_tasks);
+      while (threads_.size() < num_threads) threads_.emplace_back([this] { work(); });
     } catch (const std::exception&) {
       // The system gives no more threads, or there is no memory for them: fewer do it, too.
     }
@@ -47,7 +70,7 @@ class Crew {
 
   ~Crew() {
     stop();
-    for (std::thread& thread : threads_) thread.join();
+    join();
   }
 
   Crew(const Crew&) = delete;
@@ -56,28 +79,18 @@ class Crew {
   bool is_empty() const { return threads_.empty(); }
 
   void deliver() {
-    std::size_t num_shown = 0;
-    for (std::size_t task = 0; task < plan_.num_tasks;) {
-      const std::optional<Outcome> outcome = wait_for(task, num_shown);
-      if (outcome) {
-        if (outcome->error) std::rethrow_exception(outcome->error);
-        steps_.deliver(outcome->answer);
-        ++task;
-      }
-      steps_.finished(num_shown);
+    for (std::size_t task = 0; task < plan_.num_tasks; ++task) {
+      const Outcome outcome = outcome_at(task);
+      if (outcome.error) std::rethrow_exception(outcome.error);
+      steps_.deliver(outcome.answer);
+      steps_.finished(num_finished_now());
     }
   }
 
  private:
   void work() {
     while (const std::optional<std::size_t> task = next_task()) {
-      if (!is_one_by_one(*task)) {
-        finish(*task);
-        continue;
-      }
-      for (const std::size_t shared : plan_.one_by_one) {
-        if (!is_stopped()) finish(shared);
-      }
+      settle(*task, outcome_of(steps_, *task));
     }
   }
 
@@ -85,69 +98,108 @@ class Crew {
     return std::binary_search(plan_.one_by_one.begin(), plan_.one_by_one.end(), task);
   }
 
-  std::optional<std::size_t> next_task() {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    while (next_ < plan_.num_tasks && one_by_one_taken_ && is_one_by_one(next_)) ++next_;
-    if (next_ >= plan_.num_tasks) return std::nullopt;
-    one_by_one_taken_ = one_by_one_taken_ || is_one_by_one(next_);
-    return next_++;
+  // The first task from `task` on that the threads work on; behind the last one when there is none.
+  std::size_t first_for_threads(std::size_t task) const {
+    while (task < plan_.num_tasks && is_one_by_one(task)) ++task;
+    return task;
   }
 
-  void finish(std::size_t task) {
-    Outcome outcome;
-    try {
-      outcome.answer = steps_.work(task);
-    } catch (...) {
-      outcome.error = std::current_exception();
-    }
+  std::optional<std::size_t> next_task() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (next_ >= plan_.num_tasks) return std::nullopt;
+    ++num_under_way_;
+    return std::exchange(next_, first_for_threads(next_ + 1));
+  }
+
+  void settle(std::size_t task, Outcome outcome) {
     {
       const std::lock_guard<std::mutex> lock(mutex_);
+      --num_under_way_;
+      outcome.is_counted = !outcome.lacked_memory;
+      if (outcome.is_counted) ++num_finished_;
       slots_[task] = std::move(outcome);
-      ++num_finished_;
     }
     changed_.notify_one();
   }
 
-  // What became of `task`, or nothing when it is not yet finished. Not to be waited for too long:
-  // somebody may look at the number of those that are.
-  std::optional<Outcome> wait_for(std::size_t task, std::size_t& num_shown) {
+  Outcome outcome_at(std::size_t task) {
+    if (is_one_by_one(task)) return outcome_alone(task, false);
+    wait_until([&] { return slots_[task].has_value(); });
+    Outcome outcome = take(task);
+    return outcome.lacked_memory ? outcome_alone(task, outcome.is_counted) : std::move(outcome);
+  }
+
+  Outcome take(std::size_t task) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return *std::exchange(slots_[task], std::nullopt);
+  }
+
+  // The outcome of a task that was left to the calling thread.
+  Outcome outcome_alone(std::size_t task, bool is_counted) {
+    wait_until([&] { return next_ >= plan_.num_tasks && num_under_way_ == 0; });
+    join();
+    Outcome outcome = outcome_of(steps_, task);
+    const bool may_try_again = outcome.lacked_memory && !is_one_by_one(task);
+    if (may_try_again && forget_answers()) outcome = outcome_of(steps_, task);
+    if (!is_counted) ++num_finished_;
+    return outcome;
+  }
+
+  // Leaves what was finished and not yet delivered to the calling thread. Returns whether there was
+  // any. The threads have ended.
+  bool forget_answers() {
+    bool had_any = false;
+    for (std::optional<Outcome>& slot : slots_) {
+      if (!slot || slot->lacked_memory) continue;
+      slot.emplace(Outcome{{}, nullptr, true, true});
+      had_any = true;
+    }
+    return had_any;
+  }
+
+  // Tells now and then how many are finished meanwhile.
+  void wait_until(const std::function<bool()>& is_so) {
     std::unique_lock<std::mutex> lock(mutex_);
-    changed_.wait_for(lock, kPatience,
-                      [&] { return slots_[task].has_value() || num_finished_ != num_shown; });
-    num_shown = num_finished_;
-    return std::exchange(slots_[task], std::nullopt);
+    while (!is_so()) {
+      changed_.wait_for(lock, kPatience);
+      const std::size_t finished = num_finished_;
+      lock.unlock();
+      steps_.finished(finished);
+      lock.lock();
+    }
+  }
+
+  std::size_t num_finished_now() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return num_finished_;
   }
 
   void stop() {
     const std::lock_guard<std::mutex> lock(mutex_);
     next_ = plan_.num_tasks;
-    stopped_ = true;
   }
 
-  bool is_stopped() {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return stopped_;
+  void join() {
+    for (WorkerThread& thread : threads_) thread.join();
+    threads_.clear();
   }
 
   const WorkPlan& plan_;
   const WorkSteps& steps_;
   std::mutex mutex_;  // of what follows, but for the threads
   std::condition_variable changed_;
-  std::vector<std::optional<Outcome>> slots_;  // by task; emptied when it was delivered
+  std::vector<std::optional<Outcome>> slots_;  // by task; emptied when its turn has come
   std::size_t next_ = 0;                       // task
+  std::size_t num_under_way_ = 0;
   std::size_t num_finished_ = 0;
-  bool one_by_one_taken_ = false;
-  bool stopped_ = false;
-  std::vector<std::thread> threads_;
+  std::list<WorkerThread> threads_;
 };
 
 }  // namespace
 
 void work_in_order(const WorkPlan& plan, const WorkSteps& steps) {
   if (std::min(plan.num_threads, plan.num_tasks) <= 1) return work_alone(plan, steps);
-  const WorkPlan crowded = {plan.num_tasks, std::min(plan.num_threads, plan.num_tasks),
-                            plan.one_by_one};
-  Crew crew(crowded, steps);
+  Crew crew(plan, steps);
   if (crew.is_empty()) return work_alone(plan, steps);
   crew.deliver();
 }

@@ -5,10 +5,13 @@
 //                  .deliver = [&](const Answer& answer) { print(answer); },
 //                  .finished = [&](std::size_t count) { progress.show(count); }});
 //
+// The answers are those of one thread: a task that runs out of memory beside others is worked on a
+// second time when no other is under way, and what it gives then counts.
+//
 // Errors     what `work` throws is thrown again when the turn of its task comes; the tasks that are
 //            under way are waited for then, and no other is begun.
-// Cost       as many tasks are under way as there are threads. An answer waits for those before it,
-//            so it should hold no more than what is printed.
+// Cost       as many tasks are under way as there are threads, each with memory of its own. An
+//            answer waits for those before it, so it should hold no more than what is printed.
 // Threads    `work` is called in several threads, `deliver` and `finished` in the calling one.
 #pragma once
 
@@ -24,6 +27,9 @@ namespace textio::tool {
 struct Answer {
   std::string text;
   std::optional<std::string> problem;
+
+  // The reason is that there was no memory. To throw std::bad_alloc says the same.
+  bool lacked_memory = false;
 };
 
 struct WorkPlan {
@@ -32,7 +38,8 @@ struct WorkPlan {
   // At most so many threads. With one, or when the system gives none, the calling thread works.
   std::size_t num_threads = 1;
 
-  // Tasks, in ascending order, that share something: they are worked on one after the other.
+  // Tasks, in ascending order, that share something or can be worked on only once: the calling
+  // thread does so, one after the other, when the others are finished.
   std::vector<std::size_t> one_by_one;
 };
 

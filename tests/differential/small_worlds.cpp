@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "differential/comparison.hpp"
+#include "strategy/unit_finder.hpp"
 #include "support/printing.hpp"
 
 namespace textio::differential {
@@ -14,6 +15,9 @@ namespace {
 const std::vector<unsigned long> kWidths = {1, 0, 2};
 
 constexpr std::size_t kNotKnown = SIZE_MAX;
+
+// So many units of a text across blocks lie in front of the border.
+constexpr std::size_t kBeforeBorder = 2;
 
 std::string under_heading(const std::string& heading, const std::string& difference) {
   return difference.empty() ? difference : heading + '\n' + difference;
@@ -25,7 +29,7 @@ std::string heading(const Choices& choices) {
   return std::to_string(*choices.header_lines) + " header lines given";
 }
 
-std::string difference_in_text(const std::u16string& text, const Choices& choices) {
+std::string difference_with(const std::u16string& text, const Choices& choices) {
   return under_heading(heading(choices), difference_in_strategies(text, choices, kWidths) +
                                              difference_in_detection(text, choices));
 }
@@ -39,6 +43,17 @@ Choices with_header_lines(std::size_t header_lines) {
   Choices choices;
   choices.header_lines = header_lines;
   return choices;
+}
+
+std::string difference_in_text(const std::u16string& text, bool with_given) {
+  std::string told = difference_with(text, {});
+  if (with_given) {
+    for (const std::size_t header_lines :
+         {std::size_t{0}, std::size_t{1}, std::size_t{2}, text.size() + 1}) {
+      told += difference_with(text, with_header_lines(header_lines));
+    }
+  }
+  return under_heading("text \"" + testing_support::readable(text) + '"', told);
 }
 
 }  // namespace
@@ -73,16 +88,23 @@ std::u16string small_text(const Series& series) {
   return text;
 }
 
+std::vector<std::u16string> texts_across_blocks(const Series& series) {
+  constexpr std::size_t kBlock = UnitFinder::kBlockUnits;
+  const std::u16string line = std::u16string(kBlock - kBeforeBorder - 1, u'b') + u'\n';
+  const std::u16string text = line + small_text(series);
+  return {text, text + std::u16string(kBlock, u'b')};
+}
+
 std::string difference_in_small_text(const Series& series, bool with_given) {
-  const std::u16string text = small_text(series);
-  std::string told = difference_in_text(text, {});
-  if (with_given) {
-    for (const std::size_t header_lines :
-         {std::size_t{0}, std::size_t{1}, std::size_t{2}, text.size() + 1}) {
-      told += difference_in_text(text, with_header_lines(header_lines));
-    }
+  return difference_in_text(small_text(series), with_given);
+}
+
+std::string difference_across_blocks(const Series& series, bool with_given) {
+  std::string told;
+  for (const std::u16string& text : texts_across_blocks(series)) {
+    told += difference_in_text(text, with_given);
   }
-  return under_heading("text \"" + testing_support::readable(text) + '"', told);
+  return told;
 }
 
 std::string difference_in_small_counts(const Series& counts, bool with_given) {

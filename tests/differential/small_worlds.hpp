@@ -59,9 +59,16 @@ std::optional<FirstDifference> first_difference(
 // The text of a series over kSmallAlphabet.
 std::u16string small_text(const Series& series);
 
+// The text behind one line of its own, so that its third unit begins a block of the vector code: as
+// the end of the whole, in a block that is not full, and in the middle, in a full one.
+std::vector<std::u16string> texts_across_blocks(const Series& series);
+
 // Where library and reference part over a small text, in each strategy and in the detection; when
 // `with_given` also with 0, 1, 2 and more header lines given than it has lines. Empty: nowhere.
 std::string difference_in_small_text(const Series& series, bool with_given);
+
+// The same for each of the texts across blocks.
+std::string difference_across_blocks(const Series& series, bool with_given);
 
 // The same for the scores of a series of field counts; the header lines given are then all numbers
 // up to one more than there are lines, and the one that means "not known".

@@ -1,9 +1,10 @@
 // Compares the library with the reference over a small world, or over a part of it.
 //   small_worlds texts UNITS GIVEN [PART PARTS]     all texts of up to UNITS units
+//   small_worlds blocks UNITS GIVEN [PART PARTS]    the same, across blocks of the vector code
 //   small_worlds counts LINES GIVEN [PART PARTS]    all numbers of fields on up to LINES lines
 // Those of up to GIVEN units or lines are also compared with header lines given. PART is 0 to
 // PARTS - 1. Prints how many were compared, or the first difference with its number; exits with 1
-// when there is one.
+// when there is one. UNIT_KERNEL may name a kernel of the vector code.
 #include <cstdlib>
 #include <iostream>
 #include <string>
@@ -21,6 +22,7 @@ struct Kind {
 };
 
 constexpr Kind kKinds[] = {{"texts", kSmallAlphabetSize, difference_in_small_text},
+                           {"blocks", kSmallAlphabetSize, difference_across_blocks},
                            {"counts", kSmallCounts, difference_in_small_counts}};
 
 const Kind* find_kind(const std::string& name) {
@@ -59,7 +61,7 @@ int main(int argc, char** argv) {
   for (int i = 2; i < argc; ++i) numbers.push_back(std::strtoull(argv[i], nullptr, 10));
   const Part part = argc == 6 ? Part{numbers[2], numbers[3]} : Part{};
   if (kind == nullptr || part.index >= part.count) {
-    std::cerr << "usage: small_worlds texts|counts LONGEST GIVEN [PART PARTS]\n";
+    std::cerr << "usage: small_worlds texts|blocks|counts LONGEST GIVEN [PART PARTS]\n";
     return 2;
   }
   return run(*kind, numbers[0], numbers[1], part);

@@ -45,6 +45,20 @@ TEST(SmallWorld, GivesEachTextOnce) {
   EXPECT_EQ(texts.size(), world.size());
 }
 
+// The blocks of the vector code have 64 units.
+TEST(TextsAcrossBlocks, HaveTheBorderBehindTheirSecondUnit) {
+  const Series comma_a_quote = {2, 0, 4};
+  const std::vector<std::u16string> texts = texts_across_blocks(comma_a_quote);
+  ASSERT_EQ(texts.size(), 2U);
+  for (const std::u16string& text : texts) {
+    EXPECT_EQ(text.substr(0, 62), std::u16string(61, u'b') + u'\n');
+    EXPECT_EQ(text.substr(62, 2), u",a");
+    EXPECT_EQ(text.substr(64, 1), u"\"");
+  }
+  EXPECT_EQ(texts[0].size(), 65U);
+  EXPECT_EQ(texts[1].substr(65), std::u16string(64, u'b'));
+}
+
 TEST(SmallWorld, FallsIntoPartsWithoutRemainder) {
   const SmallWorld world(kSmallCounts, 4);
   std::multiset<Series> seen;

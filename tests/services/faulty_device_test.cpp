@@ -210,6 +210,25 @@ TEST(DetectionWithoutAFile, NamesTheReason) {
   }
 }
 
+// Memory that runs out is no fault of the file.
+TEST(DetectionFromAFaultyDevice, ThatLacksMemoryThrowsBadAlloc) {
+  for (std::size_t place = 0; place <= kTable.size(); ++place) {
+    FaultyDevice device(kTable);
+    device.fail_reads_at(place, ENOMEM);
+    EXPECT_THROW(answer_from(device), std::bad_alloc) << place;
+    EXPECT_THROW(answer_from(device, in_utf8()), std::bad_alloc) << place;
+    EXPECT_EQ(device.open_streams(), 0U);
+  }
+  FaultyDevice device(kTable);
+  device.fail_seeks(2, ENOMEM);
+  EXPECT_THROW(answer_from(device), std::bad_alloc);
+  open_next = []() -> std::FILE* {
+    errno = ENOMEM;
+    return nullptr;
+  };
+  EXPECT_THROW(detect_layout("table.csv"), std::bad_alloc);
+}
+
 TEST(DetectionWithoutAFile, PassesOnWhatTheHostThrows) {
   open_next = []() -> std::FILE* { throw std::bad_alloc(); };
   EXPECT_THROW(detect_layout("table.csv"), std::bad_alloc);

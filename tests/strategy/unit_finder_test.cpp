@@ -19,18 +19,21 @@ using testing_support::ExactText;
 
 constexpr std::size_t kBlock = UnitFinder::kBlockUnits;
 
-// Searches by each kernel of this machine in turn, and goes back to the fastest.
+// Searches by each kernel of this machine in turn, and goes back to the one before.
 class ForEachKernel {
  public:
   template <typename Check>
-  explicit ForEachKernel(Check check) {
+  explicit ForEachKernel(Check check) : before_(use_unit_kernel(unit_kernels().front())) {
     for (const UnitKernel& kernel : unit_kernels()) {
       const testing::ScopedTrace trace(__FILE__, __LINE__, kernel.name);
       use_unit_kernel(kernel);
       check();
     }
   }
-  ~ForEachKernel() { use_unit_kernel(unit_kernels().front()); }
+  ~ForEachKernel() { use_unit_kernel(before_); }
+
+ private:
+  const UnitKernel& before_;
 };
 
 std::vector<std::size_t> all_places(const ExactText& text, std::u16string_view set) {
@@ -149,6 +152,12 @@ TEST(UnitFinder, GivesTheLengthAtAndBehindTheEnd) {
 TEST(UnitKernels, EndWithThePlainLoop) {
   ASSERT_FALSE(unit_kernels().empty());
   EXPECT_STREQ(unit_kernels().back().name, "plain");
+}
+
+TEST(UnitKernels, AreUsedUntilAnotherOneIs) {
+  const UnitKernel& before = use_unit_kernel(unit_kernels().back());
+  EXPECT_EQ(&use_unit_kernel(unit_kernels().front()), &unit_kernels().back());
+  EXPECT_EQ(&use_unit_kernel(before), &unit_kernels().front());
 }
 
 std::size_t plain_next(const std::u16string& text, std::u16string_view set, std::size_t i) {

@@ -1,5 +1,6 @@
 // Many files in several threads: what is printed is what one thread prints.
 #include <cstdlib>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -215,6 +216,72 @@ TEST(ToolManyFiles, EndAsOneJobDoesWhenNobodyReadsTheAnswer) {
   };
   EXPECT_NE(status("1"), 0);
   EXPECT_EQ(status("8"), status("1"));
+}
+
+// --- memory that is limited ----------------------------------------------------------------------
+
+// Files of one long line each, with which a detection takes many times the memory of the program.
+class LimitedMemory {
+ public:
+  LimitedMemory() {
+    std::string line;
+    for (std::size_t i = 0; i < 250'000; ++i) line += "1,";
+    for (std::size_t i = 0; i < 4; ++i) {
+      paths_.push_back(folder_.file(std::to_string(i), line + std::to_string(i) + "\n2,3\n"));
+    }
+  }
+
+  // With at most so many megabytes of addresses; nothing: with as many as there are.
+  CommandResult vltext_within(std::optional<std::size_t> megabytes, const std::string& jobs) const {
+    const std::string limit = megabytes ? std::to_string(*megabytes * 1024) : "unlimited";
+    const Words script = {"-c", "ulimit -v \"$0\" && exec \"$@\"", limit, VLTEXT_PROGRAM, "--jobs",
+                          jobs};
+    return run_command("/bin/sh", joined(script, paths_));
+  }
+
+  // The least limit with which one job reads all files. Nothing where a gigabyte does not do: under
+  // a sanitizer a program asks for more addresses than a machine has memory.
+  std::optional<std::size_t> least_for_one_job() const {
+    std::size_t too_little = 0;
+    std::size_t enough = 1024;
+    if (vltext_within(enough, "1").status != 0) return std::nullopt;
+    while (enough - too_little > 1) {
+      const std::size_t middle = (too_little + enough) / 2;
+      (vltext_within(middle, "1").status == 0 ? enough : too_little) = middle;
+    }
+    return enough;
+  }
+
+  void expect_the_same(std::optional<std::size_t> megabytes, const Words& jobs,
+                       const CommandResult& alone) const {
+    for (const std::string& count : jobs) {
+      const CommandResult crowded = vltext_within(megabytes, count);
+      EXPECT_EQ(crowded.status, alone.status) << count;
+      EXPECT_EQ(crowded.out, alone.out) << count;
+      EXPECT_EQ(crowded.err, alone.err) << count;
+    }
+  }
+
+ private:
+  TempFolder folder_;
+  Words paths_;
+};
+
+// One detection needs far more than the few megabytes that are added: memory that falls into pieces
+// in another way is not to decide. Where three quarters are there, the program starts, and no file
+// is read.
+TEST(ToolWithLimitedMemory, PrintsWithManyJobsWhatItPrintsWithOne) {
+  const LimitedMemory memory;
+  const std::optional<std::size_t> least = memory.least_for_one_job();
+  if (!least) return memory.expect_the_same(least, {"4"}, memory.vltext_within(least, "1"));
+
+  const CommandResult enough = memory.vltext_within(*least + 4, "1");
+  EXPECT_EQ(enough.status, 0);
+  memory.expect_the_same(*least + 4, {"2", "4", "256"}, enough);
+  const CommandResult too_little = memory.vltext_within(*least * 3 / 4, "1");
+  EXPECT_EQ(too_little.status, 2);
+  EXPECT_THAT(too_little.err, HasSubstr("': Cannot allocate memory\n"));
+  memory.expect_the_same(*least * 3 / 4, {"2", "4", "256"}, too_little);
 }
 
 // --- what may be typed -------------------------------------------------------------------------

@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <ostream>
 #include <stdexcept>
@@ -203,6 +204,137 @@ TEST(WorkInOrder, PassesTextAndProblemOn) {
                  do_nothing});
   EXPECT_EQ(problems, (std::vector<std::string>{"problem 0", "problem 1"}));
 }
+
+// --- memory that runs out --------------------------------------------------------------------------
+
+enum class Told { as_problem, as_exception };
+
+struct LackCase {
+  const char* rule;
+  Told told;
+};
+std::ostream& operator<<(std::ostream& out, const LackCase& row) { return out << row.rule; }
+
+const LackCase kLackCases[] = {
+    {"Problem", Told::as_problem},
+    {"Exception", Told::as_exception},
+};
+
+// Tasks of which some lack memory at their first tries. The first four meet, so that none of them is
+// alone.
+class WorkThatLacksMemory : public testing::TestWithParam<LackCase> {
+ protected:
+  // How often each task lacks memory, and how often it was worked on.
+  void lack_memory(const Numbers& times) { lacks_ = times; }
+  const Numbers& tries() const { return tries_; }
+
+  std::vector<std::string> answers_of(const WorkPlan& plan) {
+    tries_.assign(plan.num_tasks, 0);
+    lacks_.resize(plan.num_tasks);
+    answers_.clear();
+    finished_.clear();
+    work_in_order(plan, {[&](std::size_t task) { return work(task, plan.num_threads); },
+                         [&](const Answer& answer) {
+                           answers_.push_back(answer.problem.value_or(answer.text));
+                         },
+                         [&](std::size_t count) { finished_.push_back(count); }});
+    EXPECT_TRUE(std::is_sorted(finished_.begin(), finished_.end()));
+    EXPECT_EQ(finished_.back(), plan.num_tasks);
+    return answers_;
+  }
+
+  const std::vector<std::string>& answers() const { return answers_; }
+
+ private:
+  Answer work(std::size_t task, std::size_t num_threads) {
+    if (num_threads == 4 && task < 4 && tries_[task] == 0) {
+      if (++here_ == 4) all_here_.open();
+      all_here_.wait();
+    }
+    const bool is_caller = std::this_thread::get_id() == caller_;
+    EXPECT_TRUE(is_caller || tries_[task] == 0);
+    if (++tries_[task] > lacks_[task]) return {std::to_string(task), std::nullopt};
+    if (GetParam().told == Told::as_exception) throw std::bad_alloc();
+    return {"", "no memory for " + std::to_string(task), true};
+  }
+
+  const std::thread::id caller_ = std::this_thread::get_id();
+  Gate all_here_;
+  std::atomic<int> here_ = 0;
+  Numbers lacks_;
+  Numbers tries_;
+  std::vector<std::string> answers_;
+  Numbers finished_;
+};
+
+TEST_P(WorkThatLacksMemory, IsDoneAgainAlone) {
+  lack_memory({1, 0, 1, 1, 0, 0, 0, 0, 0, 0, 0, 1});
+  EXPECT_EQ(answers_of({12, 4, {}}), texts_up_to(12));
+  EXPECT_EQ(tries(), (Numbers{2, 1, 2, 2, 1, 1, 1, 1, 1, 1, 1, 2}));
+}
+
+// What was finished before its time is held by nobody at the third try.
+TEST_P(WorkThatLacksMemory, IsDoneAThirdTimeWithoutTheAnswersBehind) {
+  lack_memory({0, 2, 0, 0, 0});
+  EXPECT_EQ(answers_of({5, 4, {}}), texts_up_to(5));
+  EXPECT_EQ(tries(), (Numbers{1, 3, 2, 2, 2}));
+}
+
+// Neither is there an answer behind the last task, nor are there any once they are forgotten.
+TEST_P(WorkThatLacksMemory, IsNotDoneAgainWhereNothingElseIsHeld) {
+  if (GetParam().told == Told::as_exception) {
+    lack_memory({0, 0, 0, 2});
+    EXPECT_THROW(answers_of({4, 4, {}}), std::bad_alloc);
+    EXPECT_EQ(answers(), texts_up_to(3));
+    return;
+  }
+  lack_memory({3, 0, 2, 2});
+  EXPECT_EQ(
+      answers_of({4, 4, {}}),
+      (std::vector<std::string>{"no memory for 0", "1", "no memory for 2", "no memory for 3"}));
+  EXPECT_EQ(tries(), (Numbers{3, 2, 2, 2}));
+}
+
+TEST_P(WorkThatLacksMemory, IsDoneOnceByOneThread) {
+  lack_memory({0, 0, 1});
+  if (GetParam().told == Told::as_exception) {
+    EXPECT_THROW(answers_of({5, 1, {}}), std::bad_alloc);
+    EXPECT_EQ(answers(), texts_up_to(2));
+  } else {
+    EXPECT_EQ(answers_of({5, 1, {}}),
+              (std::vector<std::string>{"0", "1", "no memory for 2", "3", "4"}));
+  }
+  EXPECT_EQ(tries()[2], 1U);
+}
+INSTANTIATE_TEST_SUITE_P(Table, WorkThatLacksMemory, testing::ValuesIn(kLackCases),
+                         testing_support::ByRule());
+
+// A pipe cannot be read a second time, so it is read when it has all the memory.
+TEST(WorkInOrder, WorksOnceAndAloneOnTasksThatShare) {
+  std::atomic<int> under_way = 0;
+  std::atomic<int> tries = 0;
+  std::vector<std::string> problems;
+  const auto work = [&](std::size_t task) {
+    const bool is_shared = task == 1 || task == 2;
+    const bool is_alone = ++under_way == 1;
+    if (is_shared) {
+      ++tries;
+      EXPECT_TRUE(is_alone);
+    }
+    std::this_thread::yield();
+    --under_way;
+    return Answer{"", is_shared ? "no memory" : "none", is_shared};
+  };
+  work_in_order(
+      {40, 4, {1, 2}},
+      {work, [&](const Answer& answer) { problems.push_back(*answer.problem); }, do_nothing});
+  EXPECT_EQ(tries, 2);
+  std::vector<std::string> expected(40, "none");
+  expected[1] = expected[2] = "no memory";
+  EXPECT_EQ(problems, expected);
+}
+
+// --- threads ---------------------------------------------------------------------------------------
 
 struct ThreadCase {
   const char* rule;
