@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <vltextstream/host/export.hpp>
@@ -61,6 +62,14 @@ struct VLTEXTSTREAM_EXPORT SelectionTrace {
   std::vector<FilterTrace> filters;
 
   SelectionEnd end = SelectionEnd::no_candidate;
+};
+
+// How a selection ended, and nothing of how it came there.
+struct VLTEXTSTREAM_EXPORT SelectionOutcome {
+  SelectionEnd end = SelectionEnd::no_candidate;
+
+  // The name of the filter that left a single candidate, a constant text; empty if none did.
+  std::string_view decided_by;
 };
 
 }  // namespace textio::detection

@@ -83,21 +83,31 @@ StrategySelector& StrategySelector::operator=(const StrategySelector& other) {
 
 std::shared_ptr<Strategy> StrategySelector::pick_strategy(const Field& text,
                                                           unsigned long num_lines) const {
-  return pick(text, num_lines, nullptr);
+  SelectionOutcome outcome;
+  return pick(text, num_lines, outcome, nullptr);
 }
 
 std::shared_ptr<Strategy> StrategySelector::pick_strategy(const Field& text,
                                                           unsigned long num_lines,
                                                           SelectionTrace& trace) const {
   trace = SelectionTrace();
-  return pick(text, num_lines, &trace);
+  SelectionOutcome outcome;
+  auto winner = pick(text, num_lines, outcome, &trace);
+  trace.end = outcome.end;
+  return winner;
+}
+
+std::shared_ptr<Strategy> StrategySelector::pick_strategy(const Field& text,
+                                                          unsigned long num_lines,
+                                                          SelectionOutcome& outcome) const {
+  outcome = SelectionOutcome();
+  return pick(text, num_lines, outcome, nullptr);
 }
 
 std::shared_ptr<Strategy> StrategySelector::pick(const Field& text, unsigned long num_lines,
+                                                 SelectionOutcome& outcome,
                                                  SelectionTrace* trace) const {
-  const auto ended = [trace](SelectionEnd end) {
-    if (trace) trace->end = end;
-  };
+  const auto ended = [&outcome](SelectionEnd end) { outcome.end = end; };
 
   auto reader = std::make_shared<LineReaderStrategy>(*options_);
   reader->header_lines(0);
@@ -105,7 +115,7 @@ std::shared_ptr<Strategy> StrategySelector::pick(const Field& text, unsigned lon
   samples.draw(*reader);
   if (reads_as_dates(reader->valuation())) {
     ended(SelectionEnd::whole_line_dates);
-    return single_column(text, num_lines);
+    return single_column(samples);
   }
   if (reader->lines().empty()) {
     ended(SelectionEnd::empty_sample);
@@ -129,17 +139,18 @@ std::shared_ptr<Strategy> StrategySelector::pick(const Field& text, unsigned lon
     return won_by(candidates.front());
   }
 
-  const Survivors survivors = reduce(candidates, trace);
+  const Survivors survivors = reduce(candidates, outcome, trace);
   if (survivors.size() == 1) {
     ended(SelectionEnd::single_survivor);
     return won_by(candidates[survivors.front()]);
   }
   ended(SelectionEnd::unresolved_tie);
-  return single_column(text, num_lines);
+  return single_column(samples);
 }
 
 // Runs the filters in their order until one candidate is left.
 StrategySelector::Survivors StrategySelector::reduce(const Candidates& candidates,
+                                                     SelectionOutcome& outcome,
                                                      SelectionTrace* trace) const {
   Valuations valuations;
   valuations.reserve(candidates.size());
@@ -153,15 +164,17 @@ StrategySelector::Survivors StrategySelector::reduce(const Candidates& candidate
     survivors = step.by_candidates ? (this->*step.by_candidates)(survivors, valuations, candidates)
                                    : (this->*step.by_valuations)(survivors, valuations);
     if (trace) trace->filters.push_back({step.name, {survivors.begin(), survivors.end()}});
-    if (survivors.size() == 1) break;
+    if (survivors.size() == 1) {
+      outcome.decided_by = step.name;
+      break;
+    }
   }
   return survivors;
 }
 
-std::shared_ptr<Strategy> StrategySelector::single_column(const Field& text,
-                                                          unsigned long num_lines) const {
+std::shared_ptr<Strategy> StrategySelector::single_column(SampleKeeper& samples) const {
   const auto holder = std::make_shared<SingleColumn>(*options_);
-  holder->strategy.populate_fields(text, num_lines);
+  samples.draw(holder->strategy);
   return {holder, &holder->strategy};
 }
 

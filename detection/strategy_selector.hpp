@@ -29,6 +29,8 @@
 
 namespace textio::detection {
 
+class SampleKeeper;
+
 class VLTEXTSTREAM_EXPORT StrategySelector {
  public:
   // Indexes of candidates, ascending.
@@ -49,6 +51,11 @@ class VLTEXTSTREAM_EXPORT StrategySelector {
   // The same, and tells how the answer was found; what `trace` held before is lost.
   std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines,
                                           SelectionTrace& trace) const;
+
+  // The same, and tells how the selection ended. This is cheaper: candidates that are refused are
+  // not looked at as closely as a trace asks for.
+  std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines,
+                                          SelectionOutcome& outcome) const;
 
   // What the options held when the selector was made; a detection does not change it.
   const std::vector<std::u16string>& delimiters() const { return delimiters_; }
@@ -82,11 +89,11 @@ class VLTEXTSTREAM_EXPORT StrategySelector {
 
  private:
   VLTEXTSTREAM_LOCAL std::shared_ptr<Strategy> pick(const Field& text, unsigned long num_lines,
+                                                    SelectionOutcome& outcome,
                                                     SelectionTrace* trace) const;
   VLTEXTSTREAM_LOCAL Survivors reduce(const std::vector<std::shared_ptr<Strategy>>& candidates,
-                                      SelectionTrace* trace) const;
-  VLTEXTSTREAM_LOCAL std::shared_ptr<Strategy> single_column(const Field& text,
-                                                             unsigned long num_lines) const;
+                                      SelectionOutcome& outcome, SelectionTrace* trace) const;
+  VLTEXTSTREAM_LOCAL std::shared_ptr<Strategy> single_column(SampleKeeper& samples) const;
 
   const parser::options* options_;
   std::vector<std::u16string> delimiters_;

@@ -14,12 +14,13 @@
 namespace textio {
 namespace {
 
-std::vector<std::size_t> indexes_of_zeros(const std::vector<std::size_t>& counts) {
-  std::vector<std::size_t> indexes;
-  for (std::size_t i = 0; i < counts.size(); ++i) {
-    if (counts[i] == 0) indexes.push_back(i);
+// Moves `h` on by one for each empty line up to it, those that come so included: skip_to_data
+// without a list of the empty lines, of which there may be millions.
+std::size_t skip_empty_lines(std::size_t h, const std::vector<std::size_t>& line_counts) {
+  for (std::size_t i = 0; i < line_counts.size() && i <= h; ++i) {
+    if (line_counts[i] == 0 && h != std::numeric_limits<std::size_t>::max()) ++h;
   }
-  return indexes;
+  return h;
 }
 
 }  // namespace
@@ -78,10 +79,12 @@ bool Strategy::measure(const std::vector<std::size_t>& line_counts) {
 
 void Strategy::settle_header_lines(const std::vector<std::size_t>& line_counts,
                                    const std::vector<std::size_t>& diffs, std::size_t first) {
-  const std::vector<std::size_t> empty_lines = indexes_of_zeros(line_counts);
+  const auto data_from = [&line_counts](std::size_t h) {
+    return skip_to_data(skip_empty_lines(h, line_counts), {}, line_counts);
+  };
   if (diffs.size() < 2) {
     // Too little to judge by: given header lines are overridden as well.
-    header_lines_ = std::max(skip_to_data(0, empty_lines, line_counts), first);
+    header_lines_ = std::max(data_from(0), first);
     return;
   }
   valuation_.total_variation = get_total_variation(diffs);
@@ -92,7 +95,7 @@ void Strategy::settle_header_lines(const std::vector<std::size_t>& line_counts,
       header_lines_ = first;
       valuation_.data_variation = get_data_variation(diffs);
     }
-    header_lines_ = skip_to_data(header_lines_, empty_lines, line_counts);
+    header_lines_ = data_from(header_lines_);
   }
   valuation_.num_variables = get_number_of_variables(line_counts);
 }

@@ -50,11 +50,11 @@ void describe_names(const SampledTable& table, const VariableNames& names, Layou
   layout.names_reason = names.reason;
   if (names.names_line) {
     layout.names_line = table.line_number(*names.names_line);
-    layout.names = table.texts(*names.names_line);
+    layout.names = table.texts(table.fields(*names.names_line));
   }
   if (names.units_line) {
     layout.units_line = table.line_number(*names.units_line);
-    layout.units = table.texts(*names.units_line);
+    layout.units = table.texts(table.fields(*names.units_line));
   }
 }
 
@@ -72,23 +72,35 @@ std::shared_ptr<Strategy> given_strategy(const parser::options& options) {
   return nullptr;
 }
 
+// The strategy, and in `layout` how it was found.
 std::shared_ptr<Strategy> find_strategy(const Field& sample, const DetectSettings& settings,
-                                        detection::SelectionTrace& trace) {
+                                        Layout& layout) {
+  detection::SelectionTrace* const trace = settings.trace ? &layout.trace.emplace() : nullptr;
   if (auto strategy = given_strategy(settings.options)) {
     strategy->populate_fields(sample, settings.num_lines);
     strategy->valuation();
-    trace.end = SelectionEnd::given;
+    layout.end = SelectionEnd::given;
+    if (trace) trace->end = SelectionEnd::given;
     return strategy;
   }
-  return detection::StrategySelector(settings.options)
-      .pick_strategy(sample, settings.num_lines, trace);
+  const detection::StrategySelector selector(settings.options);
+  if (trace) {
+    auto strategy = selector.pick_strategy(sample, settings.num_lines, *trace);
+    layout.end = trace->end;
+    if (trace->end == SelectionEnd::single_survivor) layout.decided_by = trace->filters.back().name;
+    return strategy;
+  }
+  detection::SelectionOutcome outcome;
+  auto strategy = selector.pick_strategy(sample, settings.num_lines, outcome);
+  layout.end = outcome.end;
+  layout.decided_by = outcome.decided_by;
+  return strategy;
 }
 
 Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
   const datetime::DateLocaleScope date_locale(settings.options.date_locale);
-  detection::SelectionTrace trace;
-  const auto strategy = find_strategy(sample, settings, trace);
   Layout layout;
+  const auto strategy = find_strategy(sample, settings, layout);
   layout.mode = static_cast<LayoutMode>(strategy->mode());
   layout.header_lines = strategy->header_lines();
   describe_separators(*strategy, layout);
@@ -101,9 +113,6 @@ Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
   layout.line_ending = first_line_ending(sample, settings.options);
   layout.lines_sampled = strategy->lines().size();
   layout.characters_sampled = sample.length;
-  layout.end = trace.end;
-  if (trace.end == SelectionEnd::single_survivor) layout.decided_by = trace.filters.back().name;
-  if (settings.trace) layout.trace = std::move(trace);
   return layout;
 }
 

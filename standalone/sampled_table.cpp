@@ -1,15 +1,19 @@
-// The lines are found again the way they were sampled: the strategy tells where each line ends, and
-// what it kept tells a line from a comment. A second walk, over line endings whatever stands around
-// them, counts the lines of the text: a record with line endings inside quotes takes several.
+// The lines are found again where they were sampled. A walk over line endings, whatever stands
+// around them, counts the lines of the text, and most lines of a table are lines of the text: where
+// one of those ends as the next line that was kept does, that is it. The strategy is asked for the
+// others: records with line endings inside quotes, which take several lines, comments and lines of
+// blanks. What it kept tells a line from a comment.
 #include "standalone/sampled_table.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <string_view>
 
-#include "scoring/datatype_inspection.hpp"
 #include "scoring/datatype_recognizers.hpp"
 #include "strategy/fixed_width_strategy.hpp"
 #include "strategy/line_reader_strategy.hpp"
+#include "strategy/line_walk.hpp"
 
 namespace textio::standalone {
 namespace {
@@ -25,31 +29,87 @@ bool is_blank(const Field& line, const std::u16string& whitespace) {
          std::u16string_view::npos;
 }
 
-// Counts the lines of a text up to places that are asked for in ascending order.
-class LineNumbers {
+// The lines of a text that are asked for in ascending order, and their numbers.
+class TextLines {
  public:
-  LineNumbers(const Field& text, const parser::options& options)
-      : text_(text),
-        reader_(options),
-        stable_(reader_, text),
-        next_(reader_.get_line_extent(text, 0).next) {}
+  TextLines(const Field& text, const parser::options& options)
+      : text_(text), reader_(options), walk_(reader_, text), line_(walk_.line_at(0)) {}
 
-  // The number of the line that holds unit `pos`. Every line has a unit or a line ending, so the
-  // walk moves on.
-  std::size_t at(std::size_t pos) {
-    while (pos >= next_ && !ends_at(text_, next_)) {
-      next_ = reader_.get_line_extent(text_, next_).next;
+  // Goes on to the line that holds unit `pos`. Every line has a unit or a line ending, so the walk
+  // moves on. It does not pass a U+FFFF.
+  void go_to(std::size_t pos) {
+    while (pos >= line_.next && !ends_at(text_, line_.next)) {
+      line_ = walk_.line_at(line_.next);
       ++number_;
     }
-    return number_;
+  }
+
+  std::size_t number() const { return number_; }
+
+  // Where the line ends, and where the next starts.
+  std::size_t end() const { return static_cast<std::size_t>(end_of(line_.field) - text_.data); }
+  std::size_t next() const { return line_.next; }
+
+  // Whether `field`, of this text or an empty one, ends where the line does.
+  bool ends_with(const Field& field) const { return end_of(field) == end_of(line_.field); }
+
+ private:
+  static const char16_t* end_of(const Field& field) { return field.data + field.length; }
+
+  const Field& text_;
+  LineReaderStrategy reader_;
+  LineWalk walk_;
+  FieldExtent line_;
+  std::size_t number_ = 1;
+};
+
+// The lines of a strategy.
+//
+// A line of a strategy ends at a line ending or with the text, and no line ending stands in front
+// of the one that closes a line of the text. So of the lines that a strategy kept, only the one
+// that it found at `pos` can end where the text's line around `pos` does.
+class SampleWalk {
+ public:
+  // A line that was kept as it is, one that is blank, or neither.
+  struct Line {
+    bool is_kept = false;
+    bool is_blank = false;
+    std::size_t first_line = 0;
+    std::size_t last_line = 0;
+    std::size_t next = 0;
+  };
+
+  SampleWalk(const Strategy& strategy, const Field& sample, const parser::options& options)
+      : sample_(sample),
+        whitespace_(options.whitespace),
+        text_lines_(sample, options),
+        walk_(strategy, sample) {}
+
+  // The line at `pos`. `next_kept` is the first of those that were kept and not met yet.
+  Line line_at(std::size_t pos, const Field* next_kept) {
+    text_lines_.go_to(pos);
+    const std::size_t number = text_lines_.number();
+    const std::size_t end = text_lines_.end();
+    if (!ends_at(sample_, end)) {
+      const bool is_kept = next_kept && text_lines_.ends_with(*next_kept);
+      const bool is_empty = pos == end && !may_open_line(sample_.data[pos]);
+      if (is_kept || is_empty) return {is_kept, is_empty, number, number, text_lines_.next()};
+    }
+    const FieldExtent line = walk_.line_at(pos);
+    const bool is_kept = next_kept && next_kept->data == line.field.data;
+    text_lines_.go_to(line.next - 1);
+    return {is_kept, is_blank(line.field, whitespace_), number, text_lines_.number(), line.next};
   }
 
  private:
-  const Field& text_;
-  LineReaderStrategy reader_;
-  Strategy::StableText stable_;
-  std::size_t next_;
-  std::size_t number_ = 1;
+  // A line ending may begin with a unit that opens a quoted field, or that is a blank in front of
+  // aligned ones.
+  static bool may_open_line(char16_t unit) { return unit == u'"' || unit == u' ' || unit == u'\t'; }
+
+  const Field& sample_;
+  const std::u16string& whitespace_;
+  TextLines text_lines_;
+  LineWalk walk_;
 };
 
 // How many lines that are neither empty nor comments a sampling asks for at most.
@@ -75,47 +135,65 @@ SampledTable::SampledTable(Strategy& strategy, const Field& sample, const Detect
 void SampledTable::find_lines(const Field& sample, unsigned long num_lines) {
   const std::vector<Field>& kept = strategy_.lines();
   const std::size_t budget = line_budget(options_, num_lines);
-  LineNumbers numbers(sample, options_);
-  lines_.reserve(kept.size());
-  line_numbers_.reserve(kept.size());
-  const Strategy::StableText stable(strategy_, sample);
+  SampleWalk walk(strategy_, sample, options_);
+  std::size_t index = 0;
   std::size_t texts = 0;
   std::size_t pos = 0;
-  while (!ends_at(sample, pos) && (line_numbers_.size() < kept.size() || texts < budget)) {
-    const FieldExtent extent = strategy_.get_line_extent(sample, pos);
-    const std::size_t index = line_numbers_.size();
-    const bool is_text = index < kept.size() && kept[index].data == extent.field.data;
-    const bool is_left_out =
-        !is_text && (index == kept.size() || !is_blank(extent.field, options_.whitespace));
-    const Kind kind = is_text ? Kind::text : is_left_out ? Kind::comment : Kind::blank;
-    lines_.push_back({kind, numbers.at(pos), numbers.at(extent.next - 1)});
-    if (is_text) ++texts;
-    if (!is_left_out) line_numbers_.push_back(lines_.back().first_line);
-    pos = extent.next;
+  while (!ends_at(sample, pos) && (index < kept.size() || texts < budget)) {
+    const Field* const next_kept = index < kept.size() ? &kept[index] : nullptr;
+    const SampleWalk::Line line = walk.line_at(pos, next_kept);
+    const bool is_left_out = !line.is_kept && (!next_kept || !line.is_blank);
+    const Kind kind = line.is_kept ? Kind::text : is_left_out ? Kind::comment : Kind::blank;
+    add_line({kind, line.first_line, line.last_line, index, 1});
+    if (line.is_kept) ++texts;
+    if (!is_left_out) ++index;
+    pos = line.next;
   }
+}
+
+void SampledTable::add_line(const Run& line) {
+  if (!runs_.empty()) {
+    Run& run = runs_.back();
+    const bool is_one_each = run.last_line - run.first_line + 1 == run.count;
+    const bool is_next_line =
+        line.first_line == run.last_line + 1 && line.last_line == line.first_line;
+    if (run.kind == line.kind && is_one_each && is_next_line) {
+      run.last_line = line.last_line;
+      ++run.count;
+      return;
+    }
+  }
+  runs_.push_back(line);
+}
+
+// Of the runs that begin at this index or before, the last one holds it: comments in front of the
+// line begin there as well.
+std::size_t SampledTable::line_number(std::size_t index) const {
+  const auto behind =
+      std::upper_bound(runs_.begin(), runs_.end(), index,
+                       [](std::size_t i, const Run& run) { return i < run.first_index; });
+  const Run& run = *std::prev(behind);
+  return run.first_line + (index - run.first_index);
 }
 
 // A strategy may come without classes: the one for a single column is not valued, and a sample with
 // one field on each line is not inspected.
 std::vector<DatatypeCode> SampledTable::column_classes() const {
-  if (is_single_column()) {
-    FieldArray lines;
-    for (const Field& line : strategy_.lines()) {
-      if (line.length > 0) lines.fields.push_back(line);
-      lines.counts.push_back(lines.fields.size());
-    }
-    return classify_columns(lines, {0, 1, 1, options_.whitespace, {}});
-  }
+  if (is_single_column()) return {class_of_lines()};
   std::vector<DatatypeCode> classes = strategy_.column_classes();
   if (classes.empty()) classes = strategy_.classify_columns(strategy_.get_fields_from_lines());
   classes.resize(static_cast<std::size_t>(strategy_.num_variables()), DatatypeCode::empty);
   return classes;
 }
 
-std::size_t SampledTable::field_count(std::size_t index) const {
-  const std::vector<std::size_t>& counts = strategy_.field_counts();
-  if (index < counts.size()) return counts[index];
-  return strategy_.lines()[index].length > 0 ? 1 : 0;
+// The class of the lowest line that has one. The first may hold the name and is not asked.
+DatatypeCode SampledTable::class_of_lines() const {
+  const std::vector<Field>& lines = strategy_.lines();
+  DatatypeCode code = DatatypeCode::empty;
+  for (std::size_t i = lines.size(); i > 1 && code == DatatypeCode::empty; --i) {
+    code = class_of(lines[i - 1]);
+  }
+  return code;
 }
 
 // A fixed-width strategy remembers the column that it stopped at, so the line is cut by a new one.
@@ -138,23 +216,15 @@ std::vector<Field> SampledTable::fields(std::size_t index) const {
   return fields;
 }
 
-std::vector<std::u16string> SampledTable::texts(std::size_t index) const {
-  const std::vector<Field> found = fields(index);
+std::vector<std::u16string> SampledTable::texts(const std::vector<Field>& fields) const {
   std::vector<std::u16string> texts;
-  texts.reserve(found.size());
-  for (const Field& field : found) {
-    texts.push_back(value_text(field, options_.whitespace));
-  }
+  texts.reserve(fields.size());
+  for (const Field& field : fields) texts.push_back(value_text(field, options_.whitespace));
   return texts;
 }
 
-std::vector<DatatypeCode> SampledTable::classes_of_line(std::size_t index) const {
-  std::vector<DatatypeCode> classes;
-  classes.reserve(field_count(index));
-  for (const Field& field : fields(index)) {
-    classes.push_back(classify_field(field, options_.whitespace));
-  }
-  return classes;
+DatatypeCode SampledTable::class_of(const Field& field) const {
+  return classify_field(field, options_.whitespace);
 }
 
 }  // namespace textio::standalone

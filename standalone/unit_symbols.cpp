@@ -279,9 +279,10 @@ bool is_unit(View text) {
 }
 
 bool is_time_pattern(View text) {
-  const std::u16string pattern = lower_case(without_brackets(text));
-  if (is_one_of(kTimePatterns, pattern)) return true;
-  return pattern.size() <= kLongestUnit && is_pattern_of_runs(pattern);
+  const View inside = without_brackets(text);
+  if (inside.size() > kLongestUnit) return false;
+  const std::u16string pattern = lower_case(inside);
+  return is_one_of(kTimePatterns, pattern) || is_pattern_of_runs(pattern);
 }
 
 bool is_no_unit(View text) {

@@ -4,6 +4,8 @@
 #include "standalone/variable_names.hpp"
 
 #include <algorithm>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -21,44 +23,50 @@ bool is_typed(DatatypeCode code) {
   return code != DatatypeCode::text && code != DatatypeCode::empty;
 }
 
-// What one sampled line looks like above the columns of its table.
+bool has_typed_column(const std::vector<DatatypeCode>& columns) {
+  return std::any_of(columns.begin(), columns.end(), is_typed);
+}
+
+// What one sampled line looks like above the columns of its table. Most lines are told by a few of
+// these questions: the fields are cut, and their texts made, when one of them asks for it first.
 class NamesCandidate {
  public:
   // `index` may lie outside the sampled lines; such a line is not there.
   NamesCandidate(const SampledTable& table, std::size_t index)
-      : columns_(table.classes()), is_there_(index < table.size()) {
-    if (!is_there_) return;
-    // Each cuts the line; the texts take the most memory, so they come when nothing else is needed.
-    classes_ = table.classes_of_line(index);
-    texts_ = table.texts(index);
-  }
+      : table_(table), columns_(table.classes()), index_(index) {}
 
-  bool is_there() const { return is_there_ && !texts_.empty(); }
-  std::size_t num_fields() const { return texts_.size(); }
-  bool fits() const { return is_there() && texts_.size() == columns_.size(); }
+  bool is_there() const { return index_ < table_.size() && num_fields() > 0; }
+  std::size_t num_fields() const { return fields().size(); }
+  bool fits() const { return is_there() && num_fields() == columns_.size(); }
 
   bool has_empty_field() const {
-    return std::any_of(texts_.begin(), texts_.end(), [](const auto& text) { return text.empty(); });
+    return std::any_of(texts().begin(), texts().end(),
+                       [](const auto& text) { return text.empty(); });
   }
   bool repeats_a_field() const {
-    std::vector<std::u16string_view> sorted(texts_.begin(), texts_.end());
+    std::vector<std::u16string_view> sorted(texts().begin(), texts().end());
     std::sort(sorted.begin(), sorted.end());
     return std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end();
   }
-  bool has_values() const { return std::any_of(classes_.begin(), classes_.end(), is_typed); }
+  bool has_values() const {
+    return std::any_of(fields().begin(), fields().end(),
+                       [this](const Field& field) { return is_typed(table_.class_of(field)); });
+  }
 
   bool names_every_variable() const { return fits() && !has_empty_field(); }
 
   // Whether some text stands above a column of another class.
   bool differs_somewhere() const {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-      if (is_typed(columns_[i]) && classes_[i] == DatatypeCode::text) return true;
+      if (is_typed(columns_[i]) && class_of(i) == DatatypeCode::text) return true;
     }
     return false;
   }
 
+  // Cheap questions first.
   bool reads_as_names() const {
-    return names_every_variable() && !repeats_a_field() && !has_values() && differs_somewhere();
+    return fits() && has_typed_column(columns_) && !has_values() && differs_somewhere() &&
+           !has_empty_field() && !repeats_a_field();
   }
 
   // Over numbers, dates and durations units, or signs that there are none; over texts any short
@@ -67,11 +75,11 @@ class NamesCandidate {
     if (!fits()) return false;
     bool has_unit = false;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-      const std::u16string& text = texts_[i];
+      const std::u16string& text = texts()[i];
       const bool is_unit_here = is_unit(text) || is_time_pattern(text);
       const bool may_stand_here = is_typed(columns_[i])
                                       ? is_unit_here || is_no_unit(text)
-                                      : !is_typed(classes_[i]) && text.size() <= kLongestRemark;
+                                      : text.size() <= kLongestRemark && !is_typed(class_of(i));
       if (!may_stand_here) return false;
       has_unit = has_unit || (is_typed(columns_[i]) && is_unit_here);
     }
@@ -79,10 +87,23 @@ class NamesCandidate {
   }
 
  private:
+  DatatypeCode class_of(std::size_t column) const { return table_.class_of(fields()[column]); }
+
+  const std::vector<Field>& fields() const {
+    if (!fields_) fields_ = table_.fields(index_);
+    return *fields_;
+  }
+
+  const std::vector<std::u16string>& texts() const {
+    if (!texts_) texts_ = table_.texts(fields());
+    return *texts_;
+  }
+
+  const SampledTable& table_;
   const std::vector<DatatypeCode>& columns_;
-  bool is_there_;
-  std::vector<std::u16string> texts_;
-  std::vector<DatatypeCode> classes_;
+  std::size_t index_;
+  mutable std::optional<std::vector<Field>> fields_;
+  mutable std::optional<std::vector<std::u16string>> texts_;
 };
 
 struct Verdict {
@@ -97,7 +118,7 @@ std::string counted(std::size_t count, const char* thing) {
 // Why line `number` of the text, the first after the header, is no line of names.
 Verdict why_not(const NamesCandidate& line, const std::vector<DatatypeCode>& columns,
                 std::size_t number, bool is_last) {
-  const bool has_typed_column = std::any_of(columns.begin(), columns.end(), is_typed);
+  const bool has_type = has_typed_column(columns);
   if (!line.fits()) {
     return {NamesFound::none,
             fmt::format("line {} has {} for {}", number, counted(line.num_fields(), "field"),
@@ -109,14 +130,14 @@ Verdict why_not(const NamesCandidate& line, const std::vector<DatatypeCode>& col
   if (line.repeats_a_field()) {
     return {NamesFound::none, fmt::format("line {} holds a text twice", number)};
   }
-  if (!has_typed_column && line.has_values()) {
+  if (!has_type && line.has_values()) {
     return {NamesFound::none, fmt::format("line {} holds values", number)};
   }
   if (is_last) {
     return {NamesFound::undecided,
             fmt::format("there is no line below line {} to compare it with", number)};
   }
-  if (!has_typed_column) {
+  if (!has_type) {
     return {NamesFound::undecided,
             fmt::format("every column is text, so line {} may hold names or values", number)};
   }

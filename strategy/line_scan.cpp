@@ -8,12 +8,23 @@
 #include "strategy/unit_finder.hpp"
 
 namespace textio {
+namespace {
+
+// A quote at the start of a line opens a field that may hold line endings.
+constexpr std::u16string_view kQuote = u"\"";
+constexpr std::u16string_view kQuoteOrBlank = u"\" \t";
+
+}  // namespace
+
 // Field by field.
 template <typename Own>
 class LineScan::Fieldwise final : public LineScan {
  public:
-  Fieldwise(const Own& strategy, const FieldTokenizer& tokenizer, const Field& text)
-      : strategy_(strategy), fields_(tokenizer, text) {}
+  Fieldwise(const Own& strategy, const FieldTokenizer& tokenizer, const Field& text,
+            std::u16string_view openers)
+      : LineScan(text, &strategy.ending_matcher_, openers),
+        strategy_(strategy),
+        fields_(tokenizer, text) {}
 
   bool counts_fields() const override { return true; }
   ScannedLine line_at(std::size_t start) override { return strategy_.scan_line(fields_, start); }
@@ -28,7 +39,7 @@ template <typename Own>
 class LineScan::Unitwise final : public LineScan {
  public:
   Unitwise(const Own& strategy, const Field& text, std::u16string_view units)
-      : strategy_(strategy), text_(text), units_(text, units) {}
+      : LineScan(text, &strategy.ending_matcher_, {}), strategy_(strategy), units_(text, units) {}
 
   bool counts_fields() const override { return as_own<LineReaderStrategy>(strategy_) != nullptr; }
   ScannedLine line_at(std::size_t start) override {
@@ -37,13 +48,13 @@ class LineScan::Unitwise final : public LineScan {
 
  private:
   const Own& strategy_;
-  const Field text_;
   UnitFinder units_;
 };
 
 class LineScan::Virtual final : public LineScan {
  public:
-  Virtual(const Strategy& strategy, const Field& text) : strategy_(strategy), text_(text) {}
+  Virtual(const Strategy& strategy, const Field& text)
+      : LineScan(text, nullptr, {}), strategy_(strategy) {}
 
   bool counts_fields() const override { return false; }
   ScannedLine line_at(std::size_t start) override {
@@ -52,15 +63,15 @@ class LineScan::Virtual final : public LineScan {
 
  private:
   const Strategy& strategy_;
-  const Field text_;
 };
 
 std::unique_ptr<LineScan> LineScan::of(const Strategy& strategy, const Field& text) {
   if (const auto* own = as_own<DelimitedStrategy>(strategy)) {
-    return std::make_unique<Fieldwise<DelimitedStrategy>>(*own, own->tokenizer_, text);
+    return std::make_unique<Fieldwise<DelimitedStrategy>>(*own, own->tokenizer_, text, kQuote);
   }
   if (const auto* own = as_own<SpaceAlignedStrategy>(strategy)) {
-    return std::make_unique<Fieldwise<SpaceAlignedStrategy>>(*own, own->tokenizer_, text);
+    return std::make_unique<Fieldwise<SpaceAlignedStrategy>>(*own, own->tokenizer_, text,
+                                                             kQuoteOrBlank);
   }
   if (const auto* own = as_own<FixedWidthStrategy>(strategy)) {
     return std::make_unique<Unitwise<FixedWidthStrategy>>(*own, text, own->stop_chars());
@@ -69,6 +80,18 @@ std::unique_ptr<LineScan> LineScan::of(const Strategy& strategy, const Field& te
     return std::make_unique<Unitwise<LineReaderStrategy>>(*own, text, own->stop_chars_);
   }
   return std::make_unique<Virtual>(strategy, text);
+}
+
+EmptyLines LineScan::empty_lines_at(std::size_t start, std::size_t most) const {
+  EmptyLines lines{0, start};
+  while (endings_ && lines.count < most && !ends_at(text_, lines.next)) {
+    if (contains(openers_, text_.data[lines.next])) break;
+    const std::size_t ending = endings_->length_at(text_, lines.next);
+    if (ending == 0) break;
+    lines.next += ending;
+    ++lines.count;
+  }
+  return lines;
 }
 
 bool is_of_the_library(const Strategy& strategy) {

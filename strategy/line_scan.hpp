@@ -6,15 +6,19 @@
 // Gives what get_line_extent gives, and on the way counts the fields that the strategy would cut
 // the line into, where this costs nothing: a delimited line is found field by field.
 //
+// Lines with nothing on them may come by the million: those behind one another are told at once.
+//
 // Ownership  refers to the strategy and the text, which must not change while the scan lives.
 // Cost       a strategy from outside the library is asked through its virtual operation.
 #pragma once
 
 #include <cstddef>
 #include <memory>
+#include <string_view>
 #include <typeinfo>
 
 #include "strategy/field.hpp"
+#include "strategy/marker_matcher.hpp"
 #include "strategy/strategy.hpp"
 
 namespace textio {
@@ -24,11 +28,16 @@ struct ScannedLine {
   std::size_t num_fields = 0;  // unless the line is empty, and if they are counted
 };
 
+// Lines that are nothing but their line endings, one behind the other.
+struct EmptyLines {
+  std::size_t count = 0;
+  std::size_t next = 0;
+};
+
 class LineScan {
  public:
   static std::unique_ptr<LineScan> of(const Strategy& strategy, const Field& text);
 
-  LineScan() = default;
   LineScan(const LineScan&) = delete;
   LineScan& operator=(const LineScan&) = delete;
   virtual ~LineScan() = default;
@@ -39,12 +48,27 @@ class LineScan {
   // The line that starts at `start`, where text is left.
   virtual ScannedLine line_at(std::size_t start) = 0;
 
+  // Empty lines from `start` on, `most` of them at most, and where the line behind them starts.
+  // Others may follow, for not every strategy tells them.
+  EmptyLines empty_lines_at(std::size_t start, std::size_t most) const;
+
+ protected:
+  // `endings` are those of the strategy, null if they are not known; a line that begins with one of
+  // `openers` is not empty, whatever ends there.
+  LineScan(const Field& text, const MarkerMatcher* endings, std::u16string_view openers)
+      : text_(text), endings_(endings), openers_(openers) {}
+
+  const Field text_;
+
  private:
   template <typename Own>
   class Fieldwise;
   template <typename Own>
   class Unitwise;
   class Virtual;
+
+  const MarkerMatcher* endings_;
+  std::u16string_view openers_;
 };
 
 // `strategy` as one of the library's own classes; null when it is of another class, be it one derived

@@ -31,7 +31,7 @@ SampleCut::SampleCut(Strategy& strategy)
 }
 
 std::span<const Field> SampleCut::fields(std::size_t line) {
-  go_to(line);
+  if (fixed_ || keeps_all_) go_to(line);
   if (keeps_all_) return std::span<const Field>(fields_).subspan(fields_before_, counts_[line]);
   fields_.clear();
   if (fields_.capacity() == 0) fields_.reserve(counts_[line]);

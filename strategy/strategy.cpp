@@ -46,18 +46,55 @@ LineKind kind_of(const Field& line, FieldFormat& format,
   return is_comment(cleaned, comment_style) ? LineKind::comment : LineKind::text;
 }
 
-// Doubles a full list of lines, yet not beyond what a text with so many units left can add.
-void make_room_for_one(std::vector<Field>& lines, std::size_t units_left) {
-  if (lines.size() < lines.capacity()) return;
-  const std::size_t as_many = std::max(lines.size(), kFirstRoom);
-  lines.reserve(lines.size() + std::min(as_many, units_left + 1));
-}
-
 // What was expected or doubled may be far more than is kept.
 template <typename Entry>
 void give_back_room(std::vector<Entry>& list) {
   if (list.capacity() / 2 > list.size()) list.shrink_to_fit();
 }
+
+// The lines of a sample while it is drawn, and the number of fields on each if it is wanted.
+class DrawnLines {
+ public:
+  DrawnLines(std::size_t room, std::vector<std::size_t>* num_fields) : num_fields_(num_fields) {
+    make_room(room);
+  }
+
+  std::size_t size() const { return lines_.size(); }
+
+  // Makes room for `count` more. Doubles a full list, yet not beyond what the units that are left
+  // of the text behind them can add.
+  void make_room_for(std::size_t count, std::size_t units_left) {
+    if (lines_.capacity() - size() >= count) return;
+    make_room(size() + count + std::min(std::max(size(), kFirstRoom), units_left));
+  }
+
+  // There is room for it.
+  void add(const Field& line, std::size_t num_fields) {
+    lines_.push_back(line);
+    if (num_fields_) num_fields_->push_back(num_fields);
+  }
+
+  void add_empty(std::size_t count, std::size_t units_left) {
+    make_room_for(count, units_left);
+    lines_.insert(lines_.end(), count, empty_field());
+    if (num_fields_) num_fields_->insert(num_fields_->end(), count, 0);
+  }
+
+  std::vector<Field> take() {
+    give_back_room(lines_);
+    if (num_fields_) give_back_room(*num_fields_);
+    return std::move(lines_);
+  }
+
+ private:
+  void make_room(std::size_t lines) {
+    lines_.reserve(lines);
+    if (num_fields_) num_fields_->reserve(lines);
+  }
+
+  std::vector<Field> lines_;
+  std::vector<std::size_t>* num_fields_;
+};
 
 // Whether `field`, a field of `line`, ends where the line ends. A field may report more units than
 // the line has.
@@ -143,19 +180,17 @@ bool Strategy::is_surely_text(const Field& line) const {
 std::vector<Field> Strategy::sampled_lines(const Field& text, unsigned long num_lines,
                                            std::size_t most_lines, std::size_t likely_lines,
                                            std::vector<std::size_t>* num_fields) {
-  std::vector<Field> lines;
   const std::size_t target =
       header_lines_auto_ ? num_lines : saturating_add(num_lines, header_lines_);
-  lines.reserve(std::min({target, saturating_add(text.length, 1), likely_lines}));
-
   const StableText stable(*this, text);
   const std::unique_ptr<LineScan> scan = LineScan::of(*this, text);
-  if (!scan->counts_fields()) num_fields = nullptr;
-  if (num_fields) num_fields->reserve(lines.capacity());
+  DrawnLines lines(std::min({target, saturating_add(text.length, 1), likely_lines}),
+                   scan->counts_fields() ? num_fields : nullptr);
   // Every line extent ends behind its start while there is text: it holds a unit, or a line
   // ending, or both. So the loop ends.
   std::size_t pos = 0;
   std::size_t count = 0;
+  const auto units_left = [&] { return text.length - std::min(pos, text.length); };
   while (!ends_at(text, pos) && count < target && lines.size() < most_lines) {
     const auto [extent, fields_on_line] = scan->line_at(pos);
     pos = extent.next;
@@ -164,15 +199,18 @@ std::vector<Field> Strategy::sampled_lines(const Field& text, unsigned long num_
                               ? LineKind::text
                               : kind_of(line, text_format_, options_->comment_style);
     if (kind == LineKind::comment) continue;
-    const Field& kept = kind == LineKind::text ? line : empty_field();
-    make_room_for_one(lines, text.length - std::min(pos, text.length));
-    lines.push_back(kept);
-    if (num_fields) num_fields->push_back(kept.length > 0 ? fields_on_line : 0);
-    if (kind == LineKind::text) ++count;
+    if (kind == LineKind::empty) {
+      // Nothing stands in for empty lines, or it would have stood in for this one.
+      const EmptyLines more = scan->empty_lines_at(pos, most_lines - lines.size() - 1);
+      pos = more.next;
+      lines.add_empty(1 + more.count, units_left());
+      continue;
+    }
+    lines.make_room_for(1, units_left());
+    lines.add(line, line.length > 0 ? fields_on_line : 0);
+    ++count;
   }
-  give_back_room(lines);
-  if (num_fields) give_back_room(*num_fields);
-  return lines;
+  return lines.take();
 }
 
 // A line that is read field by field is cut in one scan.

@@ -188,6 +188,36 @@ TEST_P(SampleKeeperDraw, DoesNotDependOnTheSampleBefore) {
   }
 }
 INSTANTIATE_TEST_SUITE_P(Table, SampleKeeperDraw, testing::ValuesIn(kOrderCases), ByRule());
+// --- drawing -------------------------------------------------------------------------------------
+
+TEST(SampleKeeperDraw, MakesRoomForAsManyLinesAsWereDrawnBefore) {
+  const parser::options options;
+  std::u16string lines;
+  for (std::size_t i = 0; i < 20'000; ++i) lines += u"1,2\n";
+  const ExactText text(lines);
+  DelimitedStrategy first(options, u',');
+  DelimitedStrategy second(options, u';');
+  SampleKeeper samples(text.field(), 30'000);
+  samples.draw(first);
+  samples.draw(second);
+  EXPECT_GT(first.lines().capacity(), 20'000U);
+  EXPECT_EQ(second.lines().size(), 20'000U);
+  EXPECT_EQ(second.lines().capacity(), 20'000U);
+}
+
+// The quote swallows all lines but the first.
+TEST(SampleKeeperDraw, TakesBackTheRoomForManyMoreLinesThanThereAre) {
+  const parser::options options;
+  const ExactText text(u"a\n\"\n\n\n\n\n\n\n\n\n\n");
+  LineReaderStrategy first(options);
+  DelimitedStrategy second(options, u',');
+  SampleKeeper samples(text.field(), 100);
+  samples.draw(first);
+  samples.draw(second);
+  EXPECT_EQ(first.lines().size(), 11U);
+  EXPECT_EQ(second.lines().size(), 2U);
+  EXPECT_EQ(second.lines().capacity(), 2U);
+}
 
 // --- valuing -------------------------------------------------------------------------------------
 

@@ -23,6 +23,7 @@ namespace {
 
 using detection::CandidateFate;
 using detection::SelectionEnd;
+using detection::SelectionOutcome;
 using detection::SelectionTrace;
 using detection::StrategySelector;
 using testing_support::ByRule;
@@ -411,6 +412,18 @@ TEST_P(PickStrategy, GivesTheAnswerForItsReason) {
 TEST_P(PickStrategy, GivesTheSameWithoutATrace) {
   SelectionTrace trace;
   EXPECT_EQ(describe(*pick()), describe(*pick(trace)));
+}
+
+TEST_P(PickStrategy, TellsHowItEndedWithoutATrace) {
+  SelectionTrace trace;
+  const auto traced = pick(trace);
+  SelectionOutcome outcome{SelectionEnd::given, "left from before"};
+  const auto winner =
+      StrategySelector(options_).pick_strategy(text_.field(), GetParam().given.budget, outcome);
+  EXPECT_EQ(describe(*winner), describe(*traced));
+  EXPECT_EQ(outcome.end, trace.end);
+  const bool is_decided = trace.end == SelectionEnd::single_survivor;
+  EXPECT_EQ(outcome.decided_by, is_decided ? trace.filters.back().name : "");
 }
 
 TEST_P(PickStrategy, GivesTheSameTwiceAndElsewhere) {

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "standalone/detect_layout.hpp"
+#include "strategy/delimited_strategy.hpp"
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
 #include "support/rule_name.hpp"
@@ -531,6 +532,13 @@ class RandomTexts {
     return settings;
   }
 
+  VariableNames names() {
+    VariableNames names;
+    if (below(3) != 0) names.names_line = below(8);
+    if (below(3) != 0) names.units_line = below(8);
+    return names;
+  }
+
  private:
   static constexpr char16_t kAlphabet[] = u"a1, \"\n\r%\uFFFF";
   static_assert(std::size(kAlphabet) == 10);
@@ -597,6 +605,58 @@ TEST(DescribeLinesProperty, HoldsForSmallTextsOfEveryKind) {
     if (layout.first_ragged_line) {
       EXPECT_TRUE(stands_in_a_run(layout, LineRole::data, *layout.first_ragged_line));
     }
+  }
+}
+
+// Line by line, wherever the names and the units stand.
+void add_plainly(Layout& layout, LineRole role, std::size_t first_line, std::size_t last_line) {
+  if (layout.lines.empty() || layout.lines.back().role != role) {
+    layout.lines.push_back({role, first_line, last_line, 0});
+  }
+  layout.lines.back().last_line = last_line;
+  ++layout.lines.back().count;
+}
+
+Layout plainly_described(const SampledTable& table, const VariableNames& names) {
+  Layout layout;
+  for (const SampledTable::Run& run : table.runs()) {
+    for (std::size_t i = 0; i < run.count; ++i) {
+      const std::size_t first = run.first_line + i;
+      const std::size_t last = run.count > 1 ? first : run.last_line;
+      const std::size_t index = run.first_index + i;
+      LineRole role = index < table.header_lines() ? LineRole::header : LineRole::data;
+      if (names.units_line == index) role = LineRole::units;
+      if (names.names_line == index) role = LineRole::names;
+      if (run.kind == SampledTable::Kind::blank) role = LineRole::blank;
+      if (run.kind == SampledTable::Kind::comment) role = LineRole::comment;
+      add_plainly(layout, role, first, last);
+      const bool is_ragged =
+          role == LineRole::data && table.field_count(index) != table.num_variables();
+      if (!is_ragged) continue;
+      ++layout.ragged_lines;
+      if (!layout.first_ragged_line) layout.first_ragged_line = first;
+    }
+  }
+  return layout;
+}
+
+TEST(DescribeLinesProperty, GivesEachLineItsRole) {
+  RandomTexts random;
+  for (int round = 0; round < 6000 && !testing::Test::HasFailure(); ++round) {
+    const ExactText text(random.text());
+    const DetectSettings settings = random.settings();
+    DelimitedStrategy strategy(settings.options, u',');
+    strategy.populate_fields(text.field(), settings.num_lines);
+    strategy.valuation();
+    const SampledTable table(strategy, text.field(), settings);
+    const VariableNames names = random.names();
+    Layout layout;
+    describe_lines(table, names, layout);
+    const Layout plain = plainly_described(table, names);
+    SCOPED_TRACE("'" + readable(text.view()) + "'");
+    EXPECT_EQ(described(layout.lines), described(plain.lines));
+    EXPECT_EQ(layout.ragged_lines, plain.ragged_lines);
+    EXPECT_EQ(layout.first_ragged_line, plain.first_ragged_line);
   }
 }
 

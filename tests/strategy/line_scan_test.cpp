@@ -127,11 +127,61 @@ TEST(LineScan, AsksAStrategyFromOutside) {
   EXPECT_EQ(scanned(EveryUnit(options), text.field()), "a b \n");
 }
 
+// --- lines with nothing on them ------------------------------------------------------------------
+
+struct EmptyCase {
+  const char* rule;
+  Make make;
+  std::u16string text;
+  std::size_t start;
+  std::size_t most;
+  std::size_t count;
+  std::size_t next;
+};
+std::ostream& operator<<(std::ostream& out, const EmptyCase& row) { return out << row.rule; }
+
+constexpr std::size_t kAny = static_cast<std::size_t>(-1);
+
+const EmptyCase kEmptyCases[] = {
+    {"NoneAtALineWithText", commas, u"a\n\n", 0, kAny, 0, 0},
+    {"OneBehindTheOther", commas, u"a\n\n\nb", 2, kAny, 2, 4},
+    {"OfEachLineEnding", commas, u"\n\r\n\rb", 0, kAny, 3, 4},
+    {"UpToTheEndOfTheText", commas, u"\n\n", 0, kAny, 2, 2},
+    {"UpToAnEndMark", commas, u"\n\uFFFF\n", 0, kAny, 1, 1},
+    {"NoMoreThanAreWanted", commas, u"\n\n\n", 0, 2, 2, 2},
+    {"NoneWhenNoneIsWanted", commas, u"\n", 0, 0, 0, 0},
+    {"NoneAtTheEndOfTheText", commas, u"a", 1, kAny, 0, 1},
+    {"LinesOfBlanksAreNotEmpty", commas, u"\n \n", 0, kAny, 1, 1},
+    {"AlignedLines", blanks, u"\n\na", 0, kAny, 2, 2},
+    {"FixedWidthLines", widths, u"\n\na", 0, kAny, 2, 2},
+    {"WholeLines", whole_lines, u"\n\na", 0, kAny, 2, 2},
+};
+
+class LineScanEmptyLines : public testing::TestWithParam<EmptyCase> {};
+TEST_P(LineScanEmptyLines, AreToldAtOnce) {
+  const parser::options options;
+  const ExactText text(GetParam().text);
+  const std::unique_ptr<Strategy> strategy = GetParam().make(options);
+  const EmptyLines lines =
+      LineScan::of(*strategy, text.field())->empty_lines_at(GetParam().start, GetParam().most);
+  EXPECT_EQ(lines.count, GetParam().count);
+  EXPECT_EQ(lines.next, GetParam().next);
+}
+INSTANTIATE_TEST_SUITE_P(Table, LineScanEmptyLines, testing::ValuesIn(kEmptyCases), ByRule());
+
+TEST(LineScanEmptyLinesOfAStrategyFromOutside, AreNotKnown) {
+  const parser::options options;
+  const EveryUnit strategy(options);
+  const ExactText text(u"\n\n");
+  EXPECT_EQ(LineScan::of(strategy, text.field())->empty_lines_at(0, kAny).count, 0U);
+}
+
 // --- against the plain ways --------------------------------------------------------------------
 
 // Markers that overlap each other, the blanks and the quote.
 const std::vector<std::vector<std::u16string>> kLineEndings = {
-    {u"\r\n", u"\n", u"\r"}, {u" \n", u"\n"}, {u"\n\n"}, {u"a\n", u","}, {u"\""}, {u",\n", u"\n"}};
+    {u"\r\n", u"\n", u"\r"}, {u" \n", u"\n"}, {u" \n"},       {u" "}, {u"\n\n"},
+    {u"a\n", u","},          {u"\""},         {u",\n", u"\n"}};
 
 std::size_t fields_by_cutting(Strategy& strategy, const Field& line) {
   std::vector<Field> fields;
@@ -160,6 +210,29 @@ RC_GTEST_PROP(LineScanProperty, AgreesWithCutting, ()) {
         RC_ASSERT(line.num_fields == fields_by_cutting(*strategy, plain.field));
       }
       pos = plain.next;
+    }
+  }
+}
+
+// Empty lines are those that the scan finds empty one by one, wherever it starts.
+RC_GTEST_PROP(LineScanProperty, TellsEmptyLinesThatAreEmpty, ()) {
+  const auto text = *rc::gen::container<std::u16string>(rc::gen::weightedElement<char16_t>(
+      {{1, u'a'}, {2, u','}, {3, u' '}, {3, u'"'}, {9, u'\n'}, {2, u'\r'}, {1, u'\uFFFF'}}));
+  parser::options options;
+  options.line_endings = *rc::gen::elementOf(kLineEndings);
+  const ExactText exact(text);
+  for (const Make make : {commas, blanks, widths, whole_lines}) {
+    const std::unique_ptr<Strategy> strategy = make(options);
+    const std::unique_ptr<LineScan> scan = LineScan::of(*strategy, exact.field());
+    for (std::size_t start = 0; start < text.size(); ++start) {
+      const EmptyLines lines = scan->empty_lines_at(start, kAny);
+      std::size_t pos = start;
+      for (std::size_t i = 0; i < lines.count; ++i) {
+        const FieldExtent line = scan->line_at(pos).extent;
+        RC_ASSERT(line.field.length == 0U);
+        pos = line.next;
+      }
+      RC_ASSERT(pos == lines.next);
     }
   }
 }
