@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include <sys/mman.h>
+
 #include "host/code_converter.hpp"
 #include "host/file_layer.hpp"
 
@@ -23,6 +25,17 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
+// Asks for huge pages wherever a whole one lies in the fresh `storage`: to touch two megabytes for
+// the first time costs less in one of them than in 512 pages of 4 KB by far. It is mere advice, and
+// a system without huge pages refuses it. Smaller storage holds none.
+void prefer_huge_pages(std::u16string& storage) {
+  constexpr std::size_t kHugePage = 2'097'152;
+  void* begin = storage.data();
+  std::size_t room = storage.capacity() * sizeof(char16_t);
+  if (std::align(kHugePage, kHugePage, begin, room) == nullptr) return;
+  ::madvise(begin, room - room % kHugePage, MADV_HUGEPAGE);
+}
+
 }  // namespace
 
 // ---------------------------------------------------------------------------------------------
@@ -32,6 +45,7 @@ std::size_t FileStreamBufferManager::resize(std::size_t n, char16_t*& begin, cha
   if (n > units_.capacity()) {
     std::u16string grown;
     grown.reserve(n);
+    prefer_huge_pages(grown);
     grown = units_;
     units_.swap(grown);
   }

@@ -26,7 +26,8 @@ namespace textio {
 
 class StreamCodeConverter;
 
-// Keeps the text of a file in one string, whose length is the size of the buffer.
+// Keeps the text of a file in one string, whose length is the size of the buffer. A large one lies
+// in huge pages where the system grants them.
 class VLTEXTSTREAM_EXPORT FileStreamBufferManager : public BufferManager {
  public:
   // A growth leaves no spare capacity; a shrink keeps the storage for the next growth.

@@ -92,7 +92,7 @@ class VLTEXTSTREAM_EXPORT TextStream {
   VLTEXTSTREAM_LOCAL void skip_loaded_text(unsigned long beyond);
   VLTEXTSTREAM_LOCAL void refill_after(std::size_t kept);
   VLTEXTSTREAM_LOCAL void cut_back(std::size_t valid, std::size_t remaining);
-  template <typename Stop>
+  template <typename Pace, typename Stop>
   VLTEXTSTREAM_LOCAL unsigned long scan(unsigned long pos, Stop stop) const;
 
   TextSource* source;

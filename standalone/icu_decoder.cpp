@@ -14,6 +14,7 @@
 #include <fmt/format.h>
 #include <unicode/ucnv_cb.h>
 
+#include "source/unit_block.hpp"
 #include "standalone/icu_status.hpp"
 #include "standalone/surrogates.hpp"
 
@@ -59,6 +60,13 @@ char16_t control_of_its_byte(char16_t unit) {
     default:
       return unit;
   }
+}
+
+// Whether the unit may not stay as it is where lone surrogates do not pass. Few texts have one.
+bool may_change(char16_t unit) {
+  const bool is_low = (unit & 0xFC00) == 0xDC00;
+  const bool is_exchanged = (unit == 0x1A) | (unit == 0x1C) | (unit == 0x7F);
+  return is_low | is_exchanged;
 }
 
 // The encodings that carry UTF-16 units of their own; ICU copies them unseen.
@@ -123,6 +131,12 @@ bool IcuDecoder::decode(DecodeWindow& window, bool final) {
 // for a high surrogate that waits, so nothing is overwritten before it is read.
 char16_t* IcuDecoder::settle(char16_t* out, const char16_t* begin, const char16_t* end) {
   if (!one_unit_ && !exchanges_controls_ && !passes_lone_surrogates_) return out + (end - begin);
+  if (!passes_lone_surrogates_) {  // so no high one waits, and the first units are in their place
+    while (end - begin >= kBlockUnits && !any_in_block(begin, may_change)) {
+      begin += kBlockUnits;
+      out += kBlockUnits;
+    }
+  }
   for (; begin != end; ++begin) {
     const char16_t unit = exchanges_controls_ ? control_of_its_byte(*begin) : *begin;
     if (passes_lone_surrogates_) {

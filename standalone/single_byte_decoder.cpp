@@ -1,4 +1,5 @@
-// A table look-up for each byte; where the table holds ASCII, runs of it are widened in blocks.
+// A table look-up for each byte, but for blocks of bytes that all stand for the character of their
+// number: ASCII in most encodings, and in those of western Europe everything from A0 on as well.
 #include "standalone/single_byte_decoder.hpp"
 
 #include <algorithm>
@@ -6,16 +7,36 @@
 #include <numeric>
 #include <tuple>
 
+#include "source/unit_block.hpp"
 #include "standalone/ascii_run.hpp"
 
 namespace textio::standalone {
 namespace {
 
-bool begins_with_ascii(const SingleByteTable& table) {
-  for (unsigned byte = 0; byte < 0x80; ++byte) {
+// Whether the bytes from `first` up to `end` stand for the characters of their numbers.
+bool are_their_numbers(const SingleByteTable& table, unsigned first, unsigned end) {
+  for (unsigned byte = first; byte < end; ++byte) {
     if (table.units[byte] != byte) return false;
   }
   return true;
+}
+
+// Which bytes keep a block from being widened.
+ByteRange range_to_look_up(const SingleByteTable& table) {
+  constexpr ByteRange kAll = {0x00, 0x00};
+  constexpr ByteRange kFrom80 = {0x80, 0x80};
+  constexpr ByteRange k80To9F = {0xE0, 0x80};
+  if (!are_their_numbers(table, 0x00, 0x80)) return kAll;
+  return are_their_numbers(table, 0xA0, 0x100) ? k80To9F : kFrom80;
+}
+
+void widen_block(DecodeWindow& window) {
+  static_assert(kBlockUnits % kAsciiBlock == 0);
+  for (std::ptrdiff_t i = 0; i < kBlockUnits; i += kAsciiBlock) {
+    widen(window.in + i, window.out + i);
+  }
+  window.in += kBlockUnits;
+  window.out += kBlockUnits;
 }
 
 using AllBytes = std::array<char, 256>;
@@ -55,27 +76,38 @@ std::optional<SingleByteTable> single_byte_table(StreamDecoder& decoder) {
 
 SingleByteDecoder::SingleByteDecoder(const SingleByteTable& table)
     : table_(table),
-      holds_ascii_(begins_with_ascii(table)),
+      to_look_up_(range_to_look_up(table)),
       has_ill_formed_(std::find(table.units.begin(), table.units.end(), kReplacement) !=
                       table.units.end()) {}
 
 bool SingleByteDecoder::decode(DecodeWindow& window, bool /*final*/) {
+  const auto needs_look_up = [range = to_look_up_](char byte) {
+    return (static_cast<unsigned char>(byte) & range.mask) == range.value;
+  };
   DecodeWindow here = window;  // a local copy lives in registers
-  std::size_t ill_formed = 0;
-  while (here.in != here.in_end && here.out != here.out_end) {
-    const auto byte = static_cast<unsigned char>(*here.in);
-    if (holds_ascii_ && byte < 0x80) {
-      take_ascii(here);
-      continue;
+  std::ptrdiff_t left = std::min(here.in_end - here.in, here.out_end - here.out);
+  for (; left >= kBlockUnits; left -= kBlockUnits) {
+    if (any_in_block(here.in, needs_look_up)) {
+      look_up(here, kBlockUnits);
+    } else {
+      widen_block(here);
     }
-    const char16_t unit = table_.units[byte];
-    *here.out++ = unit;
-    ++here.in;
-    if (has_ill_formed_ && unit == kReplacement) ++ill_formed;
   }
-  ill_formed_ += ill_formed;
+  look_up(here, left);
   window = here;
   return here.in == here.in_end;
+}
+
+void SingleByteDecoder::look_up(DecodeWindow& window, std::ptrdiff_t count) {
+  for (std::ptrdiff_t i = 0; i < count; ++i) {
+    window.out[i] = table_.units[static_cast<unsigned char>(window.in[i])];
+  }
+  if (has_ill_formed_) {
+    ill_formed_ +=
+        static_cast<std::size_t>(std::count(window.out, window.out + count, kReplacement));
+  }
+  window.in += count;
+  window.out += count;
 }
 
 }  // namespace textio::standalone

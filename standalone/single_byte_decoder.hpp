@@ -19,6 +19,12 @@ struct SingleByteTable {
   std::array<char16_t, 256> units;  // U+FFFD for a byte that is ill-formed
 };
 
+// The bytes whose bits in `mask` are `value`.
+struct ByteRange {
+  unsigned char mask;
+  unsigned char value;
+};
+
 // What `decoder` makes of each byte; none when the bytes do not give one unit each, in whatever
 // order they come. The decoder is reset; its ill-formed parts count on.
 std::optional<SingleByteTable> single_byte_table(StreamDecoder& decoder);
@@ -32,9 +38,11 @@ class SingleByteDecoder final : public StreamDecoder {
   void reset() override {}
 
  private:
+  void look_up(DecodeWindow& window, std::ptrdiff_t count);
+
   SingleByteTable table_;
-  bool holds_ascii_;     // bytes below 0x80 stand for themselves
-  bool has_ill_formed_;  // some byte is no character
+  ByteRange to_look_up_;  // all others stand for the characters of their numbers
+  bool has_ill_formed_;   // some byte is no character
 };
 
 }  // namespace textio::standalone

@@ -11,6 +11,7 @@
 #include <unicode/uscript.h>
 #include <unicode/utf16.h>
 
+#include "source/unit_block.hpp"
 #include "standalone/east_asian_voter.hpp"
 
 namespace textio::standalone {
@@ -34,8 +35,10 @@ constexpr double kNoCharacter = -40.0;
 constexpr double kLeastGain = 5.0;
 constexpr double kLeastGainWithoutZeros = 20.0;
 
+// Without branches, for blocks of bytes are asked at once.
 bool is_text_byte(unsigned char byte) {
-  return byte >= 0x20 || (byte >= '\t' && byte <= '\r') || byte == 0x1B;
+  const bool is_space = (byte >= '\t') & (byte <= '\r');
+  return (byte >= 0x20) | is_space | (byte == 0x1B);
 }
 
 double score_of_bytes(std::string_view bytes) {
@@ -142,8 +145,11 @@ double score_of_form(const Form& form, std::string_view bytes, bool is_whole) {
 }  // namespace
 
 bool may_be_unmarked_unicode(std::string_view bytes) noexcept {
-  return !std::all_of(bytes.begin(), bytes.end(),
-                      [](char byte) { return is_text_byte(static_cast<unsigned char>(byte)); });
+  const auto is_no_text = [](char byte) { return !is_text_byte(static_cast<unsigned char>(byte)); };
+  const char* next = bytes.data();
+  const char* const end = next + bytes.size();
+  while (end - next >= kBlockUnits && !any_in_block(next, is_no_text)) next += kBlockUnits;
+  return std::any_of(next, end, is_no_text);
 }
 
 std::optional<UnmarkedUnicode> find_unmarked_unicode(std::string_view bytes, bool is_whole) {

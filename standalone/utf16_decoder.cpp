@@ -3,16 +3,15 @@
 // lone surrogates, goes byte by byte through a machine that keeps half a unit and half a pair.
 #include "standalone/utf16_decoder.hpp"
 
+#include <algorithm>
 #include <bit>
-#include <cstdint>
 #include <cstring>
 
+#include "source/unit_block.hpp"
 #include "standalone/surrogates.hpp"
 
 namespace textio::standalone {
 namespace {
-
-constexpr std::ptrdiff_t kBlock = 16;
 
 constexpr char16_t swapped(char16_t unit) {
   return static_cast<char16_t>(static_cast<unsigned>(unit) << 8 | static_cast<unsigned>(unit) >> 8);
@@ -31,27 +30,12 @@ char16_t unit_at(const char* in) {
   return is_swapped<kOrder>() ? swapped(unit) : unit;
 }
 
-// Four units in a number: the bytes of each exchanged, and whether one of them is a surrogate.
-constexpr std::uint64_t four_swapped(std::uint64_t units) {
-  return (units >> 8 & 0x00FF00FF00FF00FF) | (units << 8 & 0xFF00FF00FF00FF00);
-}
-constexpr bool holds_surrogate(std::uint64_t units) {
-  const std::uint64_t zero_if_surrogate = (units & 0xF800F800F800F800) ^ 0xD800D800D800D800;
-  return ((zero_if_surrogate - 0x0001000100010001) & ~zero_if_surrogate & 0x8000800080008000) != 0;
-}
-
 // Copies a block; returns whether it holds a surrogate, and is to be looked at again.
 template <ByteOrder kOrder>
 bool copy_block(const char* in, char16_t* out) {
-  std::uint64_t words[kBlock / 4];
-  std::memcpy(words, in, sizeof words);
-  bool surrogates = false;
-  for (std::uint64_t& word : words) {
-    if constexpr (is_swapped<kOrder>()) word = four_swapped(word);
-    surrogates |= holds_surrogate(word);
-  }
-  std::memcpy(out, words, sizeof words);
-  return surrogates;
+  std::memcpy(out, in, kBlockUnits * sizeof *out);
+  if constexpr (is_swapped<kOrder>()) std::transform(out, out + kBlockUnits, out, swapped);
+  return any_in_block(out, [](char16_t unit) { return (unit & 0xF800) == 0xD800; });
 }
 
 // Takes the character at the start of the window; false in front of a lone surrogate. There are
@@ -73,7 +57,7 @@ bool take_character(DecodeWindow& window, bool one_unit) {
 }
 
 bool has_block(const DecodeWindow& window) {
-  return window.in_end - window.in >= 2 * kBlock && window.out_end - window.out >= kBlock;
+  return window.in_end - window.in >= 2 * kBlockUnits && window.out_end - window.out >= kBlockUnits;
 }
 
 // Each round takes at least one character; stops in front of what needs a closer look.
@@ -82,15 +66,15 @@ void take_whole_characters(DecodeWindow& window, bool one_unit) {
   DecodeWindow here = window;  // a local copy lives in registers
   for (;;) {
     while (has_block(here) && !copy_block<kOrder>(here.in, here.out)) {
-      here.in += 2 * kBlock;
-      here.out += kBlock;
+      here.in += 2 * kBlockUnits;
+      here.out += kBlockUnits;
     }
     std::ptrdiff_t count = 0;
-    while (count < kBlock && here.in_end - here.in >= 4 && here.out_end - here.out >= 2 &&
+    while (count < kBlockUnits && here.in_end - here.in >= 4 && here.out_end - here.out >= 2 &&
            take_character<kOrder>(here, one_unit)) {
       ++count;
     }
-    if (count < kBlock) break;
+    if (count < kBlockUnits) break;
   }
   window = here;
 }

@@ -878,6 +878,27 @@ TEST(FileStreamBufferManagerResize, KeepsTheStartAndAddsZeros) {
   EXPECT_TRUE(std::all_of(begin + 3, end, [](char16_t unit) { return unit == u'\0'; }));
 }
 
+// Storage of two megabytes and more is asked for in huge pages; what it holds is the same.
+TEST(FileStreamBufferManagerResize, KeepsTheStartAndAddsZerosAroundTheSizeOfHugePages) {
+  constexpr std::size_t kHugePageUnits = 1'048'576;
+  for (const std::size_t n : {kHugePageUnits - 64, kHugePageUnits - 1, kHugePageUnits,
+                              kHugePageUnits + 1, 2 * kHugePageUnits, 5 * kHugePageUnits + 3}) {
+    FileStreamBufferManager manager;
+    char16_t* begin = nullptr;
+    char16_t* end = nullptr;
+    manager.resize(3, begin, end);
+    std::copy_n(u"abc", 3, begin);
+    manager.resize(n, begin, end);
+    ASSERT_EQ(static_cast<std::size_t>(end - begin), n);
+    EXPECT_EQ(std::u16string(begin, begin + 3), u"abc");
+    EXPECT_TRUE(std::all_of(begin + 3, end, [](char16_t unit) { return unit == u'\0'; })) << n;
+    std::fill(begin, end, u'x');
+    manager.resize(n + kHugePageUnits, begin, end);
+    EXPECT_TRUE(std::all_of(begin, begin + n, [](char16_t unit) { return unit == u'x'; })) << n;
+    EXPECT_TRUE(std::all_of(begin + n, end, [](char16_t unit) { return unit == u'\0'; })) << n;
+  }
+}
+
 TEST(FileStreamBufferManagerResize, AShrinkKeepsTheStorage) {
   FileStreamBufferManager manager;
   char16_t* begin = nullptr;

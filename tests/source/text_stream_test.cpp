@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "source/memory_text_source.hpp"
+#include "support/exact_text.hpp"
 #include "support/printing.hpp"
 #include "support/rule_name.hpp"
 #include "support/scripted_source.hpp"
@@ -21,6 +23,7 @@
 namespace textio {
 namespace {
 
+using testing_support::ExactText;
 using testing_support::readable;
 using testing_support::ScriptedFailure;
 using testing_support::ScriptedSource;
@@ -178,6 +181,56 @@ TEST_P(TextStreamSearch, CountsFromTheWindow) {
 
 INSTANTIATE_TEST_SUITE_P(Table, TextStreamSearch, testing::ValuesIn(kSearchCases),
                          testing_support::ByRule());
+
+// Searches for one unit pass over whole blocks: no place may be special, whether a search begins
+// there, ends there or the text does.
+TEST(TextStreamSearchByBlocks, StopsAtEveryPlace) {
+  constexpr std::size_t kLength = 200;
+  for (const char16_t odd : {u'x', kEnd}) {
+    for (std::size_t place = 0; place <= kLength; ++place) {
+      std::u16string digits(kLength, u'7');
+      if (place < kLength) digits[place] = odd;
+      const ExactText text(digits);
+      MemoryTextSource source(text.data(), text.size());
+      const TextStream stream(&source);
+      for (const std::size_t from : {std::size_t{0}, place / 2, place}) {
+        EXPECT_EQ(stream.find_first_pos_of(u'x', from), place);
+        EXPECT_EQ(stream.find_first_pos_not_of(u'7', from), place);
+        EXPECT_EQ(stream.find_first_non_digit(from), place);
+        EXPECT_EQ(stream.find_first_pos_of(u"yx", from), place);
+        EXPECT_EQ(stream.find_first_pos_not_of(u"67", from), place);
+      }
+      for (const std::size_t from : {place + 1, kLength + 1}) {
+        const std::size_t end = std::max(from, kLength);
+        EXPECT_EQ(stream.find_first_pos_of(u'x', from), end) << place;
+        EXPECT_EQ(stream.find_first_pos_not_of(u'7', from), end) << place;
+        EXPECT_EQ(stream.find_first_non_digit(from), end) << place;
+      }
+    }
+  }
+}
+
+TEST(TextStreamSearchByBlocks, TakesTheNeighboursOfDigitsForNone) {
+  for (const char16_t odd : {u'\0', u'/', u':', u'\u0130', u'\u0139'}) {
+    std::u16string text(100, u'0');
+    std::fill(text.begin() + 50, text.end(), u'9');
+    text[70] = odd;
+    ScriptedSource source(text);
+    EXPECT_EQ(TextStream(&source).find_first_non_digit(0), 70U);
+  }
+}
+
+// What has been passed over ends in the middle of a block where more text is loaded.
+TEST(TextStreamSearchByBlocks, GoesOnInTextThatIsLoadedLater) {
+  for (const std::size_t place : {kBufferUnits - 1, kBufferUnits, kBufferUnits + 65}) {
+    std::u16string text(2 * kBufferUnits, u'7');
+    text[place] = u'x';
+    ScriptedSource source(text);
+    const TextStream stream(&source);
+    EXPECT_EQ(stream.find_first_pos_of(u'x', 60), place);
+    EXPECT_EQ(source.fills().size(), place < kBufferUnits ? 1U : 2U);
+  }
+}
 
 struct MatchCase {
   const char* rule;

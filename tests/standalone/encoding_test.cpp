@@ -14,6 +14,7 @@
 #include "host/code_converter.hpp"
 #include "standalone/east_asian_voter.hpp"
 #include "standalone/single_byte_voter.hpp"
+#include "standalone/unmarked_unicode.hpp"
 #include "support/rule_name.hpp"
 
 namespace textio::standalone {
@@ -262,6 +263,23 @@ TEST(FindEncodingOfAnything, GivesANameThatTheConverterKnowsAndAConfidence) {
     ++fallbacks;
   }
   EXPECT_GT(fallbacks, 0);
+}
+
+// Blocks of text are passed over: no place may be special.
+TEST(MayBeUnmarkedUnicode, WhereAByteIsNoneOfATextAtAnyPlace) {
+  constexpr std::size_t kBytes = 200;
+  for (std::size_t place = 0; place < kBytes; ++place) {
+    std::string bytes(kBytes, 'a');
+    for (const char text : {'\t', '\n', '\v', '\f', '\r', '\x1B', ' ', '\x7F', '\x80', '\xFF'}) {
+      bytes[place] = text;
+      EXPECT_FALSE(may_be_unmarked_unicode(bytes)) << place;
+    }
+    for (const char odd : {'\0', '\x08', '\x0E', '\x1A', '\x1C', '\x1F'}) {
+      bytes[place] = odd;
+      EXPECT_TRUE(may_be_unmarked_unicode(bytes)) << place;
+    }
+  }
+  EXPECT_FALSE(may_be_unmarked_unicode(""));
 }
 
 TEST(FindEncodingOfAnything, OfOneByteAboveAsciiIsUnsure) {

@@ -42,6 +42,33 @@ TEST(IcuDecoder, PutsExchangedControlsBack) {
   }
 }
 
+// Blocks of units that stay as they are are passed over: no place may be special. In IBM437 and
+// Shift_JIS controls are exchanged, in GB18030 the last character is a pair.
+TEST(IcuDecoder, PutsOneUnitRightAtEveryPlace) {
+  struct Odd {
+    const char* encoding;
+    std::string bytes;
+    std::u16string units;
+  };
+  constexpr std::size_t kUnits = 200;
+  for (const Odd& odd : {Odd{"IBM437", "\x1A", u"\x1A"}, Odd{"Shift_JIS", "\x1C", u"\x1C"},
+                         Odd{"Shift_JIS", "\x7F", u"\x7F"}, Odd{"GB18030", "\x7F", u"\x7F"},
+                         Odd{"GB18030", "\x94\x39\xFC\x36", u"\xD83D"}}) {
+    IcuDecoder decoder(odd.encoding, true);
+    for (std::size_t place = 0; place <= kUnits; ++place) {
+      const std::string bytes =
+          std::string(place, 'a') + odd.bytes + std::string(kUnits - place, 'b');
+      const std::u16string units =
+          std::u16string(place, u'a') + odd.units + std::u16string(kUnits - place, u'b');
+      for (const std::size_t room : std::initializer_list<std::size_t>{kEnoughRoom, 4'096}) {
+        decoder.reset();
+        EXPECT_EQ(first_difference(decoded(decoder, bytes, room), units), kNoDifference)
+            << odd.encoding << ", place " << place;
+      }
+    }
+  }
+}
+
 TEST(IcuDecoder, PairsWaitForTheirOtherHalfWhateverTheRoom) {
   const std::string high = "\xED\xA0\xBD";
   const std::string low = "\xED\xB8\x80";

@@ -65,6 +65,41 @@ TEST(SingleByteDecoder, AgreesWithIcuOnAllBytesInARow) {
   }
 }
 
+// Blocks of bytes that stand for the characters of their numbers are not looked up: which these are
+// differs between the encodings, and no place may be special. In some a byte is ill-formed.
+TEST(SingleByteDecoder, AgreesWithIcuWhereverABlockIsBroken) {
+  constexpr std::size_t kBytes = 2 * 64 + 10;  // two blocks and something behind them
+  for (const char* encoding : {"windows-1252", "ISO-8859-1", "ISO-8859-15", "windows-1251",
+                               "windows-1253", "IBM037", "US-ASCII"}) {
+    BothRoutes routes(encoding, true);
+    for (const char odd : {'\x7F', '\x80', '\x9F', '\xA0', '\xA4', '\xAA', '\xE9', '\xFF'}) {
+      for (std::size_t place = 0; place <= kBytes; ++place) {
+        const std::string bytes = std::string(place, 'a') + odd + std::string(kBytes - place, 'b');
+        for (const std::size_t chunk : {bytes.size(), std::size_t{65}}) {
+          routes.reset(true);
+          ASSERT_EQ(first_different_answer(answers_of(routes.fast(), bytes, chunk),
+                                           answers_of(routes.icu(), bytes, chunk)),
+                    "")
+              << encoding << ", place " << place;
+        }
+      }
+    }
+    EXPECT_TRUE(routes.fast().is_fast()) << encoding;
+  }
+}
+
+// The units that find no room wait, wherever in a block the room ends.
+TEST(SingleByteDecoder, FillsAnyRoomToItsEnd) {
+  std::string bytes;
+  for (int round = 0; round < 20; ++round) bytes += "north \xE9\x80,";
+  for (std::size_t room = 0; room <= bytes.size(); ++room) {
+    BothRoutes routes("windows-1252", true);
+    const DecoderAnswer answer = answer_of(routes.fast(), bytes, room, true);
+    EXPECT_EQ(answer.units.size(), room);
+    EXPECT_EQ(answer, answer_of(routes.icu(), bytes, room, true)) << room;
+  }
+}
+
 // Encodings with characters of several bytes, or with a state, are none of its business.
 TEST(SingleByteDecoder, IsNotTakenForOtherEncodings) {
   for (const char* name :

@@ -139,6 +139,8 @@ const SymbolsCase kTimePatterns[] = {
       u"yyyy-mm-ddThh:mm:ssZ"}},
     {"WithoutSeparators", {u"yyyymmdd", u"HHMMSS", u"hhmm", u"yyyymmddThhmmss"}},
     {"InBrackets", {u"[hh:mm:ss]", u"(yyyy-mm-dd)"}},
+    {"JustNotTooLong",
+     {u"yyyy-mm-dd hh:mm:ss yyyy-mm-dd h", u"[yyyy-mm-dd hh:mm:ss yyyy-mm-dd h]"}},
     {"TheYearAlone", {u"yyyy", u"YYYY"}},
     {"Zones", {u"UTC", u"utc", u"GMT", u"local time", u"ISO 8601"}},
 };
@@ -153,7 +155,7 @@ const SymbolsCase kNotTimePatterns[] = {
       u"mast", u"ddt"}},
     {"Values", {u"2024-01-01", u"12:30", u"10 mm"}},
     {"RunsTooLong", {u"yyyyy-mm-dd", u"hh:mmmmm"}},
-    {"TooLong", {u"yyyy-mm-dd hh:mm:ss yyyy-mm-dd hh"}},
+    {"TooLong", {u"yyyy-mm-dd hh:mm:ss yyyy-mm-dd hh", u"[yyyy-mm-dd hh:mm:ss yyyy-mm-dd hh]"}},
 };
 
 class IsTimePatternAccepted : public testing::TestWithParam<SymbolsCase> {};
