@@ -3,7 +3,6 @@
 #include "scoring/strategy_valuation.hpp"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "scoring/header_lines.hpp"
@@ -14,11 +13,11 @@
 namespace textio {
 namespace {
 
-// Moves `h` on by one for each empty line up to it, those that come so included: skip_to_data
-// without a list of the empty lines, of which there may be millions.
+// Moves `h`, the number of a line, on by one for each empty line up to it, those that come so
+// included: skip_to_data without a list of the empty lines, of which there may be millions.
 std::size_t skip_empty_lines(std::size_t h, const std::vector<std::size_t>& line_counts) {
   for (std::size_t i = 0; i < line_counts.size() && i <= h; ++i) {
-    if (line_counts[i] == 0 && h != std::numeric_limits<std::size_t>::max()) ++h;
+    if (line_counts[i] == 0) ++h;
   }
   return h;
 }
