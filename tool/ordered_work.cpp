@@ -26,7 +26,10 @@
 namespace textio::tool {
 namespace {
 
-constexpr std::chrono::milliseconds kPatience{100};
+// The calling thread is woken when so many tasks were finished, when the last one was, and after
+// so long: a small file takes hardly longer than to wake a thread.
+constexpr std::size_t kTasksToWakeFor = 16;
+constexpr std::chrono::milliseconds kPatience{20};
 
 struct Outcome {
   Answer answer;
@@ -112,14 +115,16 @@ class Crew {
   }
 
   void settle(std::size_t task, Outcome outcome) {
+    bool is_worth_waking = false;
     {
       const std::lock_guard<std::mutex> lock(mutex_);
       --num_under_way_;
       outcome.is_counted = !outcome.lacked_memory;
       if (outcome.is_counted) ++num_finished_;
       slots_[task] = std::move(outcome);
+      is_worth_waking = ++num_unseen_ >= kTasksToWakeFor || are_threads_done();
     }
-    changed_.notify_one();
+    if (is_worth_waking) changed_.notify_one();
   }
 
   Outcome outcome_at(std::size_t task) {
@@ -136,7 +141,7 @@ class Crew {
 
   // The outcome of a task that was left to the calling thread.
   Outcome outcome_alone(std::size_t task, bool is_counted) {
-    wait_until([&] { return next_ >= plan_.num_tasks && num_under_way_ == 0; });
+    wait_until([&] { return are_threads_done(); });
     join();
     Outcome outcome = outcome_of(steps_, task);
     const bool may_try_again = outcome.lacked_memory && !is_one_by_one(task);
@@ -162,12 +167,16 @@ class Crew {
     std::unique_lock<std::mutex> lock(mutex_);
     while (!is_so()) {
       changed_.wait_for(lock, kPatience);
+      num_unseen_ = 0;
       const std::size_t finished = num_finished_;
       lock.unlock();
       steps_.finished(finished);
       lock.lock();
     }
   }
+
+  // With the mutex locked.
+  bool are_threads_done() const { return next_ >= plan_.num_tasks && num_under_way_ == 0; }
 
   std::size_t num_finished_now() {
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -192,6 +201,7 @@ class Crew {
   std::size_t next_ = 0;                       // task
   std::size_t num_under_way_ = 0;
   std::size_t num_finished_ = 0;
+  std::size_t num_unseen_ = 0;  // finished since the calling thread was last woken
   std::list<WorkerThread> threads_;
 };
 
