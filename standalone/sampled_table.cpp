@@ -14,15 +14,10 @@
 #include "strategy/fixed_width_strategy.hpp"
 #include "strategy/line_reader_strategy.hpp"
 #include "strategy/line_walk.hpp"
+#include "strategy/scan.hpp"
 
 namespace textio::standalone {
 namespace {
-
-constexpr char16_t kEndMark = 0xFFFF;
-
-bool ends_at(const Field& text, std::size_t pos) {
-  return pos >= text.length || text.data[pos] == kEndMark;
-}
 
 bool is_blank(const Field& line, const std::u16string& whitespace) {
   return std::u16string_view(line.data, line.length).find_first_not_of(whitespace) ==
@@ -92,7 +87,7 @@ class SampleWalk {
     const std::size_t end = text_lines_.end();
     if (!ends_at(sample_, end)) {
       const bool is_kept = next_kept && text_lines_.ends_with(*next_kept);
-      const bool is_empty = pos == end && !may_open_line(sample_.data[pos]);
+      const bool is_empty = pos == end && !contains(kAlignedLineOpeners, sample_.data[pos]);
       if (is_kept || is_empty) return {is_kept, is_empty, number, number, text_lines_.next()};
     }
     const FieldExtent line = walk_.line_at(pos);
@@ -102,10 +97,6 @@ class SampleWalk {
   }
 
  private:
-  // A line ending may begin with a unit that opens a quoted field, or that is a blank in front of
-  // aligned ones.
-  static bool may_open_line(char16_t unit) { return unit == u'"' || unit == u' ' || unit == u'\t'; }
-
   const Field& sample_;
   const std::u16string& whitespace_;
   TextLines text_lines_;

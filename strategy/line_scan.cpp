@@ -8,14 +8,6 @@
 #include "strategy/unit_finder.hpp"
 
 namespace textio {
-namespace {
-
-// A quote at the start of a line opens a field that may hold line endings.
-constexpr std::u16string_view kQuote = u"\"";
-constexpr std::u16string_view kQuoteOrBlank = u"\" \t";
-
-}  // namespace
-
 // Field by field.
 template <typename Own>
 class LineScan::Fieldwise final : public LineScan {
@@ -67,11 +59,12 @@ class LineScan::Virtual final : public LineScan {
 
 std::unique_ptr<LineScan> LineScan::of(const Strategy& strategy, const Field& text) {
   if (const auto* own = as_own<DelimitedStrategy>(strategy)) {
-    return std::make_unique<Fieldwise<DelimitedStrategy>>(*own, own->tokenizer_, text, kQuote);
+    return std::make_unique<Fieldwise<DelimitedStrategy>>(*own, own->tokenizer_, text,
+                                                          kLineOpeners);
   }
   if (const auto* own = as_own<SpaceAlignedStrategy>(strategy)) {
     return std::make_unique<Fieldwise<SpaceAlignedStrategy>>(*own, own->tokenizer_, text,
-                                                             kQuoteOrBlank);
+                                                             kAlignedLineOpeners);
   }
   if (const auto* own = as_own<FixedWidthStrategy>(strategy)) {
     return std::make_unique<Unitwise<FixedWidthStrategy>>(*own, text, own->stop_chars());

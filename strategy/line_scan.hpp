@@ -54,7 +54,7 @@ class LineScan {
 
  protected:
   // `endings` are those of the strategy, null if they are not known; a line that begins with one of
-  // `openers` is not empty, whatever ends there.
+  // `openers` may be another than the line ending behind it says, and is not told to be empty.
   LineScan(const Field& text, const MarkerMatcher* endings, std::u16string_view openers)
       : text_(text), endings_(endings), openers_(openers) {}
 
@@ -71,8 +71,8 @@ class LineScan {
   std::u16string_view openers_;
 };
 
-// `strategy` as one of the library's own classes; null when it is of another class, be it one derived
-// from that: what is known of the library's is not known of these.
+// `strategy` as one of the library's own classes; null when it is of another class, be it one
+// derived from that: what is known of the library's is not known of these.
 template <typename Own>
 const Own* as_own(const Strategy& strategy) {
   return typeid(strategy) == typeid(Own) ? static_cast<const Own*>(&strategy) : nullptr;

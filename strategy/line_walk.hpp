@@ -1,7 +1,8 @@
 // LineWalk: the lines of one text, as a strategy finds them, one after the other.
 //
 //   LineWalk walk(strategy, text);
-//   while (pos < text.length) pos = walk.line_at(pos).next;
+//   const FieldExtent first = walk.line_at(0);
+//   const FieldExtent second = walk.line_at(first.next);   // in front of a U+FFFF it stands still
 //
 // Gives what Strategy::get_line_extent gives, and remembers from one line to the next what it saw
 // of the text.

@@ -43,7 +43,8 @@ MarkerMatcher::MarkerMatcher(std::shared_ptr<const DelimiterSet> set) : set_(std
   }
 }
 
-// One of the first units stands at `i`, or behind the end of the text, where no marker of many fits.
+// One of the first units stands at `i`. It may lie behind the end of the text, where none of many
+// markers fits.
 std::size_t MarkerMatcher::length_of_several_at(const Field& text, std::size_t i) const {
   if (index_ && i < text.length && index_->is_bound_to(text)) return index_->length_at(i);
   return match_marker(*set_, text, i);

@@ -34,6 +34,11 @@ inline char16_t fold_ascii(char16_t unit) {
   return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 32) : unit;
 }
 
+// A line that begins with one of these need not end where a line ending stands behind it: a quote
+// opens a field that may hold line endings. In front of aligned fields blanks are passed over.
+inline constexpr std::u16string_view kLineOpeners = u"\"";
+inline constexpr std::u16string_view kAlignedLineOpeners = u"\" \t";
+
 inline bool contains(std::u16string_view set, char16_t unit) { return set.find(unit) != set.npos; }
 
 // The first position from `i` on whose unit is in `set`, the text's length when there is none; `i`

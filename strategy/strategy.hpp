@@ -101,7 +101,7 @@ class VLTEXTSTREAM_EXPORT Strategy {
   // The caller's promise that a text does not change while this object lives:
   //
   //   const Strategy::StableText stable(strategy, text);
-  //   while (pos < text.length) pos = strategy.get_line_extent(text, pos).next;
+  //   const std::size_t next = strategy.get_line_extent(text, pos).next;   // and so on
   //
   // Ownership  refers to the strategy and the text, which must outlive it. Of several for one
   //            strategy the one made last must go first.

@@ -38,8 +38,8 @@ struct UnitKernel {
 // The kernels that this machine can run, the fastest first; the last is the plain loop.
 std::span<const UnitKernel> unit_kernels();
 
-// Lets finders that are made from now on, in all threads, search by `kernel`: for tests. Returns the
-// one that they searched by until now.
+// Lets finders that are made from now on, in all threads, search by `kernel`: for tests. Returns
+// the one that they searched by until now.
 const UnitKernel& use_unit_kernel(const UnitKernel& kernel);
 
 class UnitFinder {

@@ -347,7 +347,7 @@ int main(int argc, char** argv) {
     arguments.given = given_options(app, flags);
     arguments.settings = settings_of(arguments);
     arguments.num_threads = thread_count(arguments);
-    if (arguments.num_threads > 1) textio::tool::share_heap_if_memory_is_limited();
+    textio::tool::share_heap_if_memory_is_limited();
     return run(arguments);
   } catch (const CLI::CallForHelp&) {
     return print(textio::tool::help_text(), 0);

@@ -2,10 +2,10 @@
 // calling thread empties the slots from the first to the last, waiting where one is still empty.
 //
 // Two kinds of tasks are left to the calling thread: those that are to be worked on one by one, and
-// those that ran out of memory, which another task may have held. When the turn of the first of them
-// comes, the threads do all the rest and end, for each of them holds memory, too. If it still lacks
-// memory, the answers that wait behind it are forgotten, and made anew when their turn comes: then
-// nothing is held that one thread would not hold.
+// those that ran out of memory, which another task may have held. When the turn of the first of
+// them comes, the threads do all the rest and end, for each of them holds memory, too. If it still
+// lacks memory, the answers that wait behind it are forgotten, and made anew when their turn comes:
+// then nothing is held that one thread would not hold.
 #include "tool/ordered_work.hpp"
 
 #include <algorithm>

@@ -5,8 +5,8 @@
 //                  .deliver = [&](const Answer& answer) { print(answer); },
 //                  .finished = [&](std::size_t count) { progress.show(count); }});
 //
-// The answers are those of one thread: a task that runs out of memory beside others is worked on a
-// second time when no other is under way, and what it gives then counts.
+// The answers are those of one thread: a task that runs out of memory beside others is worked on
+// again when no other is under way, and what it gives then counts.
 //
 // Errors     what `work` throws is thrown again when the turn of its task comes; the tasks that are
 //            under way are waited for then, and no other is begun.

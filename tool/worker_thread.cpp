@@ -1,5 +1,5 @@
-// The stack is memory of our own, which goes back to the system. Its lowest page can be neither read
-// nor written, as that of any stack.
+// The stack is memory of our own, which goes back to the system. Its lowest page can be neither
+// read nor written, as that of any stack.
 #include "tool/worker_thread.hpp"
 
 #include <new>

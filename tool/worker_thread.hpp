@@ -7,8 +7,8 @@
 // their own what threads asked for. Where memory is limited, what comes later would lack it.
 //
 // Ownership  owns the stack, which is as large as that of any other thread.
-// Errors     the constructor throws std::bad_alloc or std::system_error; what `work` throws ends the
-//            program.
+// Errors     the constructor throws std::bad_alloc or std::system_error; what `work` throws ends
+//            the program.
 // Threads    join() is called once, in the thread that made it, and before it goes.
 #pragma once
 

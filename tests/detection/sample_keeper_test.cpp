@@ -155,7 +155,7 @@ TEST(SampleKeeperPutAway, CountsTheLinesOfAllThatItKept) {
   EXPECT_EQ(second.lines().size(), 2U);
 }
 
-// --- samples one after the other -------------------------------------------------------------------
+// --- samples one after the other -----------------------------------------------------------------
 
 // To commas the text is one line, to the line reader six.
 struct OrderCase {

@@ -728,7 +728,7 @@ TEST(FileTextSourceOpen, TheFileIsClosedWithTheSourceAndAfterAFailure) {
   EXPECT_EQ(open_descriptors(), before);
 }
 
-// --- an open stream, handed over and back ---------------------------------------------------------
+// --- an open stream, handed over and back --------------------------------------------------------
 
 // The reading end of a pipe that holds `bytes`.
 std::FILE* pipe_with(std::string_view bytes) {

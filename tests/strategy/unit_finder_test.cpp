@@ -147,7 +147,7 @@ TEST(UnitFinder, GivesTheLengthAtAndBehindTheEnd) {
   EXPECT_EQ(of_many.next(5), 4U);
 }
 
-// --- kernels and order ----------------------------------------------------------------------------
+// --- kernels and order ---------------------------------------------------------------------------
 
 TEST(UnitKernels, EndWithThePlainLoop) {
   ASSERT_FALSE(unit_kernels().empty());

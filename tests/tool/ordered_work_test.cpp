@@ -205,7 +205,7 @@ TEST(WorkInOrder, PassesTextAndProblemOn) {
   EXPECT_EQ(problems, (std::vector<std::string>{"problem 0", "problem 1"}));
 }
 
-// --- memory that runs out --------------------------------------------------------------------------
+// --- memory that runs out ------------------------------------------------------------------------
 
 enum class Told { as_problem, as_exception };
 
@@ -220,8 +220,8 @@ const LackCase kLackCases[] = {
     {"Exception", Told::as_exception},
 };
 
-// Tasks of which some lack memory at their first tries. The first four meet, so that none of them is
-// alone.
+// Tasks of which some lack memory at their first tries. The first four meet, so that none of them
+// is alone.
 class WorkThatLacksMemory : public testing::TestWithParam<LackCase> {
  protected:
   // How often each task lacks memory, and how often it was worked on.
@@ -334,7 +334,7 @@ TEST(WorkInOrder, WorksOnceAndAloneOnTasksThatShare) {
   EXPECT_EQ(problems, expected);
 }
 
-// --- threads ---------------------------------------------------------------------------------------
+// --- threads -------------------------------------------------------------------------------------
 
 struct ThreadCase {
   const char* rule;
