@@ -372,6 +372,7 @@ STEP_FIGURES = [
     StepFigure("all lines", "the same, all lines of a text of 4 MB, 4 candidate characters", "pick_all"),
     StepFigure("quoted", "the same, quoted fields", "pick_quoted"),
     StepFigure("56 candidates", "the same, 56 candidate characters", "pick_56"),
+    StepFigure("aligned", "`detect_layout` of a file of 4 MB of space-aligned columns, all lines", "detect_aligned"),
     StepFigure("10 KB", "`detect_layout` of a file of 10 KB, nothing given", "detect_small"),
     StepFigure("2,000 files", "the tool, as a process, on 2,000 such files with its defaults: the time that passes",
                "many_files"),

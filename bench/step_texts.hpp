@@ -10,6 +10,7 @@ namespace textio::bench {
 // Tables in ASCII, a full sample each; the others a little more, so that there is something to cut.
 constexpr const char* kRegularText = "regular.csv";
 constexpr const char* kQuotedText = "quoted.csv";
+constexpr const char* kAlignedText = "aligned.txt";
 constexpr const char* kAllCandidatesText = "all_candidates.csv";
 constexpr const char* kAsciiText = "ascii.csv";
 constexpr const char* kTwoByteText = "two_byte.csv";

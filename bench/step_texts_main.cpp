@@ -40,6 +40,7 @@ std::string encoded(const std::string& name) {
 void write_all(const std::string& folder) {
   write(folder + kRegularText, bytes_of("regular", kSampleUnits));
   write(folder + kQuotedText, bytes_of("quoted", kSampleUnits));
+  write(folder + kAlignedText, bytes_of("aligned", kSampleUnits));
   write(folder + kAllCandidatesText, bytes_of("all_candidates", kSampleUnits));
   write(folder + kAsciiText, encoded("ascii"));
   write(folder + kTwoByteText, encoded("utf8_two_byte"));

@@ -85,9 +85,10 @@ Step run_tool() {
   return {[arguments] { run_or_throw(arguments); }};
 }
 
-DetectSettings utf8_settings() {
+DetectSettings utf8_settings(unsigned long num_lines) {
   DetectSettings settings;
   settings.encoding = "UTF-8";
+  settings.num_lines = num_lines;
   return settings;
 }
 
@@ -99,7 +100,9 @@ void add_all() {
   add_step("pick_quoted", [] { return pick_strategy(path_of(kQuotedText), kAllLines); });
   add_step("pick_56", [] { return pick_strategy(path_of(kAllCandidatesText), kAllLines); });
   add_step("long_delimiter", detect_with_long_delimiter);
-  add_step("detect_100", [] { return detect_file(path_of(kRegularText), utf8_settings()); });
+  add_step("detect_100", [] { return detect_file(path_of(kRegularText), utf8_settings(100)); });
+  add_step("detect_aligned",
+           [] { return detect_file(path_of(kAlignedText), utf8_settings(kAllLines)); });
   add_step("detect_small", [] { return detect_file(path_of(kSmallText), {}); });
   add_step("many_files", run_tool, Clock::real);
 }
