@@ -11,6 +11,7 @@
 #include <vltextstream/host/error_channel.hpp>
 #include <vltextstream/host/export.hpp>
 #include <vltextstream/host/file_layer.hpp>
+#include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/options/option_errors.hpp>
 #include <vltextstream/options/parser_options.hpp>
 #include <vltextstream/options/set_parser_options.hpp>
@@ -24,9 +25,8 @@
 #include <vltextstream/source/memory_text_source.hpp>
 #include <vltextstream/source/text_source.hpp>
 #include <vltextstream/source/text_stream.hpp>
-#include <vltextstream/standalone/array.hpp>
-#include <vltextstream/standalone/detect_layout.hpp>
-#include <vltextstream/standalone/utf_text.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
+#include <vltextstream/standalone/services/array.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>
 #include <vltextstream/strategy/field.hpp>
 #include <vltextstream/strategy/field_array.hpp>

@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
+#include <vltextstream/host/datetime.hpp>
+#include <vltextstream/standalone/dates/date_locale.hpp>
+#include <vltextstream/strategy/field.hpp>
 #include "bench/measure.hpp"
-#include "host/datetime.hpp"
-#include "standalone/date_locale.hpp"
-#include "strategy/field.hpp"
 
 namespace textio::bench {
 namespace {

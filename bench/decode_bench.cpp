@@ -8,9 +8,9 @@
 
 #include <vltextstream/vltextstream.hpp>
 
+#include <vltextstream/standalone/decoding/text_decoder.hpp>
 #include "bench/encoded_texts.hpp"
 #include "bench/measure.hpp"
-#include "standalone/text_decoder.hpp"
 
 namespace textio::bench {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include <vltextstream/standalone/utf_text.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
 
 #include "bench/shapes.hpp"
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include <vltextstream/standalone/detect_layout.hpp>
+#include <vltextstream/layout/detect_layout.hpp>
 
 namespace textio::bench {
 

@@ -11,23 +11,23 @@
 #include <utility>
 #include <vector>
 
+#include <vltextstream/detection/candidates.hpp>
+#include <vltextstream/detection/fixed_stream.hpp>
+#include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/scoring/datatype_inspection.hpp>
+#include <vltextstream/scoring/datatype_recognizers.hpp>
+#include <vltextstream/scoring/header_lines.hpp>
+#include <vltextstream/scoring/line_statistics.hpp>
+#include <vltextstream/source/file_text_source.hpp>
+#include <vltextstream/source/memory_text_source.hpp>
+#include <vltextstream/source/text_stream.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include "bench/encoded_texts.hpp"
 #include "bench/measure.hpp"
 #include "bench/shapes.hpp"
-#include "detection/candidates.hpp"
-#include "detection/fixed_stream.hpp"
-#include "detection/strategy_selector.hpp"
-#include "scoring/datatype_inspection.hpp"
-#include "scoring/datatype_recognizers.hpp"
-#include "scoring/header_lines.hpp"
-#include "scoring/line_statistics.hpp"
-#include "source/file_text_source.hpp"
-#include "source/memory_text_source.hpp"
-#include "source/text_stream.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
-#include "strategy/space_aligned_strategy.hpp"
 #include "support/temp_file.hpp"
 
 namespace textio::bench {

@@ -20,7 +20,7 @@ function(use_project_settings target)
       # Scores are compared exactly: no operation may be fused into another.
       -ffp-contract=off)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}
-      ${PROJECT_BINARY_DIR}/include)
+      ${PROJECT_SOURCE_DIR}/include)
   set_target_properties(${target} PROPERTIES
       CXX_EXTENSIONS OFF
       CXX_VISIBILITY_PRESET hidden

@@ -2,18 +2,18 @@
 // each such character one delimited candidate is built; for the space, also a space-aligned one,
 // which turns into a fixed-width one when all its data lines have one length and columns of blanks
 // run through them.
-#include "detection/candidates.hpp"
+#include <vltextstream/detection/candidates.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
 
-#include "scoring/line_statistics.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/scan.hpp"
-#include "strategy/space_aligned_strategy.hpp"
+#include <vltextstream/scoring/line_statistics.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/scan.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 
 namespace textio::detection {
 namespace {

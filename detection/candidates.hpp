@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "detection/sample_keeper.hpp"
-#include "detection/selection_trace.hpp"
-#include "options/parser_options.hpp"
-#include "strategy/strategy.hpp"
+#include <vltextstream/detection/sample_keeper.hpp>
+#include <vltextstream/detection/selection_trace.hpp>
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 
 namespace textio::detection {
 

@@ -1,10 +1,10 @@
-#include "detection/fixed_stream.hpp"
+#include <vltextstream/detection/fixed_stream.hpp>
 
 #include <optional>
 
-#include "host/delimiter_set.hpp"
-#include "strategy/marker_index.hpp"
-#include "strategy/marker_matcher.hpp"
+#include <vltextstream/host/delimiter_set.hpp>
+#include <vltextstream/strategy/marker_index.hpp>
+#include <vltextstream/strategy/marker_matcher.hpp>
 
 namespace textio {
 namespace {

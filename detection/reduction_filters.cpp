@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "detection/strategy_selector.hpp"
-#include "strategy/delimiter_priority.hpp"
+#include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/strategy/delimiter_priority.hpp>
 
 namespace textio::detection {
 namespace {

@@ -1,10 +1,10 @@
-#include "detection/sample_keeper.hpp"
+#include <vltextstream/detection/sample_keeper.hpp>
 
 #include <algorithm>
 #include <limits>
 #include <vector>
 
-#include "strategy/sample_cut.hpp"
+#include <vltextstream/strategy/sample_cut.hpp>
 
 namespace textio::detection {
 

@@ -18,8 +18,8 @@
 #include <functional>
 #include <vector>
 
-#include "strategy/field.hpp"
-#include "strategy/strategy.hpp"
+#include <vltextstream/strategy/field.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 
 namespace textio::detection {
 

@@ -1,14 +1,14 @@
 // The cascade of a selection: dates as a whole, no sample, no candidate, one candidate, and then
 // the filters one after the other until one candidate is left.
-#include "detection/strategy_selector.hpp"
+#include <vltextstream/detection/strategy_selector.hpp>
 
 #include <iterator>
 #include <numeric>
 #include <utility>
 
-#include "detection/candidates.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
+#include <vltextstream/detection/candidates.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
 
 namespace textio::detection {
 namespace {

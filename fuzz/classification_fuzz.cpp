@@ -3,12 +3,12 @@
 #include <cstdint>
 #include <string>
 
+#include <vltextstream/host/datetime.hpp>
+#include <vltextstream/scoring/datatype_recognizers.hpp>
 #include "fuzz/check.hpp"
 #include "fuzz/choices.hpp"
 #include "fuzz/input.hpp"
-#include "host/datetime.hpp"
 #include "reference/reference.hpp"
-#include "scoring/datatype_recognizers.hpp"
 #include "support/exact_text.hpp"
 
 namespace textio::fuzz {

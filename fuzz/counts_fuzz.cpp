@@ -9,13 +9,13 @@
 #include <string>
 #include <vector>
 
+#include <vltextstream/host/datetime.hpp>
+#include <vltextstream/scoring/header_lines.hpp>
+#include <vltextstream/scoring/line_statistics.hpp>
 #include "differential/comparison.hpp"
 #include "fuzz/check.hpp"
 #include "fuzz/input.hpp"
-#include "host/datetime.hpp"
 #include "reference/reference.hpp"
-#include "scoring/header_lines.hpp"
-#include "scoring/line_statistics.hpp"
 #include "support/exact_text.hpp"
 #include "support/unit_strategy.hpp"
 

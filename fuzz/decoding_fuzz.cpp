@@ -7,12 +7,12 @@
 #include <string>
 #include <string_view>
 
+#include <vltextstream/host/code_converter.hpp>
+#include <vltextstream/source/file_text_source.hpp>
 #include "fuzz/check.hpp"
 #include "fuzz/encodings.hpp"
 #include "fuzz/input.hpp"
 #include "fuzz/memory_file.hpp"
-#include "host/code_converter.hpp"
-#include "source/file_text_source.hpp"
 
 namespace textio::fuzz {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "detection/strategy_selector.hpp"
+#include <vltextstream/detection/strategy_selector.hpp>
 #include "differential/comparison.hpp"
 #include "fuzz/check.hpp"
 #include "fuzz/choices.hpp"

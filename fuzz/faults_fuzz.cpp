@@ -12,13 +12,13 @@
 #include <string_view>
 #include <utility>
 
+#include <vltextstream/host/file_layer.hpp>
+#include <vltextstream/layout/detect_layout.hpp>
 #include "differential/comparison.hpp"
 #include "fuzz/check.hpp"
 #include "fuzz/choices.hpp"
 #include "fuzz/layout_text.hpp"
 #include "fuzz/memory_file.hpp"
-#include "host/file_layer.hpp"
-#include "standalone/detect_layout.hpp"
 
 namespace textio::fuzz {
 namespace {

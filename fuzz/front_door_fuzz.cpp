@@ -12,12 +12,12 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <vltextstream/layout/detect_layout.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
 #include "differential/comparison.hpp"
 #include "fuzz/check.hpp"
 #include "fuzz/choices.hpp"
 #include "fuzz/layout_text.hpp"
-#include "standalone/detect_layout.hpp"
-#include "standalone/utf_text.hpp"
 
 namespace textio::fuzz {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "standalone/layout.hpp"
+#include <vltextstream/layout/layout.hpp>
 #include "support/layout_text.hpp"
 
 namespace textio::fuzz {

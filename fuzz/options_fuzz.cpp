@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
+#include <vltextstream/options/option_values.hpp>
+#include <vltextstream/options/set_parser_options.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
+#include <vltextstream/standalone/services/array.hpp>
 #include "fuzz/check.hpp"
 #include "fuzz/input.hpp"
 #include "fuzz/option_names.hpp"
-#include "options/option_values.hpp"
-#include "options/set_parser_options.hpp"
-#include "standalone/array.hpp"
-#include "standalone/utf_text.hpp"
 #include "support/option_calls.hpp"
 
 namespace textio::fuzz {

@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/scan.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include "differential/comparison.hpp"
 #include "fuzz/check.hpp"
 #include "fuzz/choices.hpp"
 #include "reference/reference.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
-#include "strategy/scan.hpp"
-#include "strategy/space_aligned_strategy.hpp"
 #include "support/exact_text.hpp"
 
 namespace textio::fuzz {

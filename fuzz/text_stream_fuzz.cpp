@@ -9,13 +9,13 @@
 #include <utility>
 #include <vector>
 
-#include "detection/fixed_stream.hpp"
+#include <vltextstream/detection/fixed_stream.hpp>
+#include <vltextstream/source/text_stream.hpp>
 #include "fuzz/arena_source.hpp"
 #include "fuzz/check.hpp"
 #include "fuzz/choices.hpp"
 #include "fuzz/input.hpp"
 #include "reference/reference.hpp"
-#include "source/text_stream.hpp"
 
 namespace textio::fuzz {
 namespace {

@@ -1,4 +1,4 @@
-#include "options/option_errors.hpp"
+#include <vltextstream/options/option_errors.hpp>
 
 namespace textio::options {
 namespace {

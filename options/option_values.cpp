@@ -1,10 +1,10 @@
-#include "options/option_values.hpp"
+#include <vltextstream/options/option_values.hpp>
 
 #include <cstring>
 #include <limits>
 #include <utility>
 
-#include "options/raise_option_error.hpp"
+#include <vltextstream/options/raise_option_error.hpp>
 
 namespace textio::options {
 namespace {

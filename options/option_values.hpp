@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/array.hpp"
+#include <vltextstream/host/array.hpp>
 
 namespace textio::options {
 

@@ -1,4 +1,4 @@
-#include "options/parser_options.hpp"
+#include <vltextstream/options/parser_options.hpp>
 
 #include <limits>
 

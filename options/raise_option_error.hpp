@@ -3,8 +3,8 @@
 
 #include <boost/throw_exception.hpp>
 
-#include "host/error_channel.hpp"
-#include "options/option_errors.hpp"
+#include <vltextstream/host/error_channel.hpp>
+#include <vltextstream/options/option_errors.hpp>
 
 namespace textio::options {
 

@@ -1,6 +1,6 @@
 // One setter for each option, and a table of their names. A setter converts its value completely
 // before it writes to the record, so that one that fails changes nothing.
-#include "options/set_parser_options.hpp"
+#include <vltextstream/options/set_parser_options.hpp>
 
 #include <algorithm>
 #include <iterator>
@@ -10,8 +10,8 @@
 #include <type_traits>
 #include <utility>
 
-#include "options/option_values.hpp"
-#include "options/raise_option_error.hpp"
+#include <vltextstream/options/option_values.hpp>
+#include <vltextstream/options/raise_option_error.hpp>
 
 namespace textio::options {
 namespace {

@@ -1,12 +1,12 @@
-#include "scoring/datatype_inspection.hpp"
+#include <vltextstream/scoring/datatype_inspection.hpp>
 
 #include <algorithm>
 #include <functional>
 #include <utility>
 
-#include "scoring/datatype_recognizers.hpp"
-#include "scoring/line_fields.hpp"
-#include "strategy/strategy.hpp"
+#include <vltextstream/scoring/datatype_recognizers.hpp>
+#include <vltextstream/scoring/line_fields.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
 namespace {

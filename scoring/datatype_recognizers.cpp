@@ -1,14 +1,14 @@
 // The order of the questions in `classify_text` is what counts: a text without a digit is text, so
 // that a column of "NaN" is not numeric, and a number is never asked whether it is a date.
-#include "scoring/datatype_recognizers.hpp"
+#include <vltextstream/scoring/datatype_recognizers.hpp>
 
 #include <algorithm>
 #include <string_view>
 
 #include <cxxabi.h>
 
-#include "host/datetime.hpp"
-#include "strategy/scan.hpp"
+#include <vltextstream/host/datetime.hpp>
+#include <vltextstream/strategy/scan.hpp>
 
 namespace textio {
 namespace {

@@ -2,7 +2,7 @@
 // deviations, scaled by length, rises over the header and falls after it; where it bends most
 // sharply the header ends. Long runs without deviation are cut off first, and an answer that takes
 // most of the file for a header is not believed.
-#include "scoring/header_lines.hpp"
+#include <vltextstream/scoring/header_lines.hpp>
 
 #include <algorithm>
 

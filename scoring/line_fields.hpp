@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-#include "scoring/datatype_inspection.hpp"
-#include "strategy/field.hpp"
+#include <vltextstream/scoring/datatype_inspection.hpp>
+#include <vltextstream/strategy/field.hpp>
 
 namespace textio {
 

@@ -1,4 +1,4 @@
-#include "scoring/line_statistics.hpp"
+#include <vltextstream/scoring/line_statistics.hpp>
 
 #include <algorithm>
 #include <limits>

@@ -1,14 +1,14 @@
 // The valuation of a strategy: from the number of fields on each line follow the modal count, the
 // deviations from it, the header lines, the number of variables and, finally, the column classes.
-#include "scoring/strategy_valuation.hpp"
+#include <vltextstream/scoring/strategy_valuation.hpp>
 
 #include <algorithm>
 #include <utility>
 
-#include "scoring/header_lines.hpp"
-#include "scoring/line_statistics.hpp"
-#include "strategy/cut_rollback.hpp"
-#include "strategy/sample_cut.hpp"
+#include <vltextstream/scoring/header_lines.hpp>
+#include <vltextstream/scoring/line_statistics.hpp>
+#include <vltextstream/strategy/cut_rollback.hpp>
+#include <vltextstream/strategy/sample_cut.hpp>
 
 namespace textio {
 namespace {

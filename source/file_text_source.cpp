@@ -1,7 +1,7 @@
 // A fill asks for one byte per free unit, converts what came, folds surrogate pairs into single
 // units, and goes on with the room that is left. Whatever the converter has not finished stays in
 // the converter, so the chunk of bytes can live in the frame of the call.
-#include "source/file_text_source.hpp"
+#include <vltextstream/source/file_text_source.hpp>
 
 #include <algorithm>
 #include <cerrno>
@@ -11,8 +11,8 @@
 
 #include <sys/mman.h>
 
-#include "host/code_converter.hpp"
-#include "host/file_layer.hpp"
+#include <vltextstream/host/code_converter.hpp>
+#include <vltextstream/host/file_layer.hpp>
 
 namespace textio {
 namespace {

@@ -1,4 +1,4 @@
-#include "source/memory_text_source.hpp"
+#include <vltextstream/source/memory_text_source.hpp>
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // Most texts hold no surrogates: the blocks up to the first one are passed over at the speed of
 // vectors.
-#include "source/text_source.hpp"
+#include <vltextstream/source/text_source.hpp>
 
-#include "source/unit_block.hpp"
+#include <vltextstream/source/unit_block.hpp>
 
 namespace textio {
 namespace {

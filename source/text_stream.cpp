@@ -2,13 +2,13 @@
 // there; moving on reuses it: only when less than a thirty-second of the loaded text is left ahead
 // of the window is that rest moved to the front and the buffer filled up behind it. A search for
 // one unit passes over whole blocks at the speed of vectors.
-#include "source/text_stream.hpp"
+#include <vltextstream/source/text_stream.hpp>
 
 #include <algorithm>
 #include <limits>
 #include <string_view>
 
-#include "source/unit_block.hpp"
+#include <vltextstream/source/unit_block.hpp>
 
 namespace textio {
 namespace {

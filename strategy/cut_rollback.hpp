@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/strategy.hpp"
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
 

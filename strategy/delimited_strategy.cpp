@@ -1,8 +1,8 @@
-#include "strategy/delimited_strategy.hpp"
+#include <vltextstream/strategy/delimited_strategy.hpp>
 
-#include "strategy/delimiter_priority.hpp"
-#include "strategy/field_scan.hpp"
-#include "strategy/line_scan.hpp"
+#include <vltextstream/strategy/delimiter_priority.hpp>
+#include <vltextstream/strategy/field_scan.hpp>
+#include <vltextstream/strategy/line_scan.hpp>
 
 namespace textio {
 namespace {

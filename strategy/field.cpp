@@ -1,4 +1,4 @@
-#include "strategy/field.hpp"
+#include <vltextstream/strategy/field.hpp>
 
 #include <algorithm>
 

@@ -12,9 +12,9 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "strategy/field_tokenizer.hpp"
-#include "strategy/scan.hpp"
-#include "strategy/unit_finder.hpp"
+#include <vltextstream/strategy/field_tokenizer.hpp>
+#include <vltextstream/strategy/scan.hpp>
+#include <vltextstream/strategy/unit_finder.hpp>
 
 namespace textio {
 

@@ -1,6 +1,6 @@
-#include "strategy/field_tokenizer.hpp"
+#include <vltextstream/strategy/field_tokenizer.hpp>
 
-#include "strategy/field_scan.hpp"
+#include <vltextstream/strategy/field_scan.hpp>
 
 namespace textio {
 FieldTokenizer::FieldTokenizer(const std::vector<std::u16string>& delimiters,

@@ -1,13 +1,13 @@
-#include "strategy/fixed_width_strategy.hpp"
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
 
 #include <algorithm>
 #include <limits>
 #include <numeric>
 #include <stdexcept>
 
-#include "strategy/line_scan.hpp"
-#include "strategy/scan.hpp"
-#include "strategy/unit_finder.hpp"
+#include <vltextstream/strategy/line_scan.hpp>
+#include <vltextstream/strategy/scan.hpp>
+#include <vltextstream/strategy/unit_finder.hpp>
 
 namespace textio {
 namespace {

@@ -1,9 +1,9 @@
-#include "strategy/line_cleaning.hpp"
+#include <vltextstream/strategy/line_cleaning.hpp>
 
 #include <algorithm>
 #include <string_view>
 
-#include "strategy/scan.hpp"
+#include <vltextstream/strategy/scan.hpp>
 
 namespace textio {
 namespace {

@@ -1,8 +1,8 @@
 // Cleaning of a line before it is tested for being empty or a comment.
 #pragma once
 
-#include "strategy/field.hpp"
-#include "strategy/strategy.hpp"
+#include <vltextstream/strategy/field.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
 

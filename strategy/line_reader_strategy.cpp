@@ -1,8 +1,8 @@
-#include "strategy/line_reader_strategy.hpp"
+#include <vltextstream/strategy/line_reader_strategy.hpp>
 
-#include "strategy/line_scan.hpp"
-#include "strategy/scan.hpp"
-#include "strategy/unit_finder.hpp"
+#include <vltextstream/strategy/line_scan.hpp>
+#include <vltextstream/strategy/scan.hpp>
+#include <vltextstream/strategy/unit_finder.hpp>
 
 namespace textio {
 

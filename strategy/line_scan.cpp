@@ -1,11 +1,11 @@
-#include "strategy/line_scan.hpp"
+#include <vltextstream/strategy/line_scan.hpp>
 
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/field_scan.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
-#include "strategy/space_aligned_strategy.hpp"
-#include "strategy/unit_finder.hpp"
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/field_scan.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
+#include <vltextstream/strategy/unit_finder.hpp>
 
 namespace textio {
 // Field by field.

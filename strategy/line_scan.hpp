@@ -17,9 +17,9 @@
 #include <string_view>
 #include <typeinfo>
 
-#include "strategy/field.hpp"
-#include "strategy/marker_matcher.hpp"
-#include "strategy/strategy.hpp"
+#include <vltextstream/strategy/field.hpp>
+#include <vltextstream/strategy/marker_matcher.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
 

@@ -1,6 +1,6 @@
-#include "strategy/line_walk.hpp"
+#include <vltextstream/strategy/line_walk.hpp>
 
-#include "strategy/line_scan.hpp"
+#include <vltextstream/strategy/line_scan.hpp>
 
 namespace textio {
 

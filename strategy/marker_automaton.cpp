@@ -5,7 +5,7 @@
 // The reversed markers are sorted, so that the nodes can be numbered level by level without any
 // table: the children of a node lie beside each other and are found by bisection. Nothing depends
 // on hashes, which a text could be made to collide in.
-#include "strategy/marker_automaton.hpp"
+#include <vltextstream/strategy/marker_automaton.hpp>
 
 #include <algorithm>
 

@@ -17,7 +17,7 @@
 #include <string_view>
 #include <vector>
 
-#include "strategy/field.hpp"
+#include <vltextstream/strategy/field.hpp>
 
 namespace textio {
 

@@ -2,13 +2,13 @@
 // would; then the automaton is made, and runs over the text. So an index costs twice the cheaper of
 // the two ways at most, and ordinary texts never have one made. Over a line there are few units to
 // compare and many to make the automaton of: it is kept from text to text.
-#include "strategy/marker_index.hpp"
+#include <vltextstream/strategy/marker_index.hpp>
 
 #include <algorithm>
 #include <string_view>
 #include <utility>
 
-#include "strategy/scan.hpp"
+#include <vltextstream/strategy/scan.hpp>
 
 namespace textio {
 namespace {

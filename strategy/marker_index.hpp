@@ -20,9 +20,9 @@
 #include <memory>
 #include <vector>
 
-#include "strategy/field.hpp"
-#include "strategy/marker_automaton.hpp"
-#include "strategy/marker_matcher.hpp"
+#include <vltextstream/strategy/field.hpp>
+#include <vltextstream/strategy/marker_automaton.hpp>
+#include <vltextstream/strategy/marker_matcher.hpp>
 
 namespace textio {
 

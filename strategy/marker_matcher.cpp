@@ -1,12 +1,12 @@
 // Few short markers are compared where one of their first units stands: that is a constant. Of many
 // or long ones the first units are a table of bits, and the comparisons are left to an index where
 // a text stands still.
-#include "strategy/marker_matcher.hpp"
+#include <vltextstream/strategy/marker_matcher.hpp>
 
 #include <algorithm>
 
-#include "strategy/marker_index.hpp"
-#include "strategy/scan.hpp"
+#include <vltextstream/strategy/marker_index.hpp>
+#include <vltextstream/strategy/scan.hpp>
 
 namespace textio {
 namespace {

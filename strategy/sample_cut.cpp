@@ -1,11 +1,11 @@
 // A list of all fields of a large sample takes many times the memory of its text and is read once,
 // most of it never: a classification looks at a few lines. So lines are counted, and those few are
 // cut a second time.
-#include "strategy/sample_cut.hpp"
+#include <vltextstream/strategy/sample_cut.hpp>
 
 #include <utility>
 
-#include "strategy/line_scan.hpp"
+#include <vltextstream/strategy/line_scan.hpp>
 
 namespace textio {
 

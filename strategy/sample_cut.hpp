@@ -16,9 +16,9 @@
 #include <span>
 #include <vector>
 
-#include "scoring/line_fields.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/strategy.hpp"
+#include <vltextstream/scoring/line_fields.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
 

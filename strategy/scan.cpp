@@ -1,4 +1,4 @@
-#include "strategy/scan.hpp"
+#include <vltextstream/strategy/scan.hpp>
 
 #include <algorithm>
 

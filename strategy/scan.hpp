@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "host/delimiter_set.hpp"
-#include "strategy/field.hpp"
-#include "strategy/marker_matcher.hpp"
+#include <vltextstream/host/delimiter_set.hpp>
+#include <vltextstream/strategy/field.hpp>
+#include <vltextstream/strategy/marker_matcher.hpp>
 
 namespace textio {
 

@@ -1,7 +1,7 @@
-#include "strategy/space_aligned_strategy.hpp"
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 
-#include "strategy/field_scan.hpp"
-#include "strategy/line_scan.hpp"
+#include <vltextstream/strategy/field_scan.hpp>
+#include <vltextstream/strategy/line_scan.hpp>
 
 namespace textio {
 namespace {

@@ -2,12 +2,12 @@
 // what it is, and a strategy of somebody else has none.
 #include <memory>
 
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
-#include "strategy/marker_index.hpp"
-#include "strategy/space_aligned_strategy.hpp"
-#include "strategy/strategy.hpp"
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/marker_index.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
 

@@ -1,18 +1,18 @@
 // Making a strategy, and the sampling and cutting that all strategies share. The scores are
 // computed in scoring/strategy_valuation.cpp.
-#include "strategy/strategy.hpp"
+#include <vltextstream/strategy/strategy.hpp>
 
 #include <algorithm>
 #include <limits>
 #include <utility>
 
-#include "strategy/cut_rollback.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/field_scan.hpp"
-#include "strategy/line_cleaning.hpp"
-#include "strategy/line_scan.hpp"
-#include "strategy/scan.hpp"
-#include "strategy/space_aligned_strategy.hpp"
+#include <vltextstream/strategy/cut_rollback.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/field_scan.hpp>
+#include <vltextstream/strategy/line_cleaning.hpp>
+#include <vltextstream/strategy/line_scan.hpp>
+#include <vltextstream/strategy/scan.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 
 namespace textio {
 namespace {

@@ -1,14 +1,14 @@
 // The part between HWY_BEFORE_NAMESPACE and HWY_AFTER_NAMESPACE is compiled once for each kind of
 // vectors, in a namespace of its own. Which one runs is decided here and not by the library that
 // comes with these headers, so that ours needs no other at run time.
-#include "strategy/unit_finder.hpp"
+#include <vltextstream/strategy/unit_finder.hpp>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <initializer_list>
 
-#include "strategy/scan.hpp"
+#include <vltextstream/strategy/scan.hpp>
 
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3_DL)
 #undef HWY_TARGET_INCLUDE

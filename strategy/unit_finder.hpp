@@ -18,7 +18,7 @@
 #include <span>
 #include <string_view>
 
-#include "strategy/field.hpp"
+#include <vltextstream/strategy/field.hpp>
 
 namespace textio {
 

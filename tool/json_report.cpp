@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include <vltextstream/standalone/utf_text.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
 #include "tool/report.hpp"

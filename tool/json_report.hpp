@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <vltextstream/standalone/detect_layout.hpp>
+#include <vltextstream/layout/detect_layout.hpp>
 
 #include "tool/option_flags.hpp"
 

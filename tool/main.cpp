@@ -23,9 +23,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/options/set_parser_options.hpp>
-#include <vltextstream/standalone/detect_layout.hpp>
-#include <vltextstream/standalone/utf_text.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
 #include <vltextstream/version.hpp>
 
 #include "tool/help.hpp"

@@ -10,7 +10,7 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include <vltextstream/standalone/utf_text.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
 
 namespace textio::tool {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include <vltextstream/standalone/array.hpp>
+#include <vltextstream/standalone/services/array.hpp>
 
 namespace textio::tool {
 

@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include <vltextstream/standalone/utf_text.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
 
 namespace textio::tool {
 namespace {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include <vltextstream/standalone/detect_layout.hpp>
+#include <vltextstream/layout/detect_layout.hpp>
 
 #include "tool/option_flags.hpp"
 

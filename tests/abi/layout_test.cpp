@@ -13,21 +13,21 @@
 
 #include <gtest/gtest.h>
 
-#include "detection/selection_trace.hpp"
-#include "host/delimiter_set.hpp"
-#include "host/error_channel.hpp"
-#include "options/option_errors.hpp"
-#include "options/parser_options.hpp"
-#include "scoring/datatype_inspection.hpp"
-#include "scoring/strategy_valuation.hpp"
-#include "source/text_source.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/field_array.hpp"
-#include "strategy/field_tokenizer.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
-#include "strategy/space_aligned_strategy.hpp"
-#include "strategy/strategy.hpp"
+#include <vltextstream/detection/selection_trace.hpp>
+#include <vltextstream/host/delimiter_set.hpp>
+#include <vltextstream/host/error_channel.hpp>
+#include <vltextstream/options/option_errors.hpp>
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/scoring/datatype_inspection.hpp>
+#include <vltextstream/scoring/strategy_valuation.hpp>
+#include <vltextstream/source/text_source.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/field_array.hpp>
+#include <vltextstream/strategy/field_tokenizer.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 
 // offsetof of classes with virtual operations or bases is up to the compiler: g++ and clang both
 // have it, as long as no base is virtual.

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "detection/strategy_selector.hpp"
+#include <vltextstream/detection/strategy_selector.hpp>
 #include "support/allocation_counter.hpp"
 #include "support/exact_text.hpp"
 #include "support/rule_name.hpp"

@@ -11,8 +11,8 @@
 
 #include <gtest/gtest.h>
 
-#include "detection/strategy_selector.hpp"
-#include "strategy/delimited_strategy.hpp"
+#include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
 #include "support/exact_text.hpp"
 #include "support/rule_name.hpp"
 

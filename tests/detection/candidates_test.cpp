@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "detection/candidates.hpp"
+#include <vltextstream/detection/candidates.hpp>
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
 #include "support/rule_name.hpp"

@@ -1,4 +1,4 @@
-#include "detection/fixed_stream.hpp"
+#include <vltextstream/detection/fixed_stream.hpp>
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "source/memory_text_source.hpp"
+#include <vltextstream/source/memory_text_source.hpp>
 #include "support/exact_text.hpp"
 #include "support/rule_name.hpp"
 #include "support/scripted_source.hpp"

@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include "detection/strategy_selector.hpp"
-#include "strategy/line_reader_strategy.hpp"
+#include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
 #include "support/rule_name.hpp"
 
 namespace textio {

@@ -1,4 +1,4 @@
-#include "detection/sample_keeper.hpp"
+#include <vltextstream/detection/sample_keeper.hpp>
 
 #include <memory>
 #include <ostream>
@@ -7,11 +7,11 @@
 
 #include <gtest/gtest.h>
 
-#include "options/parser_options.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
-#include "strategy/space_aligned_strategy.hpp"
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include "support/exact_text.hpp"
 #include "support/rule_name.hpp"
 

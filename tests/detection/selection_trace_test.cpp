@@ -1,7 +1,7 @@
 // The record of a selection on its own; what a selection writes into it is tested with the
 // selector.
 
-#include "detection/selection_trace.hpp"
+#include <vltextstream/detection/selection_trace.hpp>
 
 #include <cstddef>
 #include <memory>
@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "detection/strategy_selector.hpp"
+#include <vltextstream/detection/strategy_selector.hpp>
 #include "support/exact_text.hpp"
 #include "support/selection.hpp"
 

@@ -1,6 +1,6 @@
 // Whole selections: from a text and options to a strategy. Dates are those of the stand-alone host.
 
-#include "detection/strategy_selector.hpp"
+#include <vltextstream/detection/strategy_selector.hpp>
 
 #include <cstddef>
 #include <limits>

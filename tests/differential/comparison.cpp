@@ -7,13 +7,13 @@
 #include <numeric>
 #include <type_traits>
 
-#include "detection/strategy_selector.hpp"
-#include "host/datetime.hpp"
+#include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/host/datetime.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include "reference/reference.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
-#include "strategy/space_aligned_strategy.hpp"
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
 #include "support/unit_strategy.hpp"

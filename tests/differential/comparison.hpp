@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "options/parser_options.hpp"
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/scoring/strategy_valuation.hpp>
 #include "reference/reference.hpp"
-#include "scoring/strategy_valuation.hpp"
 
 namespace textio::differential {
 

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
+#include <vltextstream/strategy/unit_finder.hpp>
 #include "differential/comparison.hpp"
-#include "strategy/unit_finder.hpp"
 #include "support/printing.hpp"
 
 namespace textio::differential {

@@ -16,8 +16,8 @@
 
 #include <fmt/format.h>
 
+#include <vltextstream/standalone/encoding_detection/encoding.hpp>
 #include "encodings/corpus.hpp"
-#include "standalone/encoding.hpp"
 
 namespace {
 

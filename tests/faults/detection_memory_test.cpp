@@ -10,13 +10,13 @@
 
 #include <gtest/gtest.h>
 
-#include "detection/fixed_stream.hpp"
-#include "detection/strategy_selector.hpp"
+#include <vltextstream/detection/fixed_stream.hpp>
+#include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/layout/detect_layout.hpp>
+#include <vltextstream/source/memory_text_source.hpp>
+#include <vltextstream/source/text_stream.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
 #include "faults/failing_memory.hpp"
-#include "source/memory_text_source.hpp"
-#include "source/text_stream.hpp"
-#include "standalone/detect_layout.hpp"
-#include "standalone/utf_text.hpp"
 #include "support/exact_text.hpp"
 #include "support/layout_text.hpp"
 #include "support/rule_name.hpp"

@@ -12,10 +12,10 @@
 
 #include <gtest/gtest.h>
 
+#include <vltextstream/layout/detect_layout.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
+#include <vltextstream/standalone/services/array.hpp>
 #include "faults/failing_memory.hpp"
-#include "standalone/array.hpp"
-#include "standalone/detect_layout.hpp"
-#include "standalone/utf_text.hpp"
 #include "support/option_calls.hpp"
 #include "support/rule_name.hpp"
 

@@ -15,8 +15,8 @@
 
 #include <gtest/gtest.h>
 
-#include "source/file_text_source.hpp"
-#include "source/text_stream.hpp"
+#include <vltextstream/source/file_text_source.hpp>
+#include <vltextstream/source/text_stream.hpp>
 #include "support/faulty_device.hpp"
 #include "support/first_difference.hpp"
 #include "support/printing.hpp"

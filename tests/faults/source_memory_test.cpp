@@ -11,12 +11,12 @@
 
 #include <gtest/gtest.h>
 
-#include "detection/fixed_stream.hpp"
+#include <vltextstream/detection/fixed_stream.hpp>
+#include <vltextstream/source/file_text_source.hpp>
+#include <vltextstream/source/memory_text_source.hpp>
+#include <vltextstream/source/text_stream.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
 #include "faults/failing_memory.hpp"
-#include "source/file_text_source.hpp"
-#include "source/memory_text_source.hpp"
-#include "source/text_stream.hpp"
-#include "standalone/utf_text.hpp"
 #include "support/exact_text.hpp"
 #include "support/faulty_device.hpp"
 #include "support/printing.hpp"

@@ -9,12 +9,12 @@
 
 #include <gtest/gtest.h>
 
+#include <vltextstream/scoring/datatype_recognizers.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include "faults/failing_memory.hpp"
-#include "scoring/datatype_recognizers.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
-#include "strategy/space_aligned_strategy.hpp"
 #include "support/datatype_names.hpp"
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"

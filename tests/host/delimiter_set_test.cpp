@@ -1,4 +1,4 @@
-#include "host/delimiter_set.hpp"
+#include <vltextstream/host/delimiter_set.hpp>
 
 #include <gtest/gtest.h>
 

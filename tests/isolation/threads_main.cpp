@@ -8,8 +8,8 @@
 //   default_line_endings()    options/parser_options.cpp
 //   empty_field()             strategy/field.cpp
 //   blank_delimiters()        strategy/space_aligned_strategy.cpp
-//   hxArray::as(), by kind    standalone/array.cpp
-//   LocaleCache               standalone/date_locale.cpp
+//   hxArray::as(), by kind    standalone/services/array.cpp
+//   LocaleCache               standalone/dates/date_locale.cpp
 #include <array>
 #include <atomic>
 #include <cmath>
@@ -22,12 +22,12 @@
 #include <thread>
 #include <vector>
 
-#include "detection/strategy_selector.hpp"
-#include "host/array.hpp"
-#include "standalone/array.hpp"
-#include "standalone/detect_layout.hpp"
-#include "strategy/field_tokenizer.hpp"
-#include "strategy/space_aligned_strategy.hpp"
+#include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/host/array.hpp>
+#include <vltextstream/layout/detect_layout.hpp>
+#include <vltextstream/standalone/services/array.hpp>
+#include <vltextstream/strategy/field_tokenizer.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 
 namespace {
 

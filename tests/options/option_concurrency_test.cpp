@@ -1,6 +1,6 @@
 // What is around a call (other threads, the locale of the process) does not change its answer.
-#include "options/set_parser_options.hpp"
-#include "standalone/array.hpp"
+#include <vltextstream/options/set_parser_options.hpp>
+#include <vltextstream/standalone/services/array.hpp>
 #include "support/option_calls.hpp"
 
 #include <gtest/gtest.h>

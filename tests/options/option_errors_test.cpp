@@ -1,6 +1,6 @@
-#include "options/option_errors.hpp"
-#include "options/parser_options.hpp"
-#include "standalone/array.hpp"
+#include <vltextstream/options/option_errors.hpp>
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/standalone/services/array.hpp>
 #include "support/option_calls.hpp"
 #include "support/rule_name.hpp"
 

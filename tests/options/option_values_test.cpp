@@ -1,5 +1,5 @@
-#include "options/option_values.hpp"
-#include "standalone/array.hpp"
+#include <vltextstream/options/option_values.hpp>
+#include <vltextstream/standalone/services/array.hpp>
 #include "support/option_calls.hpp"
 #include "support/printing.hpp"
 #include "support/rule_name.hpp"

@@ -1,4 +1,4 @@
-#include "options/parser_options.hpp"
+#include <vltextstream/options/parser_options.hpp>
 #include "support/option_calls.hpp"
 #include "support/rule_name.hpp"
 

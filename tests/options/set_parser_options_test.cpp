@@ -1,5 +1,5 @@
-#include "options/set_parser_options.hpp"
-#include "standalone/array.hpp"
+#include <vltextstream/options/set_parser_options.hpp>
+#include <vltextstream/standalone/services/array.hpp>
 #include "support/option_calls.hpp"
 #include "support/rule_name.hpp"
 

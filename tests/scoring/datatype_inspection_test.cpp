@@ -1,4 +1,4 @@
-#include "scoring/datatype_inspection.hpp"
+#include <vltextstream/scoring/datatype_inspection.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include "options/parser_options.hpp"
-#include "strategy/fixed_width_strategy.hpp"
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
 #include "support/datatype_names.hpp"
 #include "support/exact_text.hpp"
 #include "support/field_table.hpp"

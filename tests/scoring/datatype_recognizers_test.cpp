@@ -1,4 +1,4 @@
-#include "scoring/datatype_recognizers.hpp"
+#include <vltextstream/scoring/datatype_recognizers.hpp>
 
 #include <cstddef>
 #include <ostream>
@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "options/parser_options.hpp"
+#include <vltextstream/options/parser_options.hpp>
 #include "support/datatype_names.hpp"
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"

@@ -1,4 +1,4 @@
-#include "scoring/header_lines.hpp"
+#include <vltextstream/scoring/header_lines.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "options/parser_options.hpp"
+#include <vltextstream/options/parser_options.hpp>
 #include "support/rule_name.hpp"
 #include "support/unit_strategy.hpp"
 

@@ -1,4 +1,4 @@
-#include "scoring/line_statistics.hpp"
+#include <vltextstream/scoring/line_statistics.hpp>
 
 #include <cmath>
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "options/parser_options.hpp"
+#include <vltextstream/options/parser_options.hpp>
 #include "support/rule_name.hpp"
 #include "support/unit_strategy.hpp"
 

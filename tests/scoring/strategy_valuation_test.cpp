@@ -1,4 +1,4 @@
-#include "scoring/strategy_valuation.hpp"
+#include <vltextstream/scoring/strategy_valuation.hpp>
 
 #include <cmath>
 #include <cstddef>
@@ -12,11 +12,11 @@
 
 #include <gtest/gtest.h>
 
-#include "options/parser_options.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
-#include "strategy/space_aligned_strategy.hpp"
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include "support/exact_text.hpp"
 #include "support/rule_name.hpp"
 #include "support/unit_strategy.hpp"

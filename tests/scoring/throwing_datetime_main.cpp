@@ -15,11 +15,11 @@
 
 #include <gtest/gtest.h>
 
-#include "host/datetime.hpp"
-#include "options/parser_options.hpp"
-#include "scoring/datatype_inspection.hpp"
-#include "scoring/datatype_recognizers.hpp"
-#include "strategy/field.hpp"
+#include <vltextstream/host/datetime.hpp>
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/scoring/datatype_inspection.hpp>
+#include <vltextstream/scoring/datatype_recognizers.hpp>
+#include <vltextstream/strategy/field.hpp>
 #include "support/datatype_names.hpp"
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"

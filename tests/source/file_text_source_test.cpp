@@ -1,4 +1,4 @@
-#include "source/file_text_source.hpp"
+#include <vltextstream/source/file_text_source.hpp>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,8 +19,8 @@
 
 #include <unistd.h>
 
-#include "host/code_converter.hpp"
-#include "source/text_stream.hpp"
+#include <vltextstream/host/code_converter.hpp>
+#include <vltextstream/source/text_stream.hpp>
 #include "support/first_difference.hpp"
 #include "support/rule_name.hpp"
 #include "support/temp_file.hpp"

@@ -1,4 +1,4 @@
-#include "source/memory_text_source.hpp"
+#include <vltextstream/source/memory_text_source.hpp>
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <ostream>
 #include <string>
 
-#include "source/text_stream.hpp"
+#include <vltextstream/source/text_stream.hpp>
 #include "support/exact_text.hpp"
 #include "support/first_difference.hpp"
 #include "support/rule_name.hpp"

@@ -1,4 +1,4 @@
-#include "source/text_source.hpp"
+#include <vltextstream/source/text_source.hpp>
 
 #include <gtest/gtest.h>
 

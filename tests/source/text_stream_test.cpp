@@ -1,4 +1,4 @@
-#include "source/text_stream.hpp"
+#include <vltextstream/source/text_stream.hpp>
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "source/memory_text_source.hpp"
+#include <vltextstream/source/memory_text_source.hpp>
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
 #include "support/rule_name.hpp"

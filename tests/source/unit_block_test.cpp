@@ -1,4 +1,4 @@
-#include "source/unit_block.hpp"
+#include <vltextstream/source/unit_block.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "strategy/delimited_strategy.hpp"
+#include <vltextstream/strategy/delimited_strategy.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "strategy/field.hpp"
+#include <vltextstream/strategy/field.hpp>
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "strategy/field_array.hpp"
+#include <vltextstream/strategy/field_array.hpp>
 #include "support/exact_text.hpp"
 #include "support/rule_name.hpp"
 

@@ -1,4 +1,4 @@
-#include "strategy/field_tokenizer.hpp"
+#include <vltextstream/strategy/field_tokenizer.hpp>
 
 #include <gtest/gtest.h>
 

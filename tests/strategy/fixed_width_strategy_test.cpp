@@ -1,4 +1,4 @@
-#include "strategy/fixed_width_strategy.hpp"
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "strategy/line_cleaning.hpp"
+#include <vltextstream/strategy/line_cleaning.hpp>
 
 #include <gtest/gtest.h>
 

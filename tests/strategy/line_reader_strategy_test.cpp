@@ -1,4 +1,4 @@
-#include "strategy/line_reader_strategy.hpp"
+#include <vltextstream/strategy/line_reader_strategy.hpp>
 
 #include <gtest/gtest.h>
 

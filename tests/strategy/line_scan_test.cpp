@@ -1,4 +1,4 @@
-#include "strategy/line_scan.hpp"
+#include <vltextstream/strategy/line_scan.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -10,12 +10,12 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "options/parser_options.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/line_reader_strategy.hpp"
-#include "strategy/scan.hpp"
-#include "strategy/space_aligned_strategy.hpp"
+#include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/scan.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include "support/exact_text.hpp"
 #include "support/rule_name.hpp"
 

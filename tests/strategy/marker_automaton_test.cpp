@@ -1,4 +1,4 @@
-#include "strategy/marker_automaton.hpp"
+#include <vltextstream/strategy/marker_automaton.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Two ways lead to an answer: comparing the markers one by one, and looking into an index of a text
 // that stands still. Each row takes both, and so do random lists and texts.
-#include "strategy/marker_matcher.hpp"
+#include <vltextstream/strategy/marker_matcher.hpp>
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "strategy/marker_index.hpp"
-#include "strategy/scan.hpp"
+#include <vltextstream/strategy/marker_index.hpp>
+#include <vltextstream/strategy/scan.hpp>
 #include "support/cut_text.hpp"
 #include "support/exact_text.hpp"
 #include "support/rule_name.hpp"

@@ -1,4 +1,4 @@
-#include "strategy/space_aligned_strategy.hpp"
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "strategy/strategy.hpp"
+#include <vltextstream/strategy/strategy.hpp>
 
 #include <gtest/gtest.h>
 

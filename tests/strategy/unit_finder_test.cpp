@@ -1,4 +1,4 @@
-#include "strategy/unit_finder.hpp"
+#include <vltextstream/strategy/unit_finder.hpp>
 
 #include <cstddef>
 #include <ostream>

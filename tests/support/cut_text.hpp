@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "strategy/scan.hpp"
-#include "strategy/strategy.hpp"
+#include <vltextstream/strategy/scan.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
 

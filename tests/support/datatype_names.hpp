@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "scoring/datatype_code.hpp"
+#include <vltextstream/scoring/datatype_code.hpp>
 
 namespace textio::testing_support {
 

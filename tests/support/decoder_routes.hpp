@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-#include "standalone/text_decoder.hpp"
+#include <vltextstream/standalone/decoding/text_decoder.hpp>
 #include "support/printing.hpp"
 
 namespace textio::testing_support {

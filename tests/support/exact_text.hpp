@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "strategy/field.hpp"
+#include <vltextstream/strategy/field.hpp>
 
 namespace textio::testing_support {
 

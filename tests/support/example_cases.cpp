@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "standalone/utf_text.hpp"
+#include <vltextstream/standalone/decoding/utf_text.hpp>
 
 namespace textio::testing_support {
 

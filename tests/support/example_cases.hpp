@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "standalone/detect_layout.hpp"
+#include <vltextstream/layout/detect_layout.hpp>
 
 namespace textio::testing_support {
 

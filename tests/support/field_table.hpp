@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "strategy/field_array.hpp"
+#include <vltextstream/strategy/field_array.hpp>
 #include "support/exact_text.hpp"
 
 namespace textio::testing_support {

@@ -4,7 +4,7 @@
 #include <iostream>
 #include <string_view>
 
-#include "strategy/unit_finder.hpp"
+#include <vltextstream/strategy/unit_finder.hpp>
 
 namespace textio {
 namespace {

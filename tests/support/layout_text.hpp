@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "standalone/layout.hpp"
+#include <vltextstream/layout/layout.hpp>
 #include "support/datatype_names.hpp"
 #include "support/printing.hpp"
 #include "support/selection.hpp"

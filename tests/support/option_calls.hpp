@@ -10,9 +10,9 @@
 #include <string_view>
 #include <vector>
 
-#include "host/error_channel.hpp"
-#include "options/set_parser_options.hpp"
-#include "standalone/array.hpp"
+#include <vltextstream/host/error_channel.hpp>
+#include <vltextstream/options/set_parser_options.hpp>
+#include <vltextstream/standalone/services/array.hpp>
 #include "support/printing.hpp"
 
 namespace textio::testing_support {

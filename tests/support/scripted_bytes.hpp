@@ -16,7 +16,7 @@
 #include <string>
 #include <utility>
 
-#include "standalone/byte_stream.hpp"
+#include <vltextstream/standalone/files/byte_stream.hpp>
 
 namespace textio::testing_support {
 

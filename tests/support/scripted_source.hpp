@@ -18,7 +18,7 @@
 #include <utility>
 #include <vector>
 
-#include "source/text_source.hpp"
+#include <vltextstream/source/text_source.hpp>
 
 namespace textio::testing_support {
 

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "detection/selection_trace.hpp"
-#include "strategy/delimited_strategy.hpp"
-#include "strategy/fixed_width_strategy.hpp"
-#include "strategy/strategy.hpp"
+#include <vltextstream/detection/selection_trace.hpp>
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/strategy.hpp>
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
 

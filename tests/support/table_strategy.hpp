@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "strategy/strategy.hpp"
+#include <vltextstream/strategy/strategy.hpp>
 #include "support/exact_text.hpp"
 
 namespace textio::testing_support {

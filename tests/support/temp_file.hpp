@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "standalone/utf_text.hpp"
+#include <vltextstream/standalone/decoding/utf_text.hpp>
 #include "support/temp_folder.hpp"
 
 namespace textio::testing_support {

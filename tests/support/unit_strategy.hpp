@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "strategy/strategy.hpp"
+#include <vltextstream/strategy/strategy.hpp>
 
 namespace textio::testing_support {
 

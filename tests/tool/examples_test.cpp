@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/code_converter.hpp"
-#include "standalone/detect_layout.hpp"
+#include <vltextstream/host/code_converter.hpp>
+#include <vltextstream/layout/detect_layout.hpp>
 #include "support/command.hpp"
 #include "support/example_cases.hpp"
 #include "tool/json_report.hpp"

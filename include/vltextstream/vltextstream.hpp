@@ -1,0 +1,1 @@
+../../vltextstream.hpp

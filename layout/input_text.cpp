@@ -1,0 +1,149 @@
+// The first bytes tell the encoding, for the whole sample as a rule: only when they are nothing but
+// ASCII, which goes with nearly every encoding, may what follows prove them wrong.
+#include <vltextstream/layout/input_text.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+#include <string_view>
+
+#include <fmt/format.h>
+
+#include <vltextstream/detection/fixed_stream.hpp>
+#include <vltextstream/host/code_converter.hpp>
+#include <vltextstream/host/file_layer.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
+#include <vltextstream/standalone/files/read_problem.hpp>
+
+namespace textio::standalone {
+namespace {
+
+// As much of a file as is looked at for its encoding.
+constexpr std::size_t kHeadBytes = 65'536;
+
+// Memory that runs out is no fault of the file.
+[[noreturn]] void refuse(const char* action, const std::string& path, int error) {
+  if (error == ENOMEM) throw std::bad_alloc();
+  throw FileError(fmt::format("cannot {} '{}': {}", action, path, read_problem(error)));
+}
+
+// A file that is read for its encoding before it is read for its text. What fails here must not be
+// forgotten: the second reading may not fail, and would give another text.
+class Preview {
+ public:
+  Preview(std::FILE* file, const std::string& path) : file_(file), path_(path) {}
+
+  // The next 64 KB; fewer at the end.
+  std::string read() {
+    std::string bytes(kHeadBytes, '\0');
+    errno = 0;
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file_));
+    if (std::ferror(file_) != 0) refuse("read", path_, errno != 0 ? errno : EIO);
+    return bytes;
+  }
+
+  bool is_at_end() const { return std::feof(file_) != 0; }
+
+  void go_back() {
+    errno = 0;
+    if (::fseeko64(file_, 0, SEEK_SET) != 0) refuse("read", path_, errno);
+  }
+
+ private:
+  std::FILE* file_;
+  const std::string& path_;
+};
+
+std::size_t count_of_ascii(std::string_view bytes) {
+  const auto first_other =
+      std::find_if(bytes.begin(), bytes.end(), [](char byte) { return (byte & 0x80) != 0; });
+  return static_cast<std::size_t>(first_other - bytes.begin());
+}
+
+// An input that cannot be read twice is taken for UTF-8.
+FoundEncoding look_for_encoding(std::FILE* file, const std::string& path) {
+  if (std::ftell(file) != 0) return {"UTF-8", EncodingFound::fallback, 0.0};
+  Preview preview(file, path);
+  const std::string head = preview.read();
+  preview.go_back();
+  return find_encoding(head, head.size() < kHeadBytes);
+}
+
+FoundEncoding encoding_of(std::FILE* file, const std::string& path,
+                          const DetectSettings& settings) {
+  if (settings.encoding) return {*settings.encoding, EncodingFound::given, 1.0};
+  const std::u16string& of_record = settings.options.encoding;
+  if (of_record != u"UTF-8") return {to_utf8(of_record), EncodingFound::given, 1.0};
+  return look_for_encoding(file, path);
+}
+
+// What the bytes from the first one above 127 on are read best as; UTF-8 when there are none, or
+// when they begin before the end of the head and were seen before.
+FoundEncoding encoding_behind_ascii(Preview& preview) {
+  bool is_head = true;
+  for (std::string bytes = preview.read(); !bytes.empty(); bytes = preview.read()) {
+    const std::size_t ascii = count_of_ascii(bytes);
+    if (ascii < bytes.size() && !is_head) {
+      const std::string region =
+          bytes.substr(ascii - std::min<std::size_t>(ascii, 1)) + preview.read();
+      return find_encoding(region, preview.is_at_end());
+    }
+    if (ascii < bytes.size()) break;
+    is_head = false;
+  }
+  return {"UTF-8", EncodingFound::valid_utf8, 1.0};
+}
+
+}  // namespace
+
+InputText::InputText(const std::string& path, const DetectSettings& settings)
+    : path_(path), settings_(settings) {
+  errno = 0;
+  File file(open_file(from_utf8(path), "rb"));
+  if (!file) refuse("open", path_, errno);
+  encoding_ = encoding_of(file.get(), path_, settings);
+  decode(std::move(file));
+  if (encoding_.found == EncodingFound::valid_utf8 && ill_formed_parts_ > 0) look_behind_the_head();
+}
+
+void InputText::decode(File file) {
+  stream_.reset();
+  source_ = std::make_unique<FileTextSource>();
+  source_->init_stream(file.release(), encoding_.name);
+  stream_ = std::make_unique<TextStream>(source_.get());
+  sample_ = get_fixed_stream(*stream_, settings_.options.line_endings);
+  ill_formed_parts_ = source_->converter()->ill_formed_parts();
+  if (const int error = source_->read_error(); error != 0) refuse("read", path_, error);
+}
+
+// Ill-formed parts in a text whose head was well-formed.
+void InputText::look_behind_the_head() {
+  if (source_->getPos() < 0) {
+    doubt_utf8();
+    return;
+  }
+  File file(source_->release());
+  Preview preview(file.get(), path_);
+  preview.go_back();
+  const FoundEncoding found = encoding_behind_ascii(preview);
+  if (found.name == encoding_.name) {
+    doubt_utf8();
+    return;
+  }
+  preview.go_back();
+  encoding_ = found;
+  decode(std::move(file));
+}
+
+// UTF-8 but for some parts: as sure as its other characters above 127 are many.
+void InputText::doubt_utf8() {
+  const auto above_ascii =
+      std::count_if(sample_.data, sample_.data + sample_.length,
+                    [](char16_t unit) { return unit > 0x7F || unit == kFoldedCharacter; });
+  const double parts = static_cast<double>(ill_formed_parts_);
+  encoding_.found = EncodingFound::statistics;
+  encoding_.confidence =
+      std::max(0.0, 1.0 - parts / std::max(parts, static_cast<double>(above_ascii)));
+}
+
+}  // namespace textio::standalone

@@ -1,0 +1,26 @@
+// Finding the encoding of a text that nobody named.
+//
+//   FoundEncoding encoding = find_encoding(first_bytes, is_whole);
+//   // encoding.name == "windows-1252", encoding.found == EncodingFound::fallback
+//
+// Cost  linear in the bytes.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <vltextstream/standalone/encoding_detection/encoding_found.hpp>
+
+namespace textio::standalone {
+
+struct FoundEncoding {
+  std::string name;
+  EncodingFound found;
+  double confidence;  // see Layout::encoding_confidence
+};
+
+// Looks at the first bytes of a text; `is_whole` says that there are no more. Otherwise a character
+// that is cut off at their end does not count as ill-formed.
+FoundEncoding find_encoding(std::string_view bytes, bool is_whole);
+
+}  // namespace textio::standalone

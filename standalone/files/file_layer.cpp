@@ -1,0 +1,129 @@
+// A path becomes a descriptor, the descriptor a stream of bytes that can go back, its first bytes
+// tell whether a decoder stands in front of it, and the result is handed out as a C stream.
+#include <vltextstream/host/file_layer.hpp>
+
+#include <array>
+#include <cerrno>
+#include <memory>
+#include <mutex>
+#include <string_view>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <vltextstream/standalone/decoding/utf_text.hpp>
+#include <vltextstream/standalone/files/byte_stream.hpp>
+#include <vltextstream/standalone/files/compressed_stream.hpp>
+#include <vltextstream/standalone/files/compression_format.hpp>
+#include <vltextstream/standalone/files/gzip_decoder.hpp>
+#include <vltextstream/standalone/files/read_problem.hpp>
+#include <vltextstream/standalone/files/rewindable_stream.hpp>
+#include <vltextstream/standalone/files/zstd_decoder.hpp>
+
+namespace textio {
+namespace standalone {
+namespace {
+
+std::nullptr_t refuse(int reason) {
+  errno = reason;
+  return nullptr;
+}
+
+bool only_reads(std::string_view mode) {
+  return !mode.empty() && mode.front() == 'r' &&
+         mode.substr(0, mode.find(',')).find('+') == std::string_view::npos;
+}
+
+bool is_standard_input(const std::u16string& path) { return path == u"-"; }
+
+Descriptor descriptor_of(const std::u16string& path) {
+  if (is_standard_input(path)) return Descriptor(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0));
+  return Descriptor(::open(to_utf8(path).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+}
+
+// Whether this is the first time that the input, a pipe or its like, is handed out as standard
+// input. The stream before has read ahead, so a second one would begin somewhere in the middle and
+// look like a text of its own. It is the one thing that is remembered between calls, as the pipe
+// itself remembers how far it was read; a process that is given another standard input reads it.
+bool first_time(const struct stat& input) {
+  static std::mutex mutex;
+  static std::array<std::uint64_t, 2> last = {0, 0};
+  const std::array<std::uint64_t, 2> now = {input.st_dev, input.st_ino};
+  const std::lock_guard<std::mutex> lock(mutex);
+  const bool is_first = now != last;
+  last = now;
+  return is_first;
+}
+
+// A file of /proc or /sys may be a regular one that cannot seek.
+std::unique_ptr<ByteStream> stream_of(Descriptor input, const struct stat& about,
+                                      bool is_standard_input) {
+  const std::int64_t start = S_ISREG(about.st_mode) ? ::lseek(input.number(), 0, SEEK_CUR) : -1;
+  if (start >= 0) return std::make_unique<FileBytes>(std::move(input), start);
+  if (is_standard_input && !first_time(about)) return refuse(kStandardInputIsGone);
+  return std::make_unique<RewindableStream>(std::make_unique<PipeBytes>(std::move(input)));
+}
+
+// The first bytes; the stream is left at its start. What cannot be read now is an error again when
+// the text is read.
+std::string head_of(ByteStream& stream) {
+  char head[kFormatBytes];
+  std::size_t size = 0;
+  ssize_t count = 1;
+  while (count > 0 && size < sizeof head) {
+    count = stream.read(head + size, sizeof head - size);
+    if (count > 0) size += static_cast<std::size_t>(count);
+  }
+  stream.seek(0, SEEK_SET);
+  return {head, size};
+}
+
+// An archive in an archive is not to pass for a text.
+std::unique_ptr<ByteStream> text_of(std::unique_ptr<ByteStream> archive,
+                                    std::unique_ptr<Decoder> decoder) {
+  auto text = std::make_unique<CompressedStream>(std::move(archive), std::move(decoder));
+  if (compression_format(head_of(*text)) != CompressionFormat::none) {
+    return refuse(kCompressedTwice);
+  }
+  return text;
+}
+
+std::unique_ptr<ByteStream> decompressed(std::unique_ptr<ByteStream> stream) {
+  switch (compression_format(head_of(*stream))) {
+    case CompressionFormat::none:
+      return stream;
+    case CompressionFormat::gzip:
+      return text_of(std::move(stream), std::make_unique<GzipDecoder>());
+    case CompressionFormat::zstd:
+      return text_of(std::move(stream), std::make_unique<ZstdDecoder>());
+    case CompressionFormat::bzip2:
+      return refuse(kFormatBzip2);
+    case CompressionFormat::lz4:
+      return refuse(kFormatLz4);
+    case CompressionFormat::xz:
+      return refuse(kFormatXz);
+    case CompressionFormat::zip:
+      return refuse(kFormatZip);
+  }
+  return stream;
+}
+
+}  // namespace
+}  // namespace standalone
+
+std::FILE* open_file(const std::u16string& path, const char* mode) {
+  using namespace standalone;
+  if (!only_reads(mode)) return refuse(EINVAL);
+  if (path.find(u'\0') != path.npos) return refuse(ENOENT);
+  Descriptor input = descriptor_of(path);
+  struct stat about {};
+  if (input.number() < 0 || ::fstat(input.number(), &about) != 0) return nullptr;
+  // A directory opens for reading like a file, and would look like an empty text.
+  if (S_ISDIR(about.st_mode)) return refuse(EISDIR);
+  auto stream = stream_of(std::move(input), about, is_standard_input(path));
+  if (stream) stream = decompressed(std::move(stream));
+  return stream ? as_c_stream(std::move(stream)) : nullptr;
+}
+
+}  // namespace textio

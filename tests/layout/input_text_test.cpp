@@ -1,0 +1,146 @@
+#include <vltextstream/layout/input_text.hpp>
+
+#include <cerrno>
+#include <cstddef>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include "support/rule_name.hpp"
+#include "support/temp_folder.hpp"
+
+namespace textio::standalone {
+namespace {
+
+using testing_support::ByRule;
+using testing_support::TempFolder;
+
+constexpr std::size_t kHead = 65'536;  // bytes that are looked at first
+
+// `count` bytes of a table in ASCII.
+std::string ascii(std::size_t count) {
+  std::string bytes;
+  bytes.reserve(count);
+  while (bytes.size() < count) bytes += "12,ab\n";
+  bytes.resize(count);
+  return bytes;
+}
+
+// --- the encoding of what stands behind the head ------------------------------------------------
+
+struct BehindCase {
+  const char* rule;
+  std::size_t head;  // bytes of ASCII in front
+  std::string behind;
+  std::string encoding;
+  std::size_t ill_formed;
+  std::u16string end;  // of the sample
+};
+std::ostream& operator<<(std::ostream& out, const BehindCase& row) { return out << row.rule; }
+
+const std::string kWord =
+    "\nM\xFCller, Gr\xFC\xDF"
+    "e\n";
+const std::u16string kWordRead = u"\nM\u00fcller, Gr\u00fc\u00dfe\n";
+
+const BehindCase kBehind[] = {
+    {"AsciiAlone", 3 * kHead, "x", "UTF-8", 0, u"x"},
+    {"Utf8JustBehind", kHead, "\xC3\xA9!", "UTF-8", 0, u"\u00e9!"},
+    {"Utf8CutByTheHead", kHead - 1, "\xC3\xA9!", "UTF-8", 0, u"\u00e9!"},
+    {"LegacyJustBehind", kHead, kWord, "windows-1252", 0, kWordRead},
+    {"LegacyInTheNextChunk", kHead + 77, kWord, "windows-1252", 0, kWordRead},
+    {"LegacyFarBehind", 5 * kHead + 77, kWord, "windows-1252", 0, kWordRead},
+    {"LegacyInTheHead", kHead - 100, kWord, "windows-1252", 0, kWordRead},
+    {"Utf8FirstThenADamagedPart", kHead, "\xC3\xA9\n" + ascii(kHead) + "\xC3!\n", "UTF-8", 1,
+     u"\uFFFD!\n"},
+    {"Utf8InTheHeadThenADamagedPart", 100, "\xC3\xA9\n" + ascii(kHead) + "\xC3!\n", "UTF-8", 1,
+     u"\uFFFD!\n"},
+};
+
+class InputTextBehindTheHead : public testing::TestWithParam<BehindCase> {};
+
+TEST_P(InputTextBehindTheHead, IsReadInTheEncodingThatFitsIt) {
+  const BehindCase& row = GetParam();
+  const TempFolder folder;
+  const DetectSettings settings;
+  const InputText input(folder.file("t", ascii(row.head) + row.behind), settings);
+  EXPECT_EQ(input.encoding().name, row.encoding);
+  EXPECT_EQ(input.ill_formed_parts(), row.ill_formed);
+  // What holds ill-formed parts is not proved to be UTF-8.
+  const bool is_proved = input.encoding().found == EncodingFound::valid_utf8;
+  EXPECT_EQ(is_proved, row.encoding == "UTF-8" && row.ill_formed == 0);
+  EXPECT_EQ(input.encoding().confidence == 1.0, is_proved);
+  const std::u16string_view sample(input.sample().data, input.sample().length);
+  ASSERT_GE(sample.size(), row.end.size());
+  EXPECT_TRUE(sample.substr(sample.size() - row.end.size()) == row.end);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, InputTextBehindTheHead, testing::ValuesIn(kBehind), ByRule());
+
+// --- what was named is not questioned -----------------------------------------------------------
+
+TEST(InputTextEncoding, ThatIsGivenIsKeptWhateverTheBytes) {
+  const TempFolder folder;
+  const std::string path = folder.file("t", "\xC3!");
+  DetectSettings settings;
+  settings.encoding = "UTF-8";
+  const InputText input(path, settings);
+  EXPECT_EQ(input.encoding().found, EncodingFound::given);
+  EXPECT_EQ(input.encoding().confidence, 1.0);
+  EXPECT_EQ(input.ill_formed_parts(), 1U);
+}
+
+TEST(InputTextEncoding, OfTheOptionsIsTakenUnlessItIsTheDefault) {
+  const TempFolder folder;
+  const std::string path = folder.file("t", "caf\xE9");
+  DetectSettings settings;
+  settings.options.encoding = u"ISO-8859-1";
+  EXPECT_EQ(InputText(path, settings).encoding().found, EncodingFound::given);
+  settings.options.encoding = u"UTF-8";
+  EXPECT_NE(InputText(path, settings).encoding().found, EncodingFound::given);
+}
+
+TEST(InputTextSample, TellsWhetherTheTextGoesOn) {
+  const TempFolder folder;
+  const DetectSettings settings;
+  EXPECT_FALSE(InputText(folder.file("short", "a,b\n1,2\n"), settings).goes_on());
+  EXPECT_FALSE(InputText(folder.file("empty", ""), settings).goes_on());
+  EXPECT_TRUE(InputText(folder.file("long", ascii(5'000'000)), settings).goes_on());
+  // A line longer than any sample leaves nothing to sample.
+  const std::string one_line(5'000'000, 'x');
+  const InputText endless(folder.file("endless", one_line), settings);
+  EXPECT_EQ(endless.sample().length, 0U);
+  EXPECT_TRUE(endless.goes_on());
+}
+
+// --- failures -----------------------------------------------------------------------------------
+
+std::string problem_with(const std::string& path) {
+  try {
+    const DetectSettings settings;
+    const InputText input(path, settings);
+    return "";
+  } catch (const FileError& error) {
+    return error.what();
+  }
+}
+
+TEST(InputTextProblem, NamesTheFileAndTheReason) {
+  const TempFolder folder;
+  const std::string none = folder.path_of("none");
+  EXPECT_EQ(problem_with(none), "cannot open '" + none + "': No such file or directory");
+  EXPECT_EQ(problem_with(folder.path()), "cannot open '" + folder.path() + "': Is a directory");
+  EXPECT_EQ(problem_with(""), "cannot open '': No such file or directory");
+}
+
+// The memory of a process opens, and cannot be read at its start.
+TEST(InputTextProblem, OfAReadHasTheReasonOfTheSystem) {
+  EXPECT_EQ(problem_with("/proc/self/mem"), "cannot read '/proc/self/mem': Input/output error");
+}
+
+}  // namespace
+}  // namespace textio::standalone
