@@ -28,6 +28,7 @@
 #include <vltextstream/standalone/decoding/utf_text.hpp>
 #include <vltextstream/standalone/services/array.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/dialect.hpp>
 #include <vltextstream/strategy/field.hpp>
 #include <vltextstream/strategy/field_array.hpp>
 #include <vltextstream/strategy/field_tokenizer.hpp>

@@ -19,11 +19,11 @@
 #include <vltextstream/host/export.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>
 #include <vltextstream/standalone/encoding_detection/encoding_found.hpp>
+#include <vltextstream/strategy/dialect.hpp>
 
 namespace textio::standalone {
 
-// How fields are separated; the numbers are those of Strategy::mode().
-enum class LayoutMode { delimited = 0, space_aligned = 1, fixed_width = 2, line_reader = 3 };
+using textio::LayoutMode;
 
 // Which line holds the names of the variables, if any. A line names every variable when it has as
 // many fields as there are variables, none of them empty. Two lines are asked, in this order:

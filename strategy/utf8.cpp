@@ -1,0 +1,126 @@
+// A sequence is well-formed when its length fits its value: the smallest value of each length rules
+// out overlong forms, so no table of second bytes is needed.
+#include <vltextstream/strategy/utf8.hpp>
+
+#include <cstddef>
+
+namespace textio {
+namespace {
+
+struct CodePoint {
+  char32_t value;
+  std::size_t length;  // in units of the text it was read from
+};
+
+struct Range {
+  char32_t first;
+  char32_t last;
+};
+
+// In ascending order.
+constexpr Range kUnprintable[] = {
+    {0x0000, 0x001F},    // C0 controls
+    {0x007F, 0x009F},    // delete and C1 controls
+    {0x00AD, 0x00AD},    // soft hyphen
+    {0x061C, 0x061C},    // Arabic letter mark
+    {0x180E, 0x180E},    // Mongolian vowel separator
+    {0x200B, 0x200B},    // zero width space
+    {0x200E, 0x200F},    // direction marks
+    {0x2028, 0x202E},    // line and paragraph separators, direction embeddings
+    {0x2060, 0x2060},    // word joiner
+    {0x2066, 0x206F},    // direction isolates, deprecated format characters
+    {0xFEFF, 0xFEFF},    // zero width no-break space
+    {0xE0000, 0xE007F},  // tags
+};
+
+bool is_in(Range range, char32_t c) { return c >= range.first && c <= range.last; }
+bool is_lead_surrogate(char32_t c) { return is_in({0xD800, 0xDBFF}, c); }
+bool is_trail_surrogate(char32_t c) { return is_in({0xDC00, 0xDFFF}, c); }
+bool is_surrogate(char32_t c) { return is_in({0xD800, 0xDFFF}, c); }
+
+CodePoint first_of(std::u16string_view text) {
+  const char32_t lead = text[0];
+  if (!is_surrogate(lead)) return {lead, 1};
+  const bool is_pair = is_lead_surrogate(lead) && text.size() > 1 && is_trail_surrogate(text[1]);
+  if (!is_pair) return {kReplacement, 1};
+  return {0x10000 + ((lead - 0xD800) << 10) + (text[1] - char32_t{0xDC00}), 2};
+}
+
+// The number of bytes that a lead byte announces; 0 when it is none.
+std::size_t length_announced(unsigned char lead) {
+  if (lead < 0x80) return 1;
+  if (lead < 0xC0) return 0;
+  if (lead < 0xE0) return 2;
+  if (lead < 0xF0) return 3;
+  return lead < 0xF8 ? 4 : 0;
+}
+
+bool is_well_formed(char32_t c, std::size_t length) {
+  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+  return c >= kSmallest[length] && c <= 0x10FFFF && !is_surrogate(c);
+}
+
+CodePoint first_of(std::string_view utf8) {
+  const auto byte = [utf8](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
+  const std::size_t length = length_announced(byte(0));
+  if (length == 1) return {byte(0), 1};
+  if (length == 0 || length > utf8.size()) return {kReplacement, 1};
+  char32_t c = byte(0) & (0x7FU >> length);
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0U) != 0x80U) return {kReplacement, 1};
+    c = (c << 6) | (byte(i) & 0x3FU);
+  }
+  if (!is_well_formed(c, length)) return {kReplacement, 1};
+  return {c, length};
+}
+
+}  // namespace
+
+void append_utf8(std::string& out, char32_t code_point) {
+  const auto put = [&out](char32_t byte) { out.push_back(static_cast<char>(byte)); };
+  const auto put_trail = [&](unsigned shift) { put(0x80 | ((code_point >> shift) & 0x3F)); };
+  if (code_point < 0x80) {
+    put(code_point);
+  } else if (code_point < 0x800) {
+    put(0xC0 | (code_point >> 6));
+    put_trail(0);
+  } else if (code_point < 0x10000) {
+    put(0xE0 | (code_point >> 12));
+    put_trail(6);
+    put_trail(0);
+  } else {
+    put(0xF0 | (code_point >> 18));
+    put_trail(12);
+    put_trail(6);
+    put_trail(0);
+  }
+}
+
+std::string to_utf8_lossy(std::u16string_view text) {
+  std::string utf8;
+  while (!text.empty()) {
+    const CodePoint next = first_of(text);
+    append_utf8(utf8, next.value);
+    text.remove_prefix(next.length);
+  }
+  return utf8;
+}
+
+std::u32string code_points_of(std::string_view utf8) {
+  std::u32string code_points;
+  while (!utf8.empty()) {
+    const CodePoint next = first_of(utf8);
+    code_points.push_back(next.value);
+    utf8.remove_prefix(next.length);
+  }
+  return code_points;
+}
+
+bool is_unprintable(char32_t code_point) {
+  for (const Range range : kUnprintable) {
+    if (is_in(range, code_point)) return true;
+  }
+  return false;
+}
+
+}  // namespace textio
