@@ -37,6 +37,10 @@ enum class SelectionEnd {
   given              // there was none: the caller gave the delimiters or the widths
 };
 
+// The name of the enumerator with hyphens, such as "made-fixed-width"; empty for any other number.
+VLTEXTSTREAM_EXPORT std::string_view to_string(CandidateFate fate);
+VLTEXTSTREAM_EXPORT std::string_view to_string(SelectionEnd end);
+
 struct VLTEXTSTREAM_EXPORT CandidateTrace {
   int mode = 0;
   std::u16string delimiter;         // of a delimited candidate

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <vltextstream/detection/selection_trace.hpp>
@@ -44,6 +45,10 @@ enum class NamesFound {
 
 // What a sampled line is for the table.
 enum class LineRole { header, names, units, blank, comment, data };
+
+// The name of the enumerator with hyphens, such as "line-after-header"; empty for any other number.
+VLTEXTSTREAM_EXPORT std::string_view to_string(NamesFound found);
+VLTEXTSTREAM_EXPORT std::string_view to_string(LineRole role);
 
 // Sampled lines with the same role that follow one another.
 struct VLTEXTSTREAM_EXPORT LineRun {
@@ -122,5 +127,8 @@ struct VLTEXTSTREAM_EXPORT Layout {
   // On request: everything that was weighed.
   std::optional<detection::SelectionTrace> trace;
 };
+
+// Mode, delimiters and widths of `layout`. An unpaired surrogate in a delimiter becomes U+FFFD.
+VLTEXTSTREAM_EXPORT Dialect dialect_of(const Layout& layout);
 
 }  // namespace textio::standalone

@@ -2,10 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
+
+#include <vltextstream/host/export.hpp>
 
 namespace textio {
 
-// The numbers are part of the interface; the gaps among them are intended.
+// The numbers are part of the interface; the gaps between them are intended.
 enum class DatatypeCode : std::uint16_t {
   number = 1,    // a real or complex literal
   text = 2,      // anything else that is not empty
@@ -14,5 +17,8 @@ enum class DatatypeCode : std::uint16_t {
   date = 7,      // a date alone
   duration = 8,  // a clock value: groups of digits between colons
 };
+
+// The name of the enumerator, such as "number"; empty for any other number.
+VLTEXTSTREAM_EXPORT std::string_view to_string(DatatypeCode code);
 
 }  // namespace textio

@@ -2,15 +2,8 @@
 // out overlong forms, so no table of second bytes is needed.
 #include <vltextstream/strategy/utf8.hpp>
 
-#include <cstddef>
-
 namespace textio {
 namespace {
-
-struct CodePoint {
-  char32_t value;
-  std::size_t length;  // in units of the text it was read from
-};
 
 struct Range {
   char32_t first;
@@ -34,17 +27,6 @@ constexpr Range kUnprintable[] = {
 };
 
 bool is_in(Range range, char32_t c) { return c >= range.first && c <= range.last; }
-bool is_lead_surrogate(char32_t c) { return is_in({0xD800, 0xDBFF}, c); }
-bool is_trail_surrogate(char32_t c) { return is_in({0xDC00, 0xDFFF}, c); }
-bool is_surrogate(char32_t c) { return is_in({0xD800, 0xDFFF}, c); }
-
-CodePoint first_of(std::u16string_view text) {
-  const char32_t lead = text[0];
-  if (!is_surrogate(lead)) return {lead, 1};
-  const bool is_pair = is_lead_surrogate(lead) && text.size() > 1 && is_trail_surrogate(text[1]);
-  if (!is_pair) return {kReplacement, 1};
-  return {0x10000 + ((lead - 0xD800) << 10) + (text[1] - char32_t{0xDC00}), 2};
-}
 
 // The number of bytes that a lead byte announces; 0 when it is none.
 std::size_t length_announced(unsigned char lead) {
@@ -60,7 +42,7 @@ bool is_well_formed(char32_t c, std::size_t length) {
   return c >= kSmallest[length] && c <= 0x10FFFF && !is_surrogate(c);
 }
 
-CodePoint first_of(std::string_view utf8) {
+CodePoint first_code_point(std::string_view utf8) {
   const auto byte = [utf8](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
   const std::size_t length = length_announced(byte(0));
   if (length == 1) return {byte(0), 1};
@@ -76,40 +58,10 @@ CodePoint first_of(std::string_view utf8) {
 
 }  // namespace
 
-void append_utf8(std::string& out, char32_t code_point) {
-  const auto put = [&out](char32_t byte) { out.push_back(static_cast<char>(byte)); };
-  const auto put_trail = [&](unsigned shift) { put(0x80 | ((code_point >> shift) & 0x3F)); };
-  if (code_point < 0x80) {
-    put(code_point);
-  } else if (code_point < 0x800) {
-    put(0xC0 | (code_point >> 6));
-    put_trail(0);
-  } else if (code_point < 0x10000) {
-    put(0xE0 | (code_point >> 12));
-    put_trail(6);
-    put_trail(0);
-  } else {
-    put(0xF0 | (code_point >> 18));
-    put_trail(12);
-    put_trail(6);
-    put_trail(0);
-  }
-}
-
-std::string to_utf8_lossy(std::u16string_view text) {
-  std::string utf8;
-  while (!text.empty()) {
-    const CodePoint next = first_of(text);
-    append_utf8(utf8, next.value);
-    text.remove_prefix(next.length);
-  }
-  return utf8;
-}
-
 std::u32string code_points_of(std::string_view utf8) {
   std::u32string code_points;
   while (!utf8.empty()) {
-    const CodePoint next = first_of(utf8);
+    const CodePoint next = first_code_point(utf8);
     code_points.push_back(next.value);
     utf8.remove_prefix(next.length);
   }

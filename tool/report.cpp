@@ -39,56 +39,23 @@ std::string printable(std::u16string text) {
   return to_utf8(text);
 }
 
-// A marker in quotes with control characters spelled out, the usual ones by name.
-std::string shown(std::u16string_view marker) {
-  if (marker == u",") return "comma";
-  if (marker == u"\t") return "tab";
-  if (marker == u";") return "semicolon";
-  if (marker == u" ") return "space";
-  if (marker == u"|") return "bar";
-  if (marker == u":") return "colon";
-  std::string out = "\"";
-  for (const char16_t unit : marker) {
-    if (unit == u'\n') {
-      out += "\\n";
-    } else if (unit == u'\r') {
-      out += "\\r";
-    } else if (unit == u'\\' || unit == u'"') {
-      out += {'\\', static_cast<char>(unit)};
-    } else if (unit < 0x20 || unit == 0x7F) {
-      fmt::format_to(Out(out), "\\x{:02X}", static_cast<unsigned>(unit));
-    } else {
-      out += printable(std::u16string(1, unit));
-    }
-  }
-  return out + "\"";
-}
-
 std::string joined(const std::vector<std::size_t>& numbers) {
   return fmt::format("{}", fmt::join(numbers, ", "));
 }
 
-std::string separators(const Layout& layout) {
-  if (layout.mode == LayoutMode::fixed_width) return ", widths " + joined(layout.widths);
-  if (layout.mode != LayoutMode::delimited) return "";
-  std::vector<std::string> names;
-  for (const std::u16string& delimiter : layout.delimiters) names.push_back(shown(delimiter));
-  return fmt::format(" by {}", fmt::join(names, ", "));
-}
-
 std::string ending(const std::optional<std::u16string>& line_ending) {
-  return line_ending ? shown(*line_ending) : "none";
+  return line_ending ? marker_name(to_utf8(*line_ending)) : "none";
 }
 
 std::string number(double value) { return std::isinf(value) ? "-" : fmt::format("{:.4g}", value); }
 
 std::string_view name_of_end(const Layout& layout) {
-  return layout.end == SelectionEnd::single_survivor ? layout.decided_by : name_of(layout.end);
+  return layout.end == SelectionEnd::single_survivor ? layout.decided_by : to_string(layout.end);
 }
 
 std::string names(const Layout& layout) {
   const std::string place = layout.names_line ? fmt::format("in line {}", *layout.names_line)
-                                              : std::string(name_of(layout.names_found));
+                                              : std::string(to_string(layout.names_found));
   return fmt::format("{}: {}", place, layout.names_reason);
 }
 
@@ -103,7 +70,7 @@ std::string name_and_unit(const Layout& layout, std::size_t column) {
 
 void add_columns(std::string& out, const Layout& layout) {
   for (std::size_t i = 0; i < layout.classes.size(); ++i) {
-    fmt::format_to(Out(out), "  {:>14}  {:<10}{}", i + 1, name_of(layout.classes[i]),
+    fmt::format_to(Out(out), "  {:>14}  {:<10}{}", i + 1, to_string(layout.classes[i]),
                    name_and_unit(layout, i));
     out.erase(out.find_last_not_of(' ') + 1);
     out.push_back('\n');
@@ -113,7 +80,7 @@ void add_columns(std::string& out, const Layout& layout) {
 std::string encoding(const Layout& layout) {
   if (layout.encoding_found == EncodingFound::none) return "none, the text was in memory";
   std::string out = fmt::format("{} ({}", tool::printable(std::string_view(layout.encoding)),
-                                name_of(layout.encoding_found));
+                                to_string(layout.encoding_found));
   if (layout.encoding_confidence < 1.0) {
     // Rounded down: 100 % would be a proof.
     fmt::format_to(Out(out), ", {} % sure", static_cast<int>(layout.encoding_confidence * 100));
@@ -141,7 +108,7 @@ std::string lines(const Layout& layout) {
       const std::string numbers = run.first_line == run.last_line
                                       ? fmt::format("{}", run.first_line)
                                       : fmt::format("{}-{}", run.first_line, run.last_line);
-      parts.push_back(fmt::format("{} {}", numbers, name_of(run.role)));
+      parts.push_back(fmt::format("{} {}", numbers, to_string(run.role)));
     }
     return parts.empty() ? "none" : fmt::format("{}", fmt::join(parts, ", "));
   }
@@ -149,15 +116,14 @@ std::string lines(const Layout& layout) {
                               LineRole::comment, LineRole::data}) {
     std::size_t count = 0;
     for (const LineRun& run : layout.lines) count += run.role == role ? run.count : 0;
-    if (count > 0) parts.push_back(fmt::format("{} {}", count, name_of(role)));
+    if (count > 0) parts.push_back(fmt::format("{} {}", count, to_string(role)));
   }
   return fmt::format("{} in all", fmt::join(parts, ", "));
 }
 
 std::string candidate_name(const CandidateTrace& candidate) {
-  const auto mode = static_cast<LayoutMode>(candidate.mode);
-  if (mode == LayoutMode::delimited) return "delimited by " + shown(candidate.delimiter);
-  return std::string(name_of(mode));
+  return to_string(
+      Dialect{static_cast<LayoutMode>(candidate.mode), {to_utf8(candidate.delimiter)}, {}});
 }
 
 void add_trace(std::string& out, const detection::SelectionTrace& trace) {
@@ -178,7 +144,7 @@ void add_trace(std::string& out, const detection::SelectionTrace& trace) {
                    number(v.total_variation), number(v.data_variation), number(v.priors_rank));
     fmt::format_to(Out(out), "  {:14}    columns: {} typed, {} number, {} date, {} datetime\n", "",
                    v.typed_columns, v.numeric_columns, v.date_columns, v.datetime_columns);
-    if (!kept) fmt::format_to(Out(out), "  {:14}    {}\n", "", name_of(candidate.fate));
+    if (!kept) fmt::format_to(Out(out), "  {:14}    {}\n", "", to_string(candidate.fate));
   }
   for (const detection::FilterTrace& filter : trace.filters) {
     std::vector<std::string> left;
@@ -189,126 +155,6 @@ void add_trace(std::string& out, const detection::SelectionTrace& trace) {
 }
 
 }  // namespace
-
-std::string_view name_of(LayoutMode mode) {
-  switch (mode) {
-    case LayoutMode::delimited:
-      return "delimited";
-    case LayoutMode::space_aligned:
-      return "space-aligned";
-    case LayoutMode::fixed_width:
-      return "fixed-width";
-    case LayoutMode::line_reader:
-      return "line-reader";
-  }
-  return "";
-}
-
-std::string_view name_of(EncodingFound found) {
-  switch (found) {
-    case EncodingFound::given:
-      return "given";
-    case EncodingFound::byte_order_mark:
-      return "byte-order mark";
-    case EncodingFound::valid_utf8:
-      return "valid UTF-8";
-    case EncodingFound::zero_bytes:
-      return "zero bytes";
-    case EncodingFound::escape_sequences:
-      return "escape sequences";
-    case EncodingFound::statistics:
-      return "statistics";
-    case EncodingFound::fallback:
-      return "fallback";
-    case EncodingFound::none:
-      return "none";
-  }
-  return "";
-}
-
-std::string_view name_of(DatatypeCode code) {
-  switch (code) {
-    case DatatypeCode::number:
-      return "number";
-    case DatatypeCode::text:
-      return "text";
-    case DatatypeCode::datetime:
-      return "datetime";
-    case DatatypeCode::empty:
-      return "empty";
-    case DatatypeCode::date:
-      return "date";
-    case DatatypeCode::duration:
-      return "duration";
-  }
-  return "";
-}
-
-std::string_view name_of(CandidateFate fate) {
-  switch (fate) {
-    case CandidateFate::kept:
-      return "kept";
-    case CandidateFate::irregular:
-      return "irregular";
-    case CandidateFate::single_column:
-      return "single-column";
-    case CandidateFate::made_fixed_width:
-      return "made-fixed-width";
-  }
-  return "";
-}
-
-std::string_view name_of(SelectionEnd end) {
-  switch (end) {
-    case SelectionEnd::single_survivor:
-      return "single-survivor";
-    case SelectionEnd::only_candidate:
-      return "only-candidate";
-    case SelectionEnd::no_candidate:
-      return "no-candidate";
-    case SelectionEnd::empty_sample:
-      return "empty-sample";
-    case SelectionEnd::whole_line_dates:
-      return "whole-line-dates";
-    case SelectionEnd::unresolved_tie:
-      return "unresolved-tie";
-    case SelectionEnd::given:
-      return "given";
-  }
-  return "";
-}
-
-std::string_view name_of(NamesFound found) {
-  switch (found) {
-    case NamesFound::last_header_line:
-      return "last-header-line";
-    case NamesFound::line_after_header:
-      return "line-after-header";
-    case NamesFound::none:
-      return "none";
-    case NamesFound::undecided:
-      return "undecided";
-  }
-  return "";
-}
-
-std::string_view name_of(LineRole role) {
-  switch (role) {
-    case LineRole::header:
-      return "header";
-    case LineRole::names:
-      return "names";
-    case LineRole::units:
-      return "units";
-    case LineRole::blank:
-      return "blank";
-    case LineRole::comment:
-      return "comment";
-    case LineRole::data:
-      return "data";
-  }
-  return "";
-}
 
 bool is_unprintable(char16_t unit) {
   const bool is_control = unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
@@ -325,7 +171,7 @@ std::string printable(std::string_view text) { return printable(standalone::from
 std::string report(const std::string& file, const Layout& layout,
                    const std::vector<GivenOption>& given) {
   std::string out = printable(file) + "\n";
-  fmt::format_to(Out(out), "  layout          {}{}\n", name_of(layout.mode), separators(layout));
+  fmt::format_to(Out(out), "  layout          {}\n", to_string(dialect_of(layout)));
   for (const GivenOption& option : given) {
     const std::string values = option.is_json
                                    ? option.values.front()

@@ -11,14 +11,11 @@
 
 namespace textio::tool {
 
-// The words for the values of a layout; the same for people and in JSON.
-std::string_view name_of(standalone::LayoutMode mode);
-std::string_view name_of(standalone::EncodingFound found);
-std::string_view name_of(DatatypeCode code);
-std::string_view name_of(detection::CandidateFate fate);
-std::string_view name_of(detection::SelectionEnd end);
-std::string_view name_of(standalone::NamesFound found);
-std::string_view name_of(standalone::LineRole role);
+// The word for the value of an enumeration; the same for people and in JSON.
+template <typename Enum>
+std::string_view name_of(Enum value) {
+  return to_string(value);
+}
 
 // What a terminal might take for a command, or what would turn the text around it: control
 // characters, separators of lines, marks of writing direction, and bytes that are no text.

@@ -1,6 +1,10 @@
 // EncodingFound: how the encoding of a text became known.
 #pragma once
 
+#include <string_view>
+
+#include <vltextstream/host/export.hpp>
+
 namespace textio::standalone {
 
 // Where the name of the encoding came from.
@@ -15,5 +19,8 @@ enum class EncodingFound {
                      // be read only once
   none               // the text was in memory
 };
+
+// In words, such as "byte-order mark" and "valid UTF-8"; empty for any other number.
+VLTEXTSTREAM_EXPORT std::string_view to_string(EncodingFound found);
 
 }  // namespace textio::standalone

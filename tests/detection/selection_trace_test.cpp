@@ -81,5 +81,26 @@ TEST(SelectionTraceRecord, ACopyIsIndependent) {
   EXPECT_NE(describe(trace), before);
 }
 
+// --- words -------------------------------------------------------------------------------------
+
+TEST(CandidateFateInWords, AreTheEnumerators) {
+  EXPECT_EQ(to_string(CandidateFate::kept), "kept");
+  EXPECT_EQ(to_string(CandidateFate::irregular), "irregular");
+  EXPECT_EQ(to_string(CandidateFate::single_column), "single-column");
+  EXPECT_EQ(to_string(CandidateFate::made_fixed_width), "made-fixed-width");
+  EXPECT_EQ(to_string(static_cast<CandidateFate>(4)), "");
+}
+
+TEST(SelectionEndInWords, AreTheEnumerators) {
+  EXPECT_EQ(to_string(SelectionEnd::single_survivor), "single-survivor");
+  EXPECT_EQ(to_string(SelectionEnd::only_candidate), "only-candidate");
+  EXPECT_EQ(to_string(SelectionEnd::no_candidate), "no-candidate");
+  EXPECT_EQ(to_string(SelectionEnd::empty_sample), "empty-sample");
+  EXPECT_EQ(to_string(SelectionEnd::whole_line_dates), "whole-line-dates");
+  EXPECT_EQ(to_string(SelectionEnd::unresolved_tie), "unresolved-tie");
+  EXPECT_EQ(to_string(SelectionEnd::given), "given");
+  EXPECT_EQ(to_string(static_cast<SelectionEnd>(7)), "");
+}
+
 }  // namespace
 }  // namespace textio

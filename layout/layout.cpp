@@ -1,0 +1,49 @@
+#include <vltextstream/layout/layout.hpp>
+
+#include <vltextstream/strategy/utf8.hpp>
+
+namespace textio::standalone {
+
+std::string_view to_string(NamesFound found) {
+  switch (found) {
+    case NamesFound::last_header_line:
+      return "last-header-line";
+    case NamesFound::line_after_header:
+      return "line-after-header";
+    case NamesFound::none:
+      return "none";
+    case NamesFound::undecided:
+      return "undecided";
+  }
+  return "";
+}
+
+std::string_view to_string(LineRole role) {
+  switch (role) {
+    case LineRole::header:
+      return "header";
+    case LineRole::names:
+      return "names";
+    case LineRole::units:
+      return "units";
+    case LineRole::blank:
+      return "blank";
+    case LineRole::comment:
+      return "comment";
+    case LineRole::data:
+      return "data";
+  }
+  return "";
+}
+
+Dialect dialect_of(const Layout& layout) {
+  Dialect dialect;
+  dialect.mode = layout.mode;
+  for (const std::u16string& delimiter : layout.delimiters) {
+    dialect.delimiters.push_back(to_utf8_lossy(delimiter));
+  }
+  dialect.widths = layout.widths;
+  return dialect;
+}
+
+}  // namespace textio::standalone
