@@ -28,7 +28,7 @@ using standalone::Layout;
 using standalone::LayoutMode;
 using standalone::LineRole;
 using standalone::LineRun;
-using standalone::NamesFound;
+using standalone::NamesSource;
 
 const char* const kEncodings[] = {"UTF-8",     "windows-1252", "UTF-16",      "UTF-16LE",
                                   "Shift_JIS", "GB18030",      "ISO-2022-JP", "no such encoding"};
@@ -68,7 +68,7 @@ void check_separators(const Layout& layout) {
   if (layout.mode == LayoutMode::space_aligned) {
     require(layout.delimiters == Texts{u" ", u"\t"}, "space-aligned: space and tab");
   } else if (layout.mode == LayoutMode::delimited) {
-    const bool is_given = layout.end == detection::SelectionEnd::given;
+    const bool is_given = layout.selection_end == detection::SelectionEnd::given;
     require(has_delimiters || is_given, "delimited: the delimiters");
   } else {
     require(!has_delimiters, "no delimiters otherwise");
@@ -76,8 +76,8 @@ void check_separators(const Layout& layout) {
 }
 
 void check_names(const Layout& layout) {
-  const bool has_names = layout.names_found == NamesFound::last_header_line ||
-                         layout.names_found == NamesFound::line_after_header;
+  const bool has_names = layout.names_source == NamesSource::last_header_line ||
+                         layout.names_source == NamesSource::line_after_header;
   require(layout.names_line.has_value() == has_names, "names that are found stand in a line");
   require_equal<std::size_t>("names", layout.names.size(), has_names ? layout.num_variables : 0);
   require_equal<std::size_t>("units", layout.units.size(),
@@ -120,7 +120,7 @@ void check_runs(const Layout& layout) {
 }
 
 void check_end(const Layout& layout, const DetectSettings& settings) {
-  const bool by_a_filter = layout.end == detection::SelectionEnd::single_survivor;
+  const bool by_a_filter = layout.selection_end == detection::SelectionEnd::single_survivor;
   require(layout.decided_by.empty() != by_a_filter, "a filter decided");
   require(layout.trace.has_value() == settings.trace, "a trace on request");
   const bool finds_header = settings.options.detect_header_lines;

@@ -46,7 +46,7 @@ void describe_separators(const Strategy& strategy, Layout& layout) {
 }
 
 void describe_names(const SampledTable& table, const VariableNames& names, Layout& layout) {
-  layout.names_found = names.found;
+  layout.names_source = names.source;
   layout.names_reason = names.reason;
   if (names.names_line) {
     layout.names_line = table.line_number(*names.names_line);
@@ -79,20 +79,20 @@ std::shared_ptr<Strategy> find_strategy(const Field& sample, const DetectSetting
   if (auto strategy = given_strategy(settings.options)) {
     strategy->populate_fields(sample, settings.num_lines);
     strategy->valuation();
-    layout.end = SelectionEnd::given;
+    layout.selection_end = SelectionEnd::given;
     if (trace) trace->end = SelectionEnd::given;
     return strategy;
   }
   const detection::StrategySelector selector(settings.options);
   if (trace) {
     auto strategy = selector.pick_strategy(sample, settings.num_lines, *trace);
-    layout.end = trace->end;
+    layout.selection_end = trace->end;
     if (trace->end == SelectionEnd::single_survivor) layout.decided_by = trace->filters.back().name;
     return strategy;
   }
   detection::SelectionOutcome outcome;
   auto strategy = selector.pick_strategy(sample, settings.num_lines, outcome);
-  layout.end = outcome.end;
+  layout.selection_end = outcome.end;
   layout.decided_by = outcome.decided_by;
   return strategy;
 }
@@ -152,7 +152,7 @@ Layout detect_layout(const std::string& path, const DetectSettings& settings) {
   layout.encoding_found = input.encoding().found;
   layout.encoding_confidence = input.encoding().confidence;
   layout.ill_formed_parts = input.ill_formed_parts();
-  layout.text_goes_on = input.goes_on();
+  layout.has_more_text = input.has_more_text();
   return layout;
 }
 
@@ -164,7 +164,7 @@ Layout detect_layout(std::u16string_view text, const DetectSettings& settings) {
   const TextStream stream(&source);
   const Field sample = get_fixed_stream(stream, settings.options.line_endings);
   Layout layout = layout_of_sample(sample, settings);
-  layout.text_goes_on = stream.at(sample.length) != TextStream::kEnd;
+  layout.has_more_text = stream.at(sample.length) != TextStream::kEnd;
   return layout;
 }
 

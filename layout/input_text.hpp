@@ -32,7 +32,7 @@ class InputText {
   std::size_t ill_formed_parts() const { return ill_formed_parts_; }
 
   // Whether the text goes on behind the sample.
-  bool goes_on() const { return stream_->at(sample_.length) != TextStream::kEnd; }
+  bool has_more_text() const { return stream_->at(sample_.length) != TextStream::kEnd; }
 
  private:
   struct CloseFile {

@@ -4,15 +4,15 @@
 
 namespace textio::standalone {
 
-std::string_view to_string(NamesFound found) {
-  switch (found) {
-    case NamesFound::last_header_line:
+std::string_view to_string(NamesSource source) {
+  switch (source) {
+    case NamesSource::last_header_line:
       return "last-header-line";
-    case NamesFound::line_after_header:
+    case NamesSource::line_after_header:
       return "line-after-header";
-    case NamesFound::none:
+    case NamesSource::none:
       return "none";
-    case NamesFound::undecided:
+    case NamesSource::undecided:
       return "undecided";
   }
   return "";

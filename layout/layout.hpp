@@ -36,7 +36,7 @@ using textio::LayoutMode;
 //
 // A line that looks like units gives way to its neighbour above it in the header, else to the one
 // below it.
-enum class NamesFound {
+enum class NamesSource {
   last_header_line,
   line_after_header,
   none,       // no line can be one of names
@@ -47,7 +47,7 @@ enum class NamesFound {
 enum class LineRole { header, names, units, blank, comment, data };
 
 // The name of the enumerator with hyphens, such as "line-after-header"; empty for any other number.
-VLTEXTSTREAM_EXPORT std::string_view to_string(NamesFound found);
+VLTEXTSTREAM_EXPORT std::string_view to_string(NamesSource source);
 VLTEXTSTREAM_EXPORT std::string_view to_string(LineRole role);
 
 // Sampled lines with the same role that follow one another.
@@ -76,7 +76,7 @@ struct VLTEXTSTREAM_EXPORT Layout {
 
   // The line of the names, and these names, trimmed and without quotes; and why it is this line or
   // none, as a sentence about lines of the text.
-  NamesFound names_found = NamesFound::none;
+  NamesSource names_source = NamesSource::none;
   std::string names_reason;
   std::optional<std::size_t> names_line;
   std::vector<std::u16string> names;
@@ -118,10 +118,10 @@ struct VLTEXTSTREAM_EXPORT Layout {
 
   // Whether the text goes on behind these characters. When there are none at all, its first line is
   // longer than any sample.
-  bool text_goes_on = false;
+  bool has_more_text = false;
 
   // How the selection ended, and the filter that left a single candidate, if one did.
-  detection::SelectionEnd end = detection::SelectionEnd::no_candidate;
+  detection::SelectionEnd selection_end = detection::SelectionEnd::no_candidate;
   std::string decided_by;
 
   // On request: everything that was weighed.

@@ -107,7 +107,7 @@ class NamesCandidate {
 };
 
 struct Verdict {
-  NamesFound found;
+  NamesSource source;
   std::string reason;
 };
 
@@ -120,32 +120,32 @@ Verdict why_not(const NamesCandidate& line, const std::vector<DatatypeCode>& col
                 std::size_t number, bool is_last) {
   const bool has_type = has_typed_column(columns);
   if (!line.fits()) {
-    return {NamesFound::none,
+    return {NamesSource::none,
             fmt::format("line {} has {} for {}", number, counted(line.num_fields(), "field"),
                         counted(columns.size(), "variable"))};
   }
   if (line.has_empty_field()) {
-    return {NamesFound::none, fmt::format("line {} leaves a field empty", number)};
+    return {NamesSource::none, fmt::format("line {} leaves a field empty", number)};
   }
   if (line.repeats_a_field()) {
-    return {NamesFound::none, fmt::format("line {} holds a text twice", number)};
+    return {NamesSource::none, fmt::format("line {} holds a text twice", number)};
   }
   if (!has_type && line.has_values()) {
-    return {NamesFound::none, fmt::format("line {} holds values", number)};
+    return {NamesSource::none, fmt::format("line {} holds values", number)};
   }
   if (is_last) {
-    return {NamesFound::undecided,
+    return {NamesSource::undecided,
             fmt::format("there is no line below line {} to compare it with", number)};
   }
   if (!has_type) {
-    return {NamesFound::undecided,
+    return {NamesSource::undecided,
             fmt::format("every column is text, so line {} may hold names or values", number)};
   }
   if (line.differs_somewhere()) {
-    return {NamesFound::undecided,
+    return {NamesSource::undecided,
             fmt::format("line {} holds texts where values follow, but values as well", number)};
   }
-  return {NamesFound::none, fmt::format("line {} reads like the lines below it", number)};
+  return {NamesSource::none, fmt::format("line {} reads like the lines below it", number)};
 }
 
 // Blank lines between the header and the names are passed over.
@@ -182,27 +182,27 @@ VariableNames find_variable_names(const SampledTable& table) {
       line_behind.reads_as_units() && line_below.reads_as_names() && !line_below.reads_as_units();
 
   if (last_line.reads_as_units() && line_above.names_every_variable()) {
-    return {NamesFound::last_header_line, "the last header line but the units names every variable",
-            above, last};
+    return {NamesSource::last_header_line,
+            "the last header line but the units names every variable", above, last};
   }
   if (last_line.names_every_variable() && !has_names_below_header) {
-    return {NamesFound::last_header_line, "the last header line names every variable", last,
+    return {NamesSource::last_header_line, "the last header line names every variable", last,
             either(units_of(line_above, above), units_of(line_behind, behind))};
   }
   if (has_names_below_units) {
-    return {NamesFound::line_after_header, "texts stand above values, below the units", below,
+    return {NamesSource::line_after_header, "texts stand above values, below the units", below,
             behind};
   }
   if (line_behind.reads_as_names()) {
-    return {NamesFound::line_after_header, "texts stand above values", behind,
+    return {NamesSource::line_after_header, "texts stand above values", behind,
             either(units_of(line_below, below), units_of(last_line, last))};
   }
   if (!line_behind.is_there()) {
-    return {NamesFound::none, "no line stands where names could be", {}, {}};
+    return {NamesSource::none, "no line stands where names could be", {}, {}};
   }
   const Verdict verdict =
       why_not(line_behind, table.classes(), table.line_number(behind), below >= table.size());
-  return {verdict.found, verdict.reason, {}, {}};
+  return {verdict.source, verdict.reason, {}, {}};
 }
 
 }  // namespace textio::standalone

@@ -1,4 +1,4 @@
-// Finding the line that names the variables of a table, and the line of their units; NamesFound in
+// Finding the line that names the variables of a table, and the line of their units; NamesSource in
 // layout/layout.hpp tells the rule.
 #pragma once
 
@@ -14,7 +14,7 @@ namespace textio::standalone {
 
 // Lines are indexes of sampled lines.
 struct VariableNames {
-  NamesFound found = NamesFound::none;
+  NamesSource source = NamesSource::none;
   std::string reason;
   std::optional<std::size_t> names_line;
   std::optional<std::size_t> units_line;

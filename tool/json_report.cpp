@@ -138,7 +138,7 @@ Json json_of(const Layout& layout) {
           {"delimiters", texts(layout.delimiters)},
           {"widths", layout.widths},
           {"header_lines", layout.header_lines},
-          {"names_found", name_of(layout.names_found)},
+          {"names_found", name_of(layout.names_source)},
           {"names_reason", layout.names_reason},
           {"names_line", or_null(layout.names_line)},
           {"names", texts(layout.names)},
@@ -156,8 +156,8 @@ Json json_of(const Layout& layout) {
           {"first_ragged_line", or_null(layout.first_ragged_line)},
           {"lines_sampled", layout.lines_sampled},
           {"characters_sampled", layout.characters_sampled},
-          {"text_goes_on", layout.text_goes_on},
-          {"end", name_of(layout.end)},
+          {"text_goes_on", layout.has_more_text},
+          {"end", name_of(layout.selection_end)},
           {"decided_by", or_null(layout.decided_by)},
           {"trace", layout.trace ? json_of(*layout.trace) : Json(nullptr)}};
 }

@@ -19,7 +19,7 @@ using standalone::Layout;
 using standalone::LayoutMode;
 using standalone::LineRole;
 using standalone::LineRun;
-using standalone::NamesFound;
+using standalone::NamesSource;
 using standalone::to_utf8;
 
 using Out = std::back_insert_iterator<std::string>;
@@ -50,12 +50,13 @@ std::string ending(const std::optional<std::u16string>& line_ending) {
 std::string number(double value) { return std::isinf(value) ? "-" : fmt::format("{:.4g}", value); }
 
 std::string_view name_of_end(const Layout& layout) {
-  return layout.end == SelectionEnd::single_survivor ? layout.decided_by : to_string(layout.end);
+  return layout.selection_end == SelectionEnd::single_survivor ? layout.decided_by
+                                                               : to_string(layout.selection_end);
 }
 
 std::string names(const Layout& layout) {
   const std::string place = layout.names_line ? fmt::format("in line {}", *layout.names_line)
-                                              : std::string(to_string(layout.names_found));
+                                              : std::string(to_string(layout.names_source));
   return fmt::format("{}: {}", place, layout.names_reason);
 }
 
@@ -93,7 +94,7 @@ std::string encoding(const Layout& layout) {
 }
 
 std::string sampled(const Layout& layout) {
-  if (layout.characters_sampled == 0 && layout.text_goes_on) {
+  if (layout.characters_sampled == 0 && layout.has_more_text) {
     return "nothing: no line ends in the first 4,194,304 characters";
   }
   return fmt::format("{} lines of {} characters", layout.lines_sampled, layout.characters_sampled);

@@ -282,7 +282,7 @@ TEST_P(LayoutMemory, IsThatOfTheEndInTheTable) {
   TextDetection detection(GetParam());
   detection.call();
   EXPECT_EQ(static_cast<int>(detection.layout().mode), GetParam().mode);
-  EXPECT_EQ(detection.layout().end, GetParam().end);
+  EXPECT_EQ(detection.layout().selection_end, GetParam().end);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, LayoutMemory, testing::ValuesIn(all_cases()), ByRule());

@@ -64,8 +64,8 @@ std::string describe(const Layout& layout) {
       << layout.names_line.value_or(0) << ' ' << listed(layout.names) << " variables "
       << layout.num_variables << " classes " << names_of(layout.classes) << " ending '"
       << readable(layout.line_ending.value_or(u"none")) << "' lines " << layout.lines_sampled
-      << " characters " << layout.characters_sampled << " end " << static_cast<int>(layout.end)
-      << ' ' << layout.decided_by;
+      << " characters " << layout.characters_sampled << " end "
+      << static_cast<int>(layout.selection_end) << ' ' << layout.decided_by;
   return out.str();
 }
 
@@ -84,7 +84,7 @@ void expect_consistent(const Layout& layout) {
       layout.mode == LayoutMode::delimited || layout.mode == LayoutMode::space_aligned;
   EXPECT_EQ(has_delimiters, !layout.delimiters.empty());
   EXPECT_EQ(layout.mode == LayoutMode::fixed_width, !layout.widths.empty());
-  EXPECT_EQ(layout.end == SelectionEnd::single_survivor, !layout.decided_by.empty());
+  EXPECT_EQ(layout.selection_end == SelectionEnd::single_survivor, !layout.decided_by.empty());
 }
 
 Layout layout_of(std::u16string_view text, const DetectSettings& settings = {}) {
@@ -518,7 +518,7 @@ TEST_P(DetectLayout, FollowsTheRules) {
   EXPECT_EQ(names_of(layout.classes), row.classes);
   EXPECT_EQ(layout.lines_sampled, row.lines_sampled);
   EXPECT_EQ(layout.characters_sampled, row.text.size());
-  EXPECT_EQ(layout.end, row.end);
+  EXPECT_EQ(layout.selection_end, row.end);
   EXPECT_EQ(layout.decided_by, row.decided_by);
 }
 
@@ -587,7 +587,7 @@ TEST_P(DetectLayoutBudget, IsTheNumberOfDataLines) {
   settings.num_lines = GetParam().num_lines;
   const Layout layout = layout_of(u"1,2,3\n4,5,6\n7,8,9\n10,11,12\n", settings);
   EXPECT_EQ(layout.lines_sampled, GetParam().lines_sampled);
-  EXPECT_EQ(layout.end, GetParam().end);
+  EXPECT_EQ(layout.selection_end, GetParam().end);
   EXPECT_EQ(layout.characters_sampled, 27U);
 }
 INSTANTIATE_TEST_SUITE_P(Table, DetectLayoutBudget, testing::ValuesIn(kBudgets), ByRule());
@@ -622,7 +622,7 @@ TEST(DetectLayoutOfALongText, WithoutALineEndRestsOnNothing) {
   const std::u16string text(kMostCharacters + 10, u'7');
   const Layout layout = layout_of(text);
   EXPECT_EQ(layout.mode, LayoutMode::line_reader);
-  EXPECT_EQ(layout.end, SelectionEnd::empty_sample);
+  EXPECT_EQ(layout.selection_end, SelectionEnd::empty_sample);
   EXPECT_EQ(layout.lines_sampled, 0U);
   EXPECT_EQ(layout.line_ending, std::nullopt);
 }
@@ -630,7 +630,7 @@ TEST(DetectLayoutOfALongText, WithoutALineEndRestsOnNothing) {
 TEST(DetectLayoutOfALongText, AtTheLimitNeedsNoLineEnd) {
   std::u16string text(kMostCharacters, u'7');
   const Layout layout = layout_of(text);
-  EXPECT_EQ(layout.end, SelectionEnd::no_candidate);
+  EXPECT_EQ(layout.selection_end, SelectionEnd::no_candidate);
   EXPECT_EQ(layout.lines_sampled, 1U);
   EXPECT_EQ(layout.characters_sampled, kMostCharacters);
 }
@@ -780,7 +780,7 @@ TEST(DetectLayoutEncoding, OfAMarkAloneIsKnownAndTheTextEmpty) {
   for (const char* mark : {"\xEF\xBB\xBF", "\xFF\xFE", "\xFE\xFF"}) {
     const Layout layout = layout_of_file(mark);
     EXPECT_EQ(layout.encoding_found, EncodingFound::byte_order_mark);
-    EXPECT_EQ(layout.end, SelectionEnd::empty_sample);
+    EXPECT_EQ(layout.selection_end, SelectionEnd::empty_sample);
     EXPECT_EQ(layout.characters_sampled, 0U);
   }
 }

@@ -67,7 +67,7 @@ std::string describe(const Layout& layout) {
       << " widths " << listed(layout.widths) << " header " << layout.header_lines << " names "
       << layout.names_line.value_or(0) << ' ' << listed(layout.names) << " variables "
       << layout.num_variables << " classes " << names_of(layout.classes) << " lines "
-      << layout.lines_sampled << " end " << static_cast<int>(layout.end) << ' '
+      << layout.lines_sampled << " end " << static_cast<int>(layout.selection_end) << ' '
       << layout.decided_by;
   return out.str();
 }
@@ -391,7 +391,7 @@ TEST_P(GivenDelimiter, IsTaken) {
   EXPECT_EQ(listed(layout.names), listed(row.names));
   EXPECT_EQ(layout.num_variables, row.num_variables);
   EXPECT_EQ(names_of(layout.classes), row.classes);
-  EXPECT_EQ(layout.end, SelectionEnd::given);
+  EXPECT_EQ(layout.selection_end, SelectionEnd::given);
   EXPECT_EQ(layout.decided_by, "");
   EXPECT_FALSE(layout.trace.has_value());
 }
@@ -420,7 +420,7 @@ TEST(GivenDelimiterRecord, IsFilledByHandToo) {
   settings.options.detect_delimiters = false;
   const Layout layout = detect_layout(kBoth, settings);
   EXPECT_EQ(listed(layout.delimiters), "[;]");
-  EXPECT_EQ(layout.end, SelectionEnd::given);
+  EXPECT_EQ(layout.selection_end, SelectionEnd::given);
 }
 
 TEST(GivenDelimiterRecord, CountsOnlyOnceDelimitersAreSettled) {
@@ -429,7 +429,7 @@ TEST(GivenDelimiterRecord, CountsOnlyOnceDelimitersAreSettled) {
   const Layout layout = detect_layout(kBoth, settings);
   EXPECT_EQ(listed(layout.delimiters), "[,]");
   EXPECT_EQ(layout.num_variables, 3U);
-  EXPECT_NE(layout.end, SelectionEnd::given);
+  EXPECT_NE(layout.selection_end, SelectionEnd::given);
 }
 
 TEST(GivenDelimiterBudget, CountsDataLinesBelowTheHeader) {
@@ -602,7 +602,7 @@ TEST_P(GivenWidths, Rule) {
   EXPECT_EQ(listed(layout.widths), listed(row.widths));
   EXPECT_EQ(layout.num_variables, row.num_variables);
   EXPECT_EQ(layout.header_lines, 0U);
-  EXPECT_EQ(layout.end, row.end);
+  EXPECT_EQ(layout.selection_end, row.end);
   EXPECT_EQ(layout.decided_by, "");
 }
 
@@ -680,7 +680,7 @@ TEST(GivenLayoutTrace, IsThereAndHoldsNothing) {
     EXPECT_TRUE(layout.trace->candidates.empty());
     EXPECT_TRUE(layout.trace->filters.empty());
     EXPECT_EQ(layout.trace->end, SelectionEnd::given);
-    EXPECT_EQ(layout.end, SelectionEnd::given);
+    EXPECT_EQ(layout.selection_end, SelectionEnd::given);
   }
 }
 
@@ -693,7 +693,7 @@ TEST(GivenOptions, StandInTheCall) {
   const Layout of_text = detect_layout(kBoth, {delimiter(u";"), header_lines(1)});
   EXPECT_EQ(listed(of_text.delimiters), "[;]");
   EXPECT_EQ(of_text.header_lines, 1U);
-  EXPECT_EQ(of_text.end, SelectionEnd::given);
+  EXPECT_EQ(of_text.selection_end, SelectionEnd::given);
   EXPECT_EQ(describe(of_file), describe(of_text));
 }
 
@@ -706,14 +706,14 @@ TEST(GivenOptions, TheNumberOfVariablesChoosesInASearch) {
   const Layout layout = layout_of(kBoth, {{"NumVariables", make_array(2)}});
   EXPECT_EQ(listed(layout.delimiters), "[;]");
   EXPECT_EQ(layout.num_variables, 2U);
-  EXPECT_EQ(layout.end, SelectionEnd::single_survivor);
+  EXPECT_EQ(layout.selection_end, SelectionEnd::single_survivor);
 }
 
 TEST(GivenOptions, HeaderLinesCountInASearch) {
   const Layout layout = layout_of(u"x,y\n1,2\n3,4\n", {header_lines(1)});
   EXPECT_EQ(layout.header_lines, 1U);
   EXPECT_EQ(layout.names_line.value_or(0), 1U);
-  EXPECT_EQ(layout.end, SelectionEnd::only_candidate);
+  EXPECT_EQ(layout.selection_end, SelectionEnd::only_candidate);
 }
 
 // --- the encoding ------------------------------------------------------------------------------

@@ -107,14 +107,14 @@ TEST(InputTextEncoding, OfTheOptionsIsTakenUnlessItIsTheDefault) {
 TEST(InputTextSample, TellsWhetherTheTextGoesOn) {
   const TempFolder folder;
   const DetectSettings settings;
-  EXPECT_FALSE(InputText(folder.file("short", "a,b\n1,2\n"), settings).goes_on());
-  EXPECT_FALSE(InputText(folder.file("empty", ""), settings).goes_on());
-  EXPECT_TRUE(InputText(folder.file("long", ascii(5'000'000)), settings).goes_on());
+  EXPECT_FALSE(InputText(folder.file("short", "a,b\n1,2\n"), settings).has_more_text());
+  EXPECT_FALSE(InputText(folder.file("empty", ""), settings).has_more_text());
+  EXPECT_TRUE(InputText(folder.file("long", ascii(5'000'000)), settings).has_more_text());
   // A line longer than any sample leaves nothing to sample.
   const std::string one_line(5'000'000, 'x');
   const InputText endless(folder.file("endless", one_line), settings);
   EXPECT_EQ(endless.sample().length, 0U);
-  EXPECT_TRUE(endless.goes_on());
+  EXPECT_TRUE(endless.has_more_text());
 }
 
 // --- failures -----------------------------------------------------------------------------------

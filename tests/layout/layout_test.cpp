@@ -9,11 +9,11 @@ namespace textio::standalone {
 namespace {
 
 TEST(NamesFoundInWords, AreTheEnumerators) {
-  EXPECT_EQ(to_string(NamesFound::last_header_line), "last-header-line");
-  EXPECT_EQ(to_string(NamesFound::line_after_header), "line-after-header");
-  EXPECT_EQ(to_string(NamesFound::none), "none");
-  EXPECT_EQ(to_string(NamesFound::undecided), "undecided");
-  EXPECT_EQ(to_string(static_cast<NamesFound>(4)), "");
+  EXPECT_EQ(to_string(NamesSource::last_header_line), "last-header-line");
+  EXPECT_EQ(to_string(NamesSource::line_after_header), "line-after-header");
+  EXPECT_EQ(to_string(NamesSource::none), "none");
+  EXPECT_EQ(to_string(NamesSource::undecided), "undecided");
+  EXPECT_EQ(to_string(static_cast<NamesSource>(4)), "");
 }
 
 TEST(LineRoleInWords, AreTheEnumerators) {

@@ -61,7 +61,7 @@ struct NamesCase {
   const char* rule;
   std::u16string text;
   Given given;
-  NamesFound found;
+  NamesSource source;
   const char* reason;
   Number names_line;
   Texts names;
@@ -70,10 +70,10 @@ struct NamesCase {
 };
 std::ostream& operator<<(std::ostream& out, const NamesCase& row) { return out << row.rule; }
 
-constexpr auto kHeader = NamesFound::last_header_line;
-constexpr auto kBehind = NamesFound::line_after_header;
-constexpr auto kNotThere = NamesFound::none;
-constexpr auto kOpen = NamesFound::undecided;
+constexpr auto kHeader = NamesSource::last_header_line;
+constexpr auto kBehind = NamesSource::line_after_header;
+constexpr auto kNotThere = NamesSource::none;
+constexpr auto kOpen = NamesSource::undecided;
 
 constexpr auto kLastNames = "the last header line names every variable";
 constexpr auto kLastButUnits = "the last header line but the units names every variable";
@@ -629,7 +629,7 @@ class FindVariableNames : public testing::TestWithParam<NamesCase> {};
 TEST_P(FindVariableNames, TellsTheLineTheNamesAndWhy) {
   const NamesCase& row = GetParam();
   const Layout layout = detect_layout(ExactText(row.text).view(), settings_of(row.given));
-  EXPECT_EQ(static_cast<int>(layout.names_found), static_cast<int>(row.found));
+  EXPECT_EQ(static_cast<int>(layout.names_source), static_cast<int>(row.source));
   EXPECT_EQ(layout.names_reason, row.reason);
   EXPECT_EQ(layout.names_line.value_or(0), row.names_line.value_or(0));
   EXPECT_EQ(listed(layout.names), listed(row.names));

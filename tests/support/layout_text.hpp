@@ -29,7 +29,7 @@ inline std::string every_member_of(const standalone::Layout& layout) {
   std::ostringstream out;
   out << std::hexfloat << "mode " << static_cast<int>(layout.mode) << "\ndelimiters"
       << quoted_texts(layout.delimiters) << "\nwidths " << describe(layout.widths) << "\nheader "
-      << layout.header_lines << "\nnames found " << static_cast<int>(layout.names_found) << ": "
+      << layout.header_lines << "\nnames found " << static_cast<int>(layout.names_source) << ": "
       << layout.names_reason << "\nnames in " << describe(layout.names_line)
       << quoted_texts(layout.names) << "\nunits in " << describe(layout.units_line)
       << quoted_texts(layout.units) << "\nvariables " << layout.num_variables << ' '
@@ -43,8 +43,8 @@ inline std::string every_member_of(const standalone::Layout& layout) {
   }
   out << "\nragged " << layout.ragged_lines << " from " << describe(layout.first_ragged_line)
       << "\nsampled " << layout.lines_sampled << " lines " << layout.characters_sampled
-      << " characters" << (layout.text_goes_on ? " of more" : "") << "\nend "
-      << static_cast<int>(layout.end) << " by '" << layout.decided_by << "'\n";
+      << " characters" << (layout.has_more_text ? " of more" : "") << "\nend "
+      << static_cast<int>(layout.selection_end) << " by '" << layout.decided_by << "'\n";
   if (layout.trace) out << describe(*layout.trace);
   return out.str();
 }
