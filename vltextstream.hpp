@@ -33,8 +33,8 @@
 #include <vltextstream/strategy/field_array.hpp>
 #include <vltextstream/strategy/field_tokenizer.hpp>
 #include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_cursor.hpp>
 #include <vltextstream/strategy/line_reader_strategy.hpp>
-#include <vltextstream/strategy/line_walk.hpp>
 #include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 #include <vltextstream/version.hpp>

@@ -11,8 +11,9 @@
 
 #include <vltextstream/scoring/line_statistics.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/field_text.hpp>
 #include <vltextstream/strategy/fixed_width_strategy.hpp>
-#include <vltextstream/strategy/scan.hpp>
+#include <vltextstream/strategy/sampling/trial.hpp>
 #include <vltextstream/strategy/space_aligned_strategy.hpp>
 
 namespace textio::detection {
@@ -72,13 +73,13 @@ class NewCandidateChars {
   std::u16string found_;
 };
 
-bool all_as_long_as_the_first(const std::vector<Field>& lines, std::size_t begin) {
-  return std::all_of(lines.begin() + static_cast<std::ptrdiff_t>(begin), lines.end(),
-                     [&](const Field& line) { return line.length == lines[0].length; });
+// The last `count` sampled lines, none of which is blank.
+std::span<const Field> last_texts(const DrawnSample& sample, std::size_t count) {
+  return std::span(sample.texts).last(count);
 }
 
-// A place stays blank while every line so far has a space there; text behind such a place begins a
-// column. Both loops take many places at a time: nothing else has the type of the marks.
+// A place stays blank while every line so far has a space there; text after such a place begins a
+// column. uint16_t cannot alias, so both loops vectorise.
 class BlankPlaces {
  public:
   explicit BlankPlaces(std::size_t width) : is_blank_(width, 1) {}
@@ -111,17 +112,24 @@ double mean_deviation(std::vector<std::size_t> counts, std::size_t from) {
 
 CandidateTrace trace_of(Strategy& strategy, CandidateFate fate) {
   CandidateTrace trace;
-  trace.mode = strategy.mode();
-  if (const auto* delimited = dynamic_cast<const DelimitedStrategy*>(&strategy)) {
-    trace.delimiter = delimited->delimiters().front();
-  }
-  if (const auto* fixed = dynamic_cast<const FixedWidthStrategy*>(&strategy)) {
-    trace.widths = fixed->widths();
-  }
+  trace.dialect = strategy.dialect();
   trace.valuation = strategy.valuation();
   trace.header_lines = strategy.header_lines();
   trace.fate = fate;
   return trace;
+}
+
+// Whether the lines from `begin` on are as long as the first one: none of them is blank.
+bool all_as_long_as_the_first(const DrawnSample& sample, std::size_t begin) {
+  const std::size_t length = sample.line(0).length;
+  const auto is_other = [&](const SampleRun& run) {
+    return run.kind == SampleLineKind::blank && run.first_line + run.num_lines > begin;
+  };
+  const std::vector<SampleRun>& runs = sample.found.runs;
+  if (std::any_of(runs.begin(), runs.end(), is_other)) return false;
+  const std::span<const Field> lines = last_texts(sample, sample.size() - begin);
+  return std::all_of(lines.begin(), lines.end(),
+                     [length](const Field& line) { return line.length == length; });
 }
 
 class CandidateBuilder {
@@ -134,68 +142,91 @@ class CandidateBuilder {
     if (trace_) trace_->candidates.reserve(chars.size() + kMoreForTheSpace);
     for (const char16_t c : chars) {
       if (c == u' ') add_space_aligned();
-      auto delimited = std::make_shared<DelimitedStrategy>(input_.options, c);
-      samples_.draw(*delimited);
-      add_if_accepted(delimited);
+      add_delimited(c);
     }
     return std::move(candidates_);
   }
 
  private:
-  void add_space_aligned() {
-    auto aligned = std::make_shared<SpaceAlignedStrategy>(input_.options);
-    if (!input_.options.detect_header_lines) aligned->header_lines(input_.header_lines);
-    const unsigned long header_lines_before = aligned->header_lines();
-    samples_.draw(*aligned);
-    aligned->valuation();
-    const std::vector<Field>& lines = aligned->lines();
-    // Without a data line, or with nothing but blanks in them, there are no columns to find.
-    const bool has_data =
-        lines.size() > 1 && aligned->header_lines() < lines.size() && lines[0].length > 0;
-    if (has_data && all_as_long_as_the_first(lines, aligned->header_lines())) {
-      add_aligned_or_fixed(aligned, lines);
-    } else {
-      // A valuation may override header lines that are given, and with them how much is sampled.
-      const bool are_settled = aligned->header_lines() == header_lines_before;
-      if (!input_.options.detect_header_lines && !are_settled) samples_.draw(*aligned);
-      add_if_accepted(aligned);
-    }
+  // Counts, judges, and classifies only what is kept or traced.
+  void add_delimited(char16_t delimiter) {
+    const auto strategy = std::make_shared<DelimitedStrategy>(input_.options, delimiter);
+    DrawnSample sample = shares_blank_lines(delimiter) ? samples_.draw_past_blanks(*strategy)
+                                                       : samples_.draw(*strategy);
+    Trial trial(*strategy, sample);
+    const CandidateFate fate = judge(trial.score().valuation);
+    if (fate == CandidateFate::kept || trace_) trial.settle();
+    record(*strategy, fate);
+    if (fate != CandidateFate::kept) return;
+    LineCounts counts = trial.take_counts();
+    keep({strategy, std::move(sample), std::move(counts)});
   }
 
-  // `lines` are those of `aligned`; its data lines have one length.
-  void add_aligned_or_fixed(const std::shared_ptr<SpaceAlignedStrategy>& aligned,
-                            const std::vector<Field>& lines) {
-    const StrategyValuation& score = aligned->valuation();
-    std::size_t begin = aligned->header_lines();
+  void add_space_aligned() {
+    const auto aligned = std::make_shared<SpaceAlignedStrategy>(input_.options);
+    if (!input_.options.detect_header_lines) aligned->header_lines(input_.header_lines);
+    const unsigned long header_lines_before = aligned->header_lines();
+    Candidate candidate = valued(aligned, samples_.draw(*aligned));
+    const DrawnSample& sample = candidate.sample;
+    // Without a data line, or with nothing but blanks in them, there are no columns to find.
+    const bool has_data =
+        sample.size() > 1 && aligned->header_lines() < sample.size() && sample.line(0).length > 0;
+    if (has_data && all_as_long_as_the_first(sample, aligned->header_lines())) {
+      add_aligned_or_fixed(std::move(candidate));
+      return;
+    }
+    // A valuation may override header lines that are given, and with them how much is sampled.
+    const bool are_settled = aligned->header_lines() == header_lines_before;
+    if (!input_.options.detect_header_lines && !are_settled) {
+      candidate.sample = samples_.draw(*aligned);
+    }
+    const CandidateFate fate = judge(aligned->valuation());
+    record(*aligned, fate);
+    if (fate == CandidateFate::kept) keep(std::move(candidate));
+  }
+
+  // The data lines of `aligned` have one length.
+  void add_aligned_or_fixed(Candidate aligned) {
+    const StrategyValuation& score = aligned.strategy->valuation();
+    const DrawnSample& sample = aligned.sample;
+    std::size_t begin = aligned.strategy->header_lines();
+    const std::size_t width = sample.line(begin).length;
     if (input_.options.detect_header_lines) {
-      while (begin > 0 && lines[begin - 1].length == lines[begin].length) --begin;
+      while (begin > 0 && sample.line(begin - 1).length == width) --begin;
     }
     std::vector<unsigned long> widths;
     if (score.data_variation != 0.0) {
-      widths = find_column_widths(std::span(lines).subspan(begin), lines[begin].length,
+      widths = find_column_widths(last_texts(sample, sample.size() - begin), width,
                                   score.data_variation, score.num_variables);
     }
     if (widths.empty()) {
-      add(aligned, CandidateFate::kept);
+      record(*aligned.strategy, CandidateFate::kept);
+      keep(std::move(aligned));
       return;
     }
-    record(*aligned, CandidateFate::made_fixed_width);
-    auto fixed = std::make_shared<FixedWidthStrategy>(input_.options, widths);
-    fixed->header_lines(begin);
-    samples_.draw(*fixed, lines.size());
-    fixed->valuation();
-    add(fixed, CandidateFate::kept);
+    record(*aligned.strategy, CandidateFate::made_fixed_width);
+    add_fixed_width(widths, begin, sample.size());
   }
 
-  void add_if_accepted(const std::shared_ptr<Strategy>& strategy) {
-    const CandidateFate fate = judge(samples_.value(*strategy, [this](const StrategyValuation& v) {
-      return trace_ != nullptr || judge(v) == CandidateFate::kept;
-    }));
-    if (fate == CandidateFate::kept) {
-      add(strategy, fate);
-    } else {
-      record(*strategy, fate);
-    }
+  void add_fixed_width(const std::vector<unsigned long>& widths, std::size_t header_lines,
+                       std::size_t num_lines) {
+    const auto fixed = std::make_shared<FixedWidthStrategy>(input_.options, widths);
+    fixed->header_lines(header_lines);
+    Candidate candidate = valued(fixed, samples_.draw(*fixed, num_lines));
+    record(*fixed, CandidateFate::kept);
+    keep(std::move(candidate));
+  }
+
+  // Blank lines hold white space and line endings alone. They are the same lines to a strategy whose
+  // delimiter is neither, if no quote is among them.
+  bool shares_blank_lines(char16_t delimiter) const {
+    const parser::options& options = input_.options;
+    const auto is_blank = [&options](char16_t unit) {
+      const auto has_unit = [unit](const std::u16string& text) { return contains(text, unit); };
+      return has_unit(options.whitespace) ||
+             std::any_of(options.line_endings.begin(), options.line_endings.end(), has_unit);
+    };
+    return !is_blank(delimiter) && !is_blank(u'"');
   }
 
   // A reading with one column is kept when the caller has settled the number of variables.
@@ -207,10 +238,9 @@ class CandidateBuilder {
     return several_columns ? CandidateFate::irregular : CandidateFate::single_column;
   }
 
-  void add(const std::shared_ptr<Strategy>& strategy, CandidateFate fate) {
-    record(*strategy, fate);
-    candidates_.push_back(strategy);
-    samples_.put_away(*strategy);
+  void keep(Candidate candidate) {
+    samples_.put_away(candidate);
+    candidates_.push_back(std::move(candidate));
   }
 
   void record(Strategy& strategy, CandidateFate fate) {
@@ -218,7 +248,7 @@ class CandidateBuilder {
   }
 
   const CandidateInput& input_;
-  SampleKeeper& samples_;
+  SampleStore& samples_;
   SelectionTrace* trace_;
   Candidates candidates_;
 };

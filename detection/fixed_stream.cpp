@@ -1,20 +1,17 @@
 #include <vltextstream/detection/fixed_stream.hpp>
 
-#include <optional>
-
 #include <vltextstream/host/delimiter_set.hpp>
-#include <vltextstream/strategy/marker_index.hpp>
-#include <vltextstream/strategy/marker_matcher.hpp>
+#include <vltextstream/strategy/search/marker_matcher.hpp>
+#include <vltextstream/strategy/search/marker_search.hpp>
 
 namespace textio {
 namespace {
 
-// The length of `text` up to and including the first unit of its last line ending.
+// The length of `text` up to and including the first code unit of its last line ending.
 std::size_t length_to_last_line(const Field& text, const MarkerMatcher& line_endings) {
-  std::optional<MarkerIndex> index;
-  if (line_endings.may_need_index()) index.emplace(line_endings).bind(text);
+  MarkerSearch search(line_endings, text);
   for (std::size_t length = text.length; length > 0; --length) {
-    if (line_endings.length_at(text, length - 1) > 0) return length;
+    if (search.length_at(length - 1) > 0) return length;
   }
   return 0;
 }

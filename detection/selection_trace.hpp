@@ -15,6 +15,7 @@
 
 #include <vltextstream/host/export.hpp>
 #include <vltextstream/scoring/strategy_valuation.hpp>
+#include <vltextstream/strategy/dialect.hpp>
 
 namespace textio::detection {
 
@@ -42,9 +43,7 @@ VLTEXTSTREAM_EXPORT std::string_view to_string(CandidateFate fate);
 VLTEXTSTREAM_EXPORT std::string_view to_string(SelectionEnd end);
 
 struct VLTEXTSTREAM_EXPORT CandidateTrace {
-  int mode = 0;
-  std::u16string delimiter;         // of a delimited candidate
-  std::vector<std::size_t> widths;  // of a fixed-width candidate, in code units
+  Dialect dialect;
   std::size_t header_lines = 0;
   StrategyValuation valuation;
   CandidateFate fate = CandidateFate::kept;
@@ -66,14 +65,20 @@ struct VLTEXTSTREAM_EXPORT SelectionTrace {
   std::vector<FilterTrace> filters;
 
   SelectionEnd end = SelectionEnd::no_candidate;
+
+  // Whether a sample reached the end of the text: only then could more text have changed the answer.
+  bool reached_end = false;
 };
 
-// How a selection ended, and nothing of how it came there.
+// How a selection ended, without its way there.
 struct VLTEXTSTREAM_EXPORT SelectionOutcome {
   SelectionEnd end = SelectionEnd::no_candidate;
 
   // The name of the filter that left a single candidate, a constant text; empty if none did.
   std::string_view decided_by;
+
+  // As in SelectionTrace.
+  bool reached_end = false;
 };
 
 }  // namespace textio::detection

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <vltextstream/detection/candidates.hpp>
+#include <vltextstream/detection/sample_store.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>
 #include <vltextstream/strategy/line_reader_strategy.hpp>
 
@@ -39,8 +40,9 @@ struct FilterStep {
   const char* name;
   bool for_given_number_of_variables = false;
   Survivors (StrategySelector::*by_valuations)(const Survivors&, const Valuations&) const = nullptr;
-  Survivors (StrategySelector::*by_candidates)(const Survivors&, const Valuations&,
-                                               const Candidates&) const = nullptr;
+  Survivors (StrategySelector::*by_candidates)(
+      const Survivors&, const Valuations&,
+      const std::vector<std::shared_ptr<Strategy>>&) const = nullptr;
 };
 
 constexpr FilterStep kCascade[] = {
@@ -94,6 +96,7 @@ std::shared_ptr<Strategy> StrategySelector::pick_strategy(const Field& text,
   SelectionOutcome outcome;
   auto winner = pick(text, num_lines, outcome, &trace);
   trace.end = outcome.end;
+  trace.reached_end = outcome.reached_end;
   return winner;
 }
 
@@ -107,51 +110,63 @@ std::shared_ptr<Strategy> StrategySelector::pick_strategy(const Field& text,
 std::shared_ptr<Strategy> StrategySelector::pick(const Field& text, unsigned long num_lines,
                                                  SelectionOutcome& outcome,
                                                  SelectionTrace* trace) const {
-  const auto ended = [&outcome](SelectionEnd end) { outcome.end = end; };
+  SampleStore samples(text, num_lines);
+  auto winner = pick(samples, outcome, trace);
+  outcome.reached_end = samples.reached_end();
+  return winner;
+}
 
-  auto reader = std::make_shared<LineReaderStrategy>(*options_);
-  reader->header_lines(0);
-  SampleKeeper samples(text, num_lines);
-  samples.draw(*reader);
-  if (reads_as_dates(reader->valuation())) {
+std::shared_ptr<Strategy> StrategySelector::pick(SampleStore& samples, SelectionOutcome& outcome,
+                                                 SelectionTrace* trace) const {
+  const auto ended = [&outcome](SelectionEnd end) { outcome.end = end; };
+  const auto won_by = [&samples](Candidate winner) {
+    samples.bring_back(winner);
+    winner.strategy->keep(std::move(winner.sample), winner.counts);
+    return std::move(winner.strategy);
+  };
+
+  const auto line_reader = std::make_shared<LineReaderStrategy>(*options_);
+  line_reader->header_lines(0);
+  Candidate reader = valued(line_reader, samples.draw(*line_reader));
+  if (reads_as_dates(line_reader->valuation())) {
     ended(SelectionEnd::whole_line_dates);
     return single_column(samples);
   }
-  if (reader->lines().empty()) {
+  if (reader.sample.size() == 0) {
     ended(SelectionEnd::empty_sample);
-    return reader;
+    return won_by(std::move(reader));
   }
 
-  const std::u16string chars = find_candidate_chars(reader->lines());
+  const std::u16string chars = find_candidate_chars(reader.sample.texts);
   if (trace) trace->candidate_chars = chars;
-  samples.put_away(*reader);
-  const Candidates candidates = build_candidates(chars, {*options_, header_lines_, samples}, trace);
-  const auto won_by = [&samples](const std::shared_ptr<Strategy>& winner) {
-    samples.bring_back(*winner);
-    return winner;
-  };
+  samples.remember_blanks(reader.sample);
+  samples.put_away(reader);
+  Candidates candidates = build_candidates(chars, {*options_, header_lines_, samples}, trace);
   if (candidates.empty()) {
     ended(SelectionEnd::no_candidate);
-    return won_by(reader);
+    return won_by(std::move(reader));
   }
   if (candidates.size() == 1) {
     ended(SelectionEnd::only_candidate);
-    return won_by(candidates.front());
+    return won_by(std::move(candidates.front()));
   }
 
-  const Survivors survivors = reduce(candidates, outcome, trace);
+  std::vector<std::shared_ptr<Strategy>> strategies;
+  strategies.reserve(candidates.size());
+  for (const Candidate& candidate : candidates) strategies.push_back(candidate.strategy);
+  const Survivors survivors = reduce(strategies, outcome, trace);
   if (survivors.size() == 1) {
     ended(SelectionEnd::single_survivor);
-    return won_by(candidates[survivors.front()]);
+    return won_by(std::move(candidates[survivors.front()]));
   }
   ended(SelectionEnd::unresolved_tie);
   return single_column(samples);
 }
 
 // Runs the filters in their order until one candidate is left.
-StrategySelector::Survivors StrategySelector::reduce(const Candidates& candidates,
-                                                     SelectionOutcome& outcome,
-                                                     SelectionTrace* trace) const {
+StrategySelector::Survivors StrategySelector::reduce(
+    const std::vector<std::shared_ptr<Strategy>>& candidates, SelectionOutcome& outcome,
+    SelectionTrace* trace) const {
   Valuations valuations;
   valuations.reserve(candidates.size());
   for (const auto& candidate : candidates) valuations.push_back(candidate->valuation());
@@ -172,9 +187,9 @@ StrategySelector::Survivors StrategySelector::reduce(const Candidates& candidate
   return survivors;
 }
 
-std::shared_ptr<Strategy> StrategySelector::single_column(SampleKeeper& samples) const {
+std::shared_ptr<Strategy> StrategySelector::single_column(SampleStore& samples) const {
   const auto holder = std::make_shared<SingleColumn>(*options_);
-  samples.draw(holder->strategy);
+  holder->strategy.keep(samples.draw(holder->strategy), {});
   return {holder, &holder->strategy};
 }
 

@@ -5,8 +5,20 @@
 //   std::shared_ptr<Strategy> winner = selector.pick_strategy(sample, 100);
 //   winner->mode();                    // Strategy::kDelimited, ...
 //
-// Candidates are built from the characters of the sampled lines, valued, and narrowed down by the
-// reduce_by_* filters in the order in which they are declared.
+// A detection takes these steps:
+//
+//  1. Sample     a LineReaderStrategy samples the lines. If each line is a date as a whole, the text
+//                has a single column; if there is no line, the line reader wins
+//                (strategy/sampling/sampler.hpp).
+//  2. Characters the characters of the middle lines that could separate fields are collected
+//                (find_candidate_chars in detection/candidates.hpp).
+//  3. Candidates for each character a DelimitedStrategy; for the space also a SpaceAlignedStrategy,
+//                which may turn into a FixedWidthStrategy (build_candidates).
+//  4. Score      each candidate samples the text; the numbers of fields on its lines are scored
+//                (scoring/count_score.hpp). An irregular candidate is refused here.
+//  5. Classes    the columns of the others are classified (scoring/datatype_inspection.hpp).
+//  6. Filters    the reduce_by_* filters run in the order in which they are declared, until one
+//                candidate is left.
 //
 // Units      line budgets and header lines count lines; see strategy/strategy.hpp.
 // Ownership  the options record must outlive the selector and every strategy it returns; the text
@@ -29,7 +41,7 @@
 
 namespace textio::detection {
 
-class SampleKeeper;
+class SampleStore;
 
 class VLTEXTSTREAM_EXPORT StrategySelector {
  public:
@@ -48,12 +60,12 @@ class VLTEXTSTREAM_EXPORT StrategySelector {
   // brings its own options and has not been valued.
   std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines) const;
 
-  // The same, and tells how the answer was found; what `trace` held before is lost.
+  // The same, and fills in how the answer was found; what `trace` held before is lost.
   std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines,
                                           SelectionTrace& trace) const;
 
-  // The same, and tells how the selection ended. This is cheaper: candidates that are refused are
-  // not looked at as closely as a trace asks for.
+  // The same, and fills in how the selection ended. This is cheaper: the columns of refused
+  // candidates are not classified.
   std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines,
                                           SelectionOutcome& outcome) const;
 
@@ -91,9 +103,11 @@ class VLTEXTSTREAM_EXPORT StrategySelector {
   VLTEXTSTREAM_LOCAL std::shared_ptr<Strategy> pick(const Field& text, unsigned long num_lines,
                                                     SelectionOutcome& outcome,
                                                     SelectionTrace* trace) const;
+  VLTEXTSTREAM_LOCAL std::shared_ptr<Strategy> pick(SampleStore& samples, SelectionOutcome& outcome,
+                                                    SelectionTrace* trace) const;
   VLTEXTSTREAM_LOCAL Survivors reduce(const std::vector<std::shared_ptr<Strategy>>& candidates,
                                       SelectionOutcome& outcome, SelectionTrace* trace) const;
-  VLTEXTSTREAM_LOCAL std::shared_ptr<Strategy> single_column(SampleKeeper& samples) const;
+  VLTEXTSTREAM_LOCAL std::shared_ptr<Strategy> single_column(SampleStore& samples) const;
 
   const parser::options* options_;
   std::vector<std::u16string> delimiters_;

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/field_text.hpp>
 #include <vltextstream/strategy/fixed_width_strategy.hpp>
 #include <vltextstream/strategy/line_reader_strategy.hpp>
-#include <vltextstream/strategy/scan.hpp>
 #include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include "differential/comparison.hpp"
 #include "fuzz/check.hpp"

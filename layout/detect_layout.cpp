@@ -25,23 +25,21 @@ using detection::SelectionEnd;
 // ---------------------------------------------------------------------------------------------
 // The layout of a sample
 
-// What a line reader consumes behind the first line.
+// What a line reader consumes after the first line.
 std::optional<std::u16string> first_line_ending(const Field& sample,
                                                 const parser::options& options) {
   const LineReaderStrategy reader(options);
-  const Strategy::StableText stable(reader, sample);
-  const FieldExtent line = reader.get_line_extent(sample, 0);
+  const FieldExtent line = reader.lines_of(sample)->line_at(0).extent;
   if (line.next == line.field.length) return std::nullopt;
   return std::u16string(line.field.data + line.field.length, line.next - line.field.length);
 }
 
 void describe_separators(const Strategy& strategy, Layout& layout) {
-  if (const auto* delimited = dynamic_cast<const DelimitedStrategy*>(&strategy)) {
-    layout.delimiters = delimited->delimiters();
-  } else if (const auto* fixed = dynamic_cast<const FixedWidthStrategy*>(&strategy)) {
-    layout.widths = fixed->widths();
-  } else if (layout.mode == LayoutMode::space_aligned) {
-    layout.delimiters = {u" ", u"\t"};
+  const Dialect dialect = strategy.dialect();
+  layout.mode = dialect.mode;
+  layout.widths = dialect.widths;
+  for (const std::string& delimiter : dialect.delimiters) {
+    layout.delimiters.push_back(from_utf8(delimiter));
   }
 }
 
@@ -101,10 +99,9 @@ Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
   const datetime::DateLocaleScope date_locale(settings.options.date_locale);
   Layout layout;
   const auto strategy = find_strategy(sample, settings, layout);
-  layout.mode = static_cast<LayoutMode>(strategy->mode());
   layout.header_lines = strategy->header_lines();
   describe_separators(*strategy, layout);
-  const SampledTable table(*strategy, sample, settings);
+  const SampledTable table(*strategy, settings);
   layout.num_variables = table.num_variables();
   layout.classes = table.classes();
   const VariableNames names = find_variable_names(table);

@@ -6,164 +6,192 @@
 #include <vltextstream/layout/sampled_table.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
-#include <limits>
-#include <string_view>
+#include <memory>
+#include <utility>
 
 #include <vltextstream/scoring/datatype_recognizers.hpp>
-#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/field_text.hpp>
+#include <vltextstream/strategy/line_cursor.hpp>
 #include <vltextstream/strategy/line_reader_strategy.hpp>
-#include <vltextstream/strategy/line_walk.hpp>
-#include <vltextstream/strategy/scan.hpp>
 
 namespace textio::standalone {
 namespace {
 
-bool is_blank(const Field& line, const std::u16string& whitespace) {
-  return std::u16string_view(line.data, line.length).find_first_not_of(whitespace) ==
-         std::u16string_view::npos;
-}
-
-// The lines of a text that are asked for in ascending order, and their numbers.
+// The lines of a text, asked for in ascending order, and their numbers.
 class TextLines {
  public:
   TextLines(const Field& text, const parser::options& options)
-      : text_(text), reader_(options), walk_(reader_, text), line_(walk_.line_at(0)) {}
+      : text_(text),
+        reader_(options),
+        lines_(reader_.lines_of(text_)),
+        line_(lines_->line_at(0).extent) {}
 
-  // Goes on to the line that holds unit `pos`. Every line has a unit or a line ending, so the walk
-  // moves on. It does not pass a U+FFFF.
+  // Goes on to the line that holds position `pos`. Every line has a code unit or a line ending, so
+  // this moves on. It does not pass a U+FFFF.
   void go_to(std::size_t pos) {
     while (pos >= line_.next && !ends_at(text_, line_.next)) {
-      line_ = walk_.line_at(line_.next);
+      line_ = lines_->line_at(line_.next).extent;
       ++number_;
     }
   }
 
   std::size_t number() const { return number_; }
 
-  // Where the line ends, and where the next starts.
-  std::size_t end() const { return static_cast<std::size_t>(end_of(line_.field) - text_.data); }
-  std::size_t next() const { return line_.next; }
-
-  // Whether `field`, of this text or an empty one, ends where the line does.
-  bool ends_with(const Field& field) const { return end_of(field) == end_of(line_.field); }
+  // A line to return to.
+  struct Place {
+    FieldExtent line;
+    std::size_t number;
+  };
+  Place place() const { return {line_, number_}; }
+  void return_to(const Place& place) {
+    line_ = place.line;
+    number_ = place.number;
+  }
 
  private:
-  static const char16_t* end_of(const Field& field) { return field.data + field.length; }
-
-  const Field& text_;
+  const Field text_;
   LineReaderStrategy reader_;
-  LineWalk walk_;
+  std::unique_ptr<LineCursor> lines_;
   FieldExtent line_;
   std::size_t number_ = 1;
 };
 
-// The lines of a strategy.
-//
-// A line of a strategy ends at a line ending or with the text, and no line ending stands in front
-// of the one that closes a line of the text. So of the lines that a strategy kept, only the one
-// that it found at `pos` can end where the text's line around `pos` does.
-class SampleWalk {
+// Where `field` of `text` ends.
+std::size_t end_of(const Field& field, const Field& text) {
+  return static_cast<std::size_t>(field.data + field.length - text.data);
+}
+
+SampledTable::Kind kind_of(const SampleRun& run) {
+  switch (run.kind) {
+    case SampleLineKind::blank:
+      return SampledTable::Kind::blank;
+    case SampleLineKind::comment:
+      return SampledTable::Kind::comment;
+    case SampleLineKind::text:
+      break;
+  }
+  return SampledTable::Kind::text;
+}
+
+// Numbers the lines of a sample.
+class LineNumbers {
  public:
-  // A line that was kept as it is, one that is blank, or neither.
-  struct Line {
-    bool is_kept = false;
-    bool is_blank = false;
-    std::size_t first_line = 0;
-    std::size_t last_line = 0;
-    std::size_t next = 0;
-  };
+  using AddLine = std::function<void(const SampledTable::Run&)>;
 
-  SampleWalk(const Strategy& strategy, const Field& sample, const parser::options& options)
-      : sample_(sample),
-        whitespace_(options.whitespace),
-        text_lines_(sample, options),
-        walk_(strategy, sample) {}
+  LineNumbers(const Strategy& strategy, const parser::options& options, AddLine add_line)
+      : strategy_(strategy),
+        text_(strategy.sample().text),
+        skips_blanks_(strategy.dialect().mode == LayoutMode::space_aligned),
+        text_lines_(text_, options),
+        add_line_(std::move(add_line)) {}
 
-  // The line at `pos`. `next_kept` is the first of those that were kept and not met yet.
-  Line line_at(std::size_t pos, const Field* next_kept) {
-    text_lines_.go_to(pos);
-    const std::size_t number = text_lines_.number();
-    const std::size_t end = text_lines_.end();
-    if (!ends_at(sample_, end)) {
-      const bool is_kept = next_kept && text_lines_.ends_with(*next_kept);
-      const bool is_empty = pos == end && !contains(kAlignedLineOpeners, sample_.data[pos]);
-      if (is_kept || is_empty) return {is_kept, is_empty, number, number, text_lines_.next()};
+  void add_all() {
+    for (const SampleRun& run : strategy_.sample().runs) {
+      if (run.kind == SampleLineKind::text) {
+        add_texts(run);
+      } else {
+        add_others(run);
+      }
     }
-    const FieldExtent line = walk_.line_at(pos);
-    const bool is_kept = next_kept && next_kept->data == line.field.data;
-    text_lines_.go_to(line.next - 1);
-    return {is_kept, is_blank(line.field, whitespace_), number, text_lines_.number(), line.next};
   }
 
  private:
-  const Field& sample_;
-  const std::u16string& whitespace_;
-  TextLines text_lines_;
-  LineWalk walk_;
-};
+  void add_texts(const SampleRun& run) {
+    std::size_t start = run.begin;
+    const std::size_t end = run.first_line + run.num_lines;
+    for (std::size_t index = run.first_line; index < end; ++index) {
+      text_lines_.go_to(start);
+      const std::size_t first_line = text_lines_.number();
+      start = index + 1 < end ? start_after(index) : run.end;
+      text_lines_.go_to(start - 1);
+      add_line_({SampledTable::Kind::text, first_line, text_lines_.number(), index, 1});
+    }
+  }
 
-// How many lines that are neither empty nor comments a sampling asks for at most.
-std::size_t line_budget(const parser::options& options, unsigned long num_lines) {
-  if (options.detect_header_lines) return num_lines;
-  const std::size_t most = std::numeric_limits<std::size_t>::max();
-  return options.header_lines > most - num_lines ? most : num_lines + options.header_lines;
-}
+  // Where the line after line `index`, a text, starts. Blanks before aligned fields are not part of
+  // the line that was kept.
+  std::size_t start_after(std::size_t index) const {
+    const std::vector<Field>& lines = strategy_.lines();
+    auto start = static_cast<std::size_t>(lines[index + 1].data - text_.data);
+    if (!skips_blanks_) return start;
+    const std::size_t end_before = end_of(lines[index], text_);
+    while (start > end_before + 1 && contains(u" \t", text_.data[start - 1])) --start;
+    return start;
+  }
+
+  // As a rule each of these is one line of the text. Then their numbers follow from those of the first
+  // and the last.
+  void add_others(const SampleRun& run) {
+    text_lines_.go_to(run.begin);
+    const TextLines::Place first = text_lines_.place();
+    text_lines_.go_to(run.end - 1);
+    const std::size_t last_line = text_lines_.number();
+    if (last_line - first.number + 1 == run.num_lines) {
+      add_line_({kind_of(run), first.number, last_line, run.first_line, run.num_lines});
+      return;
+    }
+    text_lines_.return_to(first);
+    add_one_by_one(run);
+  }
+
+  void add_one_by_one(const SampleRun& run) {
+    const std::unique_ptr<LineCursor> lines = strategy_.lines_of(text_);
+    std::size_t pos = run.begin;
+    for (std::size_t i = 0; i < run.num_lines; ++i) {
+      text_lines_.go_to(pos);
+      const std::size_t first_line = text_lines_.number();
+      pos = lines->line_at(pos).extent.next;
+      text_lines_.go_to(pos - 1);
+      const bool is_sampled = run.kind == SampleLineKind::blank;
+      add_line_({kind_of(run), first_line, text_lines_.number(),
+                 run.first_line + (is_sampled ? i : 0), 1});
+    }
+  }
+
+  const Strategy& strategy_;
+  const Field text_;
+  const bool skips_blanks_;
+  TextLines text_lines_;
+  const AddLine add_line_;
+};
 
 }  // namespace
 
-SampledTable::SampledTable(Strategy& strategy, const Field& sample, const DetectSettings& settings)
+SampledTable::SampledTable(Strategy& strategy, const DetectSettings& settings)
     : strategy_(strategy), options_(settings.options) {
-  find_lines(sample, settings.num_lines);
+  find_lines();
   classes_ = column_classes();
 }
 
-// A line that was not kept is blank or a comment; whether a marker stands in it depends on what the
-// strategy takes for white space, whether it is blank does not.
-//
-// Behind the last line that was kept only comments can have been looked at, and only if the budget
-// was not used up before.
-void SampledTable::find_lines(const Field& sample, unsigned long num_lines) {
-  const std::vector<Field>& kept = strategy_.lines();
-  const std::size_t budget = line_budget(options_, num_lines);
-  SampleWalk walk(strategy_, sample, options_);
-  std::size_t index = 0;
-  std::size_t texts = 0;
-  std::size_t pos = 0;
-  while (!ends_at(sample, pos) && (index < kept.size() || texts < budget)) {
-    const Field* const next_kept = index < kept.size() ? &kept[index] : nullptr;
-    const SampleWalk::Line line = walk.line_at(pos, next_kept);
-    const bool is_left_out = !line.is_kept && (!next_kept || !line.is_blank);
-    const Kind kind = line.is_kept ? Kind::text : is_left_out ? Kind::comment : Kind::blank;
-    add_line({kind, line.first_line, line.last_line, index, 1});
-    if (line.is_kept) ++texts;
-    if (!is_left_out) ++index;
-    pos = line.next;
-  }
+void SampledTable::find_lines() {
+  LineNumbers(strategy_, options_, [this](const Run& lines) { add_lines(lines); }).add_all();
 }
 
-void SampledTable::add_line(const Run& line) {
+void SampledTable::add_lines(const Run& lines) {
+  const auto is_one_each = [](const Run& run) {
+    return run.last_line - run.first_line + 1 == run.count;
+  };
   if (!runs_.empty()) {
     Run& run = runs_.back();
-    const bool is_one_each = run.last_line - run.first_line + 1 == run.count;
-    const bool is_next_line =
-        line.first_line == run.last_line + 1 && line.last_line == line.first_line;
-    if (run.kind == line.kind && is_one_each && is_next_line) {
-      run.last_line = line.last_line;
-      ++run.count;
+    const bool follows = run.kind == lines.kind && lines.first_line == run.last_line + 1;
+    if (follows && is_one_each(run) && is_one_each(lines)) {
+      run.last_line = lines.last_line;
+      run.count += lines.count;
       return;
     }
   }
-  runs_.push_back(line);
+  runs_.push_back(lines);
 }
 
-// Of the runs that begin at this index or before, the last one holds it: comments in front of the
-// line begin there as well.
+// Of the runs that begin at this index or before, the last one holds it: comments before the line
+// begin there as well.
 std::size_t SampledTable::line_number(std::size_t index) const {
-  const auto behind =
+  const auto after =
       std::upper_bound(runs_.begin(), runs_.end(), index,
                        [](std::size_t i, const Run& run) { return i < run.first_index; });
-  const Run& run = *std::prev(behind);
+  const Run& run = *std::prev(after);
   return run.first_line + (index - run.first_index);
 }
 
@@ -187,18 +215,11 @@ DatatypeCode SampledTable::class_of_lines() const {
   return code;
 }
 
-// A fixed-width strategy remembers the column that it stopped at, so the line is cut by a new one.
 // Where nothing was found to separate fields, a line is one field whatever the strategy would do.
 std::vector<Field> SampledTable::fields(std::size_t index) const {
   const Field& line = strategy_.lines()[index];
   if (is_single_column()) return {line};
-  std::vector<Field> fields;
-  fields.reserve(field_count(index));
-  if (const auto* fixed = dynamic_cast<const FixedWidthStrategy*>(&strategy_)) {
-    FixedWidthStrategy(options_, fixed->widths()).cut_line(line, fields);
-  } else {
-    strategy_.cut_line(line, fields);
-  }
+  std::vector<Field> fields = strategy_.fields_of(line);
   // A fixed-width field reports its full width where the line is shorter.
   for (Field& field : fields) {
     const auto rest = static_cast<std::size_t>(line.data + line.length - field.data);

@@ -1,14 +1,14 @@
-// SampledTable: the lines that a strategy sampled, where they stand in the text, and their fields.
+// SampledTable: the lines that a strategy sampled, their line numbers in the text, and their fields.
 //
-//   SampledTable table(strategy, sample, settings);
+//   SampledTable table(strategy, settings);
 //   table.texts(table.fields(0));    // {u"date", u"level"}
 //   table.line_number(0);            // 6
 //
 // Units      an index counts sampled lines from 0, comments left out; line numbers count the lines
 //            of the text from 1.
-// Ownership  refers to the strategy, the text and the settings; they must outlive it.
-// Cost       made in one pass over the text, which asks the strategy for few lines. A line is cut
-//            when its fields are asked for. Holds one run for all lines that look alike.
+// Ownership  refers to the strategy, its text and the settings; they must outlive it.
+// Cost       made in one pass over the sampled text. A line is cut when its fields are asked for.
+//            Holds one run for all lines of one kind that follow one another.
 #pragma once
 
 #include <cstddef>
@@ -38,7 +38,7 @@ class SampledTable {
     std::size_t count = 0;
   };
 
-  SampledTable(Strategy& strategy, const Field& sample, const DetectSettings& settings);
+  SampledTable(Strategy& strategy, const DetectSettings& settings);
 
   // All lines that were looked at, comments included, in the order of the text.
   const std::vector<Run>& runs() const { return runs_; }
@@ -48,7 +48,7 @@ class SampledTable {
   std::size_t num_variables() const { return classes_.size(); }
   const std::vector<DatatypeCode>& classes() const { return classes_; }
 
-  // The number of the first line of the text that sampled line `index` stands in.
+  // The number of the first line of the text that belongs to sampled line `index`.
   std::size_t line_number(std::size_t index) const;
 
   // The number of fields on a line, as the strategy counted them in its sample.
@@ -69,8 +69,8 @@ class SampledTable {
   bool is_single_column() const { return strategy_.num_variables() < 0; }
   std::vector<DatatypeCode> column_classes() const;
   DatatypeCode class_of_lines() const;
-  void find_lines(const Field& sample, unsigned long num_lines);
-  void add_line(const Run& line);
+  void find_lines();
+  void add_lines(const Run& lines);
 
   Strategy& strategy_;
   const parser::options& options_;

@@ -6,7 +6,6 @@
 
 #include <vltextstream/scoring/datatype_recognizers.hpp>
 #include <vltextstream/scoring/line_fields.hpp>
-#include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
 namespace {
@@ -23,74 +22,83 @@ class ArrayLines final : public LineFields {
  public:
   explicit ArrayLines(const FieldArray& array) : array_(array) {}
 
-  std::size_t num_lines() const override { return array_.counts.size(); }
-  std::size_t count(std::size_t line) const override { return array_.counts[line] - begin(line); }
   std::span<const Field> fields(std::size_t line) override {
-    return std::span<const Field>(array_.fields).subspan(begin(line), count(line));
+    const std::size_t begin = line > 0 ? array_.counts[line - 1] : 0;
+    return std::span<const Field>(array_.fields).subspan(begin, array_.counts[line] - begin);
   }
 
  private:
-  // The first line of all is never inspected.
-  std::size_t begin(std::size_t line) const { return array_.counts[line - 1]; }
-
   const FieldArray& array_;
 };
 
-std::uint32_t count_of(const std::vector<DatatypeCode>& codes, DatatypeCode code) {
-  return static_cast<std::uint32_t>(std::count(codes.begin(), codes.end(), code));
+LineCounts counts_of(const FieldArray& array) {
+  LineCounts counts;
+  std::size_t before = 0;
+  for (const std::size_t total : array.counts) {
+    counts.add(total - before);
+    before = total;
+  }
+  return counts;
 }
+
+// The classes of the columns, as far as lines have been inspected.
+class OpenColumns {
+ public:
+  explicit OpenColumns(const InspectionScope& scope)
+      : scope_(scope), codes_(scope.num_variables, DatatypeCode::empty), open_(codes_.size()) {}
+
+  bool are_left() const { return open_ > 0; }
+
+  void inspect(std::span<const Field> fields) {
+    for (std::size_t column = 0; column < std::min(fields.size(), codes_.size()); ++column) {
+      if (codes_[column] != DatatypeCode::empty) continue;
+      codes_[column] =
+          classify_field(readable_part(fields[column], scope_.text), scope_.whitespace);
+      if (codes_[column] != DatatypeCode::empty) --open_;
+    }
+  }
+
+  std::vector<DatatypeCode> take() { return std::move(codes_); }
+
+ private:
+  const InspectionScope& scope_;
+  std::vector<DatatypeCode> codes_;
+  std::size_t open_;
+};
 
 }  // namespace
 
-std::vector<DatatypeCode> classify_columns(LineFields& lines, const InspectionScope& scope) {
-  std::vector<DatatypeCode> codes(scope.num_variables, DatatypeCode::empty);
-  std::size_t open_columns = codes.size();
-
-  // Upwards from the last line, so that the header and what follows it matter least.
-  std::size_t line = lines.num_lines();
-  while (open_columns > 0 && line > 0 && line - 1 > scope.header_lines) {
-    --line;
-    const std::size_t count = lines.count(line);
-    if (static_cast<std::int32_t>(count) < scope.modal_field_count) continue;
-    const std::span<const Field> fields = lines.fields(line);
-    for (std::size_t column = 0; column < std::min(count, codes.size()); ++column) {
-      if (codes[column] != DatatypeCode::empty) continue;
-      const Field field = readable_part(fields[column], scope.text);
-      codes[column] = classify_field(field, scope.whitespace);
-      if (codes[column] != DatatypeCode::empty) --open_columns;
+// Upwards from the last line, so that the header and what follows it matter least.
+std::vector<DatatypeCode> classify_columns(const LineCounts& counts, LineFields& lines,
+                                           const InspectionScope& scope) {
+  OpenColumns columns(scope);
+  for (std::size_t k = counts.runs().size(); k > 0 && columns.are_left(); --k) {
+    const LineCounts::Run& run = counts.runs()[k - 1];
+    if (static_cast<std::int32_t>(run.fields) < scope.modal_field_count) continue;
+    const auto is_inspected = [&](std::size_t line) {
+      return line >= run.first && line > scope.header_lines;
+    };
+    for (std::size_t line = counts.end_of(k - 1) - 1; is_inspected(line); --line) {
+      columns.inspect(lines.fields(line));
+      if (!columns.are_left()) break;
     }
   }
-  return codes;
+  return columns.take();
 }
 
 std::vector<DatatypeCode> classify_columns(const FieldArray& fields, const InspectionScope& scope) {
   ArrayLines lines(fields);
-  return classify_columns(lines, scope);
+  return classify_columns(counts_of(fields), lines, scope);
 }
 
-std::vector<DatatypeCode> Strategy::classes_of(LineFields& lines) const {
-  return textio::classify_columns(
-      lines, {header_lines_, valuation_.modal_field_count,
-              static_cast<std::size_t>(valuation_.num_variables), options_->whitespace, text_});
-}
-
-std::vector<DatatypeCode> Strategy::classify_columns(const FieldArray& fields) const {
-  ArrayLines lines(fields);
-  return classes_of(lines);
-}
-
-void Strategy::inspect_datatypes(const FieldArray& fields) {
-  take_classes(classify_columns(fields));
-}
-
-void Strategy::take_classes(std::vector<DatatypeCode> codes) {
-  const std::uint32_t empty = count_of(codes, DatatypeCode::empty);
-  valuation_.typed_columns += static_cast<std::uint32_t>(codes.size()) - empty;
-  valuation_.date_columns +=
-      count_of(codes, DatatypeCode::date) + count_of(codes, DatatypeCode::duration);
-  valuation_.numeric_columns += count_of(codes, DatatypeCode::number);
-  valuation_.datetime_columns += count_of(codes, DatatypeCode::datetime);
-  column_classes_ = std::move(codes);
+void add_classes(const std::vector<DatatypeCode>& codes, StrategyValuation& valuation) {
+  const auto count = [&codes](DatatypeCode code) {
+    return static_cast<std::uint32_t>(std::count(codes.begin(), codes.end(), code));
+  };
+  valuation.typed_columns += static_cast<std::uint32_t>(codes.size()) - count(DatatypeCode::empty);
+  valuation.date_columns += count(DatatypeCode::date) + count(DatatypeCode::duration);
+  valuation.numeric_columns += count(DatatypeCode::number);
+  valuation.datetime_columns += count(DatatypeCode::datetime);
 }
 
 }  // namespace textio

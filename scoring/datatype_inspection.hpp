@@ -11,6 +11,7 @@
 
 #include <vltextstream/host/export.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>
+#include <vltextstream/scoring/strategy_valuation.hpp>
 #include <vltextstream/strategy/field_array.hpp>
 
 namespace textio {
@@ -40,5 +41,8 @@ struct VLTEXTSTREAM_EXPORT InspectionScope {
 // Cost  stops as soon as every column has a class; on a regular file that is after a few lines.
 VLTEXTSTREAM_EXPORT std::vector<DatatypeCode> classify_columns(const FieldArray& fields,
                                                                const InspectionScope& scope);
+
+// Adds the numbers of typed columns to `valuation`.
+void add_classes(const std::vector<DatatypeCode>& codes, StrategyValuation& valuation);
 
 }  // namespace textio

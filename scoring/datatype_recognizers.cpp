@@ -8,7 +8,7 @@
 #include <cxxabi.h>
 
 #include <vltextstream/host/datetime.hpp>
-#include <vltextstream/strategy/scan.hpp>
+#include <vltextstream/strategy/field_text.hpp>
 
 namespace textio {
 namespace {

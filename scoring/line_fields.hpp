@@ -1,4 +1,4 @@
-// The fields of the sampled lines, one line at a time: what a classification asks for.
+// LineFields: the fields of the sampled lines, which a classification asks for line by line.
 #pragma once
 
 #include <cstddef>
@@ -6,25 +6,22 @@
 #include <vector>
 
 #include <vltextstream/scoring/datatype_inspection.hpp>
+#include <vltextstream/scoring/line_counts.hpp>
 #include <vltextstream/strategy/field.hpp>
 
 namespace textio {
 
 class LineFields {
  public:
-  virtual std::size_t num_lines() const = 0;
-
-  // The number of fields on a line; lines count from 0.
-  virtual std::size_t count(std::size_t line) const = 0;
-
-  // The fields of a line, from left to right; valid until the next call.
+  // The fields of line `line`, from left to right; valid until the next call.
   virtual std::span<const Field> fields(std::size_t line) = 0;
 
  protected:
   ~LineFields() = default;
 };
 
-// As for a FieldArray; see scoring/datatype_inspection.hpp.
-std::vector<DatatypeCode> classify_columns(LineFields& lines, const InspectionScope& scope);
+// As for a FieldArray; `counts` has the number of fields on each line.
+std::vector<DatatypeCode> classify_columns(const LineCounts& counts, LineFields& lines,
+                                           const InspectionScope& scope);
 
 }  // namespace textio

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <limits>
-#include <numeric>
+
+#include <vltextstream/scoring/line_counts.hpp>
 
 namespace textio {
 namespace {
@@ -18,33 +19,76 @@ double sum_from(const std::vector<std::size_t>& diffs, std::size_t begin) {
   return sum;
 }
 
+// Calls `visit(fields, num_lines)` for each run of lines from line `first` on.
+template <typename Visit>
+void for_each_run(const LineCounts& counts, std::size_t first, Visit visit) {
+  const std::vector<LineCounts::Run>& runs = counts.runs();
+  for (std::size_t k = counts.run_at(first); k < runs.size(); ++k) {
+    visit(runs[k].fields, counts.end_of(k) - std::max(first, runs[k].first));
+  }
+}
+
+// The number of runs up to and including the last one with `fields` fields, 0 if there is none.
+std::size_t runs_to_last(const LineCounts& counts, std::size_t fields) {
+  std::size_t k = counts.runs().size();
+  while (k > 0 && counts.runs()[k - 1].fields != fields) --k;
+  return k;
+}
+
+std::size_t first_line_with_several(const LineCounts& counts, std::size_t h) {
+  const std::vector<LineCounts::Run>& runs = counts.runs();
+  std::size_t k = counts.run_at(h);
+  while (k < runs.size() && runs[k].fields <= 1) h = counts.end_of(k++);
+  return h;
+}
+
 }  // namespace
 
-std::size_t get_modified_median(const std::vector<std::size_t>& line_counts, std::size_t first) {
-  std::vector<std::size_t> several;
-  several.reserve(line_counts.size());
+std::size_t get_modified_median(const LineCounts& line_counts, std::size_t first) {
   std::size_t lines_with_fields = 0;
-  for (std::size_t i = first; i < line_counts.size(); ++i) {
-    if (line_counts[i] != 0) ++lines_with_fields;
-    if (line_counts[i] > 1) several.push_back(line_counts[i]);
-  }
-  if (several.empty()) return 1;
-  if (lines_with_fields >= kManyLines && lines_with_fields / 3 > several.size()) return 1;
+  std::size_t lines_with_several = 0;
+  for_each_run(line_counts, first, [&](std::size_t fields, std::size_t num_lines) {
+    if (fields != 0) lines_with_fields += num_lines;
+    if (fields > 1) lines_with_several += num_lines;
+  });
+  if (lines_with_several == 0) return 1;
+  if (lines_with_fields >= kManyLines && lines_with_fields / 3 > lines_with_several) return 1;
+  std::vector<std::size_t> several;
+  several.reserve(lines_with_several);
+  for_each_run(line_counts, first, [&](std::size_t fields, std::size_t num_lines) {
+    if (fields > 1) several.insert(several.end(), num_lines, fields);
+  });
   const auto middle = several.begin() + static_cast<std::ptrdiff_t>((several.size() - 1) / 2);
   std::nth_element(several.begin(), middle, several.end());
   return *middle;
 }
 
-std::vector<std::size_t> get_abs_diffs(const std::vector<std::size_t>& line_counts,
+std::size_t get_modified_median(const std::vector<std::size_t>& line_counts, std::size_t first) {
+  return get_modified_median(LineCounts(line_counts), first);
+}
+
+std::vector<std::size_t> get_abs_diffs(const LineCounts& line_counts,
                                        std::int32_t modal_field_count) {
   const auto modal = static_cast<std::size_t>(modal_field_count);
-  const auto last = std::find(line_counts.rbegin(), line_counts.rend(), modal);
+  const std::size_t num_runs = runs_to_last(line_counts, modal);
+  const auto for_each_diff = [&](auto visit) {
+    for (std::size_t k = 0; k < num_runs; ++k) {
+      const LineCounts::Run& run = line_counts.runs()[k];
+      if (run.fields != 0) visit(abs_diff(run.fields, modal), line_counts.end_of(k) - run.first);
+    }
+  };
+  std::size_t size = 0;
+  for_each_diff([&](std::size_t, std::size_t num_lines) { size += num_lines; });
   std::vector<std::size_t> diffs;
-  diffs.reserve(static_cast<std::size_t>(last.base() - line_counts.begin()));
-  for (auto count = line_counts.begin(); count != last.base(); ++count) {
-    if (*count != 0) diffs.push_back(abs_diff(*count, modal));
-  }
+  diffs.reserve(size);
+  for_each_diff(
+      [&](std::size_t diff, std::size_t num_lines) { diffs.insert(diffs.end(), num_lines, diff); });
   return diffs;
+}
+
+std::vector<std::size_t> get_abs_diffs(const std::vector<std::size_t>& line_counts,
+                                       std::int32_t modal_field_count) {
+  return get_abs_diffs(LineCounts(line_counts), modal_field_count);
 }
 
 double get_total_variation(const std::vector<std::size_t>& diffs) {
@@ -60,13 +104,17 @@ double get_data_variation(const std::vector<std::size_t>& diffs, std::size_t hea
   return sum_from(diffs, header_lines) / static_cast<double>(diffs.size() - header_lines);
 }
 
+std::size_t get_number_of_variables(const LineCounts& line_counts, std::size_t header_lines) {
+  std::int32_t most = 1;
+  for_each_run(line_counts, header_lines, [&](std::size_t fields, std::size_t) {
+    most = std::max(most, static_cast<std::int32_t>(fields));
+  });
+  return static_cast<std::size_t>(most);
+}
+
 std::size_t get_number_of_variables(const std::vector<std::size_t>& line_counts,
                                     std::size_t header_lines) {
-  std::int32_t most = 1;
-  for (std::size_t i = header_lines; i < line_counts.size(); ++i) {
-    most = std::max(most, static_cast<std::int32_t>(line_counts[i]));
-  }
-  return static_cast<std::size_t>(most);
+  return get_number_of_variables(LineCounts(line_counts), header_lines);
 }
 
 std::size_t skip_to_data(std::size_t h, const std::vector<std::size_t>& empty_lines,
@@ -74,8 +122,19 @@ std::size_t skip_to_data(std::size_t h, const std::vector<std::size_t>& empty_li
   for (const std::size_t empty_line : empty_lines) {
     if (h >= empty_line && h != std::numeric_limits<std::size_t>::max()) ++h;
   }
-  while (h < line_counts.size() && line_counts[h] <= 1) ++h;
-  return h;
+  return first_line_with_several(LineCounts(line_counts), h);
+}
+
+// Every line of a blank run that starts at `h` or before it moves `h` on, and so brings in the next
+// line of the run. A number that wraps around becomes 0, before the rest of the run.
+std::size_t skip_to_data(std::size_t h, const LineCounts& line_counts) {
+  const std::vector<LineCounts::Run>& runs = line_counts.runs();
+  for (std::size_t k = 0; k < runs.size() && runs[k].first <= h; ++k) {
+    if (runs[k].fields != 0) continue;
+    const std::size_t moved = h + (line_counts.end_of(k) - runs[k].first);
+    h = moved > h ? moved : 0;
+  }
+  return first_line_with_several(line_counts, h);
 }
 
 }  // namespace textio

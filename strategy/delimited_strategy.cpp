@@ -1,16 +1,78 @@
 #include <vltextstream/strategy/delimited_strategy.hpp>
 
+#include <typeinfo>
+
 #include <vltextstream/strategy/delimiter_priority.hpp>
-#include <vltextstream/strategy/field_scan.hpp>
-#include <vltextstream/strategy/line_scan.hpp>
+#include <vltextstream/strategy/field_cursor.hpp>
+#include <vltextstream/strategy/separated_fields.hpp>
+#include <vltextstream/strategy/utf8.hpp>
+#include <vltextstream/strategy/whitespace.hpp>
 
 namespace textio {
 namespace {
 
-// A character that is not in the list ranks as its search says: at 2^64, far behind, yet measured.
+// A character that is not in the list gets the value of a failed search, 2^64: a rank far behind
+// all others, yet measured.
 double priors_rank_of(char16_t delimiter) {
   return static_cast<double>(kDelimiterPriority.find(delimiter));
 }
+
+// Of a set with a single character nothing but that character counts.
+std::vector<std::u16string> delimiters_of(const DelimiterSet& set) {
+  if (set.is_single_char) return {std::u16string(1, *set.single_char)};
+  return set.strings;
+}
+
+FieldExtent field_at(FieldCursor& fields, std::size_t start) {
+  const auto [end, next] = fields.end_of_field(start);
+  return {slice(fields.text(), start, end), next};
+}
+
+class DelimitedLines final : public LineCursor {
+ public:
+  DelimitedLines(const FieldRules& rules, const Field& text) : fields_(rules, text) {}
+
+  // A line is made of whole fields, so that a line ending inside quotes does not end it. A field
+  // that consumed nothing stopped at a line ending or at the end of the text, so every pass moves
+  // on. A delimiter at the end of the text has one more, empty, field after it.
+  SplitLine line_at(std::size_t start) override {
+    const Field& text = fields_.text();
+    std::size_t num_fields = 0;
+    bool ends_with_delimiter = false;
+    std::size_t pos = start;
+    while (!ends_at(text, pos)) {
+      const auto [end, next] = fields_.end_of_field(pos);
+      pos = next;
+      ++num_fields;
+      ends_with_delimiter = pos != end;
+      if (ends_with_delimiter) continue;
+      if (const std::size_t ending = fields_.line_ending_at(end)) {
+        return {{slice(text, start, end), end + ending}, num_fields};
+      }
+    }
+    return {{slice(text, start, pos), pos}, num_fields + (ends_with_delimiter ? 1 : 0)};
+  }
+
+  EmptyLines empty_lines_at(std::size_t start, std::size_t most) override {
+    return empty_lines_from(start, most, fields_.text(), fields_.line_endings(), kLineOpeners);
+  }
+
+ private:
+  FieldCursor fields_;
+};
+
+class DelimitedSplitter final : public SeparatedSplitter<DelimitedLines, field_at> {
+ public:
+  using SeparatedSplitter::SeparatedSplitter;
+
+  Dialect dialect() const override {
+    Dialect dialect{LayoutMode::delimited, {}, {}};
+    for (const std::u16string& delimiter : delimiters_of(rules().delimiters.set())) {
+      dialect.delimiters.push_back(to_utf8_lossy(delimiter));
+    }
+    return dialect;
+  }
+};
 
 }  // namespace
 
@@ -18,8 +80,7 @@ DelimitedStrategy::DelimitedStrategy(const parser::options& options,
                                      const std::vector<std::u16string>& delimiters)
     : Strategy(options),
       tokenizer_(delimiters, options.line_endings),
-      line_endings_(tokenizer_.line_endings_),
-      ending_matcher_(line_endings_) {
+      line_endings_(tokenizer_.line_endings_) {
   std::u16string whitespace = options.whitespace;
   for (const std::u16string& delimiter : delimiters) {
     if (delimiter.size() == 1) remove_in_place(whitespace, delimiter[0]);
@@ -29,6 +90,7 @@ DelimitedStrategy::DelimitedStrategy(const parser::options& options,
     valuation_.priors_rank = priors_rank_of(delimiters[0][0]);
     space_separated_ = delimiters[0][0] == u' ';
   }
+  split_by(std::make_shared<DelimitedSplitter>(tokenizer_.rules_), typeid(DelimitedStrategy));
 }
 
 DelimitedStrategy::DelimitedStrategy(const parser::options& options)
@@ -39,49 +101,19 @@ DelimitedStrategy::DelimitedStrategy(const parser::options& options, char16_t de
 
 DelimitedStrategy::~DelimitedStrategy() = default;
 
-// Of a set with a single character nothing but that character counts.
 std::vector<std::u16string> DelimitedStrategy::delimiters() const {
-  const DelimiterSet& set = *delimiter();
-  if (set.is_single_char) return {std::u16string(1, *set.single_char)};
-  return set.strings;
+  return delimiters_of(*delimiter());
 }
 
 int DelimitedStrategy::mode() const { return kDelimited; }
 
 FieldExtent DelimitedStrategy::get_line_extent(const Field& text, unsigned long start) const {
-  FieldScan fields(tokenizer_, text);
-  return scan_line(fields, start).extent;
-}
-
-// A line is made of whole fields, so that a line ending inside quotes does not end it. A field
-// that consumed nothing stopped at a line ending or at the end of the text: the loop moves on
-// with every field. A delimiter at the end of the text has one more, empty, field behind it.
-ScannedLine DelimitedStrategy::scan_line(FieldScan& fields, std::size_t start) const {
-  const Field& text = fields.text();
-  std::size_t num_fields = 0;
-  bool ends_with_delimiter = false;
-  std::size_t pos = start;
-  while (!ends_at(text, pos)) {
-    const auto [end, next] = fields.end_of_field(pos);
-    pos = next;
-    ++num_fields;
-    ends_with_delimiter = pos != end;
-    if (ends_with_delimiter) continue;
-    if (const std::size_t ending = ending_matcher_.length_at(text, end)) {
-      return {{slice(text, start, end), end + ending}, num_fields};
-    }
-  }
-  return {{slice(text, start, pos), pos}, num_fields + (ends_with_delimiter ? 1 : 0)};
+  return DelimitedLines(*tokenizer_.rules_, text).line_at(start).extent;
 }
 
 FieldExtent DelimitedStrategy::get_next_field(const Field& line, unsigned long start) {
-  FieldScan fields(tokenizer_, line);
-  return next_field(fields, start);
-}
-
-FieldExtent DelimitedStrategy::next_field(FieldScan& fields, std::size_t start) const {
-  const auto [end, next] = fields.end_of_field(start);
-  return {slice(fields.text(), start, end), next};
+  FieldCursor fields(*tokenizer_.rules_, line);
+  return field_at(fields, start);
 }
 
 }  // namespace textio

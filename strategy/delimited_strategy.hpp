@@ -13,14 +13,9 @@
 
 #include <vltextstream/host/delimiter_set.hpp>
 #include <vltextstream/strategy/field_tokenizer.hpp>
-#include <vltextstream/strategy/marker_matcher.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
-
-class FieldScan;
-class LineScan;
-struct ScannedLine;
 
 class VLTEXTSTREAM_EXPORT DelimitedStrategy : public Strategy {
  public:
@@ -44,15 +39,8 @@ class VLTEXTSTREAM_EXPORT DelimitedStrategy : public Strategy {
   std::vector<std::u16string> delimiters() const;
 
  private:
-  friend class LineScan;
-  friend class Strategy;  // reaches the matchers, and cuts lines
-
-  VLTEXTSTREAM_LOCAL ScannedLine scan_line(FieldScan& fields, std::size_t start) const;
-  VLTEXTSTREAM_LOCAL FieldExtent next_field(FieldScan& fields, std::size_t start) const;
-
   FieldTokenizer tokenizer_;
   std::shared_ptr<const DelimiterSet> line_endings_;
-  MarkerMatcher ending_matcher_;
 };
 
 }  // namespace textio

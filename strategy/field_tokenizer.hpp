@@ -1,8 +1,8 @@
-// FieldTokenizer: the scan that finds the end of a field which may be quoted.
+// FieldTokenizer: finds the end of a field that may be quoted.
 //
 // Fields are separated by the delimiters. A field that starts with the quote character runs at
-// least to the closing quote, whatever stands in between, and keeps its quotes; a doubled quote
-// does not close it.
+// least to the closing quote, whatever comes between, and keeps its quotes; a doubled quote does not
+// close it.
 #pragma once
 
 #include <cstddef>
@@ -13,29 +13,28 @@
 #include <vltextstream/host/delimiter_set.hpp>
 #include <vltextstream/host/export.hpp>
 #include <vltextstream/strategy/field.hpp>
-#include <vltextstream/strategy/marker_matcher.hpp>
 
 namespace textio {
+
+struct FieldRules;
 
 struct VLTEXTSTREAM_EXPORT FieldTokenizer {
   FieldTokenizer(const std::vector<std::u16string>& delimiters,
                  const std::vector<std::u16string>& line_endings);
 
-  // The field of `text` that starts at `pos`. `next` lies after the delimiter if one ended the
-  // field; at a line ending, a U+FFFF or the end of the text it is where the field ends.
+  // The field of `text` that starts at `pos`. `next` is after the delimiter if one ended the field;
+  // at a line ending, a U+FFFF or the end of the text it is where the field ends.
   FieldExtent tokenize(const Field& text, std::size_t pos) const;
 
   char16_t quote_ = u'"';
   std::shared_ptr<const DelimiterSet> delimiters_;
   std::shared_ptr<const DelimiterSet> line_endings_;
 
-  // The units at which a scan must look closer, ascending.
+  // The code units at which a scan must look closer, ascending.
   std::u16string stop_chars_;
 
-  // What asks the two sets, and looks up the stop characters.
-  MarkerMatcher delimiter_matcher_;
-  MarkerMatcher ending_matcher_;
-  std::shared_ptr<const UnitBits> stop_bits_;
+  // The same, prepared for scans.
+  std::shared_ptr<const FieldRules> rules_;
 };
 
 }  // namespace textio

@@ -4,12 +4,28 @@
 #include <limits>
 #include <numeric>
 #include <stdexcept>
+#include <typeinfo>
+#include <utility>
 
-#include <vltextstream/strategy/line_scan.hpp>
-#include <vltextstream/strategy/scan.hpp>
-#include <vltextstream/strategy/unit_finder.hpp>
+#include <vltextstream/strategy/append_fields.hpp>
+#include <vltextstream/strategy/search/code_unit_finder.hpp>
+#include <vltextstream/strategy/search/marker_search.hpp>
+#include <vltextstream/strategy/splitter.hpp>
 
 namespace textio {
+
+struct FixedWidthRules {
+  FixedWidthRules(std::vector<std::size_t> column_widths,
+                  std::shared_ptr<const DelimiterSet> line_ending_set)
+      : widths(std::move(column_widths)),
+        line_endings(std::move(line_ending_set)),
+        stops(first_units_of(line_endings.set())) {}
+
+  std::vector<std::size_t> widths;
+  MarkerMatcher line_endings;
+  CodeUnitSet stops;  // what a line ending may begin with
+};
+
 namespace {
 
 std::size_t saturating_sum(const std::vector<unsigned long>& widths) {
@@ -19,6 +35,79 @@ std::size_t saturating_sum(const std::vector<unsigned long>& widths) {
       [](std::size_t sum, std::size_t width) { return width > kMost - sum ? kMost : sum + width; });
 }
 
+FieldExtent field_at(const Field& line, std::size_t start, std::size_t width) {
+  if (start > line.length) return {slice(line, line.length, line.length), line.length};
+  const std::size_t rest = line.length - start;
+  return {Field(line.data + start, width), start + std::min(width, rest)};
+}
+
+class FixedWidthLines final : public LineCursor {
+ public:
+  FixedWidthLines(const FixedWidthRules& rules, const Field& text)
+      : text_(text), stops_(text, rules.stops), line_endings_(rules.line_endings, text) {}
+
+  // A line ending may be anywhere, and a U+FFFF in the text does not end the line: one is seen past
+  // the end of the text, too, and a line ending may consist of it.
+  SplitLine line_at(std::size_t start) override {
+    for (std::size_t i = start; i <= text_.length; ++i) {
+      i = stops_.next(i);
+      if (const std::size_t ending = line_endings_.length_at(i)) {
+        return {{slice(text_, start, i), i + ending}};
+      }
+    }
+    return {{slice(text_, start, text_.length), text_.length}};
+  }
+
+  EmptyLines empty_lines_at(std::size_t start, std::size_t most) override {
+    return empty_lines_from(start, most, text_, line_endings_, {});
+  }
+
+ private:
+  const Field text_;
+  CodeUnitFinder stops_;
+  MarkerSearch line_endings_;
+};
+
+// Every field moves to the next column, also where no text is left, and a line does not start at the
+// first: the numbers of fields per line follow from this.
+class FixedWidthCutter final : public FieldCutter {
+ public:
+  explicit FixedWidthCutter(const std::vector<std::size_t>& widths) : widths_(widths) {}
+
+  std::size_t append_fields(const Field& line, std::size_t column,
+                            std::vector<Field>& fields) override {
+    append_fields_of(line, fields, [&](std::size_t pos) {
+      const std::size_t width = widths_[column];
+      column = (column + 1) % widths_.size();
+      return field_at(line, pos, width);
+    });
+    return column;
+  }
+
+ private:
+  const std::vector<std::size_t>& widths_;
+};
+
+class FixedWidthSplitter final : public Splitter {
+ public:
+  explicit FixedWidthSplitter(std::shared_ptr<const FixedWidthRules> rules)
+      : rules_(std::move(rules)) {}
+
+  Dialect dialect() const override { return {LayoutMode::fixed_width, {}, rules_->widths}; }
+  bool counts_fields() const override { return false; }
+  std::size_t num_columns() const override { return rules_->widths.size(); }
+  std::size_t longest_marker() const override { return rules_->line_endings.longest(); }
+  std::unique_ptr<LineCursor> lines_of(const Field& text) const override {
+    return std::make_unique<FixedWidthLines>(*rules_, text);
+  }
+  std::unique_ptr<FieldCutter> field_cutter() const override {
+    return std::make_unique<FixedWidthCutter>(rules_->widths);
+  }
+
+ private:
+  std::shared_ptr<const FixedWidthRules> rules_;
+};
+
 }  // namespace
 
 FixedWidthStrategy::FixedWidthStrategy(const parser::options& options,
@@ -26,11 +115,12 @@ FixedWidthStrategy::FixedWidthStrategy(const parser::options& options,
     : Strategy(options),
       line_endings_(get_or_create_delim(options.line_endings)),
       widths_(widths.begin(), widths.end()),
-      total_width_(saturating_sum(widths)),
-      ending_matcher_(line_endings_) {
+      total_width_(saturating_sum(widths)) {
   if (total_width_ == 0) {
     throw std::invalid_argument("the widths of a fixed-width table must add up to at least 1");
   }
+  rules_ = std::make_shared<FixedWidthRules>(widths_, line_endings_);
+  split_by(std::make_shared<FixedWidthSplitter>(rules_), typeid(FixedWidthStrategy), &next_column_);
 }
 
 FixedWidthStrategy::~FixedWidthStrategy() = default;
@@ -38,41 +128,13 @@ FixedWidthStrategy::~FixedWidthStrategy() = default;
 int FixedWidthStrategy::mode() const { return kFixedWidth; }
 
 FieldExtent FixedWidthStrategy::get_line_extent(const Field& text, unsigned long start) const {
-  UnitFinder stops(text, stop_chars());
-  return scan_line(text, stops, start).extent;
+  return FixedWidthLines(*rules_, text).line_at(start).extent;
 }
 
-// The units with which a line ending begins; none when they are many.
-std::u16string_view FixedWidthStrategy::stop_chars() const {
-  const DelimiterSet& set = *line_endings_;
-  if (ending_matcher_.may_need_index()) return {};
-  if (set.is_single_char) return {set.single_char, 1};
-  return {set.first_chars_begin,
-          static_cast<std::size_t>(set.first_chars_end - set.first_chars_begin)};
-}
-
-// A line ending may stand anywhere, and a U+FFFF in the text does not end the line: behind the text
-// one is seen, too, and a line ending may consist of it.
-ScannedLine FixedWidthStrategy::scan_line(const Field& text, UnitFinder& stops,
-                                          std::size_t start) const {
-  const bool tries_each = ending_matcher_.may_need_index();
-  for (std::size_t i = start; i <= text.length; ++i) {
-    if (!tries_each) i = stops.next(i);
-    if (const std::size_t ending = ending_matcher_.length_at(text, i)) {
-      return {{slice(text, start, i), i + ending}};
-    }
-  }
-  return {{slice(text, start, text.length), text.length}};
-}
-
-// The column index moves on with every call, also when no text is left, and is not reset at the
-// start of a line: the numbers of fields per line follow from this.
 FieldExtent FixedWidthStrategy::get_next_field(const Field& line, unsigned long start) {
   const std::size_t width = widths_[next_column_];
   next_column_ = (next_column_ + 1) % widths_.size();
-  if (start > line.length) return {slice(line, line.length, line.length), line.length};
-  const std::size_t rest = line.length - start;
-  return {Field(line.data + start, width), start + std::min(width, rest)};
+  return field_at(line, start, width);
 }
 
 }  // namespace textio

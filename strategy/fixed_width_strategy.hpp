@@ -5,24 +5,20 @@
 // A field reports the full width of its column even where the line is shorter. The column index
 // runs on from line to line: a line with one field more shifts the widths of all lines after it.
 //
-// Errors  the constructor throws std::invalid_argument when the list of widths is empty or sums
-//         to 0: no scan would ever get on.
+// Errors  the constructor throws std::invalid_argument if the list of widths is empty or sums to 0:
+//         no scan would ever move on.
 #pragma once
 
 #include <cstddef>
 #include <memory>
-#include <string_view>
 #include <vector>
 
 #include <vltextstream/host/delimiter_set.hpp>
-#include <vltextstream/strategy/marker_matcher.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
 
-class LineScan;
-struct ScannedLine;
-class UnitFinder;
+struct FixedWidthRules;
 
 class VLTEXTSTREAM_EXPORT FixedWidthStrategy : public Strategy {
  public:
@@ -38,19 +34,11 @@ class VLTEXTSTREAM_EXPORT FixedWidthStrategy : public Strategy {
   const std::vector<std::size_t>& widths() const { return widths_; }
 
  private:
-  friend class LineScan;
-  friend class SampleCut;
-  friend class Strategy;  // goes back to the column of an earlier line, reaches the matcher
-
-  VLTEXTSTREAM_LOCAL std::u16string_view stop_chars() const;
-  VLTEXTSTREAM_LOCAL ScannedLine scan_line(const Field& text, UnitFinder& stops,
-                                           std::size_t start) const;
-
   std::shared_ptr<const DelimiterSet> line_endings_;
   std::vector<std::size_t> widths_;
   std::size_t total_width_;
   std::size_t next_column_ = 0;
-  MarkerMatcher ending_matcher_;
+  std::shared_ptr<const FixedWidthRules> rules_;
 };
 
 }  // namespace textio

@@ -5,14 +5,11 @@
 #include <string>
 
 #include <vltextstream/host/delimiter_set.hpp>
-#include <vltextstream/strategy/marker_matcher.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
 
-class LineScan;
-struct ScannedLine;
-class UnitFinder;
+struct WholeLineRules;
 
 class VLTEXTSTREAM_EXPORT LineReaderStrategy : public Strategy {
  public:
@@ -24,17 +21,10 @@ class VLTEXTSTREAM_EXPORT LineReaderStrategy : public Strategy {
   FieldExtent get_next_field(const Field& line, unsigned long start) override;
 
  private:
-  friend class LineScan;
-  friend class Strategy;  // reaches the matcher
-
-  VLTEXTSTREAM_LOCAL ScannedLine scan_line(const Field& text, UnitFinder& stops,
-                                           std::size_t start) const;
-
   std::shared_ptr<const DelimiterSet> line_endings_;
   std::shared_ptr<const DelimiterSet> delimiters_;
   std::u16string stop_chars_;
-  MarkerMatcher ending_matcher_;
-  std::shared_ptr<const UnitBits> stop_bits_;
+  std::shared_ptr<const WholeLineRules> rules_;
 };
 
 }  // namespace textio

@@ -8,14 +8,9 @@
 
 #include <vltextstream/host/delimiter_set.hpp>
 #include <vltextstream/strategy/field_tokenizer.hpp>
-#include <vltextstream/strategy/marker_matcher.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
 namespace textio {
-
-class FieldScan;
-class LineScan;
-struct ScannedLine;
 
 class VLTEXTSTREAM_EXPORT SpaceAlignedStrategy : public Strategy {
  public:
@@ -27,15 +22,8 @@ class VLTEXTSTREAM_EXPORT SpaceAlignedStrategy : public Strategy {
   FieldExtent get_next_field(const Field& line, unsigned long start) override;
 
  private:
-  friend class LineScan;
-  friend class Strategy;  // reaches the matchers, and cuts lines
-
-  VLTEXTSTREAM_LOCAL ScannedLine scan_line(FieldScan& fields, std::size_t start) const;
-  VLTEXTSTREAM_LOCAL FieldExtent next_field(FieldScan& fields, std::size_t start) const;
-
   FieldTokenizer tokenizer_;
   std::shared_ptr<const DelimiterSet> line_endings_;
-  MarkerMatcher ending_matcher_;
 };
 
 }  // namespace textio

@@ -7,23 +7,22 @@
 // A strategy is made from options, samples the first lines of one text, cuts them into fields and
 // values the cut once. It keeps no text: its lines and fields are views of the text it was given.
 //
-// Units      positions and lengths count UTF-16 code units, line numbers sampled lines from 0.
+// Units      positions and lengths count UTF-16 code units; lines are sampled lines, numbered from 0.
 // Ownership  made with new and shared through shared_ptr<Strategy>. The options record must outlive
 //            the strategy; the text must outlive every use of its lines.
 // Errors     none of its own; std::bad_alloc passes, and what the host throws; the strategy is then
 //            what it was before the call.
-// Cost       sampling, cutting and valuing are linear in the sampled text and the markers together.
-//            A scan from one place compares the markers one by one, because the text may be another
-//            at the next call; see StableText.
+// Cost       sampling, cutting and valuing are linear in the sampled text and the markers together,
+//            and so is each single step.
 // Threads    one thread at a time, the const operations included.
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
 #include <string>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -31,16 +30,20 @@
 #include <vltextstream/options/parser_options.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>
 #include <vltextstream/scoring/strategy_valuation.hpp>
+#include <vltextstream/strategy/dialect.hpp>
 #include <vltextstream/strategy/field.hpp>
 #include <vltextstream/strategy/field_array.hpp>
+#include <vltextstream/strategy/line_cursor.hpp>
+#include <vltextstream/strategy/sampling/sample.hpp>
 
 namespace textio {
 
-class LineFields;
-class SampleCut;
-namespace detection {
-class SampleKeeper;
-}
+class LineCounts;
+class Splitter;
+struct CountScore;
+struct DrawnSample;
+struct InspectionScope;
+struct SampleLimits;
 
 // What is taken off the ends of a piece of text before it is treated as a value.
 struct VLTEXTSTREAM_EXPORT ValueFormat {
@@ -64,7 +67,7 @@ struct VLTEXTSTREAM_EXPORT FieldFormat : ValueFormat {
   // Receives unquoted text; the cleaned text may point into it.
   std::u16string unquoted;
 
-  // Stands in for the text of an empty line; empty means that nothing does.
+  // Replaces the text of an empty line; empty means that nothing does.
   std::u16string empty_text;
 
   Trim trim = Trim::both;
@@ -79,16 +82,13 @@ struct VLTEXTSTREAM_EXPORT NumberFormat : ValueFormat {
   std::string narrow_text;
 };
 
-class MarkerIndex;
-class MarkerMatcher;
-
 // The order of the virtual operations and of the members is part of the interface.
 class VLTEXTSTREAM_EXPORT Strategy {
  public:
   // The codes that mode() returns.
   enum Mode { kDelimited = 0, kSpaceAligned = 1, kFixedWidth = 2, kLineReader = 3 };
 
-  // Header lines that are to be detected.
+  // Stands for header lines that are to be detected.
   static constexpr std::size_t kUnknownHeaderLines = std::numeric_limits<std::size_t>::max();
 
   explicit Strategy(const parser::options& options);
@@ -97,20 +97,6 @@ class VLTEXTSTREAM_EXPORT Strategy {
   virtual ~Strategy();
 
   virtual int mode() const = 0;
-
-  // The caller's promise that a text does not change while this object lives:
-  //
-  //   const Strategy::StableText stable(strategy, text);
-  //   const std::size_t next = strategy.get_line_extent(text, pos).next;   // and so on
-  //
-  // Ownership  refers to the strategy and the text, which must outlive it. Of several for one
-  //            strategy the one made last must go first.
-  // Errors     std::bad_alloc; the scans may then throw it too.
-  // Cost       with it, all scans of the text together are linear in the text and the markers,
-  //            whatever the markers are. Ordinary markers cost nothing; of many or long ones that
-  //            nearly match almost everywhere it keeps 4 bytes for each unit of the text and 16 for
-  //            each unit of the markers, or three times that.
-  class StableText;
 
   // The line of `text` that starts at `start`, without its line ending, and where the next starts.
   virtual FieldExtent get_line_extent(const Field& text, unsigned long start) const = 0;
@@ -129,9 +115,17 @@ class VLTEXTSTREAM_EXPORT Strategy {
   // Cuts every sampled line into fields.
   FieldArray get_fields_from_lines();
 
-  // Appends the fields of one line to `fields`, all or none. A strategy with a memory across lines
-  // goes on where its last line ended.
+  // The lines of a text, one after the other. The strategy must outlive the cursor.
+  std::unique_ptr<LineCursor> lines_of(const Field& text) const;
+
+  // Appends the fields of one line to `fields`, all or none. A fixed-width strategy goes on with the
+  // column after that of the last field it cut. std::invalid_argument if the line holds a line
+  // ending at which one of its fields would end.
   void cut_line(const Field& line, std::vector<Field>& fields);
+
+  // The fields of one line on its own: a fixed-width strategy starts at its first column, and stays
+  // at the column it is at. A strategy from outside the library does what cut_line does.
+  std::vector<Field> fields_of(const Field& line);
 
   // The scores of the cut; computed by the first call, which also settles the header lines if
   // they are to be detected.
@@ -140,15 +134,15 @@ class VLTEXTSTREAM_EXPORT Strategy {
   // Classifies the columns of `fields` and adds their numbers to the scores.
   void inspect_datatypes(const FieldArray& fields);
 
-  // The class of each column of `fields`, by the header lines, the modal field count and the number
-  // of variables that the strategy has now; see scoring/datatype_inspection.hpp.
+  // The class of each column of `fields`, given the header lines, the modal field count and the
+  // number of variables that the strategy has now; see scoring/datatype_inspection.hpp.
   std::vector<DatatypeCode> classify_columns(const FieldArray& fields) const;
 
   // The classes that the last inspection found; none before, and none for a sample in which each
   // line has one field while the header lines are to be detected.
   const std::vector<DatatypeCode>& column_classes() const { return column_classes_; }
 
-  // The number of fields on each sampled line, as the valuation found them; none before it.
+  // The number of fields on each sampled line, as the valuation found it; none before.
   const std::vector<std::size_t>& field_counts() const { return field_counts_; }
 
   // Statistics over the numbers of fields per line; see scoring/line_statistics.hpp. They read the
@@ -176,7 +170,42 @@ class VLTEXTSTREAM_EXPORT Strategy {
   // The lines of the last populate_fields; valid until the next one.
   const std::vector<Field>& lines() const { return lines_; }
 
+  // What the last populate_fields found out about its text.
+  const Sample& sample() const { return sample_; }
+
+  // How the fields are separated. Of a strategy from outside the library, the mode alone.
+  Dialect dialect() const;
+
+  // --- for the library itself; not exported ------------------------------------------------------
+
+  // How this strategy splits text. The virtual operations of a class from outside the library are
+  // asked, whatever that class derives from: they may override.
+  VLTEXTSTREAM_LOCAL std::shared_ptr<const Splitter> splitter();
+
+  // The column of the next field, 0 if columns do not matter.
+  VLTEXTSTREAM_LOCAL std::size_t next_column() const { return column_ ? *column_ : 0; }
+
+  // The text lines that a sample of `num_lines` data lines has at most: header lines whose number is
+  // given come on top.
+  VLTEXTSTREAM_LOCAL std::size_t most_texts(unsigned long num_lines) const;
+
+  VLTEXTSTREAM_LOCAL DrawnSample draw(const Field& text, const SampleLimits& limits);
+
+  // Keeps a sample and, if it has been valued, the number of fields on each line.
+  VLTEXTSTREAM_LOCAL void keep(DrawnSample&& sample, const LineCounts& counts);
+
+  // The steps of a valuation; see strategy/sampling/trial.hpp.
+  VLTEXTSTREAM_LOCAL CountScore score(const LineCounts& counts) const;
+  VLTEXTSTREAM_LOCAL InspectionScope scope(const CountScore& score, const Field& text) const;
+  VLTEXTSTREAM_LOCAL void settle(const CountScore& score, std::vector<DatatypeCode> classes,
+                                 std::size_t column) noexcept;
+
  protected:
+  // Called by the constructors of the library's strategies. `column` is the member that holds the
+  // column of the next field, if there is one.
+  VLTEXTSTREAM_LOCAL void split_by(std::shared_ptr<const Splitter> splitter,
+                                   const std::type_info& own_class, std::size_t* column = nullptr);
+
   const parser::options* options_;
   StrategyValuation valuation_;
   FieldFormat text_format_;
@@ -188,53 +217,23 @@ class VLTEXTSTREAM_EXPORT Strategy {
   bool space_separated_ = false;
   bool header_lines_auto_;
 
-  // The text of the last populate_fields. A field may report more units than its line has, but
-  // nobody reads past the end of this.
+  // The text of the last populate_fields. A field may report more code units than its line has, but
+  // nothing past the end of this text is read.
   Field text_;
 
  private:
-  friend class SampleCut;
-  friend class detection::SampleKeeper;
-  class VLTEXTSTREAM_LOCAL CutRollback;
-
-  VLTEXTSTREAM_LOCAL std::vector<Field> sampled_lines(const Field& text, unsigned long num_lines,
-                                                      std::size_t most_lines,
-                                                      std::size_t likely_lines,
-                                                      std::vector<std::size_t>* num_fields);
-  VLTEXTSTREAM_LOCAL bool is_surely_text(const Field& line) const;
-  VLTEXTSTREAM_LOCAL void append_fields(const Field& line, std::vector<Field>& fields);
-  VLTEXTSTREAM_LOCAL void value(const std::function<bool(const StrategyValuation&)>& wants_classes);
-  VLTEXTSTREAM_LOCAL bool measure(const std::vector<std::size_t>& line_counts);
-  VLTEXTSTREAM_LOCAL std::vector<DatatypeCode> classes_of(LineFields& lines) const;
-  VLTEXTSTREAM_LOCAL void take_classes(std::vector<DatatypeCode> codes);
-  VLTEXTSTREAM_LOCAL void settle_header_lines(const std::vector<std::size_t>& line_counts,
-                                              const std::vector<std::size_t>& diffs,
-                                              std::size_t first);
+  VLTEXTSTREAM_LOCAL const Splitter* own_splitter() const;
+  template <typename Cut>
+  VLTEXTSTREAM_LOCAL void cut_or_restore(Cut cut);
 
   std::vector<DatatypeCode> column_classes_;
   std::vector<std::size_t> field_counts_;
+  Sample sample_;
 
-  // The number of fields on each line, where sampling has counted them.
-  std::vector<std::size_t> counted_fields_;
-};
-
-class VLTEXTSTREAM_EXPORT Strategy::StableText {
- public:
-  StableText(const Strategy& strategy, const Field& text);
-  StableText(const StableText&) = delete;
-  StableText& operator=(const StableText&) = delete;
-  ~StableText();
-
-  // The promise holds for `text` from now on, and no longer for the text before.
-  void move_to(const Field& text) {
-    if (!indexes_.empty()) bind(text);
-  }
-
- private:
-  VLTEXTSTREAM_LOCAL void add(const MarkerMatcher& matcher);
-  void bind(const Field& text);
-
-  std::vector<std::unique_ptr<MarkerIndex>> indexes_;
+  // Set by the constructors of the library's own classes.
+  std::shared_ptr<const Splitter> own_splitter_;
+  const std::type_info* own_class_ = nullptr;
+  std::size_t* column_ = nullptr;
 };
 
 }  // namespace textio

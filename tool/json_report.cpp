@@ -37,9 +37,11 @@ Json measure(double value) { return std::isfinite(value) ? Json(value) : Json(nu
 
 Json json_of(const detection::CandidateTrace& candidate) {
   const StrategyValuation& v = candidate.valuation;
-  return {{"mode", name_of(static_cast<standalone::LayoutMode>(candidate.mode))},
-          {"delimiter", to_utf8(candidate.delimiter)},
-          {"widths", candidate.widths},
+  const Dialect& dialect = candidate.dialect;
+  const bool is_delimited = dialect.mode == LayoutMode::delimited;
+  return {{"mode", to_string(dialect.mode)},
+          {"delimiter", is_delimited ? dialect.delimiters.front() : ""},
+          {"widths", dialect.widths},
           {"header_lines", candidate.header_lines},
           {"fate", name_of(candidate.fate)},
           {"valuation",

@@ -123,8 +123,7 @@ std::string lines(const Layout& layout) {
 }
 
 std::string candidate_name(const CandidateTrace& candidate) {
-  return to_string(
-      Dialect{static_cast<LayoutMode>(candidate.mode), {to_utf8(candidate.delimiter)}, {}});
+  return to_string(Dialect{candidate.dialect.mode, candidate.dialect.delimiters, {}});
 }
 
 void add_trace(std::string& out, const detection::SelectionTrace& trace) {
@@ -135,8 +134,8 @@ void add_trace(std::string& out, const detection::SelectionTrace& trace) {
     const StrategyValuation& v = candidate.valuation;
     fmt::format_to(Out(out), "  {:>14}  {}\n", kept ? fmt::format("#{}", index++) : "refused",
                    candidate_name(candidate));
-    if (!candidate.widths.empty()) {
-      fmt::format_to(Out(out), "  {:14}    widths {}\n", "", joined(candidate.widths));
+    if (!candidate.dialect.widths.empty()) {
+      fmt::format_to(Out(out), "  {:14}    widths {}\n", "", joined(candidate.dialect.widths));
     }
     fmt::format_to(Out(out),
                    "  {:14}    {} lines, {} of them header; {} fields usual, {} variables\n", "",

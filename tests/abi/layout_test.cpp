@@ -123,8 +123,7 @@ TEST(MemberOrder, OfFields) {
 TEST(MemberOrder, OfTheTokenizer) {
   expect_in_order(0, {MEMBER(FieldTokenizer, quote_), MEMBER(FieldTokenizer, delimiters_),
                       MEMBER(FieldTokenizer, line_endings_), MEMBER(FieldTokenizer, stop_chars_),
-                      MEMBER(FieldTokenizer, delimiter_matcher_),
-                      MEMBER(FieldTokenizer, ending_matcher_), MEMBER(FieldTokenizer, stop_bits_)});
+                      MEMBER(FieldTokenizer, rules_)});
 }
 
 TEST(MemberOrder, OfTheFormats) {
@@ -150,12 +149,12 @@ TEST(MemberOrder, OfTheTraces) {
   using detection::CandidateTrace;
   using detection::FilterTrace;
   using detection::SelectionTrace;
-  expect_in_order(0, {MEMBER(CandidateTrace, mode), MEMBER(CandidateTrace, delimiter),
-                      MEMBER(CandidateTrace, widths), MEMBER(CandidateTrace, header_lines),
+  expect_in_order(0, {MEMBER(CandidateTrace, dialect), MEMBER(CandidateTrace, header_lines),
                       MEMBER(CandidateTrace, valuation), MEMBER(CandidateTrace, fate)});
   expect_in_order(0, {MEMBER(FilterTrace, name), MEMBER(FilterTrace, survivors)});
   expect_in_order(0, {MEMBER(SelectionTrace, candidate_chars), MEMBER(SelectionTrace, candidates),
-                      MEMBER(SelectionTrace, filters), MEMBER(SelectionTrace, end)});
+                      MEMBER(SelectionTrace, filters), MEMBER(SelectionTrace, end),
+                      MEMBER(SelectionTrace, reached_end)});
 }
 
 // What a derived strategy of somebody else reaches.

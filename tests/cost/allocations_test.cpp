@@ -23,14 +23,15 @@ using testing_support::ExactText;
 
 constexpr std::size_t kDoublingsForTenTimes = 4;
 
-// Per candidate: the empty lines. All other lists are made as long as they will be.
-constexpr std::size_t kVectorsThatGrowWithLines = 1;
+// Per candidate: the runs of lines of one kind, and those of lines with as many fields. All other
+// lists are made as long as they will be.
+constexpr std::size_t kVectorsThatGrowWithLines = 2;
 
 // Per candidate: the fields of a line whose number is not known before.
 constexpr std::size_t kVectorsThatGrowWithColumns = 1;
 
-// A strategy and its two sets of markers, its sample, and the lists that value it.
-constexpr std::size_t kPerStrategy = 15;
+// A strategy, its two sets of markers and its splitter, its sample, and the lists that value it.
+constexpr std::size_t kPerStrategy = 17;
 
 // The lists of the candidates and of those that the filters keep; the empty lines of a hundred.
 constexpr std::size_t kPerSelection = 15;

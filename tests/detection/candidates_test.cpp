@@ -26,7 +26,7 @@ using detection::CandidateInput;
 using detection::Candidates;
 using detection::find_candidate_chars;
 using detection::find_column_widths;
-using detection::SampleKeeper;
+using detection::SampleStore;
 using detection::SelectionTrace;
 using testing_support::ByRule;
 using testing_support::delimiter_of;
@@ -181,6 +181,18 @@ TEST_P(FindColumnWidths, CutInFrontOfCommonBlanks) {
 INSTANTIATE_TEST_SUITE_P(Table, FindColumnWidths, testing::ValuesIn(kWidthsCases), ByRule());
 
 // -- candidates ---------------------------------------------------------------------------------
+
+using Strategies = std::vector<std::shared_ptr<Strategy>>;
+
+// The strategies, each with its sample.
+Strategies strategies_of(Candidates candidates) {
+  Strategies strategies;
+  for (detection::Candidate& candidate : candidates) {
+    candidate.strategy->keep(std::move(candidate.sample), candidate.counts);
+    strategies.push_back(std::move(candidate.strategy));
+  }
+  return strategies;
+}
 
 // What is expected of one candidate.
 struct Expected {
@@ -368,9 +380,10 @@ class BuildCandidates : public testing::TestWithParam<BuildCase> {
     options_.detect_header_lines = GetParam().header_lines == kUnknown;
   }
 
-  Candidates build(SelectionTrace* trace) const {
-    SampleKeeper samples(text_.field(), 100);
-    return build_candidates(GetParam().chars, {options_, options_.header_lines, samples}, trace);
+  Strategies build(SelectionTrace* trace) const {
+    SampleStore samples(text_.field(), 100);
+    return strategies_of(
+        build_candidates(GetParam().chars, {options_, options_.header_lines, samples}, trace));
   }
 
   parser::options options_;
@@ -390,8 +403,8 @@ TEST_P(BuildCandidates, GivesTheUsableOnesInOrder) {
 
 TEST_P(BuildCandidates, GivesTheSameWithATrace) {
   SelectionTrace trace;
-  const Candidates traced = build(&trace);
-  const Candidates plain = build(nullptr);
+  const Strategies traced = build(&trace);
+  const Strategies plain = build(nullptr);
   ASSERT_EQ(traced.size(), plain.size());
   for (std::size_t i = 0; i < plain.size(); ++i) {
     EXPECT_EQ(describe(*traced[i]), describe(*plain[i]));
@@ -401,16 +414,14 @@ TEST_P(BuildCandidates, GivesTheSameWithATrace) {
 
 TEST_P(BuildCandidates, TracesTheKeptOnesAsTheyAre) {
   SelectionTrace trace;
-  const Candidates candidates = build(&trace);
+  const Strategies candidates = build(&trace);
   std::vector<detection::CandidateTrace> kept;
   for (const auto& candidate : trace.candidates) {
     if (candidate.fate == CandidateFate::kept) kept.push_back(candidate);
   }
   ASSERT_EQ(kept.size(), candidates.size());
   for (std::size_t i = 0; i < kept.size(); ++i) {
-    EXPECT_EQ(kept[i].mode, candidates[i]->mode());
-    EXPECT_EQ(kept[i].delimiter, delimiter_of(*candidates[i]));
-    EXPECT_EQ(kept[i].widths, widths_of(*candidates[i]));
+    EXPECT_EQ(kept[i].dialect, candidates[i]->dialect());
     EXPECT_EQ(kept[i].header_lines, candidates[i]->header_lines());
     EXPECT_EQ(describe(kept[i].valuation), describe(candidates[i]->valuation()));
   }
@@ -421,10 +432,11 @@ INSTANTIATE_TEST_SUITE_P(Table, BuildCandidates, testing::ValuesIn(kBuildCases),
 // One candidate each, unlike the table, with options of its own.
 class BuildOneCandidate : public testing::Test {
  protected:
-  Candidates build(const std::u16string& chars, const ExactText& text,
+  Strategies build(const std::u16string& chars, const ExactText& text,
                    unsigned long num_lines = 100) {
-    SampleKeeper samples(text.field(), num_lines);
-    return build_candidates(chars, {options_, options_.header_lines, samples}, &trace_);
+    SampleStore samples(text.field(), num_lines);
+    return strategies_of(
+        build_candidates(chars, {options_, options_.header_lines, samples}, &trace_));
   }
 
   parser::options options_;
@@ -437,19 +449,16 @@ TEST_F(BuildOneCandidate, TellsWhatBecameOfEach) {
   build(u" ", text);
   ASSERT_EQ(trace_.candidates.size(), 3U);
 
-  EXPECT_EQ(trace_.candidates[0].mode, Strategy::kSpaceAligned);
+  EXPECT_EQ(trace_.candidates[0].dialect, (Dialect{LayoutMode::space_aligned, {" ", "\t"}, {}}));
   EXPECT_EQ(trace_.candidates[0].fate, CandidateFate::made_fixed_width);
-  EXPECT_EQ(trace_.candidates[0].delimiter, u"");
   EXPECT_EQ(trace_.candidates[0].valuation.data_variation, 1.0 / 5);
   EXPECT_EQ(trace_.candidates[0].valuation.num_variables, 3U);
 
-  EXPECT_EQ(trace_.candidates[1].mode, Strategy::kFixedWidth);
+  EXPECT_EQ(trace_.candidates[1].dialect, (Dialect{LayoutMode::fixed_width, {}, {11, 3}}));
   EXPECT_EQ(trace_.candidates[1].fate, CandidateFate::kept);
-  EXPECT_EQ(trace_.candidates[1].widths, (std::vector<std::size_t>{11, 3}));
   EXPECT_EQ(trace_.candidates[1].header_lines, 0U);
 
-  EXPECT_EQ(trace_.candidates[2].mode, Strategy::kDelimited);
-  EXPECT_EQ(trace_.candidates[2].delimiter, u" ");
+  EXPECT_EQ(trace_.candidates[2].dialect, (Dialect{LayoutMode::delimited, {" "}, {}}));
   EXPECT_EQ(trace_.candidates[2].fate, CandidateFate::irregular);
   EXPECT_EQ(trace_.candidates[2].valuation.modal_field_count, 9);
   EXPECT_EQ(trace_.candidates[2].valuation.data_variation, kInfinity);
@@ -459,7 +468,7 @@ TEST_F(BuildOneCandidate, TellsOfASingleColumn) {
   const ExactText text(kNames);
   EXPECT_TRUE(build(u",", text).empty());
   ASSERT_EQ(trace_.candidates.size(), 1U);
-  EXPECT_EQ(trace_.candidates[0].delimiter, u",");
+  EXPECT_EQ(trace_.candidates[0].dialect, (Dialect{LayoutMode::delimited, {","}, {}}));
   EXPECT_EQ(trace_.candidates[0].valuation.modal_field_count, 1);
   EXPECT_EQ(trace_.candidates[0].fate, CandidateFate::single_column);
 }
@@ -477,7 +486,7 @@ TEST_F(BuildOneCandidate, TellsOfADeviationOfOne) {
 
 TEST_F(BuildOneCandidate, ValuesTheFixedWidthOne) {
   const ExactText text(kNames);
-  const Candidates candidates = build(u" ", text);
+  const Strategies candidates = build(u" ", text);
   ASSERT_EQ(candidates.size(), 1U);
   const StrategyValuation& valuation = candidates[0]->valuation();
   EXPECT_EQ(valuation.num_lines, 5U);
@@ -491,7 +500,7 @@ TEST_F(BuildOneCandidate, ValuesTheFixedWidthOne) {
 TEST_F(BuildOneCandidate, FixedWidthSamplesWhatTheAlignedReadingSampled) {
   // A budget of five lines, of six.
   const ExactText text(kNames + u"Fay Ng      11\n");
-  const Candidates candidates = build(u" ", text, 5);
+  const Strategies candidates = build(u" ", text, 5);
   ASSERT_EQ(candidates.size(), 1U);
   EXPECT_EQ(candidates[0]->mode(), Strategy::kFixedWidth);
   EXPECT_EQ(candidates[0]->lines().size(), 5U);
@@ -523,7 +532,7 @@ TEST_F(BuildOneCandidate, LeavesTheGivenNumberOfHeaderLinesToTheAlignedReading) 
   options_.detect_header_lines = false;
   options_.header_lines = kUnknown;
   const ExactText text(u"title\na b\nc d\ne f\ng h\n");
-  const Candidates candidates = build(u" ", text);
+  const Strategies candidates = build(u" ", text);
   ASSERT_EQ(candidates.size(), 2U);
   EXPECT_EQ(candidates[0]->mode(), Strategy::kSpaceAligned);
   EXPECT_EQ(candidates[0]->header_lines(), 1U);
@@ -535,7 +544,7 @@ TEST_F(BuildOneCandidate, NeverMakesColumnsOfBlankLines) {
   // empty and of one length. The single space finds four fields in each.
   options_.whitespace = u"";
   const ExactText text(u"   \n   \n   \n");
-  const Candidates candidates = build(u" ", text);
+  const Strategies candidates = build(u" ", text);
   ASSERT_EQ(candidates.size(), 1U);
   EXPECT_EQ(delimiter_of(*candidates[0]), u" ");
   EXPECT_EQ(candidates[0]->num_variables(), 4);
@@ -544,7 +553,7 @@ TEST_F(BuildOneCandidate, NeverMakesColumnsOfBlankLines) {
 
 TEST_F(BuildOneCandidate, ReadsQuotedLineEndingsAsText) {
   const ExactText text(u"a,b\n\"x\ny\",1\n2,3\n4,5\n");
-  const Candidates candidates = build(u",", text);
+  const Strategies candidates = build(u",", text);
   ASSERT_EQ(candidates.size(), 1U);
   EXPECT_EQ(testing_support::sampled_lines_of(*candidates[0]),
             (std::vector<std::u16string>{u"a,b", u"\"x\ny\",1", u"2,3", u"4,5"}));
@@ -553,8 +562,9 @@ TEST_F(BuildOneCandidate, ReadsQuotedLineEndingsAsText) {
 TEST_F(BuildOneCandidate, CandidatesOutliveTheInputAndTheTrace) {
   auto text = std::make_unique<ExactText>(kNames);
   auto trace = std::make_unique<SelectionTrace>();
-  auto samples = std::make_unique<SampleKeeper>(text->field(), 100);
-  const Candidates candidates = build_candidates(u" ", {options_, kUnknown, *samples}, trace.get());
+  auto samples = std::make_unique<SampleStore>(text->field(), 100);
+  const Strategies candidates =
+      strategies_of(build_candidates(u" ", {options_, kUnknown, *samples}, trace.get()));
   text.reset();
   samples.reset();
   trace.reset();

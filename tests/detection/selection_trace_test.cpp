@@ -32,13 +32,12 @@ TEST(SelectionTraceRecord, IsEmptyAtFirst) {
   EXPECT_TRUE(trace.candidates.empty());
   EXPECT_TRUE(trace.filters.empty());
   EXPECT_EQ(trace.end, SelectionEnd::no_candidate);
+  EXPECT_FALSE(trace.reached_end);
 }
 
 TEST(SelectionTraceRecord, HoldsCandidatesThatWereNotMeasuredAtFirst) {
   const CandidateTrace candidate;
-  EXPECT_EQ(candidate.mode, 0);
-  EXPECT_EQ(candidate.delimiter, u"");
-  EXPECT_TRUE(candidate.widths.empty());
+  EXPECT_EQ(candidate.dialect, Dialect());
   EXPECT_EQ(candidate.header_lines, 0U);
   EXPECT_EQ(candidate.fate, CandidateFate::kept);
   EXPECT_EQ(describe(candidate.valuation), describe(StrategyValuation()));
@@ -61,8 +60,8 @@ TEST(SelectionTraceRecord, OutlivesTextOptionsSelectorAndStrategies) {
     StrategySelector(*options).pick_strategy(text.field(), 100, trace);
   }
   ASSERT_EQ(trace.candidates.size(), 2U);
-  EXPECT_EQ(trace.candidates[0].delimiter, u";");
-  EXPECT_EQ(trace.candidates[1].delimiter, u",");
+  EXPECT_EQ(trace.candidates[0].dialect, (Dialect{LayoutMode::delimited, {";"}, {}}));
+  EXPECT_EQ(trace.candidates[1].dialect, (Dialect{LayoutMode::delimited, {","}, {}}));
   EXPECT_EQ(trace.candidates[0].valuation.priors_rank, 2.0);
   EXPECT_EQ(trace.candidates[1].valuation.priors_rank, 0.0);
   EXPECT_EQ(trace.filters.back().name, "reduce_by_priors_rank");

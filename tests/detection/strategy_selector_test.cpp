@@ -659,9 +659,8 @@ TEST(PickStrategyTrace, TellsTheWholeStory) {
   ASSERT_EQ(trace.candidates.size(), 4U);
   for (std::size_t i = 0; i < 3; ++i) {
     const auto& candidate = trace.candidates[i];
-    EXPECT_EQ(candidate.mode, Strategy::kDelimited);
-    EXPECT_EQ(candidate.delimiter, trace.candidate_chars.substr(i, 1));
-    EXPECT_EQ(candidate.widths, std::vector<std::size_t>());
+    const std::string delimiter(1, "|,#"[i]);
+    EXPECT_EQ(candidate.dialect, (Dialect{LayoutMode::delimited, {delimiter}, {}}));
     EXPECT_EQ(candidate.header_lines, 0U);
     EXPECT_EQ(candidate.fate, CandidateFate::kept);
     EXPECT_EQ(candidate.valuation.num_lines, 4U);
@@ -673,7 +672,7 @@ TEST(PickStrategyTrace, TellsTheWholeStory) {
   EXPECT_EQ(trace.candidates[0].valuation.numeric_columns, 1U);
   EXPECT_EQ(trace.candidates[1].valuation.numeric_columns, 0U);
   EXPECT_EQ(trace.candidates[2].valuation.numeric_columns, 0U);
-  EXPECT_EQ(trace.candidates[3].delimiter, u"!");
+  EXPECT_EQ(trace.candidates[3].dialect, (Dialect{LayoutMode::delimited, {"!"}, {}}));
   EXPECT_EQ(trace.candidates[3].fate, CandidateFate::kept);
   EXPECT_EQ(trace.candidates[3].header_lines, 3U);
   EXPECT_EQ(trace.candidates[3].valuation.total_variation, 0.75);
@@ -752,13 +751,12 @@ TEST(PickStrategyTrace, KeepsTheRefusedOnesWhenNobodyIsLeft) {
 TEST(PickStrategyTrace, ShowsTheAlignedReadingBehindFixedWidths) {
   const SelectionTrace trace = trace_of(kNames, {});
   ASSERT_EQ(trace.candidates.size(), 3U);
-  EXPECT_EQ(trace.candidates[0].mode, Strategy::kSpaceAligned);
+  EXPECT_EQ(trace.candidates[0].dialect.mode, LayoutMode::space_aligned);
   EXPECT_EQ(trace.candidates[0].fate, CandidateFate::made_fixed_width);
-  EXPECT_EQ(trace.candidates[1].mode, Strategy::kFixedWidth);
+  EXPECT_EQ(trace.candidates[1].dialect, (Dialect{LayoutMode::fixed_width, {}, {11, 3}}));
   EXPECT_EQ(trace.candidates[1].fate, CandidateFate::kept);
-  EXPECT_EQ(trace.candidates[1].widths, (std::vector<std::size_t>{11, 3}));
   EXPECT_EQ(trace.candidates[1].valuation.numeric_columns, 1U);
-  EXPECT_EQ(trace.candidates[2].mode, Strategy::kDelimited);
+  EXPECT_EQ(trace.candidates[2].dialect.mode, LayoutMode::delimited);
   EXPECT_EQ(trace.candidates[2].fate, CandidateFate::irregular);
 }
 

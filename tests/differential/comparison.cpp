@@ -294,9 +294,9 @@ std::string difference_in_detection(const std::u16string& text, const Choices& c
     differences.enter("candidate " + std::to_string(kept));
     if (kept < plain.candidates.size()) {
       const reference::Sample& sample = plain.candidates[kept];
-      differences.compare("mode", static_cast<std::size_t>(candidate.mode),
+      differences.compare("mode", static_cast<std::size_t>(candidate.dialect.mode),
                           static_cast<std::size_t>(sample.mode));
-      differences.compare("widths", candidate.widths, sample.widths);
+      differences.compare("widths", candidate.dialect.widths, sample.widths);
       differences.compare("header lines", candidate.header_lines, sample.header_lines);
       compare_valuations(differences, candidate.valuation, sample.valuation);
     }

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include <vltextstream/strategy/unit_finder.hpp>
+#include <vltextstream/strategy/search/code_unit_finder.hpp>
 #include "differential/comparison.hpp"
 #include "support/printing.hpp"
 
@@ -89,7 +89,7 @@ std::u16string small_text(const Series& series) {
 }
 
 std::vector<std::u16string> texts_across_blocks(const Series& series) {
-  constexpr std::size_t kBlock = UnitFinder::kBlockUnits;
+  constexpr std::size_t kBlock = CodeUnitFinder::kBlockUnits;
   const std::u16string line = std::u16string(kBlock - kBeforeBorder - 1, u'b') + u'\n';
   const std::u16string text = line + small_text(series);
   return {text, text + std::u16string(kBlock, u'b')};

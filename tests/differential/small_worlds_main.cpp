@@ -4,7 +4,7 @@
 //   small_worlds counts LINES GIVEN [PART PARTS]    all numbers of fields on up to LINES lines
 // Those of up to GIVEN units or lines are also compared with header lines given. PART is 0 to
 // PARTS - 1. Prints how many were compared, or the first difference with its number; exits with 1
-// when there is one. UNIT_KERNEL may name a kernel of the vector code.
+// when there is one. SEARCH_KERNEL may name a kernel of the vector code.
 #include <cstdlib>
 #include <iostream>
 #include <string>

@@ -187,19 +187,21 @@ class FailedSampling : public Sampled {
 TEST_P(StrategyMemory, ThatRanOutWhileSamplingLeavesTheSampleToBeValued) {
   FailedSampling undisturbed(GetParam());
   const std::string expected = undisturbed.answer();
-  // The room for the lines, the scan, the room that is given back, which is no failure, the copy.
-  for (const std::size_t nth : {1U, 2U, 4U}) {
+  // The walk, the room for the lines, the runs, and the copy; giving back room is no failure.
+  std::size_t failures = 0;
+  for (std::size_t nth = 1; nth <= 8; ++nth) {
     FailedSampling sampling(GetParam());
     bool failed = false;
     {
       const AllocationFault fault(nth, FaultKind::single);
       failed = runs_out_of_memory(sampling);
     }
-    EXPECT_EQ(failed, allocations_can_fail());
     if (failed) {
+      ++failures;
       EXPECT_EQ(sampling.answer(), expected);
     }
   }
+  EXPECT_GE(failures, allocations_can_fail() ? 4U : 0U);
 }
 
 // --- cutting -------------------------------------------------------------------------------------

@@ -889,10 +889,9 @@ TEST(DetectLayoutTrace, ShowsWhatWasWeighed) {
   const detection::SelectionTrace& trace = *layout.trace;
   EXPECT_EQ(trace.candidate_chars, u" ");
   ASSERT_EQ(trace.candidates.size(), 2U);
-  EXPECT_EQ(trace.candidates[0].mode, 1);
+  EXPECT_EQ(trace.candidates[0].dialect.mode, LayoutMode::space_aligned);
   EXPECT_EQ(trace.candidates[0].valuation.num_variables, 2U);
-  EXPECT_EQ(trace.candidates[1].mode, 0);
-  EXPECT_EQ(trace.candidates[1].delimiter, u" ");
+  EXPECT_EQ(trace.candidates[1].dialect, (Dialect{LayoutMode::delimited, {" "}, {}}));
   EXPECT_EQ(trace.candidates[1].valuation.data_variation, 0.25);
   ASSERT_EQ(trace.filters.size(), 2U);
   EXPECT_EQ(trace.filters[0].name, "reduce_by_dates");

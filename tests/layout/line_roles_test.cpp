@@ -648,7 +648,7 @@ TEST(DescribeLinesProperty, GivesEachLineItsRole) {
     DelimitedStrategy strategy(settings.options, u',');
     strategy.populate_fields(text.field(), settings.num_lines);
     strategy.valuation();
-    const SampledTable table(strategy, text.field(), settings);
+    const SampledTable table(strategy, settings);
     const VariableNames names = random.names();
     Layout layout;
     describe_lines(table, names, layout);

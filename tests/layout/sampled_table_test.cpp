@@ -15,9 +15,9 @@
 #include <vltextstream/detection/strategy_selector.hpp>
 #include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/field_text.hpp>
 #include <vltextstream/strategy/fixed_width_strategy.hpp>
 #include <vltextstream/strategy/line_reader_strategy.hpp>
-#include <vltextstream/strategy/scan.hpp>
 #include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
@@ -130,7 +130,7 @@ TEST_P(SampledTableRuns, HoldLinesThatLookAlike) {
   const std::shared_ptr<Strategy> strategy = GetParam().make(settings.options);
   strategy->populate_fields(text.field(), settings.num_lines);
   strategy->valuation();
-  const SampledTable table(*strategy, text.field(), settings);
+  const SampledTable table(*strategy, settings);
   EXPECT_EQ(described(table.runs()), GetParam().runs);
   std::vector<std::size_t> line_numbers;
   for (std::size_t i = 0; i < table.size(); ++i) line_numbers.push_back(table.line_number(i));
@@ -161,7 +161,7 @@ TEST_P(SampledTableOfOneColumn, HasTheClassOfItsLines) {
   const ExactText text(GetParam().text);
   DelimitedStrategy strategy(settings.options, u',');
   strategy.populate_fields(text.field(), settings.num_lines);
-  const SampledTable table(strategy, text.field(), settings);
+  const SampledTable table(strategy, settings);
   EXPECT_EQ(table.classes(), std::vector<DatatypeCode>{GetParam().code});
 }
 INSTANTIATE_TEST_SUITE_P(Table, SampledTableOfOneColumn, testing::ValuesIn(kColumnCases), ByRule());
@@ -179,20 +179,15 @@ std::size_t line_of_the_text(const Field& text, const parser::options& options, 
   return number;
 }
 
-std::size_t most_texts(const DetectSettings& settings) {
-  const bool is_given = !settings.options.detect_header_lines;
-  return settings.num_lines + (is_given ? settings.options.header_lines : 0);
-}
-
-// The strategy is asked for each line, and each number is counted from the start.
+// The strategy is asked for each line up to the end of its sample, and each number is counted from
+// the start.
 std::vector<std::string> plain_lines(const Strategy& strategy, const Field& text,
                                      const DetectSettings& settings) {
   std::vector<std::string> lines;
   std::size_t index = 0;
-  std::size_t texts = 0;
   std::size_t pos = 0;
   const auto has_kept = [&] { return index < strategy.lines().size(); };
-  while (!ends_at(text, pos) && (has_kept() || texts < most_texts(settings))) {
+  while (pos < strategy.sample().end) {
     const FieldExtent line = strategy.get_line_extent(text, pos);
     const bool is_text = has_kept() && strategy.lines()[index].data == line.field.data;
     const bool is_blank =
@@ -202,7 +197,6 @@ std::vector<std::string> plain_lines(const Strategy& strategy, const Field& text
     lines.push_back(described(kind, line_of_the_text(text, settings.options, pos),
                               line_of_the_text(text, settings.options, line.next - 1)) +
                     " at " + std::to_string(index));
-    if (is_text) ++texts;
     if (!is_comment) ++index;
     pos = line.next;
   }
@@ -285,7 +279,7 @@ TEST(SampledTableProperty, TellsWhatAPlainWalkTells) {
     const std::shared_ptr<Strategy> strategy = random.strategy(text.field(), settings);
     SCOPED_TRACE("'" + readable(text.view()) + "' mode " + std::to_string(strategy->mode()));
     const std::vector<std::string> plain = plain_lines(*strategy, text.field(), settings);
-    const SampledTable table(*strategy, text.field(), settings);
+    const SampledTable table(*strategy, settings);
     EXPECT_EQ(lines_of_the_runs(table), plain);
   }
 }
@@ -298,7 +292,7 @@ TEST(SampledTableFields, AreThoseOfTheLineAndEndWithIt) {
   const std::shared_ptr<Strategy> strategy = widths(settings.options);
   strategy->populate_fields(text.field(), settings.num_lines);
   strategy->valuation();
-  const SampledTable table(*strategy, text.field(), settings);
+  const SampledTable table(*strategy, settings);
   EXPECT_EQ(table.texts(table.fields(0)), (std::vector<std::u16string>{u"ab", u"1"}));
   EXPECT_EQ(table.texts(table.fields(1)), (std::vector<std::u16string>{u"c", u""}));
   EXPECT_EQ(table.class_of(table.fields(0)[1]), DatatypeCode::number);
@@ -311,7 +305,7 @@ TEST(SampledTableFields, AreTrimmedAndUnquotedAsTexts) {
   const std::shared_ptr<Strategy> strategy = commas(settings.options);
   strategy->populate_fields(text.field(), settings.num_lines);
   strategy->valuation();
-  const SampledTable table(*strategy, text.field(), settings);
+  const SampledTable table(*strategy, settings);
   EXPECT_EQ(table.texts(table.fields(0)), (std::vector<std::u16string>{u"a", u"b \"c"}));
 }
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include <vltextstream/strategy/scan.hpp>
+#include <vltextstream/strategy/field_text.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"

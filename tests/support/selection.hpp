@@ -67,15 +67,13 @@ inline std::string describe(const detection::SelectionTrace& trace) {
   std::ostringstream out;
   out << "characters " << readable(trace.candidate_chars) << '\n';
   for (const auto& candidate : trace.candidates) {
-    out << "mode " << candidate.mode << " delimiter '" << readable(candidate.delimiter)
-        << "' widths " << describe(candidate.widths) << "header " << candidate.header_lines
-        << " fate " << static_cast<int>(candidate.fate) << ": " << describe(candidate.valuation)
-        << '\n';
+    out << to_string(candidate.dialect) << " header " << candidate.header_lines << " fate "
+        << static_cast<int>(candidate.fate) << ": " << describe(candidate.valuation) << '\n';
   }
   for (const auto& filter : trace.filters) {
     out << filter.name << ": " << describe(filter.survivors) << '\n';
   }
-  out << "end " << static_cast<int>(trace.end) << '\n';
+  out << "end " << static_cast<int>(trace.end) << " reached " << trace.reached_end << '\n';
   return out.str();
 }
 

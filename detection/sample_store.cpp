@@ -1,0 +1,77 @@
+#include <vltextstream/detection/sample_store.hpp>
+
+#include <algorithm>
+#include <utility>
+
+#include <vltextstream/strategy/sampling/sample_cut.hpp>
+#include <vltextstream/strategy/sampling/trial.hpp>
+
+namespace textio::detection {
+namespace {
+
+// Shorter runs are passed over faster than they are looked up.
+constexpr std::size_t kManyBlanks = 8;
+
+// What a fixed-width strategy cuts depends on what it has cut before. A sample that was drawn after
+// the valuation is not the one that its counts are of.
+bool can_be_drawn_again(const Candidate& candidate) {
+  return candidate.strategy->mode() != Strategy::kFixedWidth &&
+         candidate.counts.size() == candidate.sample.size();
+}
+
+}  // namespace
+
+Candidate valued(std::shared_ptr<Strategy> strategy, DrawnSample sample) {
+  Trial trial(*strategy, sample);
+  trial.settle();
+  LineCounts counts = trial.take_counts();
+  return {std::move(strategy), std::move(sample), std::move(counts)};
+}
+
+DrawnSample SampleStore::draw(Strategy& strategy, unsigned long num_lines) {
+  return draw(strategy, strategy.most_texts(num_lines), nullptr);
+}
+
+DrawnSample SampleStore::draw_past_blanks(Strategy& strategy) {
+  return draw(strategy, strategy.most_texts(num_lines_), &blank_runs_);
+}
+
+DrawnSample SampleStore::draw(Strategy& strategy, std::size_t most_texts,
+                              const std::vector<SampleRun>* blank_runs) {
+  SampleLimits limits{most_texts};
+  limits.likely_lines = likely_lines_;
+  limits.blank_runs = blank_runs;
+  DrawnSample sample = strategy.draw(text_, limits);
+  likely_lines_ = sample.texts.size();
+  reached_end_ = reached_end_ || sample.found.reached_end;
+  return sample;
+}
+
+void SampleStore::remember_blanks(const DrawnSample& sample) {
+  for (const SampleRun& run : sample.found.runs) {
+    if (run.kind == SampleLineKind::blank && run.num_lines >= kManyBlanks) {
+      blank_runs_.push_back(run);
+    }
+  }
+}
+
+void SampleStore::put_away(Candidate& candidate) {
+  const std::size_t lines = candidate.sample.texts.size();
+  if (lines <= room_ || !can_be_drawn_again(candidate)) {
+    room_ -= std::min(lines, room_);
+    return;
+  }
+  candidate.most_texts = candidate.sample.most_texts;
+  candidate.sample = {};
+  candidate.counts = {};
+}
+
+// With the same limit, the sample ends where it ended before.
+void SampleStore::bring_back(Candidate& candidate) {
+  if (!candidate.most_texts) return;
+  candidate.sample = draw(*candidate.strategy, *candidate.most_texts, nullptr);
+  candidate.counts = SampleCut(*candidate.strategy, candidate.sample).take_counts();
+  candidate.most_texts.reset();
+}
+
+}  // namespace textio::detection

@@ -1,0 +1,89 @@
+// From the number of fields on each line follow the modal count, the deviations from it, the header
+// lines and the number of variables, in this order.
+#include <vltextstream/scoring/count_score.hpp>
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+#include <vltextstream/scoring/header_lines.hpp>
+#include <vltextstream/scoring/line_statistics.hpp>
+
+namespace textio {
+namespace {
+
+// A deviation beyond one field per line on average is too much for the data.
+constexpr double kMostVariation = 1.0;
+
+// The first line that may hold data: a header line has one field, a data line more. The number of
+// lines if there is none.
+std::size_t first_unlike_header(const LineCounts& counts) {
+  const std::vector<LineCounts::Run>& runs = counts.runs();
+  const auto found = std::find_if(runs.begin(), runs.end(),
+                                  [](const LineCounts::Run& run) { return run.fields != 1; });
+  return found == runs.end() ? counts.size() : found->first;
+}
+
+double data_variation(const std::vector<std::size_t>& diffs, const CountScore& score) {
+  return get_data_variation(diffs, *score.header_lines, score.valuation.total_variation);
+}
+
+void find_header_lines(const std::vector<std::size_t>& diffs, std::size_t first,
+                       const HeaderLines& headers, CountScore& score) {
+  if (score.header_lines) return;
+  score.header_lines = score.valuation.total_variation == 0.0
+                           ? 0
+                           : detection::get_header_lines(diffs, first, headers.are_space_separated);
+}
+
+// A table that varies too much after the header that was found has no header but its first lines.
+void doubt_header_lines(const std::vector<std::size_t>& diffs, std::size_t first,
+                        CountScore& score) {
+  if (score.valuation.data_variation > kMostVariation && first < *score.header_lines) {
+    score.header_lines = first;
+    score.valuation.data_variation = data_variation(diffs, score);
+  }
+}
+
+void measure_deviations(const LineCounts& counts, const std::vector<std::size_t>& diffs,
+                        std::size_t first, const HeaderLines& headers, CountScore& score) {
+  StrategyValuation& valuation = score.valuation;
+  if (diffs.size() < 2) {
+    // Too little to judge by: given header lines are overridden as well.
+    score.header_lines = std::max(skip_to_data(0, counts), first);
+    return;
+  }
+  valuation.total_variation = get_total_variation(diffs);
+  find_header_lines(diffs, first, headers, score);
+  valuation.data_variation = data_variation(diffs, score);
+  if (headers.are_to_be_found) {
+    doubt_header_lines(diffs, first, score);
+    score.header_lines = skip_to_data(*score.header_lines, counts);
+  }
+  valuation.num_variables = get_number_of_variables(counts, *score.header_lines);
+}
+
+}  // namespace
+
+CountScore score_counts(const LineCounts& counts, const HeaderLines& headers,
+                        const StrategyValuation& unmeasured) {
+  CountScore score{unmeasured, headers.given, false};
+  score.valuation.num_lines = counts.size();
+
+  const std::size_t first = headers.are_to_be_found ? first_unlike_header(counts) : 0;
+  if (first == counts.size()) {
+    if (headers.are_to_be_found) score.header_lines = 0;
+    return score;
+  }
+  score.has_columns = true;
+  score.valuation.modal_field_count = static_cast<std::int32_t>(get_modified_median(counts, first));
+  if (score.valuation.modal_field_count >= 2) {
+    const auto diffs = get_abs_diffs(counts, score.valuation.modal_field_count);
+    measure_deviations(counts, diffs, first, headers, score);
+  } else if (headers.are_to_be_found) {
+    score.header_lines = first;
+  }
+  return score;
+}
+
+}  // namespace textio

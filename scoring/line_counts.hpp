@@ -1,0 +1,60 @@
+// LineCounts: the number of fields on each sampled line.
+//
+//   LineCounts counts;
+//   counts.add(3);           // a line with three fields
+//   counts.add(0, 1'000);    // a thousand blank lines
+//
+// Lines with equal numbers that follow one another are kept once: a sample may hold millions of
+// blank lines.
+//
+// Units  lines are numbered from 0.
+// Cost   16 bytes for each run of equal numbers.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace textio {
+
+class LineCounts {
+ public:
+  // Lines from `first` up to the start of the next run, each with `fields` fields.
+  struct Run {
+    std::size_t first;
+    std::size_t fields;
+  };
+
+  LineCounts() = default;
+  explicit LineCounts(const std::vector<std::size_t>& counts);
+
+  // Makes room for `runs` runs.
+  void reserve(std::size_t runs) { runs_.reserve(runs); }
+
+  // Appends `num_lines` lines with `fields` fields each.
+  void add(std::size_t fields, std::size_t num_lines = 1);
+
+  // The number of lines.
+  std::size_t size() const { return size_; }
+
+  const std::vector<Run>& runs() const { return runs_; }
+
+  // The line after the last of run `k`.
+  std::size_t end_of(std::size_t k) const {
+    return k + 1 < runs_.size() ? runs_[k + 1].first : size_;
+  }
+
+  // The number of the run that holds `line`, the number of runs if no line has that number.
+  std::size_t run_at(std::size_t line) const;
+
+  // The number of fields on `line`, which must exist. Logarithmic in the number of runs.
+  std::size_t operator[](std::size_t line) const { return runs_[run_at(line)].fields; }
+
+  // One number for each line.
+  std::vector<std::size_t> to_vector() const;
+
+ private:
+  std::vector<Run> runs_;
+  std::size_t size_ = 0;
+};
+
+}  // namespace textio

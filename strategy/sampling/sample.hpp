@@ -1,0 +1,52 @@
+// Sample: what a strategy found out about a text while it sampled its lines.
+//
+//   strategy.populate_fields(text, 100);
+//   for (const SampleRun& run : strategy.sample().runs) ...   // 3 comments, 97 lines, 1 blank ...
+//
+// Units      positions count code units of the text, lines count sampled lines from 0. A comment is
+//            no sampled line.
+// Ownership  `text` is a view of the text that was sampled.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include <vltextstream/host/export.hpp>
+#include <vltextstream/strategy/field.hpp>
+
+namespace textio {
+
+// What a line turns out to be when it is sampled. Blank lines are kept as empty fields, comments are
+// left out.
+enum class SampleLineKind { text, blank, comment };
+
+// Lines of one kind, directly after one another.
+struct VLTEXTSTREAM_EXPORT SampleRun {
+  SampleLineKind kind = SampleLineKind::text;
+
+  // How many lines these are, and the number of sampled lines before them.
+  std::size_t num_lines = 0;
+  std::size_t first_line = 0;
+
+  // The number of text lines before them.
+  std::size_t first_text = 0;
+
+  // Where the first of them starts, and where the line after the last one starts.
+  std::size_t begin = 0;
+  std::size_t end = 0;
+};
+
+struct VLTEXTSTREAM_EXPORT Sample {
+  Field text;
+
+  // All lines that were looked at, in order.
+  std::vector<SampleRun> runs;
+
+  // Where sampling stopped: the next line would start here.
+  std::size_t end = 0;
+
+  // Whether more text after the end of `text` could have changed the sample.
+  bool reached_end = false;
+};
+
+}  // namespace textio

@@ -1,0 +1,204 @@
+// One pass over the lines. Blank lines may come by the million, so they are passed over in groups:
+// where they are known from another strategy, and where they are nothing but their line endings.
+#include <vltextstream/strategy/sampling/sampler.hpp>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <span>
+#include <utility>
+
+#include <vltextstream/strategy/field_text.hpp>
+#include <vltextstream/strategy/sampling/line_cleaning.hpp>
+
+namespace textio {
+namespace {
+
+// Whether a line whose cleaned text is `text` is a comment. Only the start marker counts: what a
+// block comment encloses is dropped line by line, where a line begins with the marker itself.
+bool is_comment(const Field& text, const std::vector<std::u16string>& comment_style) {
+  return !comment_style.empty() && !comment_style[0].empty() &&
+         view_of(text).substr(0, comment_style[0].size()) == comment_style[0];
+}
+
+// The text that replaces an empty line, if there is one.
+Field or_replacement(const Field& cleaned, const FieldFormat& format) {
+  const std::u16string& replacement = format.empty_text;
+  return cleaned.length > 0 ? cleaned : Field(replacement.data(), replacement.size());
+}
+
+// Whether a line that is not cleaned yet is surely a text. Nothing is taken off most lines but white
+// space, and few begin with it.
+bool is_surely_text(const Field& line, const LineTest& test) {
+  const FieldFormat& format = test.format;
+  const bool is_only_trimmed = !format.affixes && !format.quote && test.comment_style.empty();
+  return is_only_trimmed && line.length > 0 && format.whitespace &&
+         !contains(*format.whitespace, line.data[0]);
+}
+
+SampleLineKind kind_of(const Field& line, const LineTest& test) {
+  if (is_surely_text(line, test)) return SampleLineKind::text;
+  const Field cleaned = or_replacement(clean_line(line, test.format), test.format);
+  if (cleaned.length == 0) return SampleLineKind::blank;
+  return is_comment(cleaned, test.comment_style) ? SampleLineKind::comment : SampleLineKind::text;
+}
+
+// A table seldom has more runs of lines of one kind, or of lines with equal numbers of fields.
+constexpr std::size_t kUsualRuns = 16;
+constexpr std::size_t kUsualCounts = 128;
+
+class Sampler {
+ public:
+  Sampler(const Field& text, const Splitter& splitter, const LineTest& test,
+          const SampleLimits& limits)
+      : text_(text),
+        splitter_(splitter),
+        test_(test),
+        limits_(limits),
+        lines_(splitter.lines_of(text)) {
+    if (limits.blank_runs) known_ = *limits.blank_runs;
+    const std::size_t room =
+        std::min({limits.num_texts, saturating_next(text.length), limits.likely_lines});
+    sample_.texts.reserve(room);
+    sample_.found.runs.reserve(std::min(room, kUsualRuns));
+    if (splitter.counts_fields()) sample_.counts.reserve(std::min(room, kUsualCounts));
+  }
+
+  // Every line ends after its start while there is text: it holds a code unit, or a line ending, or
+  // both. So the loop ends.
+  DrawnSample draw() {
+    while (!ends_at(text_, pos_) && sample_.texts.size() < limits_.num_texts && room() > 0) {
+      if (!take_known_blanks()) take_line();
+    }
+    return finish();
+  }
+
+ private:
+  static std::size_t saturating_next(std::size_t n) {
+    return n == SampleLimits::kNoLimit ? n : n + 1;
+  }
+
+  std::size_t room() const { return limits_.num_lines - size_; }
+
+  void take_line() {
+    const SplitLine line = lines_->line_at(pos_);
+    switch (kind_of(line.extent.field, test_)) {
+      case SampleLineKind::comment:
+        add(SampleLineKind::comment, 1, line.extent.next);
+        break;
+      case SampleLineKind::blank:
+        add(SampleLineKind::blank, 1, line.extent.next);
+        take_empty_lines();
+        break;
+      case SampleLineKind::text:
+        take_text(line);
+        break;
+    }
+  }
+
+  void take_text(const SplitLine& line) {
+    sample_.texts.push_back(line.extent.field);
+    add(SampleLineKind::text, 1, line.extent.next,
+        line.extent.field.length > 0 ? line.num_fields : 0);
+  }
+
+  // Nothing replaces empty lines, or the line before would not have been blank.
+  void take_empty_lines() {
+    const EmptyLines more = lines_->empty_lines_at(pos_, room());
+    if (more.count > 0) add(SampleLineKind::blank, more.count, more.next);
+  }
+
+  bool take_known_blanks() {
+    while (!known_.empty() && known_.front().begin < pos_) known_ = known_.subspan(1);
+    if (known_.empty() || known_.front().begin != pos_) return false;
+    if (known_.front().num_lines > room()) return false;
+    add(SampleLineKind::blank, known_.front().num_lines, known_.front().end);
+    return true;
+  }
+
+  // Goes on to `next`, after `num_lines` lines of one kind.
+  void add(SampleLineKind kind, std::size_t num_lines, std::size_t next,
+           std::size_t num_fields = 0) {
+    std::vector<SampleRun>& runs = sample_.found.runs;
+    if (runs.empty() || runs.back().kind != kind) {
+      runs.push_back({kind, 0, size_, num_texts_, pos_, pos_});
+    }
+    runs.back().num_lines += num_lines;
+    runs.back().end = next;
+    pos_ = next;
+    if (kind == SampleLineKind::comment) return;
+    size_ += num_lines;
+    if (kind == SampleLineKind::text) num_texts_ += num_lines;
+    if (splitter_.counts_fields()) sample_.counts.add(num_fields, num_lines);
+  }
+
+  DrawnSample finish() {
+    std::vector<Field>& texts = sample_.texts;
+    if (texts.capacity() / 2 > texts.size()) texts.shrink_to_fit();
+    sample_.most_texts = limits_.num_texts;
+    sample_.found.text = text_;
+    sample_.found.end = pos_;
+    sample_.found.reached_end = text_.length - std::min(pos_, text_.length) <= reach();
+    return std::move(sample_);
+  }
+
+  // What follows this many code units after a line cannot change it.
+  std::size_t reach() const { return splitter_.longest_marker(); }
+
+  const Field text_;
+  const Splitter& splitter_;
+  const LineTest test_;
+  const SampleLimits limits_;
+  const std::unique_ptr<LineCursor> lines_;
+  std::span<const SampleRun> known_;
+  DrawnSample sample_;
+  std::size_t pos_ = 0;
+  std::size_t size_ = 0;  // sampled lines
+  std::size_t num_texts_ = 0;
+};
+
+// The run that holds sampled line `index`: the last that begins there or before. Comments before a
+// line begin at its number, too, and come before it.
+const SampleRun& run_of(const std::vector<SampleRun>& runs, std::size_t index) {
+  const auto after =
+      std::upper_bound(runs.begin(), runs.end(), index,
+                       [](std::size_t i, const SampleRun& run) { return i < run.first_line; });
+  return *std::prev(after);
+}
+
+}  // namespace
+
+std::size_t DrawnSample::size() const {
+  if (found.runs.empty()) return 0;
+  const SampleRun& last = found.runs.back();
+  return last.first_line + (last.kind == SampleLineKind::comment ? 0 : last.num_lines);
+}
+
+const Field& DrawnSample::line(std::size_t index) const {
+  const SampleRun& run = run_of(found.runs, index);
+  if (run.kind == SampleLineKind::blank) return empty_field();
+  return texts[run.first_text + (index - run.first_line)];
+}
+
+std::vector<Field> DrawnSample::take_lines() {
+  if (texts.size() == size()) return std::move(texts);
+  std::vector<Field> lines;
+  lines.reserve(size());
+  for (const SampleRun& run : found.runs) {
+    if (run.kind == SampleLineKind::blank) {
+      lines.insert(lines.end(), run.num_lines, empty_field());
+    } else if (run.kind == SampleLineKind::text) {
+      const auto first = texts.begin() + static_cast<std::ptrdiff_t>(run.first_text);
+      lines.insert(lines.end(), first, first + static_cast<std::ptrdiff_t>(run.num_lines));
+    }
+  }
+  texts = {};
+  return lines;
+}
+
+DrawnSample draw_sample(const Field& text, const Splitter& splitter, const LineTest& test,
+                        const SampleLimits& limits) {
+  return Sampler(text, splitter, test, limits).draw();
+}
+
+}  // namespace textio

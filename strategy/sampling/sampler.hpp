@@ -1,0 +1,76 @@
+// Sampling: the first lines of a text, as one strategy finds them.
+//
+//   const DrawnSample sample = draw_sample(text, *splitter, {format, comment_style}, {100});
+//   sample.texts;                     // the lines that are neither blank nor comments
+//   sample.line(7);                   // any sampled line
+//
+// A sample may have as many lines as its text has code units, most of them blank. Blank lines are
+// counted in runs, not listed.
+//
+// Ownership  a sample holds views of its text.
+// Errors     std::bad_alloc, and what a strategy from outside the library throws.
+// Cost       linear in the text that is looked at and the markers.
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <vltextstream/scoring/line_counts.hpp>
+#include <vltextstream/strategy/sampling/sample.hpp>
+#include <vltextstream/strategy/splitter.hpp>
+#include <vltextstream/strategy/strategy.hpp>
+
+namespace textio {
+
+struct DrawnSample {
+  Sample found;
+
+  // The lines of kind text, in order.
+  std::vector<Field> texts;
+
+  // The number of fields on each sampled line, if the splitter counts them.
+  LineCounts counts;
+
+  // How many text lines it could have had.
+  std::size_t most_texts = 0;
+
+  // The number of sampled lines: texts and blank lines.
+  std::size_t size() const;
+
+  bool has_counts() const { return counts.size() == size(); }
+
+  // Sampled line `index`, which must exist; an empty field for a blank line. Logarithmic in the
+  // number of runs.
+  const Field& line(std::size_t index) const;
+
+  // All sampled lines. Takes the texts of this object.
+  std::vector<Field> take_lines();
+};
+
+// What a line is compared with to find out its kind. The format's buffer is written to.
+struct LineTest {
+  FieldFormat& format;
+  const std::vector<std::u16string>& comment_style;
+};
+
+struct SampleLimits {
+  static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
+
+  // The most text lines.
+  std::size_t num_texts;
+
+  // The most lines in all, and how many there are likely to be.
+  std::size_t num_lines = kNoLimit;
+  std::size_t likely_lines = 16'384;
+
+  // Runs of blank lines that are known to be blank lines for this strategy as well, if it starts a
+  // line where one of them begins.
+  const std::vector<SampleRun>* blank_runs = nullptr;
+};
+
+DrawnSample draw_sample(const Field& text, const Splitter& splitter, const LineTest& test,
+                        const SampleLimits& limits);
+
+}  // namespace textio

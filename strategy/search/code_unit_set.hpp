@@ -1,0 +1,52 @@
+// CodeUnitSet: an immutable set of UTF-16 code units.
+//
+//   const CodeUnitSet ends(u"\n\r");
+//   ends.contains(u'\n');            // true
+//
+// A set of at most kMostListed code units is a list, which vector code searches for. A larger one is
+// a table of bits. The constructor decides, and nobody else asks.
+//
+// Cost     a list takes no allocation, a table 8 KB. Copies share the table.
+// Threads  may be read by any number of threads.
+#pragma once
+
+#include <bitset>
+#include <cstddef>
+#include <memory>
+#include <string_view>
+
+namespace textio {
+
+class CodeUnitSet {
+ public:
+  static constexpr std::size_t kMostListed = 8;
+
+  CodeUnitSet() = default;
+
+  // `units` in any order; repeated ones count once only if they are more than kMostListed.
+  explicit CodeUnitSet(std::u16string_view units);
+
+  bool contains(char16_t unit) const {
+    if (table_) return (*table_)[unit];
+    std::size_t i = 0;
+    while (i < num_listed_ && listed_[i] != unit) ++i;
+    return i < num_listed_;
+  }
+
+  bool is_empty() const { return num_listed_ == 0 && !table_; }
+
+  // Whether the set is a list. `listed` has room for kMostListed code units; the last of the
+  // `num_listed` is repeated in the rest.
+  bool is_list() const { return !table_; }
+  const char16_t* listed() const { return listed_; }
+  std::size_t num_listed() const { return num_listed_; }
+
+ private:
+  using Table = std::bitset<65536>;
+
+  char16_t listed_[kMostListed] = {};
+  std::size_t num_listed_ = 0;
+  std::shared_ptr<const Table> table_;
+};
+
+}  // namespace textio

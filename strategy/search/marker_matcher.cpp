@@ -1,0 +1,56 @@
+#include <vltextstream/strategy/search/marker_matcher.hpp>
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace textio {
+namespace {
+
+// This many code units are compared at each position of a text without an index.
+constexpr std::size_t kFewUnits = 32;
+
+bool is_large_set(const DelimiterSet& set) {
+  std::size_t units = 0;
+  for (const std::u16string& marker : set.strings) {
+    units += marker.size() + 1;
+    if (units > kFewUnits) return !set.is_single_char;
+  }
+  return false;
+}
+
+// Markers are short: a plain loop is faster than a comparison that prepares for long ones.
+bool starts_with(std::u16string_view text, std::u16string_view marker) {
+  if (marker.size() > text.size()) return false;
+  std::size_t same = 0;
+  while (same < marker.size() && text[same] == marker[same]) ++same;
+  return same == marker.size();
+}
+
+}  // namespace
+
+CodeUnitSet first_units_of(const DelimiterSet& set) {
+  if (set.is_single_char) return CodeUnitSet({set.single_char, 1});
+  if (set.first_chars_begin == nullptr) return {};
+  const auto count = static_cast<std::size_t>(set.first_chars_end - set.first_chars_begin);
+  return CodeUnitSet({set.first_chars_begin, count});
+}
+
+MarkerMatcher::MarkerMatcher(std::shared_ptr<const DelimiterSet> set)
+    : set_(std::move(set)), first_units_(first_units_of(*set_)), is_large_(is_large_set(*set_)) {}
+
+std::size_t MarkerMatcher::longest() const {
+  std::size_t longest = 0;
+  for (const std::u16string& marker : set_->strings) longest = std::max(longest, marker.size());
+  return longest;
+}
+
+std::size_t MarkerMatcher::compare_at(const Field& text, std::size_t i) const {
+  const std::u16string_view rest = view_of(slice(text, i, text.length));
+  for (const std::u16string& marker : set_->strings) {
+    if (starts_with(rest, marker)) return marker.size();
+  }
+  return 0;
+}
+
+}  // namespace textio

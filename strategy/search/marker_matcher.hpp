@@ -1,0 +1,57 @@
+// MarkerMatcher: which marker of a list matches at a position of a text.
+//
+//   const MarkerMatcher endings(get_or_create_delim({u"\r\n", u"\n"}));
+//   endings.length_at(text, 5);      // 2 at u"\r\n", 1 at a line feed alone, otherwise 0
+//
+// Of two markers that match, the earlier in the list wins. A marker must fit into the text. An empty
+// marker ends the search: those after it never match.
+//
+// Ownership  shares the set.
+// Cost       compares the markers one by one. A walk over a text asks a MarkerSearch instead, whose
+//            questions together are linear in the text and the markers.
+// Threads    immutable: may be asked by any number of threads.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include <vltextstream/host/delimiter_set.hpp>
+#include <vltextstream/strategy/field_text.hpp>
+#include <vltextstream/strategy/search/code_unit_set.hpp>
+
+namespace textio {
+
+class MarkerMatcher {
+ public:
+  explicit MarkerMatcher(std::shared_ptr<const DelimiterSet> set);
+
+  // The length of the first marker that matches at `i`, 0 if none does.
+  std::size_t length_at(const Field& text, std::size_t i) const {
+    const char16_t unit = code_unit_at(text, i);
+    if (set_->is_single_char) return unit == *set_->single_char ? 1 : 0;
+    return first_units_.contains(unit) ? compare_at(text, i) : 0;
+  }
+
+  // Whether a marker begins with `unit`; not for a set of a single character.
+  bool may_begin_with(char16_t unit) const { return first_units_.contains(unit); }
+
+  // Whether comparing all markers takes more than a few code units.
+  bool is_large() const { return is_large_; }
+
+  // The code units of the longest marker.
+  std::size_t longest() const;
+
+  const DelimiterSet& set() const { return *set_; }
+
+ private:
+  std::size_t compare_at(const Field& text, std::size_t i) const;
+
+  std::shared_ptr<const DelimiterSet> set_;
+  CodeUnitSet first_units_;
+  bool is_large_;
+};
+
+// The code units with which a match can begin.
+CodeUnitSet first_units_of(const DelimiterSet& set);
+
+}  // namespace textio

@@ -1,0 +1,52 @@
+// MarkerSearch: the questions of one walk to a MarkerMatcher.
+//
+//   MarkerSearch endings(matcher, text);
+//   endings.length_at(3);             // as matcher.length_at(text, 3)
+//   endings.move_to(next_text);
+//
+// Few short markers are compared where one may begin. Many or long ones are compared only until that
+// has taken about as long as finding all of them at once would. Then an automaton is made, which
+// finds them in one pass over each text; it is kept from text to text.
+//
+// Ownership  refers to the matcher and the text, which must not change while the search is at it.
+// Errors     std::bad_alloc; the search stays usable.
+// Cost       all questions together are linear in the markers and the texts. An index takes 4 bytes
+//            per code unit of the text and 16 per code unit of the markers.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include <vltextstream/strategy/search/marker_matcher.hpp>
+
+namespace textio {
+
+class MarkerSearch {
+ public:
+  MarkerSearch(const MarkerMatcher& matcher, const Field& text);
+  ~MarkerSearch();
+
+  // Goes on with another text.
+  void move_to(const Field& text);
+
+  // The length of the first marker that matches at `i`, 0 if none does.
+  std::size_t length_at(std::size_t i) {
+    return index_ ? indexed_length_at(i) : matcher_.length_at(text_, i);
+  }
+
+  // Whether the answers for this text are looked up.
+  bool is_indexed() const;
+
+ private:
+  struct Index;
+
+  std::size_t indexed_length_at(std::size_t i);
+  std::size_t compare_at(std::size_t i);
+  void find_all();
+
+  const MarkerMatcher& matcher_;
+  Field text_;
+  std::unique_ptr<Index> index_;  // null for few short markers
+};
+
+}  // namespace textio
