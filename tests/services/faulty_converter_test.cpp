@@ -45,7 +45,8 @@ struct Script {
   AsksForReset asks_for_reset = AsksForReset::never;
   std::size_t silent_calls = 0;     // calls that keep all their units
   std::size_t more_at_the_end = 0;  // answers that there is more when there is nothing
-  bool is_endless = false;          // a unit without input, each time
+  std::u16string endless_units;     // added on each call, also on one without bytes
+  bool always_has_more = false;     // answers that there is more, whatever it keeps
   std::size_t calls = 0;
   std::size_t resets = 0;
 };
@@ -95,7 +96,7 @@ bool StreamCodeConverter::convert(char16_t*& out, char16_t* out_end, const char*
     if (plain_end != in_end) held += units_of(*plain_end);
     in = plain_end == in_end ? in_end : plain_end + 1;
   }
-  if (script.is_endless) held.push_back(u'!');
+  held += script.endless_units;
   const bool is_silent = ++script.calls <= script.silent_calls && !final;
   const std::size_t room = is_silent ? 0 : static_cast<std::size_t>(out_end - out);
   const std::size_t count = std::min(held.size(), room);
@@ -109,7 +110,7 @@ bool StreamCodeConverter::convert(char16_t*& out, char16_t* out_end, const char*
 }
 
 bool StreamCodeConverter::has_more() const {
-  if (!state_->held.empty()) return true;
+  if (!state_->held.empty() || script.always_has_more) return true;
   if (script.more_at_the_end == 0) return false;
   --script.more_at_the_end;
   return true;
@@ -422,17 +423,84 @@ TEST_P(ConverterManner, LosesNothingOfALongText) {
 
 INSTANTIATE_TEST_SUITE_P(Table, ConverterManner, testing::ValuesIn(kMannerCases), ByRule());
 
-TEST(EndlessConverter, FillsTheRoomAndNoMore) {
+// --- a converter that has text without bytes -----------------------------------------------------
+
+struct EndlessCase {
+  const char* rule;
+  std::string bytes;
+  std::u16string units;  // that each call adds
+  bool always_has_more;
+  std::u16string text;  // what a file of `bytes` reads as
+};
+std::ostream& operator<<(std::ostream& out, const EndlessCase& row) { return out << row.rule; }
+
+// The call with the bytes is the last one with input, and one without follows. A converter that
+// keeps saying that it has more delivers up to a surrogate pair for each byte that it got.
+const EndlessCase kEndlessCases[] = {
+    {"OneUnit", "ab", u"!", false, u"ab!!"},
+    {"SeveralUnits", "ab", u"!?", false, u"ab!?!?"},
+    {"AUnitAndAnUnpairedLowSurrogate", "ab", u"!\xDE00", false, u"ab!!"},
+    {"NothingInAnEmptyFile", "", u"!", false, u""},
+    {"OneUnitAndSaysMore", "ab", u"!", true, u"ab!!!!!"},
+    {"SeveralUnitsAndSaysMore", "ab", u"!?", true, u"ab!?!?!?"},
+    {"LowSurrogatesAndSaysMore", "ab", u"\xDE00", true, u"ab"},
+    {"NothingInAnEmptyFileAndSaysMore", "", u"!", true, u""},
+};
+
+class EndlessConverter : public testing::TestWithParam<EndlessCase> {
+ protected:
+  void SetUp() override {
+    script = Script();
+    script.endless_units = GetParam().units;
+    script.always_has_more = GetParam().always_has_more;
+    source_.init_stream(device_.open(), "A");
+  }
+
+  FaultyDevice device_{GetParam().bytes};
+  FileTextSource source_;
+};
+
+TEST_P(EndlessConverter, EndsInAFillWithRoom) {
+  std::u16string units(1'000, u'?');
+  units.resize(source_.fillBuffer(units.data(), units.data() + units.size()));
+  EXPECT_EQ(readable(units), readable(GetParam().text));
+  EXPECT_EQ(read_by_fills(source_, 1'000), u"");
+}
+
+TEST_P(EndlessConverter, EndsInFillsOfOneUnit) {
+  const std::u16string text = read_by_fills(source_, 1);
+  EXPECT_LE(text.size(), 20U);
+  EXPECT_EQ(readable(read_by_fills(source_, 1)), "");
+}
+
+TEST_P(EndlessConverter, EndsInASkipOfAnyCount) {
+  constexpr unsigned long kHuge = std::numeric_limits<unsigned long>::max();
+  EXPECT_EQ(source_.skipFromPos(0, kHuge), GetParam().text.size());
+  EXPECT_EQ(source_.skipFromPos(source_.getPos(), kHuge), 0U);
+  EXPECT_EQ(source_.skipFromPos(0, kHuge), GetParam().text.size());
+}
+
+TEST_P(EndlessConverter, EndsInAStream) {
+  TextStream stream(&source_);
+  EXPECT_EQ(readable(loaded_to_the_end(stream)), readable(GetParam().text));
+  stream.advance(std::numeric_limits<unsigned long>::max());
+  EXPECT_EQ(stream.at(0), TextStream::kEnd);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, EndlessConverter, testing::ValuesIn(kEndlessCases), ByRule());
+
+// A file that is read again from its start has its end a second time.
+TEST(ConverterAtTheEnd, IsAskedOnceAtEachEnd) {
   script = Script();
-  script.is_endless = true;
   FaultyDevice device("ab");
   FileTextSource source;
   source.init_stream(device.open(), "A");
-  std::u16string units(1'010, u'?');
-  EXPECT_EQ(source.fillBuffer(units.data(), units.data() + 1'000), 1'000U);
-  EXPECT_EQ(units.substr(998), u"!!??????????");
-  TextStream stream(&source);
-  EXPECT_LE(get_fixed_stream(stream, {u"!"}).length, kSampleUnits);
+  EXPECT_EQ(read_by_fills(source, 10), u"ab");
+  EXPECT_EQ(script.calls, 2U);
+  EXPECT_EQ(read_by_fills(source, 10), u"");
+  EXPECT_EQ(script.calls, 2U);
+  EXPECT_EQ(source.skipFromPos(0, 10), 2U);
+  EXPECT_EQ(script.calls, 4U);
 }
 
 // --- unusual units -------------------------------------------------------------------------------
