@@ -162,6 +162,32 @@ TEST_F(MemoryTextSourceSkipFresh, ResizeAfterASkipExposesTheRest) {
   EXPECT_EQ(end, text_.data() + 10);
 }
 
+// The text that a reader has already received is still lent: a resize must not take it away.
+TEST_F(MemoryTextSourceLending, AResizeAfterAFillExposesTheSameText) {
+  for (const std::size_t asked : {0UL, 5UL, 10UL, 131'072UL}) {
+    source_.skipFromPos(0, 0);
+    source_.fillBuffer(at(0), at(10));
+    char16_t* begin = nullptr;
+    char16_t* end = nullptr;
+    source_.getBufferManager()->resize(asked, begin, end);
+    EXPECT_EQ(begin, at(0)) << asked;
+    EXPECT_EQ(end, at(10)) << asked;
+    EXPECT_EQ(lent_begin(), at(0)) << asked;
+    EXPECT_EQ(lent_end(), at(10)) << asked;
+    EXPECT_EQ(source_.fillBuffer(at(0), at(10)), 0U) << asked;
+  }
+}
+
+TEST_F(MemoryTextSourceLending, AResizeAfterASkipAndAFillExposesTheRest) {
+  source_.skipFromPos(2, 3);
+  source_.fillBuffer(at(5), at(10));
+  char16_t* begin = nullptr;
+  char16_t* end = nullptr;
+  source_.getBufferManager()->resize(131'072, begin, end);
+  EXPECT_EQ(begin, at(5));
+  EXPECT_EQ(end, at(10));
+}
+
 TEST(MemoryTextSourceEmpty, HandsOutNothing) {
   const ExactText text(u"");
   MemoryTextSource source(text.data(), 0);
@@ -184,6 +210,25 @@ TEST(MemoryTextSourceStream, IsReadInPlace) {
   stream.advance(4);
   EXPECT_EQ(stream.window_begin(), text.data() + 4);
   EXPECT_EQ(stream.find_first_non_digit(0), 1U);
+}
+
+TEST(MemoryTextSourceStream, KeepsItsTextWhenTheBufferIsResized) {
+  for (const unsigned long size : {0UL, 1UL, 5UL, 131'072UL, 1'000'000UL}) {
+    const ExactText text(u"abcde");
+    MemoryTextSource source(text.data(), text.size());
+    TextStream stream(&source);
+    stream.resizeInternalBuffer(size);
+    EXPECT_EQ(stream.find_first_pos_of(u'e', 0), 4U) << size;
+    EXPECT_EQ(stream.at(5), TextStream::kEnd) << size;
+    stream.advance(2);
+    stream.resizeInternalBuffer(size);
+    EXPECT_EQ(stream.window_begin(), text.data() + 2) << size;
+    EXPECT_EQ(stream.find_first_pos_of(u'e', 0), 2U) << size;
+    EXPECT_EQ(stream.at(3), TextStream::kEnd) << size;
+    stream.advance(3);
+    stream.resizeInternalBuffer(size);
+    EXPECT_EQ(stream.at(0), TextStream::kEnd) << size;
+  }
 }
 
 TEST(MemoryTextSourceStream, EndsWithItsText) {
