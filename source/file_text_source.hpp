@@ -39,6 +39,9 @@ class VLTEXTSTREAM_EXPORT FileStreamBufferManager : public BufferManager {
   char16_t* end() override;
   ~FileStreamBufferManager() override;
 
+  // Exchanges the storage, its size included, with `other`.
+  void swap(std::u16string& other) noexcept { units_.swap(other); }
+
  private:
   std::u16string units_;
 };

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include <vltextstream/source/file_text_source.hpp>
 #include <vltextstream/source/memory_text_source.hpp>
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
@@ -48,6 +49,43 @@ std::u16string new_text(std::size_t size) {
 std::u16string long_text(std::size_t size) {
   static const std::u16string start = new_text(1'000'000);
   return size <= start.size() ? start.substr(0, size) : new_text(size);
+}
+
+// A scripted source with the buffer of a file, into which a stream loads in another way.
+class FileBufferedSource : public ScriptedSource {
+ public:
+  using ScriptedSource::ScriptedSource;
+  BufferManager* getBufferManager() override { return &buffer_; }
+
+ private:
+  FileStreamBufferManager buffer_;
+};
+
+// A buffer that is derived from that of a file need not keep its text in the same place.
+class DerivedBuffer : public FileStreamBufferManager {
+ public:
+  std::size_t resize(std::size_t n, char16_t*& begin, char16_t*& end) override {
+    return buffer_.resize(n, begin, end);
+  }
+  char16_t* begin() override { return buffer_.begin(); }
+  char16_t* end() override { return buffer_.end(); }
+
+ private:
+  testing_support::ExactBufferManager buffer_;
+};
+
+class DerivedBufferSource : public ScriptedSource {
+ public:
+  using ScriptedSource::ScriptedSource;
+  BufferManager* getBufferManager() override { return &buffer_; }
+
+ private:
+  DerivedBuffer buffer_;
+};
+
+std::size_t buffer_size_of(TextSource& source) {
+  BufferManager& buffer = *source.getBufferManager();
+  return static_cast<std::size_t>(buffer.end() - buffer.begin());
 }
 
 // --- reading and searching -----------------------------------------------------------------------
@@ -535,6 +573,37 @@ TEST_P(TextStreamAdvance, MovesTheWindow) {
   }
 }
 
+// The same calls, sizes and texts, whatever the buffer.
+template <typename Source>
+void expect_advance(const AdvanceCase& row) {
+  const std::u16string text = long_text(1'000'000);
+  Source source(text);
+  TextStream stream(&source);
+  stream.at(row.look_ahead);
+  const std::size_t size_before = buffer_size_of(source);
+  source.forget_calls();
+
+  stream.advance(row.advance);
+
+  EXPECT_EQ(buffer_size_of(source), row.resizes.empty() ? size_before : row.resizes.back());
+  EXPECT_EQ(source.skips(), row.skips);
+  EXPECT_EQ(source.fills(), row.fills);
+  if (!row.fills.empty()) {
+    EXPECT_EQ(stream.window_begin(), source.getBufferManager()->begin());
+  }
+  for (const unsigned long pos : kLooks) {
+    EXPECT_EQ(stream.at(pos), text[row.advance + pos]) << pos;
+  }
+}
+
+TEST_P(TextStreamAdvance, MovesTheWindowOverTheBufferOfAFile) {
+  expect_advance<FileBufferedSource>(GetParam());
+}
+
+TEST_P(TextStreamAdvance, MovesTheWindowOverADerivedBuffer) {
+  expect_advance<DerivedBufferSource>(GetParam());
+}
+
 INSTANTIATE_TEST_SUITE_P(Table, TextStreamAdvance, testing::ValuesIn(kAdvanceCases),
                          testing_support::ByRule());
 
@@ -742,6 +811,27 @@ TEST(TextStreamResizeInternalBuffer, KeepsThePlaceOfTheWindow) {
   EXPECT_EQ(source.fills().size(), 1U);
 }
 
+// A buffer this small is kept inside its string object, whose exchange moves the text.
+template <typename Source>
+void expect_refill_of_a_tiny_buffer() {
+  const std::u16string text = long_text(300'000);
+  Source source(text);
+  TextStream stream(&source);
+  stream.resizeInternalBuffer(3);
+  for (std::size_t step = 0; step < 3; ++step) {
+    stream.advance(3);
+    EXPECT_EQ(stream.window_begin(), source.getBufferManager()->begin());
+    EXPECT_EQ(buffer_size_of(source), 3U);
+    EXPECT_EQ(std::u16string(stream.window_begin(), 3), text.substr(131'072 + 3 * step, 3));
+  }
+  EXPECT_EQ(stream.at(1'000), text[131'072 + 6 + 1'000]);
+}
+
+TEST(TextStreamResizeInternalBuffer, OfATinySizeIsRefilled) {
+  expect_refill_of_a_tiny_buffer<ScriptedSource>();
+  expect_refill_of_a_tiny_buffer<FileBufferedSource>();
+}
+
 // --- sources that fail ---------------------------------------------------------------------------
 
 // The text and the place of the window in it: what a stream should answer.
@@ -814,10 +904,11 @@ const FailureCase kFailureCases[] = {
 class TextStreamFailure : public testing::TestWithParam<FailureCase> {};
 
 // A stream over a long text, moved on and filled as the row says, whose next call has failed.
+template <typename Source>
 struct AfterFailure {
   explicit AfterFailure(const FailureCase& row) {
     stream.at(row.look_ahead);
-    loaded = source.buffer_size() - row.before;
+    loaded = buffer_size_of(source) - row.before;
     stream.advance(row.before);
     model.advance(row.before);
     arm(row.failing);
@@ -841,13 +932,14 @@ struct AfterFailure {
   }
 
   Model model{long_text(1'000'000)};
-  ScriptedSource source{long_text(1'000'000)};
+  Source source{long_text(1'000'000)};
   TextStream stream{&source};
   unsigned long loaded = 0;
 };
 
-TEST_P(TextStreamFailure, LeavesTheStreamAsItWas) {
-  AfterFailure after(GetParam());
+template <typename Source>
+void expect_unchanged_stream(const FailureCase& row) {
+  AfterFailure<Source> after(row);
   const unsigned long loaded = after.loaded;
   const Model& model = after.model;
   expect_same_units(after.stream, model, {0, 1, 500, 10'000, loaded / 2, loaded - 2, loaded - 1});
@@ -855,12 +947,33 @@ TEST_P(TextStreamFailure, LeavesTheStreamAsItWas) {
   expect_same_units(after.stream, model, {loaded, loaded + 1, model.left() - 1, model.left()});
 }
 
-TEST_P(TextStreamFailure, TheCallSucceedsWhenItIsMadeAgain) {
-  AfterFailure after(GetParam());
-  after.stream.advance(GetParam().advance);
-  after.model.advance(GetParam().advance);
+TEST_P(TextStreamFailure, LeavesTheStreamAsItWas) {
+  expect_unchanged_stream<ScriptedSource>(GetParam());
+}
+
+TEST_P(TextStreamFailure, LeavesTheStreamWithTheBufferOfAFileAsItWas) {
+  if (GetParam().failing != Failing::kResize) {
+    expect_unchanged_stream<FileBufferedSource>(GetParam());
+  }
+}
+
+template <typename Source>
+void expect_success_when_repeated(const FailureCase& row) {
+  AfterFailure<Source> after(row);
+  after.stream.advance(row.advance);
+  after.model.advance(row.advance);
   expect_same_units(after.stream, after.model, {0, 1, 500, 71, 72, 431, 432, 100'000, 131'072});
   expect_same_units(after.stream, after.model, {after.model.left() - 1, after.model.left()});
+}
+
+TEST_P(TextStreamFailure, TheCallSucceedsWhenItIsMadeAgain) {
+  expect_success_when_repeated<ScriptedSource>(GetParam());
+}
+
+TEST_P(TextStreamFailure, TheCallSucceedsWhenItIsMadeAgainWithTheBufferOfAFile) {
+  if (GetParam().failing != Failing::kResize) {
+    expect_success_when_repeated<FileBufferedSource>(GetParam());
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, TextStreamFailure, testing::ValuesIn(kFailureCases),
@@ -875,8 +988,9 @@ void expect_ended(TextStream& stream) {
 }
 
 // A source that does not go back would leave a gap behind the text that is loaded.
-TEST(TextStreamFailedTwice, EndsBehindWhatIsLoadedWhenTheSourceDoesNotGoBack) {
-  ScriptedSource source(long_text(1'000'000));
+template <typename Source>
+void expect_end_after_loaded_text() {
+  Source source(long_text(1'000'000));
   TextStream stream(&source);
   source.fail_fill(1);
   source.fail_skip(2);  // the first goes on by 368,928 units, the second would go back
@@ -885,6 +999,11 @@ TEST(TextStreamFailedTwice, EndsBehindWhatIsLoadedWhenTheSourceDoesNotGoBack) {
   const Model model{long_text(1'000'000)};
   expect_same_units(stream, model, {0, 1, 500, TextStream::kBufferUnits - 1});
   EXPECT_EQ(stream.at(TextStream::kBufferUnits), kEnd);
+}
+
+TEST(TextStreamFailedTwice, EndsBehindWhatIsLoadedWhenTheSourceDoesNotGoBack) {
+  expect_end_after_loaded_text<ScriptedSource>();
+  expect_end_after_loaded_text<FileBufferedSource>();
 }
 
 TEST(TextStreamFailedTwice, ReadsAsEndedWhenTheBufferDoesNotGrowAgain) {
@@ -1013,10 +1132,11 @@ struct Reached {
 
   // Counts a call, after which the buffer has its size and the source tells what it was asked.
   void add(ScriptedSource& source, std::size_t size_before) {
-    if (source.buffer_size() > size_before) ++growths;
-    if (source.buffer_size() < size_before) ++cut_backs;
+    const std::size_t size = buffer_size_of(source);
+    if (size > size_before) ++growths;
+    if (size < size_before) ++cut_backs;
     if (!source.skips().empty()) ++skips;
-    const bool grown = source.buffer_size() > size_before;
+    const bool grown = size > size_before;
     if (source.skips().empty() && !grown && !source.fills().empty()) ++compactions;
     source.forget_calls();
   }
@@ -1035,18 +1155,23 @@ unsigned long room_ahead(ScriptedSource& source, const TextStream& stream) {
 constexpr unsigned kSeeds = 12;
 constexpr int kCalls = 80;
 
-TEST(TextStreamModel, AnswersLikeAPlainString) {
+template <typename Source>
+class TextStreamModel : public testing::Test {};
+using BufferedSources = testing::Types<ScriptedSource, FileBufferedSource>;
+TYPED_TEST_SUITE(TextStreamModel, BufferedSources);
+
+TYPED_TEST(TextStreamModel, AnswersLikeAPlainString) {
   Reached reached;
-  for (unsigned seed = 1; seed <= kSeeds && !HasFailure(); ++seed) {
+  for (unsigned seed = 1; seed <= kSeeds && !this->HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
     const std::u16string text = random_text(random, 600'001 + random() % 1'500'000);
     Model model(text);
-    ScriptedSource source(text);
+    TypeParam source(text);
     TextStream stream(&source);
     source.forget_calls();
-    for (int call = 0; call < kCalls && !HasFailure(); ++call) {
-      const std::size_t size_before = source.buffer_size();
+    for (int call = 0; call < kCalls && !this->HasFailure(); ++call) {
+      const std::size_t size_before = buffer_size_of(source);
       RandomCall(random, model, room_ahead(source, stream)).make(stream, model);
       reached.add(source, size_before);
       EXPECT_EQ(stream.at(0), model.at(0));
@@ -1060,16 +1185,16 @@ TEST(TextStreamModel, AnswersLikeAPlainString) {
   EXPECT_GT(reached.skips, kSeeds) << reached;
 }
 
-TEST(TextStreamModel, AnswersLikeAPlainStringAfterEachFailure) {
+TYPED_TEST(TextStreamModel, AnswersLikeAPlainStringAfterEachFailure) {
   Reached reached;
-  for (unsigned seed = 101; seed <= 100 + kSeeds && !HasFailure(); ++seed) {
+  for (unsigned seed = 101; seed <= 100 + kSeeds && !this->HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
     const std::u16string text = random_text(random, 600'001 + random() % 1'500'000);
     Model model(text);
-    ScriptedSource source(text);
+    TypeParam source(text);
     TextStream stream(&source);
-    for (int call_number = 0; call_number < kCalls && !HasFailure(); ++call_number) {
+    for (int call_number = 0; call_number < kCalls && !this->HasFailure(); ++call_number) {
       const RandomCall call(random, model, room_ahead(source, stream));
       const unsigned long look = random_distance(random);
       if (random() % 2 == 0) source.fail_fill(1);
