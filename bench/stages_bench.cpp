@@ -1,6 +1,7 @@
 // The stages of a detection, each alone, over a full sample of 4,194,304 units where nothing else
-// is said: from the file to the sample, scans of a stream, sampling and cutting for each strategy,
-// valuing, the classes of fields, header lines, candidates and filters.
+// is said: from the file to the sample, scans of a stream, a window that moves over a file, sampling
+// and cutting for each strategy, valuing, the classes of fields, header lines, candidates and
+// filters.
 //
 // Some are internal, so this program is linked from the library's objects.
 #include <algorithm>
