@@ -87,9 +87,9 @@ inline constexpr Keyword keywords<datetime_kind>[] = {
 
 template <>
 inline constexpr Keyword keywords<partial_field_action>[] = {
-    {partial_field_action::keep, "keep"},   {partial_field_action::omitrow, "omitrow"},
+    {partial_field_action::keep, "keep"},       {partial_field_action::omitrow, "omitrow"},
     {partial_field_action::omitvar, "omitvar"}, {partial_field_action::fill, "fill"},
-    {partial_field_action::wrap, "wrap"},   {partial_field_action::error, "error"},
+    {partial_field_action::wrap, "wrap"},       {partial_field_action::error, "error"},
 };
 
 }  // namespace textio::parser

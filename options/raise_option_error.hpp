@@ -14,9 +14,9 @@ namespace textio::options {
 // A default argument has these from compiler functions: macros would name this header.
 template <typename Error>
 [[noreturn]] void raise_option_error(const Error& error,
-                                     const boost::source_location& caller = boost::source_location(
-                                         __builtin_FILE(), __builtin_LINE(),
-                                         __builtin_FUNCTION())) {
+                                     const boost::source_location& caller =
+                                         boost::source_location(__builtin_FILE(), __builtin_LINE(),
+                                                                __builtin_FUNCTION())) {
   const boost::wrapexcept<Error> raised(error, caller);
   report_error(raised);
   throw raised;  // NOLINT: a copy of the reported object

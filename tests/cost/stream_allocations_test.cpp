@@ -102,8 +102,7 @@ TEST(StreamAllocationsOfABigBuffer, AreOneBufferOfItsSize) {
 TEST(StreamAllocationsBeyondTheEnd, AreOneBufferAtMost) {
   StreamOverAFile opened;
   TextStream stream(&opened.source);
-  const Cost cost =
-      cost_of([&] { stream.advance(std::numeric_limits<unsigned long>::max()); });
+  const Cost cost = cost_of([&] { stream.advance(std::numeric_limits<unsigned long>::max()); });
   EXPECT_LE(cost.allocations, 1U);
   EXPECT_LE(cost.bytes, kBufferBytes);
   EXPECT_EQ(stream.at(0), TextStream::kEnd);

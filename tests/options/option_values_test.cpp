@@ -277,9 +277,8 @@ std::optional<std::size_t> matched_plainly(std::string value, const Words& choic
 void expect_plain_match(const std::string& value, const Words& choices) {
   std::optional<std::size_t> actual;
   const Array array = make_array(std::u16string_view(wide(value)));
-  const std::string error = error_of([&] {
-    actual = options::match_choice(array.get(), keywords_of(choices)) - kFirstValue;
-  });
+  const std::string error = error_of(
+      [&] { actual = options::match_choice(array.get(), keywords_of(choices)) - kFirstValue; });
   const std::optional<std::size_t> expected = matched_plainly(value, choices);
   RC_ASSERT(error.empty() == expected.has_value());
   RC_ASSERT(actual == expected);

@@ -99,7 +99,10 @@ const LocationCase kLocationCases[] = {
      "options/option_values.cpp"},
     {"OfAKeyword", u"TextType", [] { return make_array(u"zzz"); }, "match_choice",
      "options/option_values.cpp"},
-    {"OfANumberOfTexts", u"CommentStyle", [] { return standalone::make_cell({u"a", u"b", u"c"}); },
+    {"OfANumberOfTexts", u"CommentStyle",
+     [] {
+       return standalone::make_cell({u"a", u"b", u"c"});
+     },
      "set_comment_style", "options/set_parser_options.cpp"},
     {"OfAName", u"Delim", [] { return make_array(u";"); }, "set_option",
      "options/set_parser_options.cpp"},
