@@ -16,7 +16,7 @@
 namespace textio::parser {
 namespace {
 
-// An enumerated option: its keywords by the numbers of its values.
+// An enumerated option, with its keywords in the order of the values.
 struct EnumerationCase {
   const char* rule;  // an option of this enumeration
   std::vector<std::string_view> words;

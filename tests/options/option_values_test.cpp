@@ -112,7 +112,7 @@ TEST(UnescapeOptionStrings, AreRefusedForOneBadOneWhereverItStands) {
   }
 }
 
-// The replacement in its plainest form: the text is edited in place, one search at a time.
+// The replacement in its simplest form: edits the text in place after each search.
 std::optional<std::u16string> unescaped_plainly(std::u16string text) {
   bool valid = true;
   std::size_t from = 0;
@@ -134,7 +134,7 @@ std::optional<std::u16string> unescaped_plainly(std::u16string text) {
 
 TEST(UnescapeOptionStringProperty, IsThePlainReplacementForAnyText) {
   EXPECT_TRUE(rc::check([] {
-    // Mostly backslashes and letters that make escapes.
+    // Mostly backslashes and letters of escapes.
     const auto text = wide(*rc::gen::container<std::string>(
         rc::gen::elementOf(std::string("\\\\\\\\bnrt\\\\bnrtqN0 "))));
     const std::optional<std::u16string> expected = unescaped_plainly(text);
@@ -162,7 +162,7 @@ TEST(UnescapeOptionStringProperty, UndoesEscapingOfAnyText) {
     std::u16string text;
     std::u16string escaped;
     for (const std::uint16_t unit : units) {
-      // A quarter of the units are turned into characters that have an escape.
+      // A quarter of the code units become characters that have an escape.
       const auto character =
           unit % 4 == 0 ? u"\\\b\n\r\t"[unit / 4 % 5] : static_cast<char16_t>(unit);
       text.push_back(character);
@@ -255,7 +255,7 @@ TEST_P(MatchChoice, FindsTheFirstThatTheValueBegins) {
 INSTANTIATE_TEST_SUITE_P(Table, MatchChoice, testing::ValuesIn(kChoices),
                          testing_support::ByRule());
 
-// The matching in its plainest form: all beginnings of a choice in lower case, one after the other.
+// The matching in its simplest form: tries all beginnings of each choice in lower case.
 std::optional<std::size_t> matched_plainly(std::string value, const Words& choices) {
   const auto lower = [](std::string text) {
     for (char& letter : text) {
@@ -375,7 +375,7 @@ TEST(ToWidths, CopiesTheElementsBitForBit) {
   EXPECT_EQ(options::to_widths(make_empty_array().get()), Widths{});
 }
 
-// Elements of less than 64 bits are as many widths, each with zeros above its own bits.
+// Each element of less than 64 bits is one width, with zeros above its own bits.
 TEST(ToWidths, ReadsNothingPastSmallElements) {
   EXPECT_EQ(options::to_widths(make_array(u"AB\uffff").get()), (Widths{65, 66, 0xFFFF}));
   EXPECT_EQ(options::to_widths(make_char_array(u"ABCD", {2, 2}).get()), (Widths{65, 66, 67, 68}));
@@ -384,7 +384,7 @@ TEST(ToWidths, ReadsNothingPastSmallElements) {
   EXPECT_EQ(options::to_widths(make_array(false).get()), Widths{0});
 }
 
-// A cell has no elements of its own in memory, only arrays elsewhere.
+// A cell has no elements in its own memory, only arrays elsewhere.
 TEST(ToWidths, OfACellAreNone) {
   EXPECT_EQ(options::to_widths(make_cell({}).get()), Widths{});
   EXPECT_EQ(options::to_widths(make_cell({make_array(1.0), make_array(u"a")}).get()), Widths{});

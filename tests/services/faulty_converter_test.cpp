@@ -1,6 +1,6 @@
-// A converter that does everything its interface allows, and throws where it may throw: what the
-// file source and the stream make of it. This program brings the converter, one unit for each
-// byte, except for a few bytes that stand for unusual units.
+// The file source and the stream with a converter that does all that its interface allows, and
+// throws wherever it can. This program defines the converter: one code unit per byte, except for a
+// few bytes that give unusual code units.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -36,17 +36,17 @@ void throw_it(Thrown thrown) {
 
 enum class AsksForReset { never, always, at_random };
 
-// What the converters of the present test do; calls are counted from 1.
+// The behaviour of the converters in the current test; calls are counted from 1.
 struct Script {
   Thrown constructor_throws = Thrown::nothing;
   Thrown convert_throws = Thrown::nothing;
   std::size_t throwing_call = kNever;
   Thrown reset_throws = Thrown::nothing;
   AsksForReset asks_for_reset = AsksForReset::never;
-  std::size_t silent_calls = 0;     // calls that keep all their units
-  std::size_t more_at_the_end = 0;  // answers that there is more when there is nothing
+  std::size_t silent_calls = 0;     // calls that keep all code units
+  std::size_t more_at_the_end = 0;  // calls of has_more that are true without kept code units
   std::u16string endless_units;     // added on each call, also on one without bytes
-  bool always_has_more = false;     // answers that there is more, whatever it keeps
+  bool always_has_more = false;     // has_more is always true
   std::size_t calls = 0;
   std::size_t resets = 0;
 };
@@ -85,7 +85,7 @@ StreamCodeConverter::StreamCodeConverter(const std::string& /*encoding*/, bool /
 
 StreamCodeConverter::~StreamCodeConverter() = default;
 
-// A call that throws has moved its cursors before, and written.
+// A call that throws has moved its cursors and written before.
 bool StreamCodeConverter::convert(char16_t*& out, char16_t* out_end, const char*& in,
                                   const char* in_end, bool final) {
   std::u16string& held = state_->held;
@@ -134,7 +134,7 @@ using testing_support::readable;
 
 constexpr std::size_t kBufferUnits = TextStream::kBufferUnits;
 
-// Small letters, each different from its neighbours.
+// Lower-case letters, each different from its neighbours.
 std::string letters(std::size_t count) {
   std::string bytes(count, '\0');
   for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<char>('a' + i * 7 % 25);
@@ -157,7 +157,7 @@ std::u16string_view loaded_to_the_end(const TextStream& stream) {
   return {stream.window_begin(), length};
 }
 
-// What `call` throws.
+// The kind of exception that `call` throws.
 template <typename Call>
 Thrown thrown_by(Call call) {
   try {
@@ -320,7 +320,7 @@ TEST_P(ThrowingConverter, LeavesAnAdvanceToBeMadeAgain) {
   }
 }
 
-// What has been read of an input that cannot go back is gone: the text ends, it has no gap.
+// Bytes read from an input that cannot go back are lost: the text ends there, without a gap.
 TEST_P(ThrowingConverter, EndsTheTextOfAnInputThatCannotGoBack) {
   const std::string bytes = letters(3 * kBufferUnits);
   for (std::size_t nth = 1; nth <= 4; ++nth) {
@@ -347,7 +347,7 @@ TEST_P(ThrowingConverter, PassesThroughAResetAndLeavesTheSource) {
   source.fillBuffer(&unit, &unit + 1);
   script.reset_throws = GetParam().thrown;
   EXPECT_EQ(thrown_by([&] { source.skipFromPos(3, 1); }), GetParam().thrown);
-  // Nor could the source be put back: its text has ended, until it can be put elsewhere.
+  // The source could not go back either: its text has ended until a skip succeeds.
   EXPECT_EQ(read_by_fills(source, 10), u"");
   script.reset_throws = Thrown::nothing;
   EXPECT_EQ(source.skipFromPos(3, 1), 1U);
@@ -356,7 +356,7 @@ TEST_P(ThrowingConverter, PassesThroughAResetAndLeavesTheSource) {
 
 INSTANTIATE_TEST_SUITE_P(Table, ThrowingConverter, testing::ValuesIn(kThrownCases), ByRule());
 
-// --- a converter that takes its time -------------------------------------------------------------
+// --- a converter that delivers late --------------------------------------------------------------
 
 struct MannerCase {
   const char* rule;
@@ -434,8 +434,8 @@ struct EndlessCase {
 };
 std::ostream& operator<<(std::ostream& out, const EndlessCase& row) { return out << row.rule; }
 
-// The call with the bytes is the last one with input, and one without follows. A converter that
-// keeps saying that it has more delivers up to a surrogate pair for each byte that it got.
+// One call with the bytes is followed by one call without. If has_more stays true, further calls
+// follow, until the converter has delivered two code units for each byte.
 const EndlessCase kEndlessCases[] = {
     {"OneUnit", "ab", u"!", false, u"ab!!"},
     {"SeveralUnits", "ab", u"!?", false, u"ab!?!?"},
@@ -489,7 +489,7 @@ TEST_P(EndlessConverter, EndsInAStream) {
 
 INSTANTIATE_TEST_SUITE_P(Table, EndlessConverter, testing::ValuesIn(kEndlessCases), ByRule());
 
-// A file that is read again from its start has its end a second time.
+// A file that is read again from its start reaches its end again.
 TEST(ConverterAtTheEnd, IsAskedOnceAtEachEnd) {
   script = Script();
   FaultyDevice device("ab");

@@ -16,7 +16,7 @@
 
 namespace {
 
-// An error as the channel or a handler gets it.
+// An error as the channel or a handler receives it.
 struct Received {
   std::string identifier;
   std::string type;

@@ -19,7 +19,7 @@ using testing_support::ExactText;
 using testing_support::first_difference;
 using testing_support::kNoDifference;
 
-// A source over "abcdefghij" and the bounds of the text as a reader gets them.
+// A source over "abcdefghij", and the bounds of the text as a reader gets them.
 class LentText : public testing::Test {
  protected:
   char16_t* at(std::size_t pos) { return first_ + pos; }
@@ -83,7 +83,7 @@ TEST_F(MemoryTextSourceFill, RefusesAnyOtherPlaceAndChangesNothing) {
   EXPECT_EQ(source_.fillBuffer(at(0), at(10)), 10U);
 }
 
-// The position is the size of the last fill, not a sum: the text is lent in one piece.
+// The position is the size of the last fill, not a sum: the text is lent as one range.
 TEST_F(MemoryTextSourceFill, PositionCountsTheLastRangeAlone) {
   EXPECT_EQ(source_.fillBuffer(at(0), at(7)), 7U);
   EXPECT_EQ(source_.getPos(), 7);
@@ -246,7 +246,7 @@ TEST(MemoryTextSourceStream, EndsWithItsText) {
   }
 }
 
-// Steps from the middle to the end after any number of them: nothing is handed out twice.
+// Steps to the end, of any size: no text is handed out twice.
 TEST(MemoryTextSourceStream, EndsAfterStepsOfAnySize) {
   for (unsigned long step = 1; step <= 7; ++step) {
     const ExactText text(u"abcdef");
