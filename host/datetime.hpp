@@ -10,8 +10,8 @@ class Field;
 namespace textio::datetime {
 
 // Whether all of `field` is a calendar date, with or without a time of day. The field has no white
-// space or quotes at its ends, or is the part of such a field before or after a blank; that part may
-// be empty or contain no digit.
+// space or quotes at its ends, or is the part of such a field before or after a blank; that part
+// may be empty or contain no digit.
 //
 // Errors   an exception counts as "not a date"; only the unwinding of a cancelled thread passes
 //          through.

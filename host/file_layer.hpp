@@ -15,10 +15,10 @@ namespace textio {
 // until more than 16 MiB have been read; after that the seek fails with ESPIPE.
 //
 // Ownership  the caller closes the stream with std::fclose.
-// Errors     a null pointer, with the reason in errno, if the file cannot be opened for reading text
-//            (a directory included; EINVAL for a mode that writes). Numbers above 4095 are not
-//            errors of the operating system: they say what is wrong with the data. So does the errno
-//            of a failed read. Exceptions reach the caller of init_stream.
+// Errors     a null pointer, with the reason in errno, if the file cannot be opened for reading
+//            text (a directory included; EINVAL for a mode that writes). Numbers above 4095 are not
+//            errors of the operating system: they say what is wrong with the data. So does the
+//            errno of a failed read. Exceptions reach the caller of init_stream.
 // Cost       seeking back in compressed data decodes them again from the start.
 VLTEXTSTREAM_IMPORT std::FILE* open_file(const std::u16string& path, const char* mode);
 

@@ -7,8 +7,8 @@
 //   }
 //
 // Every class derives from std::exception and from the host's MessageIdentifiedError. What the
-// library reports and throws is also a boost::exception with the throw location. It can be kept with
-// boost::current_exception (or std::current_exception) and thrown again elsewhere.
+// library reports and throws is also a boost::exception with the throw location. It can be kept
+// with boost::current_exception (or std::current_exception) and thrown again elsewhere.
 #pragma once
 
 #include <exception>

@@ -158,8 +158,8 @@ constexpr NamedSetter kSetters[] = {
     {"EmptyValue", ignore_value},
 };
 
-// The setter for this name, null if there is none. Characters are compared after conversion to upper
-// case by the global locale.
+// The setter for this name, null if there is none. Characters are compared after conversion to
+// upper case by the global locale.
 option_setter find_setter(std::string_view name) {
   const std::locale locale;
   const auto& letters = std::use_facet<std::ctype<char>>(locale);

@@ -7,8 +7,8 @@
 // overrides an earlier one. After an error the pairs before the failing one remain applied, and the
 // failing pair has changed nothing.
 //
-// Errors   those of options/option_errors.hpp, reported to the host's error channel first and thrown
-//          if it returns; exceptions of the host's array services pass through.
+// Errors   those of options/option_errors.hpp, reported to the host's error channel first and
+//          thrown if it returns; exceptions of the host's array services pass through.
 // Threads  calls on different records may run at the same time.
 #pragma once
 

@@ -139,9 +139,9 @@ struct FileTextSource::FileState {
     }
   }
 
-  // Whether a conversion without bytes could deliver text at the end of the file. The first one can:
-  // the last read may have filled its room exactly, so that an unfinished character was not yet
-  // known to be the last. Later ones can only deliver what found no room. The bound on the kept
+  // Whether a conversion without bytes could deliver text at the end of the file. The first one
+  // can: the last read may have filled its room exactly, so that an unfinished character was not
+  // yet known to be the last. Later ones can only deliver what found no room. The bound on the kept
   // code units ends the text of a converter that never says that it is empty.
   bool may_keep_text() const {
     return most_kept_units > 0 && (!is_flushed || converter.has_more());

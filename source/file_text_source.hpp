@@ -14,9 +14,9 @@
 //            leads elsewhere; read_error() returns its errno. Exceptions of the converter pass
 //            through: the source returns to its position before the call, or has ended if its file
 //            cannot seek.
-// Cost       no heap allocation per fill; the file is read in chunks of at most 65,535 bytes. At the
-//            end of the file the converter is called once more without bytes, and again only while
-//            it has code units that found no room.
+// Cost       no heap allocation per fill; the file is read in chunks of at most 65,535 bytes. At
+//            the end of the file the converter is called once more without bytes, and again only
+//            while it has code units that found no room.
 #pragma once
 
 #include <cstdio>

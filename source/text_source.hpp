@@ -1,7 +1,7 @@
 // TextSource and BufferManager: where text comes from and where it is stored.
 //
-// A source delivers the text of one input as UTF-16 code units, in order, in chunks of the size that
-// its reader asks for. It can restart at a position that it reported before. It also owns the
+// A source delivers the text of one input as UTF-16 code units, in order, in chunks of the size
+// that its reader asks for. It can restart at a position that it reported before. It also owns the
 // storage for its text, so that a source whose text is already in memory can lend that memory
 // instead of copying it.
 //
@@ -58,8 +58,8 @@ class VLTEXTSTREAM_EXPORT TextSource {
   // The position from which the next fill reads.
   virtual source_pos getPos() const = 0;
 
-  // Goes to `pos` and skips up to `count` code units from there. Returns how many were skipped; fewer
-  // than requested only at the end of the text.
+  // Goes to `pos` and skips up to `count` code units from there. Returns how many were skipped;
+  // fewer than requested only at the end of the text.
   virtual unsigned long skipFromPos(source_pos pos, unsigned long count) = 0;
 
   virtual ~TextSource();

@@ -32,8 +32,8 @@ FileStreamBufferManager* as_file_buffer(BufferManager& buffer) {
   return static_cast<FileStreamBufferManager*>(&buffer);
 }
 
-// How a search proceeds through the loaded text, which ends at `end`, before it tests code units one
-// by one: not at all.
+// Passes over loaded text, which ends at `end`, before a search tests code units one by one. This
+// one passes over nothing.
 struct UnitByUnit {
   template <typename Stop>
   static unsigned long past(const char16_t*, unsigned long pos, std::size_t, Stop) {
@@ -41,7 +41,7 @@ struct UnitByUnit {
   }
 };
 
-// Past the whole blocks without a code unit to stop at. The test must be cheap.
+// Passes over whole blocks without a code unit to stop at. The test must be cheap.
 struct BlockByBlock {
   template <typename Stop>
   static unsigned long past(const char16_t* text, unsigned long pos, std::size_t end, Stop stop) {
@@ -66,8 +66,8 @@ char16_t fold_ascii(char16_t unit) {
 }  // namespace
 
 // Restores the stream and its source if an advance throws. If even that fails, the stream reads as
-// ended rather than as zeros or as text with a gap. Makes all allocations before the advance changes
-// anything.
+// ended rather than as zeros or as text with a gap. The constructor allocates the spare buffer or
+// the room for a copy, before the advance changes anything.
 class TextStream::Rollback {
  public:
   // `kept` code units of the loaded text will still be needed.
@@ -305,8 +305,8 @@ void TextStream::refill_in_place(const char16_t* start) {
   data_end = buffer_begin + kept + loaded;
 }
 
-// Gives the spare buffer the size that a refill needs which keeps `kept` code units. An old spare
-// buffer is freed first.
+// Gives the spare buffer the size for a refill that keeps `kept` code units. Frees a buffer of
+// another size first.
 void TextStream::prepare_spare(std::size_t kept) {
   const std::size_t valid = distance(buffer_begin, data_end);
   const std::size_t size = valid > kTooBigUnits
@@ -324,8 +324,8 @@ void TextStream::cut_back(std::size_t valid, std::size_t remaining) {
   if (valid > kTooBigUnits) resizeInternalBuffer(size_for(remaining));
 }
 
-// The size of a buffer that has been cut back: the normal size, or as many steps as `remaining` code
-// units need. After a very long look-ahead that can be more than one.
+// The size of a buffer that has been cut back: the normal size, or as many steps as `remaining`
+// code units need. After a very long look-ahead that can be more than one.
 std::size_t TextStream::size_for(std::size_t remaining) {
   const std::size_t steps = (remaining + kBufferUnits - 1) / kBufferUnits;
   return std::max<std::size_t>(steps, 1) * kBufferUnits;

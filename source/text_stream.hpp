@@ -4,16 +4,16 @@
 //   unsigned long end = text.find_first_pos_of(u'\n', 0);
 //   text.advance(end + 1);             // position 0 is now the first unit of the next line
 //
-// A code unit past the end of the text reads as U+FFFF. A U+FFFF in the text ends every search, like
-// the end of the text. A failed search returns that end position, so callers check the code unit
-// there.
+// A code unit past the end of the text reads as U+FFFF. A U+FFFF in the text ends every search,
+// like the end of the text. A failed search returns that end position, so callers check the code
+// unit there.
 //
 // Units      positions count UTF-16 code units from the start of the window.
 // Ownership  does not own the source, which must outlive the stream. Pointers into the text are
 //            valid until the next call that loads text or advances.
-// Errors     none of its own. Exceptions of the source or of an allocation (also for a position that
-//            no memory could hold) pass through and leave the stream as it was before the call, or
-//            as ended after the loaded text if the source cannot go back.
+// Errors     none of its own. Exceptions of the source or of an allocation (also for a position
+//            that no memory could hold) pass through and leave the stream as it was before the
+//            call, or as ended after the loaded text if the source cannot go back.
 // Cost       loads in blocks of at least 131,072 code units; a search or match copies nothing. An
 //            advance over a FileTextSource loads into a second buffer of the same size, which it
 //            allocates once. Over any other source it loads in place and first copies the loaded

@@ -13,8 +13,8 @@ namespace textio {
 
 inline constexpr std::ptrdiff_t kBlockUnits = 64;
 
-// Whether `test` accepts any of the kBlockUnits code units from `block` on. `test` is called for all
-// of them, so it should be a few comparisons without `||` and `&&`.
+// Whether `test` accepts any of the kBlockUnits code units from `block` on. `test` is called for
+// all of them, so it should be a few comparisons without `||` and `&&`.
 template <typename Unit, typename Test>
 bool any_in_block(const Unit* block, Test test) {
   using Found = std::make_unsigned_t<Unit>;  // as wide as the code units: the vectors match

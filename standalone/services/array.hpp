@@ -49,8 +49,8 @@ VLTEXTSTREAM_EXPORT Array make_array(const std::vector<double>& values);
 VLTEXTSTREAM_EXPORT Array make_array(std::initializer_list<double> values);
 VLTEXTSTREAM_EXPORT Array make_array(const std::vector<std::uint64_t>& values);
 
-// Characters of any shape. Throws std::invalid_argument unless there are at least two dimensions and
-// their product is the number of code units.
+// Characters of any shape. Throws std::invalid_argument unless there are at least two dimensions
+// and their product is the number of code units.
 VLTEXTSTREAM_EXPORT Array make_char_array(std::u16string_view units,
                                           const std::vector<std::size_t>& dimensions);
 
@@ -62,8 +62,8 @@ VLTEXTSTREAM_EXPORT Array make_text_cell(const std::vector<std::u16string>& text
 // 0-by-0, of class double.
 VLTEXTSTREAM_EXPORT Array make_empty_array();
 
-// One English sentence on what was expected. It repeats the arguments of the error, and does not name
-// the option unless the error does.
+// One English sentence on what was expected. It repeats the arguments of the error, and does not
+// name the option unless the error does.
 VLTEXTSTREAM_EXPORT std::string message_of(const MessageIdentifiedError& error);
 
 // A refused option. what() starts with its name: "NumVariables: Expected one whole number, 0 or

@@ -1,5 +1,5 @@
-// An advance over a file allocates once, for the second of two buffers that take turns. After a long
-// look-ahead both buffers are replaced by ones of the normal size.
+// An advance over a file allocates once, for the second of two buffers that take turns. After a
+// long look-ahead both buffers are replaced by ones of the normal size.
 #include <cstddef>
 #include <limits>
 #include <ostream>
