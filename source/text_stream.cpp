@@ -66,13 +66,14 @@ char16_t fold_ascii(char16_t unit) {
 }  // namespace
 
 // Restores the stream and its source if an advance throws. If even that fails, the stream reads as
-// ended rather than as zeros or as text with a gap. The constructor allocates the spare buffer or
-// the room for a copy, before the advance changes anything.
+// ended rather than as zeros or as text with a gap. While there is text to load, the constructor
+// allocates the spare buffer or the room for a copy, before the advance changes anything.
 class TextStream::Rollback {
  public:
   // `kept` code units of the loaded text will still be needed.
   Rollback(TextStream& stream, std::size_t kept)
       : stream_(stream), source_pos_(stream.source->getPos()), eos_(stream.eos) {
+    if (stream.eos) return;
     if (as_file_buffer(*stream.buffer_manager) != nullptr) {
       stream.prepare_spare(kept);
     } else {
@@ -283,6 +284,7 @@ void TextStream::refill(const char16_t* start, Rollback& rollback) {
 void TextStream::refill_spare(const char16_t* start, FileStreamBufferManager& storage) {
   const std::size_t valid = distance(buffer_begin, data_end);
   const std::size_t kept = distance(start, data_end);
+  prepare_spare(kept);
   const std::size_t extent = valid > kTooBigUnits ? spare.size() : valid;
   std::copy(start, static_cast<const char16_t*>(data_end), spare.data());
   const std::size_t loaded = source->fillBuffer(spare.data() + kept, spare.data() + extent);

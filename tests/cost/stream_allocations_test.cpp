@@ -99,6 +99,15 @@ TEST(StreamAllocationsOfABigBuffer, AreOneBufferOfItsSize) {
   EXPECT_EQ(second.allocations, 0U);
 }
 
+TEST(StreamAllocationsBeyondTheEnd, AreNoneWhenAllTextIsLoaded) {
+  const TempFile file(std::string(1'000, 'x'));
+  FileTextSource source;
+  source.init_stream(file.path(), "ISO-8859-1");
+  TextStream stream(&source);
+  EXPECT_EQ(cost_of([&] { stream.advance(1'001); }).allocations, 0U);
+  EXPECT_EQ(stream.at(0), TextStream::kEnd);
+}
+
 TEST(StreamAllocationsBeyondTheEnd, AreOneBufferAtMost) {
   StreamOverAFile opened;
   TextStream stream(&opened.source);
