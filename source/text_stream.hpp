@@ -2,7 +2,7 @@
 //
 //   TextStream text(&source);
 //   unsigned long end = text.find_first_pos_of(u'\n', 0);
-//   text.advance(end + 1);             // position 0 is now the first unit of the next line
+//   text.advance(end + 1);             // position 0 is now the start of the next line
 //
 // A code unit past the end of the text reads as U+FFFF. A U+FFFF in the text ends every search,
 // like the end of the text. A failed search returns that end position, so callers check the code

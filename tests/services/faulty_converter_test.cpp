@@ -503,7 +503,7 @@ TEST(ConverterAtTheEnd, IsAskedOnceAtEachEnd) {
   EXPECT_EQ(script.calls, 4U);
 }
 
-// --- unusual units -------------------------------------------------------------------------------
+// --- unusual code units --------------------------------------------------------------------------
 
 struct UnitCase {
   const char* rule;
