@@ -13,6 +13,7 @@
 #include <vltextstream/host/file_layer.hpp>
 #include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/options/option_errors.hpp>
+#include <vltextstream/options/option_keywords.hpp>
 #include <vltextstream/options/parser_options.hpp>
 #include <vltextstream/options/set_parser_options.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>

@@ -190,6 +190,7 @@ STAGES = [
     ("Decoding by the fastest route, by the one through ICU, and the making of a converter",
      ["decode/", "decode_by_icu/", "make_converter/"]),
     ("Scans of a stream", ["scan/"]),
+    ("A window that moves to the end of a file", ["advance/"]),
     ("Sampling, cutting into fields, and both with the valuation",
      ["sample/", "tokenise/", "sample_tokenise_value/"]),
     ("Classes of fields: a thousand fields, all columns, one field of nothing but doubled quotes",

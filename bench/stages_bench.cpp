@@ -1,6 +1,7 @@
 // The stages of a detection, each alone, over a full sample of 4,194,304 units where nothing else
-// is said: from the file to the sample, scans of a stream, sampling and cutting for each strategy,
-// valuing, the classes of fields, header lines, candidates and filters.
+// is said: from the file to the sample, scans of a stream, a window that moves over a file, sampling
+// and cutting for each strategy, valuing, the classes of fields, header lines, candidates and
+// filters.
 //
 // Some are internal, so this program is linked from the library's objects.
 #include <algorithm>
@@ -101,6 +102,28 @@ void add_scans() {
   add_scan("scan/cut_to_budget", u'a', [](const TextStream& stream) {
     return get_fixed_stream(stream, parser::default_line_endings()).length;
   });
+}
+
+// --- a window that moves over a file -----------------------------------------------------------
+
+// Moves the window to the end of a file in equal steps, after a look-ahead to `look_ahead`.
+Step advance_to_end(std::size_t look_ahead, unsigned long step) {
+  const auto file = std::make_shared<TempFile>(std::string(kFileUnits, 'x'));
+  return {[file, look_ahead, step] {
+            FileTextSource source;
+            source.init_stream(file->path(), "ISO-8859-1");
+            TextStream stream(&source);
+            keep(stream.at(look_ahead));
+            while (stream.at(0) != TextStream::kEnd) stream.advance(step);
+          },
+          kFileUnits};
+}
+
+void add_advances() {
+  add_step("advance/lines", [] { return advance_to_end(0, 100); });
+  add_step("advance/blocks", [] { return advance_to_end(0, TextStream::kBufferUnits); });
+  add_step("advance/blocks_after_look_ahead",
+           [] { return advance_to_end(2'000'000, TextStream::kBufferUnits); });
 }
 
 // --- strategies --------------------------------------------------------------------------------
@@ -360,6 +383,7 @@ void add_all() {
     add_step(std::string("open_decode_cut/") + text.name, [&] { return open_decode_cut(text); });
   }
   add_scans();
+  add_advances();
   add_strategies();
   add_classification();
   add_step("header_lines/find_header_lines", find_header_lines);

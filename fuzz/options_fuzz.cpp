@@ -243,11 +243,11 @@ void check_round_trips(Input input) {
   require(options::to_widths(standalone::make_array(widths).get()) == widths,
           "widths are taken bit for bit");
 
-  static const options::Choices kChoices = {"keep", "omitrow", "omitvar", "fill", "wrap", "error"};
-  const std::size_t code = input.below(kChoices.size());
-  const std::u16string keyword = standalone::from_utf8(kChoices[code]);
-  require_equal("keyword", options::match_choice(standalone::make_array(keyword).get(), kChoices),
-                code);
+  const options::Choices choices = parser::keywords<parser::partial_field_action>;
+  const parser::Keyword choice = choices[input.below(choices.size())];
+  const std::u16string keyword = standalone::from_utf8(choice.word);
+  require_equal("keyword", options::match_choice(standalone::make_array(keyword).get(), choices),
+                choice.value);
 }
 
 constexpr std::size_t kMostPairs = 6;

@@ -1,10 +1,11 @@
-// The host's array values and what the option parser asks of them; services of the host.
+// The host's array values and the queries of the option parser; services of the host.
 //
 // An array has a class (double, unsigned 64-bit integer, logical, char, cell, ...), at least two
-// dimensions, and elements in column order. Nothing here changes an array.
+// dimensions, and elements in column order. No function here changes an array.
 //
-// Ownership  the caller of the parser owns the arrays; pointers into one live as long as it does.
-// Errors     what a service throws reaches the caller of set_parser_options.
+// Ownership  the caller of the parser owns the arrays; a pointer into an array is valid as long as
+//            the array.
+// Errors     exceptions of a service reach the caller of set_parser_options.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +14,7 @@
 
 #include <vltextstream/host/export.hpp>
 
-// An array value of the host; the library only hands pointers to it around.
+// An array value of the host. The library only passes pointers to it on.
 class hxArray;
 
 // --- class ---------------------------------------------------------------------------------------
@@ -27,10 +28,10 @@ VLTEXTSTREAM_IMPORT bool hxIsScalar(const hxArray* array);
 
 VLTEXTSTREAM_IMPORT std::size_t hxGetNumberOfDimensions(const hxArray* array);
 
-// Rows.
+// The number of rows.
 VLTEXTSTREAM_IMPORT std::size_t hxGetM(const hxArray* array);
 
-// Columns: of an array with more than two dimensions, all but the rows taken together.
+// The number of columns: the product of all dimensions except the rows.
 VLTEXTSTREAM_IMPORT std::size_t hxGetN(const hxArray* array);
 
 // --- elements ------------------------------------------------------------------------------------
@@ -41,14 +42,14 @@ VLTEXTSTREAM_IMPORT double hxGetScalar(const hxArray* array);
 VLTEXTSTREAM_IMPORT bool hxIsLogicalScalar(const hxArray* array);
 VLTEXTSTREAM_IMPORT const unsigned char* hxGetLogicals(const hxArray* array);
 
-// The UTF-16 units of a char array; as many as it has elements.
+// The UTF-16 code units of a char array, one per element.
 VLTEXTSTREAM_IMPORT const char16_t* hxGetChars(const hxArray* array);
 
 // Element `index` of a cell array, counted from 0.
 VLTEXTSTREAM_IMPORT const hxArray* hxGetCell(const hxArray* array, std::size_t index);
 
-// The elements of a numeric array as they lie in memory, null for a class that has none, and the
-// size of one of them in bytes.
+// The elements of a numeric array in memory order, null for a class without such elements; the size
+// of one element in bytes.
 VLTEXTSTREAM_IMPORT const void* hxGetData(const hxArray* array);
 VLTEXTSTREAM_IMPORT std::size_t hxGetElementSize(const hxArray* array);
 
@@ -56,8 +57,8 @@ namespace textio {
 
 VLTEXTSTREAM_IMPORT std::size_t get_number_of_elements(const hxArray* array);
 
-// A char array as narrow text; a character that has none becomes something that no option name
-// has.
+// A char array as narrow text. A character without a narrow form becomes one that occurs in no
+// option name.
 VLTEXTSTREAM_IMPORT std::string get_string(const hxArray* array);
 
 // A char array as UTF-16 text.
@@ -66,7 +67,7 @@ VLTEXTSTREAM_IMPORT std::u16string get_ustring(const hxArray* array);
 // The texts of a cell array of char arrays, or the one text of a char array.
 VLTEXTSTREAM_IMPORT std::vector<std::u16string> get_ustring_array(const hxArray* array);
 
-// Whether a double is a whole number; infinities and NaN are none.
+// Whether a double is a whole number; false for infinities and NaN.
 VLTEXTSTREAM_IMPORT bool is_integer(double value);
 
 }  // namespace textio

@@ -9,13 +9,14 @@ class Field;
 
 namespace textio::datetime {
 
-// True when the whole of `field` reads as a calendar date, with or without a time of day. It is a
-// field without the white space and quotes at its ends, or the part of one before or behind a
-// blank: that part may be empty, or hold no digit.
+// Whether all of `field` is a calendar date, with or without a time of day. The field has no white
+// space or quotes at its ends, or is the part of such a field before or after a blank; that part
+// may be empty or contain no digit.
 //
-// Errors   what it throws counts as "not a date"; only the unwinding of a cancelled thread passes.
-// Cost     how often it is called, and for which fields, is not promised.
-// Threads  called on the thread that runs the detection, by several detections at once.
+// Errors   an exception counts as "not a date"; only the unwinding of a cancelled thread passes
+//          through.
+// Cost     how often it is called, and for which fields, is not specified.
+// Threads  called on the thread of the detection; several detections may call it at the same time.
 VLTEXTSTREAM_IMPORT bool is_datetime(const Field& field);
 
 }  // namespace textio::datetime

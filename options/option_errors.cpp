@@ -5,7 +5,7 @@ namespace {
 
 namespace tags = VELLUM::textio::textio;
 
-// The identifier of the message that a tag stands for.
+// The identifier of the message that a tag names.
 template <typename Tag>
 const std::string kIdentifier;
 template <>

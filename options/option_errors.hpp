@@ -1,4 +1,4 @@
-// The errors of option parsing: one class for each message.
+// The errors of option parsing: one class per message.
 //
 //   try {
 //     options::set_parser_options(args, count, record);
@@ -6,8 +6,9 @@
 //     error.arguments()[0];            // the name, as UTF-16 text
 //   }
 //
-// Every class derives from std::exception and from the host's MessageIdentifiedError, and can be
-// copied with boost::current_exception (or std::current_exception) and thrown again elsewhere.
+// Every class derives from std::exception and from the host's MessageIdentifiedError. What the
+// library reports and throws is also a boost::exception with the throw location. It can be kept
+// with boost::current_exception (or std::current_exception) and thrown again elsewhere.
 #pragma once
 
 #include <exception>
@@ -18,7 +19,7 @@
 #include <vltextstream/host/error_channel.hpp>
 #include <vltextstream/host/export.hpp>
 
-// One empty type for each message of the catalogue "VELLUM:textio:textio".
+// One empty type per message of the catalogue "VELLUM:textio:textio".
 namespace VELLUM::textio::textio {
 
 struct VLTEXTSTREAM_EXPORT OddNumberNVPairs {};
@@ -37,7 +38,7 @@ struct VLTEXTSTREAM_EXPORT InvalidEscapeSequence {};
 
 namespace textio::options {
 
-// The error whose message `Tag` names.
+// The error with the message that `Tag` names.
 template <typename Tag>
 class VLTEXTSTREAM_EXPORT OptionError : public std::exception, public MessageIdentifiedError {
  public:
@@ -47,12 +48,12 @@ class VLTEXTSTREAM_EXPORT OptionError : public std::exception, public MessageIde
   OptionError& operator=(const OptionError&) = default;
   ~OptionError() override = default;
 
-  // "VELLUM:textio:textio:" and the name of the message.
+  // "VELLUM:textio:textio:" followed by the name of the message.
   const std::string& identifier() const override;
 
   const std::vector<MessageArgument>& arguments() const override { return arguments_; }
 
-  // The identifier: the texts of the messages are the host's.
+  // The identifier, because the message texts belong to the host.
   const char* what() const noexcept override { return identifier().c_str(); }
 
  private:

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <limits>
+#include <string_view>
 #include <utility>
 
 #include <vltextstream/options/raise_option_error.hpp>
@@ -11,7 +12,7 @@ namespace {
 
 using std::size_t;
 
-// The whole number that a double holds, over the full unsigned range; beyond it, the largest.
+// The whole number in a double, limited to the largest unsigned number.
 std::uint64_t to_unsigned(double value) {
   constexpr double kBeyond = 18446744073709551616.0;  // 2^64
   return value < kBeyond ? static_cast<std::uint64_t>(value)
@@ -45,18 +46,18 @@ char16_t to_lower(char16_t unit) {
   return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
 }
 
-// Whether the first `length` characters of `keyword` are the value, without regard to case.
-bool matches_keyword(const hxArray* value, const char* keyword, size_t length) {
-  if (!hxIsChar(value) || get_number_of_elements(value) != length) return false;
+// Whether the value is `beginning`, the start of a keyword. Case does not matter.
+bool matches_keyword(const hxArray* value, std::string_view beginning) {
+  if (!hxIsChar(value) || get_number_of_elements(value) != beginning.size()) return false;
   const char16_t* const units = hxGetChars(value);
-  for (size_t i = 0; i < length; ++i) {
-    const auto wanted = static_cast<char16_t>(static_cast<unsigned char>(keyword[i]));
+  for (size_t i = 0; i < beginning.size(); ++i) {
+    const auto wanted = static_cast<char16_t>(static_cast<unsigned char>(beginning[i]));
     if (units[i] >= 0x80 || to_lower(units[i]) != to_lower(wanted)) return false;
   }
   return true;
 }
 
-// What the character behind a backslash stands for, 0 for none of the five escapes.
+// The character for the letter after a backslash, 0 if it is none of the five escapes.
 char16_t escaped(char16_t unit) {
   switch (unit) {
     case u'\\':
@@ -112,7 +113,7 @@ std::vector<std::u16string> to_delimiters(const hxArray* value) {
   return get_ustring_array(value);
 }
 
-// Elements narrower than 64 bits keep their bits at the low end; nothing behind the array is read.
+// Elements narrower than 64 bits fill the low bits. Nothing past the end of the array is read.
 std::vector<std::uint64_t> to_widths(const hxArray* value) {
   const auto* const bytes = static_cast<const unsigned char*>(hxGetData(value));
   if (bytes == nullptr) return {};
@@ -124,26 +125,25 @@ std::vector<std::uint64_t> to_widths(const hxArray* value) {
   return widths;
 }
 
-size_t match_choice(const hxArray* value, const Choices& choices) {
+std::uint8_t match_choice(const hxArray* value, Choices choices) {
   const size_t given = get_number_of_elements(value);
-  for (size_t code = 0; code < choices.size() && given > 0; ++code) {
-    const size_t length = std::strlen(choices[code]);
-    if (matches_keyword(value, choices[code], given < length ? given : length)) return code;
+  for (const parser::Keyword& choice : choices) {
+    if (given > 0 && matches_keyword(value, choice.word.substr(0, given))) return choice.value;
   }
   raise_option_error(BadTextFlag({format_choices(choices)}));
 }
 
-std::string format_choices(const Choices& choices) {
+std::string format_choices(Choices choices) {
   std::string text;
-  for (const char* choice : choices) {
+  for (const parser::Keyword& choice : choices) {
     if (!text.empty()) text += ", ";
-    text += std::string("'") + choice + "'";
+    text += '\'' + std::string(choice.word) + '\'';
   }
   return text;
 }
 
-// One pass that moves what stays to the front. An unknown escape goes whole; the text is refused
-// then, but only once all of it has been seen.
+// One pass that moves the characters to keep to the front. The whole text is read before an unknown
+// escape is refused.
 std::u16string unescape_option_string(std::u16string text, const char* option) {
   size_t kept = 0;
   bool is_valid = true;

@@ -1,39 +1,40 @@
-// From the host's values to the values of the options record. Every function checks and converts
-// completely, or raises the error of its kind; widths alone are taken as they are.
+// Converts values of the host to values of the options record. Every function checks and converts
+// the whole value or raises its error; only widths are not checked.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <vltextstream/host/array.hpp>
+#include <vltextstream/options/option_keywords.hpp>
 
 namespace textio::options {
 
-// The keywords of an enumerated option, in the order of their codes.
-using Choices = std::vector<const char*>;
+// The keywords of an enumerated option, in matching order.
+using Choices = std::span<const parser::Keyword>;
 
 std::uint64_t to_non_negative_integer(const hxArray* value);
 std::uint64_t to_positive_integer(const hxArray* value);
 bool to_logical(const hxArray* value);
 
-// A text, or a list of texts, as the host has it; `option` names it in errors.
+// The unchanged text or list of texts; `option` is the name in errors.
 std::u16string to_text(const hxArray* value, const char* option);
 std::vector<std::u16string> to_text_list(const hxArray* value, const char* option);
 
 // The same for the delimiters, whose error has no argument.
 std::vector<std::u16string> to_delimiters(const hxArray* value);
 
-// The elements, bit for bit.
+// The elements as bit patterns.
 std::vector<std::uint64_t> to_widths(const hxArray* value);
 
-// The code of the first of `choices` that the value is a beginning of, without regard to case.
-std::size_t match_choice(const hxArray* value, const Choices& choices);
+// The value of the first keyword that starts with the given text. Case does not matter.
+std::uint8_t match_choice(const hxArray* value, Choices choices);
 
 // "'keep', 'ignore', 'error'"
-std::string format_choices(const Choices& choices);
+std::string format_choices(Choices choices);
 
 // `text` with its backslash escapes replaced: \\ \b \n \r \t. A backslash at the end stays.
 std::u16string unescape_option_string(std::u16string text, const char* option);

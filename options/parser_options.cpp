@@ -1,8 +1,26 @@
 #include <vltextstream/options/parser_options.hpp>
 
 #include <limits>
+#include <span>
+
+#include <vltextstream/options/option_keywords.hpp>
 
 namespace textio::parser {
+namespace {
+
+std::string_view find_word(std::span<const Keyword> list, std::uint8_t value) {
+  for (const Keyword& keyword : list) {
+    if (keyword.value == value) return keyword.word;
+  }
+  return {};
+}
+
+template <typename Enumeration>
+std::string_view word_of(Enumeration value) {
+  return find_word(keywords<Enumeration>, static_cast<std::uint8_t>(value));
+}
+
+}  // namespace
 
 const std::u16string default_whitespace = u" \b\t";
 const std::u16string default_exp_chars = u"eEdD";
@@ -23,6 +41,16 @@ const std::vector<std::u16string>& default_line_endings() {
   static const std::vector<std::u16string> list = {u"\r\n", u"\n", u"\r"};
   return list;
 }
+
+std::string_view to_string(parser_kind value) { return word_of(value); }
+std::string_view to_string(row_rule value) { return word_of(value); }
+std::string_view to_string(consecutive_delimiters_action value) { return word_of(value); }
+std::string_view to_string(empty_line_action value) { return word_of(value); }
+std::string_view to_string(extra_columns_action value) { return word_of(value); }
+std::string_view to_string(leading_delimiters_action value) { return word_of(value); }
+std::string_view to_string(text_kind value) { return word_of(value); }
+std::string_view to_string(datetime_kind value) { return word_of(value); }
+std::string_view to_string(partial_field_action value) { return word_of(value); }
 
 options::options()
     : line_endings(default_line_endings()),

@@ -1,28 +1,27 @@
-// parser::options: the one record that carries every choice of the caller into a detection.
+// parser::options: the record with every choice of the caller for a detection.
 //
 //   textio::parser::options options;
 //   options.comment_style = {u"%"};
 //   textio::detection::StrategySelector selector(options);
 //
-// A plain value: copy it, change its members. The record checks nothing.
+// A plain value: copy it, change its members. The record does not check them.
 //
-// Units      texts are UTF-16; widths count code units, line and field numbers count from 1.
-// Ownership  strategies and selectors keep a pointer to the record they were made from: it must
-//            outlive them.
+// Units      texts are UTF-16; widths count code units; line and field numbers start at 1.
+// Ownership  strategies and selectors keep a pointer to their record, which must outlive them.
 // Threads    may be read by any number of threads.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <vltextstream/host/export.hpp>
 
 namespace textio::parser {
 
-// The enumerators bear the names of the option values; `char_` stands for "char", a word that C++
-// keeps for itself.
+// The enumerators have the names of their keywords; `char_` is "char", which C++ reserves.
 enum class parser_kind : std::uint8_t { delimited = 0, fixedwidth = 1, tabular = 2 };
 enum class row_rule : std::uint8_t { fill = 0, omitrow = 1, omitvar = 2, error = 3 };
 enum class consecutive_delimiters_action : std::uint8_t { split = 0, join = 1, error = 2 };
@@ -40,7 +39,19 @@ enum class partial_field_action : std::uint8_t {
   error = 5
 };
 
-// The texts that the record's defaults and the handling of lines and numbers share.
+// The keyword of a value, as set_parser_options takes it; empty for a number without enumerator.
+// options/option_keywords.hpp lists the keywords of each enumeration.
+VLTEXTSTREAM_EXPORT std::string_view to_string(parser_kind value);
+VLTEXTSTREAM_EXPORT std::string_view to_string(row_rule value);
+VLTEXTSTREAM_EXPORT std::string_view to_string(consecutive_delimiters_action value);
+VLTEXTSTREAM_EXPORT std::string_view to_string(empty_line_action value);
+VLTEXTSTREAM_EXPORT std::string_view to_string(extra_columns_action value);
+VLTEXTSTREAM_EXPORT std::string_view to_string(leading_delimiters_action value);
+VLTEXTSTREAM_EXPORT std::string_view to_string(text_kind value);
+VLTEXTSTREAM_EXPORT std::string_view to_string(datetime_kind value);
+VLTEXTSTREAM_EXPORT std::string_view to_string(partial_field_action value);
+
+// Texts that are defaults of the record, or used for lines and numbers.
 VLTEXTSTREAM_EXPORT extern const std::u16string default_whitespace;  // space, backspace, tab
 VLTEXTSTREAM_EXPORT extern const std::u16string default_exp_chars;   // "eEdD"
 VLTEXTSTREAM_EXPORT extern const std::u16string digit_chars;         // "0123456789"
@@ -56,7 +67,7 @@ VLTEXTSTREAM_EXPORT extern const std::u16string minus_inf_text;  // "-inf"
 VLTEXTSTREAM_EXPORT extern const std::u16string lower_nan_text;  // "nan"
 VLTEXTSTREAM_EXPORT extern const std::u16string minus_nan_text;  // "-nan"
 
-// "\r\n", "\n", "\r": the two-unit ending first, so that it wins over its first unit alone.
+// "\r\n", "\n", "\r". The longest comes first, so that it wins over its own first code unit.
 VLTEXTSTREAM_EXPORT const std::vector<std::u16string>& default_line_endings();
 
 // The order of the members is part of the interface.
@@ -68,51 +79,52 @@ struct VLTEXTSTREAM_EXPORT options {
   options& operator=(options&&) noexcept;
   ~options();
 
-  // Field delimiters asked for, each of one or more characters. A selection builds its candidates
-  // from the text alone; DelimitedStrategy(options) is built from these.
+  // The given field delimiters, each of one or more characters. A selection builds its candidates
+  // from the text alone; DelimitedStrategy(options) uses these.
   std::vector<std::u16string> delimiters;
 
-  // Sequences that end a line, in the order in which they are tried.
+  // Sequences that end a line, in matching order.
   std::vector<std::u16string> line_endings;
 
-  // Carried along; nothing reads it.
+  // Not read.
   std::vector<std::u16string> reserved_strings;
 
-  // Start marker of comment lines; a second entry, the end marker of a block, is not looked for.
+  // The start marker of comment lines. A second entry, the end marker of a block, is not used.
   std::vector<std::u16string> comment_style;
 
-  // The set of characters that count as white space around fields.
+  // The characters that are white space around fields.
   std::u16string whitespace;
 
-  // Name of the file's encoding, for whoever opens the file.
+  // The name of the file's encoding, for the caller that opens the file.
   std::u16string encoding;
 
-  // Name of a locale for date recognition. Carried along; the host may act on it.
+  // The name of a locale for date recognition, for the host.
   std::u16string date_locale;
 
-  // The set of characters accepted as exponent marker, for the import that follows. The datatype
-  // classes know the default set alone.
+  // The characters that mark an exponent, for a later import. The datatype classes use only the
+  // default ones.
   std::u16string exp_chars;
 
-  // Column widths of a fixed-width file, for whoever builds a FixedWidthStrategy.
+  // Column widths of a fixed-width file, for the caller that builds a FixedWidthStrategy.
   std::vector<std::uint64_t> variable_widths;
 
-  // Lines before the data; all bits set while it is not known.
+  // The number of lines before the data; all bits set if not known.
   std::size_t header_lines;
 
-  // Variables that the caller expects; read while `detect_num_variables` is false.
+  // The expected number of variables; read if `detect_num_variables` is false.
   std::uint64_t num_variables = 0;
 
-  // Lines and a field as the caller gives them; carried for the import that follows.
+  // Given lines and a given field, for a later import.
   std::uint64_t variable_names_line = 0;
   std::uint64_t variable_units_line = 0;
   std::uint64_t variable_descriptions_line = 0;
   std::uint64_t row_names_field = 0;
 
-  // The parser family. A selection does not read it; detect_layout obeys widths with fixedwidth.
+  // The parser family. A selection does not read it; detect_layout uses given widths if it is
+  // fixedwidth.
   parser_kind parser_type{};
 
-  // Rules for the import that follows; a detection does not read them.
+  // Rules for a later import; a detection does not read them.
   row_rule missing_rule{};
   row_rule import_error_rule{};
   consecutive_delimiters_action consecutive_delimiters_rule{};
@@ -123,12 +135,12 @@ struct VLTEXTSTREAM_EXPORT options {
   datetime_kind datetime_type{};
   partial_field_action partial_field_rule{};
 
-  // True while the caller has not settled the delimiters, header lines, number of variables.
+  // False once the caller has given the delimiters, header lines, number of variables.
   bool detect_delimiters = true;
   bool detect_header_lines = true;
   bool detect_num_variables = true;
 
-  // Carried for the host's import.
+  // For the import of the host.
   bool is_file = true;
   bool collect_output = false;
 };

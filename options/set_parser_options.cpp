@@ -1,5 +1,5 @@
-// One setter for each option, and a table of their names. A setter converts its value completely
-// before it writes to the record, so that one that fails changes nothing.
+// One setter per option, and a table of their names. A setter converts its whole value before it
+// writes to the record, so a setter that fails changes nothing.
 #include <vltextstream/options/set_parser_options.hpp>
 
 #include <algorithm>
@@ -10,6 +10,7 @@
 #include <type_traits>
 #include <utility>
 
+#include <vltextstream/options/option_keywords.hpp>
 #include <vltextstream/options/option_values.hpp>
 #include <vltextstream/options/raise_option_error.hpp>
 
@@ -26,7 +27,7 @@ void set_delimiter(const hxArray* value, Record& record) {
   record.detect_delimiters = false;
 }
 
-// The two-unit ending alone stands for all the usual ones.
+// "\r\n" alone stands for all default line endings.
 void set_line_ending(const hxArray* value, Record& record) {
   auto endings = unescape_option_strings(to_text_list(value, "EndOfLine"), "EndOfLine");
   if (endings.size() == 1 && endings[0] == parser::crlf_string) {
@@ -57,7 +58,7 @@ void set_exp_chars(const hxArray* value, Record& record) {
   record.exp_chars = to_text(value, "ExpChars");
 }
 
-// Checked for the import that may follow, and not kept.
+// Checked for a later import, and not kept.
 void check_treat_as_missing(const hxArray* value, Record& /*record*/) {
   unescape_option_strings(to_text_list(value, "TreatAsMissing"), "TreatAsMissing");
 }
@@ -108,21 +109,10 @@ void ignore_value(const hxArray* /*value*/, Record& /*record*/) {}
 
 // --- keywords ------------------------------------------------------------------------------------
 
-const Choices kParserKinds = {"delimited", "fixedwidth", "tabular"};
-const Choices kRowRules = {"fill", "omitrow", "omitvar", "error"};
-const Choices kConsecutiveActions = {"split", "join", "error"};
-const Choices kEmptyLineActions = {"skip", "read", "error"};
-const Choices kExtraColumnsActions = {"addvars", "ignore", "wrap", "error"};
-const Choices kLeadingActions = {"keep", "ignore", "error"};
-const Choices kTextKinds = {"char", "string"};
-const Choices kDatetimeKinds = {"datetime", "char", "exceldate"};
-const Choices kPartialFieldActions = {"keep", "omitrow", "omitvar", "fill", "wrap", "error"};
-
-// The code of a keyword is its place in the list.
-template <auto kMember, const Choices& kChoices>
+template <auto kMember>
 void set_choice(const hxArray* value, Record& record) {
   using Enumeration = std::remove_reference_t<decltype(record.*kMember)>;
-  record.*kMember = static_cast<Enumeration>(match_choice(value, kChoices));
+  record.*kMember = static_cast<Enumeration>(match_choice(value, parser::keywords<Enumeration>));
 }
 
 // --- the table -----------------------------------------------------------------------------------
@@ -152,25 +142,24 @@ constexpr NamedSetter kSetters[] = {
     {"CollectOutput", set_flag<&Record::collect_output>},
     {"IsFile", set_flag<&Record::is_file>},
     {"MultipleDelimsAsOne", set_multiple_delims_as_one},
-    {"ParserType", set_choice<&Record::parser_type, kParserKinds>},
-    {"MissingRule", set_choice<&Record::missing_rule, kRowRules>},
-    {"ImportErrorRule", set_choice<&Record::import_error_rule, kRowRules>},
-    {"ConsecutiveDelimitersRule",
-     set_choice<&Record::consecutive_delimiters_rule, kConsecutiveActions>},
-    {"EmptyLineRule", set_choice<&Record::empty_line_rule, kEmptyLineActions>},
-    {"ExtraColumnsRule", set_choice<&Record::extra_columns_rule, kExtraColumnsActions>},
-    {"LeadingDelimitersRule", set_choice<&Record::leading_delimiters_rule, kLeadingActions>},
-    {"TextType", set_choice<&Record::text_type, kTextKinds>},
-    {"DatetimeType", set_choice<&Record::datetime_type, kDatetimeKinds>},
-    {"PartialFieldRule", set_choice<&Record::partial_field_rule, kPartialFieldActions>},
+    {"ParserType", set_choice<&Record::parser_type>},
+    {"MissingRule", set_choice<&Record::missing_rule>},
+    {"ImportErrorRule", set_choice<&Record::import_error_rule>},
+    {"ConsecutiveDelimitersRule", set_choice<&Record::consecutive_delimiters_rule>},
+    {"EmptyLineRule", set_choice<&Record::empty_line_rule>},
+    {"ExtraColumnsRule", set_choice<&Record::extra_columns_rule>},
+    {"LeadingDelimitersRule", set_choice<&Record::leading_delimiters_rule>},
+    {"TextType", set_choice<&Record::text_type>},
+    {"DatetimeType", set_choice<&Record::datetime_type>},
+    {"PartialFieldRule", set_choice<&Record::partial_field_rule>},
     {"TreatAsMissing", check_treat_as_missing},
     {"TreatAsEmpty", check_treat_as_missing},
     {"ReturnOnError", ignore_value},
     {"EmptyValue", ignore_value},
 };
 
-// The setter with this name, null when there is none. Characters are compared in upper case, as the
-// global locale has it.
+// The setter for this name, null if there is none. Characters are compared after conversion to
+// upper case by the global locale.
 option_setter find_setter(std::string_view name) {
   const std::locale locale;
   const auto& letters = std::use_facet<std::ctype<char>>(locale);

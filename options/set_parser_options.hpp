@@ -3,12 +3,12 @@
 //   const hxArray* args[] = {name, value};
 //   textio::options::set_parser_options(args, 2, record);
 //
-// Names are matched without regard to case and not abbreviated. Pairs are applied one after the
-// other: a later pair overrides an earlier one, and an error leaves the effects of the pairs before
-// the failing one, which itself changes nothing.
+// Names are not case-sensitive and cannot be abbreviated. Pairs are applied in order: a later pair
+// overrides an earlier one. After an error the pairs before the failing one remain applied, and the
+// failing pair has changed nothing.
 //
-// Errors   those of options/option_errors.hpp, handed to the host's error channel first and thrown
-//          when that returns; what the host's array services throw.
+// Errors   those of options/option_errors.hpp, reported to the host's error channel first and
+//          thrown if it returns; exceptions of the host's array services pass through.
 // Threads  calls on different records may run at the same time.
 #pragma once
 
@@ -18,7 +18,7 @@
 
 namespace textio::options {
 
-// `args` holds `count` arrays, names and values in turn; an even count of 0 or less does nothing.
+// `args` has `count` arrays: alternating names and values. An even count of 0 or less does nothing.
 VLTEXTSTREAM_EXPORT void set_parser_options(hxArray const** args, int count,
                                             parser::options& options);
 

@@ -1,6 +1,6 @@
-// A fill asks for one byte per free unit, converts what came, folds surrogate pairs into single
-// units, and goes on with the room that is left. Whatever the converter has not finished stays in
-// the converter, so the chunk of bytes can live in the frame of the call.
+// A fill reads one byte for each free code unit, converts the bytes, folds each surrogate pair into
+// one code unit, and repeats with the room that is left. The converter keeps unfinished characters,
+// so the chunk of bytes can be a local array.
 #include <vltextstream/source/file_text_source.hpp>
 
 #include <algorithm>
@@ -20,14 +20,17 @@ namespace {
 constexpr std::size_t kChunkBytes = 65'535;
 constexpr std::size_t kScratchUnits = 65'535;
 
+// A converter keeps at most a surrogate pair for each byte that it got.
+constexpr std::size_t kMostUnitsPerByte = 2;
+
 struct CloseFile {
   void operator()(std::FILE* file) const noexcept { std::fclose(file); }
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-// Asks for huge pages wherever a whole one lies in the fresh `storage`: to touch two megabytes for
-// the first time costs less in one of them than in 512 pages of 4 KB by far. It is mere advice, and
-// a system without huge pages refuses it. Smaller storage holds none.
+// Asks for huge pages where `storage` contains whole ones. The first access to two megabytes costs
+// far less with one huge page than with 512 pages of 4 KB. This is only advice: a system without
+// huge pages refuses it.
 void prefer_huge_pages(std::u16string& storage) {
   constexpr std::size_t kHugePage = 2'097'152;
   void* begin = storage.data();
@@ -70,7 +73,7 @@ struct FileTextSource::FileState {
   FileState(File opened, const std::string& encoding)
       : file(std::move(opened)), converter(encoding, true) {}
 
-  // Looks at the next byte; the position of the file does not change.
+  // Peeks at the next byte; the file position does not change.
   bool at_end() {
     if (is_cut_off) return true;
     const int byte = std::fgetc(file.get());
@@ -88,13 +91,13 @@ struct FileTextSource::FileState {
     return got;
   }
 
-  // Right after a read that came short, while errno is still its own.
+  // Call directly after a short read, while errno still belongs to it.
   void note_read_error() {
     if (std::ferror(file.get()) != 0) cut_off(errno);
   }
 
-  // The text ends where the file stands: what a device delivers after an error need not follow what
-  // it delivered before.
+  // Ends the text at the current position: bytes that a device delivers after an error need not
+  // follow those before it.
   void cut_off(int error) {
     if (read_error == 0) read_error = error != 0 ? error : EIO;
     is_cut_off = true;
@@ -102,9 +105,10 @@ struct FileTextSource::FileState {
 
   source_pos position() { return ::ftello64(file.get()); }
 
-  // Starts again at `pos`; when the file cannot get there the text has ended.
+  // Restarts at `pos`. If the seek fails, the text has ended.
   bool go_to(source_pos pos) {
     converter.reset(pos == 0);
+    most_kept_units = 0;
     if (::fseeko64(file.get(), pos, SEEK_SET) != 0) {
       cut_off(errno);
       return false;
@@ -114,8 +118,8 @@ struct FileTextSource::FileState {
     return true;
   }
 
-  // What `step` returns; when it throws, the file is put back to where it stood. Of an input that
-  // cannot go back, the bytes are lost, so its text has ended.
+  // Returns the result of `step`. If it throws, the file goes back to its position before the call;
+  // an input that cannot seek has lost those bytes, so its text has ended.
   template <typename Step>
   auto or_go_back(Step step) {
     const source_pos before = position();
@@ -135,6 +139,24 @@ struct FileTextSource::FileState {
     }
   }
 
+  // Whether a conversion without bytes could deliver text at the end of the file. The first one
+  // can: the last read may have filled its room exactly, so that an unfinished character was not
+  // yet known to be the last. Later ones can only deliver what found no room. The bound on the kept
+  // code units ends the text of a converter that never says that it is empty.
+  bool may_keep_text() const {
+    return most_kept_units > 0 && (!is_flushed || converter.has_more());
+  }
+
+  // Counts a conversion of `bytes` bytes that delivered `units` code units.
+  void note_conversion(std::size_t bytes, std::size_t units) {
+    is_flushed = bytes == 0;
+    if (bytes == 0) {
+      most_kept_units -= std::min(most_kept_units, units);
+    } else {
+      most_kept_units += bytes * kMostUnitsPerByte;
+    }
+  }
+
   std::size_t decode(char16_t* begin, char16_t* end);
   unsigned long skip(unsigned long count);
 
@@ -142,28 +164,30 @@ struct FileTextSource::FileState {
   StreamCodeConverter converter;
   int read_error = 0;
   bool is_cut_off = false;
+  bool is_flushed = false;          // the last conversion had no bytes
+  std::size_t most_kept_units = 0;  // code units that the converter can still hold
 };
 
-// Fills [begin, end) as far as the text reaches; returns the number of units written. At the end
-// of the file the converter is asked once more, without bytes: it may hold an unfinished
-// character that the last read, filling its room exactly, did not show to be the last.
+// Fills [begin, end) as far as the text reaches. Returns the number of code units written.
 std::size_t FileTextSource::FileState::decode(char16_t* begin, char16_t* end) {
   char chunk[kChunkBytes];
   char16_t* cursor = begin;
   while (cursor != end) {
     const std::size_t ask = std::min(static_cast<std::size_t>(end - cursor), kChunkBytes);
     const std::size_t got = at_end() ? 0 : read(chunk, ask);
+    if (got == 0 && !may_keep_text()) break;
     char16_t* const first = cursor;
     const char* in = chunk;
     if (converter.convert(cursor, end, in, chunk + got, got < ask)) converter.reset(false);
-    const bool has_delivered = cursor != first;  // a low surrogate alone folds to nothing
+    note_conversion(got, static_cast<std::size_t>(cursor - first));
+    const bool has_delivered = cursor != first;  // an unpaired low surrogate folds to nothing
     cursor = fold_surrogate_pairs(first, cursor);
     if (got == 0 && !has_delivered) break;
   }
   return static_cast<std::size_t>(cursor - begin);
 }
 
-// Decodes `count` units and forgets them; returns how many there were.
+// Decodes and discards up to `count` code units. Returns how many there were.
 unsigned long FileTextSource::FileState::skip(unsigned long count) {
   char16_t scratch[kScratchUnits];
   unsigned long skipped = 0;
@@ -187,7 +211,7 @@ void FileTextSource::init_stream(const std::u16string& path, const std::string& 
 void FileTextSource::init_stream(std::FILE* file, const std::string& encoding) {
   auto opened = std::make_unique<FileState>(File(file), encoding);
   if (!opened->file) throw std::runtime_error("File not found");
-  std::clearerr(opened->file.get());  // what failed before is no failure of this text
+  std::clearerr(opened->file.get());  // earlier errors do not concern this text
   file_state = std::move(opened);
 }
 
@@ -215,8 +239,8 @@ const StreamCodeConverter* FileTextSource::converter() const {
   return file_state ? &file_state->converter : nullptr;
 }
 
-// Where the file stands already, the converter goes on as it is, with what it holds back. That is
-// also the only place that an input which cannot seek, such as a pipe, knows (it calls it -1).
+// A skip from the current position does not seek, and the converter keeps its state. It is also the
+// only skip that works for an input without positions, such as a pipe, whose position is always -1.
 unsigned long FileTextSource::skipFromPos(source_pos pos, unsigned long count) {
   if (!file_state) return 0;
   return file_state->or_go_back([&] {

@@ -4,14 +4,15 @@
 
 namespace textio {
 
-// Buffers are handed around as writable units; nobody writes to these, because a reader moves or
-// overwrites text only to load more of it, and there never is more.
+// Readers get writable code units, but none writes to these: a reader moves or overwrites text only
+// to load more, and there is never more.
 MemoryTextSource::MemoryTextSource(const char16_t* text, std::size_t length)
     : next_(const_cast<char16_t*>(text)),
       lent_end_(next_ + length),
       text_(next_),
       length_(length),
-      buffer_manager_(this) {}
+      buffer_manager_(this),
+      lent_begin_(text_) {}
 
 MemoryTextSource::~MemoryTextSource() = default;
 
@@ -34,18 +35,19 @@ unsigned long MemoryTextSource::skipFromPos(source_pos pos, unsigned long count)
   const std::size_t skipped = std::min<std::size_t>(count, length_ - from);
   position_ = from + skipped;
   next_ = text_ + position_;
+  lent_begin_ = next_;
   lent_end_ = text_ + length_;
   return skipped;
 }
 
 std::size_t MemoryTextSource::LendingBufferManager::resize(std::size_t n, char16_t*& begin,
                                                            char16_t*& end) {
-  begin = source_->next_;
+  begin = source_->lent_begin_;
   end = source_->lent_end_;
   return n;
 }
 
-char16_t* MemoryTextSource::LendingBufferManager::begin() { return source_->next_; }
+char16_t* MemoryTextSource::LendingBufferManager::begin() { return source_->lent_begin_; }
 
 char16_t* MemoryTextSource::LendingBufferManager::end() { return source_->lent_end_; }
 

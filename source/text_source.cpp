@@ -1,5 +1,5 @@
-// Most texts hold no surrogates: the blocks up to the first one are passed over at the speed of
-// vectors.
+// Most texts contain no surrogates, so the blocks before the first one are skipped by a vectorised
+// loop.
 #include <vltextstream/source/text_source.hpp>
 
 #include <vltextstream/source/unit_block.hpp>

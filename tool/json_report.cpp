@@ -77,23 +77,6 @@ Json json_of(const standalone::LineRun& run) {
           {"count", run.count}};
 }
 
-// The word for the value of an enumeration of the options, in the order of the values.
-template <typename Enum, std::size_t N>
-const char* word(Enum value, const char* const (&words)[N]) {
-  const auto index = static_cast<std::size_t>(value);
-  return index < N ? words[index] : "";
-}
-
-constexpr const char* kParserTypes[] = {"delimited", "fixedwidth", "tabular"};
-constexpr const char* kRowRules[] = {"fill", "omitrow", "omitvar", "error"};
-constexpr const char* kConsecutiveDelimiters[] = {"split", "join", "error"};
-constexpr const char* kEmptyLines[] = {"skip", "read", "error"};
-constexpr const char* kExtraColumns[] = {"addvars", "ignore", "wrap", "error"};
-constexpr const char* kLeadingDelimiters[] = {"keep", "ignore", "error"};
-constexpr const char* kTextTypes[] = {"char", "string"};
-constexpr const char* kDatetimeTypes[] = {"datetime", "char", "exceldate"};
-constexpr const char* kPartialFields[] = {"keep", "omitrow", "omitvar", "fill", "wrap", "error"};
-
 Json json_of(const parser::options& record) {
   const bool unknown = record.header_lines == Strategy::kUnknownHeaderLines;
   return {{"delimiters", texts(record.delimiters)},
@@ -111,17 +94,16 @@ Json json_of(const parser::options& record) {
           {"variable_units_line", record.variable_units_line},
           {"variable_descriptions_line", record.variable_descriptions_line},
           {"row_names_field", record.row_names_field},
-          {"parser_type", word(record.parser_type, kParserTypes)},
-          {"missing_rule", word(record.missing_rule, kRowRules)},
-          {"import_error_rule", word(record.import_error_rule, kRowRules)},
-          {"consecutive_delimiters_rule",
-           word(record.consecutive_delimiters_rule, kConsecutiveDelimiters)},
-          {"empty_line_rule", word(record.empty_line_rule, kEmptyLines)},
-          {"extra_columns_rule", word(record.extra_columns_rule, kExtraColumns)},
-          {"leading_delimiters_rule", word(record.leading_delimiters_rule, kLeadingDelimiters)},
-          {"text_type", word(record.text_type, kTextTypes)},
-          {"datetime_type", word(record.datetime_type, kDatetimeTypes)},
-          {"partial_field_rule", word(record.partial_field_rule, kPartialFields)},
+          {"parser_type", to_string(record.parser_type)},
+          {"missing_rule", to_string(record.missing_rule)},
+          {"import_error_rule", to_string(record.import_error_rule)},
+          {"consecutive_delimiters_rule", to_string(record.consecutive_delimiters_rule)},
+          {"empty_line_rule", to_string(record.empty_line_rule)},
+          {"extra_columns_rule", to_string(record.extra_columns_rule)},
+          {"leading_delimiters_rule", to_string(record.leading_delimiters_rule)},
+          {"text_type", to_string(record.text_type)},
+          {"datetime_type", to_string(record.datetime_type)},
+          {"partial_field_rule", to_string(record.partial_field_rule)},
           {"detect_delimiters", record.detect_delimiters},
           {"detect_header_lines", record.detect_header_lines},
           {"detect_num_variables", record.detect_num_variables},

@@ -4,12 +4,14 @@
 #include <cctype>
 #include <charconv>
 #include <cstdint>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <vltextstream/options/option_keywords.hpp>
 #include <vltextstream/standalone/decoding/utf_text.hpp>
 
 namespace textio::tool {
@@ -96,6 +98,35 @@ Array to_array(const nlohmann::json& value) {
   return standalone::make_cell(cells);
 }
 
+// "keep, ignore or error"
+std::string either_of(std::span<const parser::Keyword> keywords) {
+  std::string text;
+  for (const parser::Keyword& keyword : keywords) {
+    if (!text.empty()) text += &keyword == &keywords.back() ? " or " : ", ";
+    text += keyword.word;
+  }
+  return text;
+}
+
+template <typename Enumeration>
+std::string any_word() {
+  return either_of(parser::keywords<Enumeration>);
+}
+
+std::string delimiters_as_one_help() {
+  using Consecutive = parser::consecutive_delimiters_action;
+  using Leading = parser::leading_delimiters_action;
+  return fmt::format("true for {} and {} in the two rules above, false for {} and {}",
+                     to_string(Consecutive::join), to_string(Leading::ignore),
+                     to_string(Consecutive::split), to_string(Leading::keep));
+}
+
+std::string widths_help() {
+  return fmt::format(
+      "The columns have these widths: with --parser-type {}, look for no other layout",
+      to_string(parser::parser_kind::fixedwidth));
+}
+
 }  // namespace
 
 const std::vector<OptionFlag>& option_flags() {
@@ -116,9 +147,8 @@ const std::vector<OptionFlag>& option_flags() {
       {"LineEnding", Kind::text_list, "TEXT", "Lines end with TEXT; may be repeated"},
       {"EndOfLine", Kind::text_list, "TEXT", "The same as --line-ending"},
       {"Whitespace", Kind::text, "CHARS", "These characters are trimmed around fields"},
-      {"ParserType", Kind::text, "WORD", "delimited, fixedwidth or tabular"},
-      {"VariableWidths", Kind::widths, "N,N,...",
-       "The columns have these widths: with --parser-type fixedwidth, look for no other layout"},
+      {"ParserType", Kind::text, "WORD", any_word<parser::parser_kind>()},
+      {"VariableWidths", Kind::widths, "N,N,...", widths_help()},
       {"VariableNamesLine", Kind::count, "N", "The names of the variables stand in line N",
        kForImport},
       {"VariableUnitsLine", Kind::count, "N", "The units stand in line N", kForImport},
@@ -128,18 +158,20 @@ const std::vector<OptionFlag>& option_flags() {
       {"DateLocale", Kind::text, "NAME",
        "Names of months and weekdays may also be those of this locale, such as de_DE"},
       {"ExpChars", Kind::text, "CHARS", "Characters that mark an exponent", kForImport},
-      {"ConsecutiveDelimitersRule", Kind::text, "WORD", "split, join or error", kForImport},
-      {"LeadingDelimitersRule", Kind::text, "WORD", "keep, ignore or error", kForImport},
-      {"MultipleDelimsAsOne", Kind::logical, "BOOL",
-       "true for join and ignore in the two rules above, false for split and keep", kForImport},
-      {"EmptyLineRule", Kind::text, "WORD", "skip, read or error", kForImport},
-      {"ExtraColumnsRule", Kind::text, "WORD", "addvars, ignore, wrap or error", kForImport},
-      {"PartialFieldRule", Kind::text, "WORD", "keep, omitrow, omitvar, fill, wrap or error",
+      {"ConsecutiveDelimitersRule", Kind::text, "WORD",
+       any_word<parser::consecutive_delimiters_action>(), kForImport},
+      {"LeadingDelimitersRule", Kind::text, "WORD", any_word<parser::leading_delimiters_action>(),
        kForImport},
-      {"MissingRule", Kind::text, "WORD", "fill, omitrow, omitvar or error", kForImport},
-      {"ImportErrorRule", Kind::text, "WORD", "fill, omitrow, omitvar or error", kForImport},
-      {"TextType", Kind::text, "WORD", "char or string", kForImport},
-      {"DatetimeType", Kind::text, "WORD", "datetime, char or exceldate", kForImport},
+      {"MultipleDelimsAsOne", Kind::logical, "BOOL", delimiters_as_one_help(), kForImport},
+      {"EmptyLineRule", Kind::text, "WORD", any_word<parser::empty_line_action>(), kForImport},
+      {"ExtraColumnsRule", Kind::text, "WORD", any_word<parser::extra_columns_action>(),
+       kForImport},
+      {"PartialFieldRule", Kind::text, "WORD", any_word<parser::partial_field_action>(),
+       kForImport},
+      {"MissingRule", Kind::text, "WORD", any_word<parser::row_rule>(), kForImport},
+      {"ImportErrorRule", Kind::text, "WORD", any_word<parser::row_rule>(), kForImport},
+      {"TextType", Kind::text, "WORD", any_word<parser::text_kind>(), kForImport},
+      {"DatetimeType", Kind::text, "WORD", any_word<parser::datetime_kind>(), kForImport},
       {"TreatAsMissing", Kind::text_list, "TEXT", "TEXT stands for a missing value", kForImport},
       {"TreatAsEmpty", Kind::text_list, "TEXT", "The same as --treat-as-missing", kForImport},
       {"CollectOutput", Kind::logical, "BOOL", "true or false", kForImport},

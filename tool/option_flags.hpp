@@ -22,7 +22,7 @@ struct OptionFlag {
   const char* name;  // of the option, such as "NumHeaderLines"
   ValueKind kind;
   const char* placeholder;  // for the value in the help
-  const char* help;
+  std::string help;
   bool for_import = false;  // carried for an import; without effect on a detection
 };
 

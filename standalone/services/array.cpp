@@ -29,7 +29,7 @@ class hxArray {
     return std::holds_alternative<Kind>(elements);
   }
 
-  // The elements if they are of this class, else none.
+  // The elements if they are of this class, otherwise no elements.
   template <typename Kind>
   const Kind& as() const {
     static const Kind none;
@@ -120,13 +120,13 @@ bool is_integer(double value) { return std::isfinite(value) && std::trunc(value)
 namespace textio::standalone {
 namespace {
 
-// A row of elements, 0-by-0 without any.
+// A row of elements; 0-by-0 if there are none.
 Array make_row(hxArray::Elements elements, std::size_t count) {
   const std::size_t rows = count == 0 ? 0 : 1;
   return std::make_shared<hxArray>(std::move(elements), std::vector<std::size_t>{rows, count});
 }
 
-// Whether the dimensions multiply to `count`, in numbers of any size.
+// Whether the product of the dimensions is `count`. Does not overflow.
 bool multiply_to(const std::vector<std::size_t>& dimensions, std::size_t count) {
   if (std::find(dimensions.begin(), dimensions.end(), 0U) != dimensions.end()) return count == 0;
   std::size_t rest = count;
@@ -148,21 +148,42 @@ std::string shown(const MessageArgument& argument) {
 
 struct Message {
   std::string_view name;
-  std::string_view sentence;  // "{}" stands for the argument
+  std::string_view sentence;  // "{}" is replaced by the argument
+
+  // The sentence after the name of the option, if that makes another one.
+  std::string_view after_option = sentence;
 };
 constexpr Message kMessages[] = {
     {"OddNumberNVPairs", "Expected names and values in pairs, but the last name has no value."},
-    {"UnknownParameter", "Expected the name of an option, got '{}'."},
+    {"UnknownParameter", "Expected the name of an option, got '{}'.",
+     "Expected the name of an option."},
     {"ExpectedNonNegativeScalarInt", "Expected one whole number, 0 or larger."},
     {"ExpectedPositiveScalarInt", "Expected one whole number, 1 or larger."},
     {"ExpectedScalarLogical", "Expected true or false."},
     {"CommentStyleSize", "Expected at most two comment markers."},
     {"DelimiterType", "Expected a text or a list of texts as delimiters."},
     {"BadTextFlag", "Expected one of {}."},
-    {"InvalidStringProperty", "Expected a text as the value of {}."},
-    {"InvalidStringOrCellStringProperty", "Expected a text or a list of texts as the value of {}."},
-    {"InvalidEscapeSequence", "Expected only the escapes \\\\, \\b, \\n, \\r and \\t in {}."},
+    {"InvalidStringProperty", "Expected a text as the value of {}.", "Expected a text."},
+    {"InvalidStringOrCellStringProperty", "Expected a text or a list of texts as the value of {}.",
+     "Expected a text or a list of texts."},
+    {"InvalidEscapeSequence", "Expected only the escapes \\\\, \\b, \\n, \\r and \\t in {}.",
+     "Expected only the escapes \\\\, \\b, \\n, \\r and \\t."},
 };
+
+// The sentence for an error: `form` is the member of Message that has it.
+std::string sentence_of(const MessageIdentifiedError& error, std::string_view Message::*form) {
+  const std::string_view identifier = error.identifier();
+  const std::string_view name = identifier.substr(identifier.rfind(':') + 1);
+  const std::string argument = error.arguments().empty() ? "" : shown(error.arguments().front());
+  for (const Message& message : kMessages) {
+    if (message.name == name) return fmt::format(fmt::runtime(message.*form), argument);
+  }
+  return fmt::format("{} {}", identifier, argument);
+}
+
+std::string problem_of(std::string_view option, std::string_view sentence) {
+  return fmt::format("{}: {}", option.empty() ? "''" : option, sentence);
+}
 
 }  // namespace
 
@@ -215,17 +236,11 @@ Array make_text_cell(const std::vector<std::u16string>& texts) {
 Array make_empty_array() { return make_row(hxArray::Doubles(), 0); }
 
 std::string message_of(const MessageIdentifiedError& error) {
-  const std::string_view identifier = error.identifier();
-  const std::string_view name = identifier.substr(identifier.rfind(':') + 1);
-  const std::string argument = error.arguments().empty() ? "" : shown(error.arguments().front());
-  for (const Message& message : kMessages) {
-    if (message.name == name) return fmt::format(fmt::runtime(message.sentence), argument);
-  }
-  return fmt::format("{} {}", identifier, argument);
+  return sentence_of(error, &Message::sentence);
 }
 
 OptionProblem::OptionProblem(std::string option, const MessageIdentifiedError& error)
-    : std::invalid_argument(message_of(error)),
+    : std::invalid_argument(problem_of(option, sentence_of(error, &Message::after_option))),
       option_(std::move(option)),
       identifier_(error.identifier()),
       arguments_(error.arguments()) {}
@@ -234,7 +249,7 @@ OptionProblem::~OptionProblem() = default;
 
 void apply_options(parser::options& record, const std::vector<NameValue>& options) {
   for (const auto& [name, value] : options) {
-    if (!value) throw std::invalid_argument(fmt::format("the option '{}' has no value", name));
+    if (!value) throw std::invalid_argument(problem_of(name, "Expected a value."));
     const Array name_array = make_array(from_utf8(name));
     const hxArray* pair[] = {name_array.get(), value.get()};
     try {

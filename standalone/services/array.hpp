@@ -1,10 +1,10 @@
-// Array values of the stand-alone host, to hand options to the library from C++.
+// Array values of the stand-alone host, for passing options to the library from C++.
 //
 //   using namespace textio::standalone;
 //   apply_options(record, {{"Delimiter", make_array(u";")}, {"NumHeaderLines", make_array(2)}});
 //
-// Ownership  an Array is a shared, immutable value; `array.get()` is what the library takes, valid
-//            as long as the Array is.
+// Ownership  an Array is a shared, immutable value. The library takes `array.get()`, which is valid
+//            as long as the Array.
 // Units      texts are UTF-16; elements are in column order.
 #pragma once
 
@@ -49,12 +49,12 @@ VLTEXTSTREAM_EXPORT Array make_array(const std::vector<double>& values);
 VLTEXTSTREAM_EXPORT Array make_array(std::initializer_list<double> values);
 VLTEXTSTREAM_EXPORT Array make_array(const std::vector<std::uint64_t>& values);
 
-// Characters of any shape; std::invalid_argument unless the dimensions, at least two, multiply to
-// the number of units.
+// Characters of any shape. Throws std::invalid_argument unless there are at least two dimensions
+// and their product is the number of code units.
 VLTEXTSTREAM_EXPORT Array make_char_array(std::u16string_view units,
                                           const std::vector<std::size_t>& dimensions);
 
-// One row of cells, 0-by-0 when there is none: of arrays, none of them null, of texts.
+// One row of cells, 0-by-0 for an empty list: of arrays, which must not be null, or of texts.
 VLTEXTSTREAM_EXPORT Array make_cell(const std::vector<Array>& elements);
 VLTEXTSTREAM_EXPORT Array make_cell(std::initializer_list<std::u16string_view> texts);
 VLTEXTSTREAM_EXPORT Array make_text_cell(const std::vector<std::u16string>& texts);
@@ -62,17 +62,19 @@ VLTEXTSTREAM_EXPORT Array make_text_cell(const std::vector<std::u16string>& text
 // 0-by-0, of class double.
 VLTEXTSTREAM_EXPORT Array make_empty_array();
 
-// One English sentence that says what was expected, and repeats what was given.
+// One English sentence on what was expected. It repeats the arguments of the error, and does not
+// name the option unless the error does.
 VLTEXTSTREAM_EXPORT std::string message_of(const MessageIdentifiedError& error);
 
-// An option that was refused; what() is the sentence.
+// A refused option. what() starts with its name: "NumVariables: Expected one whole number, 0 or
+// larger."
 class VLTEXTSTREAM_EXPORT OptionProblem : public std::invalid_argument,
                                           public MessageIdentifiedError {
  public:
   OptionProblem(std::string option, const MessageIdentifiedError& error);
   ~OptionProblem() override;
 
-  // The name under which the option was given.
+  // The name as the caller gave it.
   const std::string& option() const { return option_; }
 
   const std::string& identifier() const override { return identifier_; }
@@ -86,8 +88,8 @@ class VLTEXTSTREAM_EXPORT OptionProblem : public std::invalid_argument,
 
 using NameValue = std::pair<std::string, Array>;
 
-// Applies the options, one after the other, to `record`. Throws OptionProblem at the first that is
-// refused, std::invalid_argument at one without a value; those before it stay applied. Names are
+// Applies the options to `record` in order. Throws OptionProblem for the first one that is refused,
+// std::invalid_argument for one without a value; the options before it remain applied. Names are
 // UTF-8.
 VLTEXTSTREAM_EXPORT void apply_options(parser::options& record,
                                        const std::vector<NameValue>& options);

@@ -315,7 +315,8 @@ TEST(TextStreamConstructionMemory, RunsOut) {
   expect_to_survive_failing_memory([] { return std::make_unique<StreamConstruction>(); });
 }
 
-// A text in memory is lent; only what a skip puts aside needs room.
+// A text in memory is lent. Only an advance to exactly its end copies text, to restore it if the
+// source fails.
 class MemoryReading : public Attempt {
  public:
   explicit MemoryReading(unsigned long advanced) : advanced_(advanced) {}
@@ -332,8 +333,12 @@ class MemoryReading : public Attempt {
   TextStream stream_{&source_};
 };
 
-TEST(MemoryTextSourceMemory, RunsOutInASkipBehindTheText) {
-  expect_to_survive_failing_memory([] { return std::make_unique<MemoryReading>(100); });
+TEST(MemoryTextSourceMemory, RunsOutInAnAdvanceToTheEnd) {
+  expect_to_survive_failing_memory([] { return std::make_unique<MemoryReading>(53); });
+}
+
+TEST(MemoryTextSourceMemory, IsNotNeededForAnAdvancePastTheEnd) {
+  expect_to_survive_failing_memory([] { return std::make_unique<MemoryReading>(100); }, false);
 }
 
 }  // namespace

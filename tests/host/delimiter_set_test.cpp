@@ -69,7 +69,7 @@ TEST_P(DelimiterSetShape, ListsTheDistinctFirstCharacters) {
   EXPECT_EQ(listed, GetParam().first_chars);
 }
 
-// The set may be handed out again; what was asked for in between does not change it.
+// A set may be returned again; requests in between do not change it.
 TEST_P(DelimiterSetShape, StaysAsItIsWhileOthersAreMade) {
   const auto set = get_or_create_delim(GetParam().markers);
   std::vector<std::shared_ptr<const DelimiterSet>> others;

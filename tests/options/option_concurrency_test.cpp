@@ -1,4 +1,4 @@
-// What is around a call (other threads, the locale of the process) does not change its answer.
+// The environment of a call (other threads, the locale of the process) does not change its result.
 #include <vltextstream/options/set_parser_options.hpp>
 #include <vltextstream/standalone/services/array.hpp>
 #include "support/option_calls.hpp"
@@ -30,7 +30,7 @@ using testing_support::OptionPair;
 
 // --- threads -------------------------------------------------------------------------------------
 
-// Pairs that touch every kind of value; `seed` keeps the records of different threads apart.
+// Pairs with every kind of value; `seed` makes the records of the threads different.
 std::vector<OptionPair> pairs_of(std::size_t seed) {
   const auto number = static_cast<double>(seed);
   const std::u16string text(seed + 1, u'x');
@@ -89,7 +89,7 @@ std::vector<Refused> refused() {
 
 const std::size_t kThreads = 8;
 
-// Runs `work(0)` to `work(7)` side by side; the answers, in this order.
+// Runs `work(0)` to `work(7)` in parallel. Returns the results in this order.
 std::vector<std::string> side_by_side(const std::function<std::string(std::size_t)>& work) {
   std::vector<std::string> answers(kThreads);
   std::vector<std::thread> threads;
@@ -143,7 +143,7 @@ TEST(SetParserOptionsThreads, RaiseTheirOwnErrors) {
 
 // --- locales -------------------------------------------------------------------------------------
 
-// Puts both locales of the process, C's and C++'s, back at the end of a test.
+// Restores both locales of the process, of C and of C++, at the end of a test.
 class SetParserOptionsLocale : public testing::Test {
  protected:
   SetParserOptionsLocale() : c_locale_(std::setlocale(LC_ALL, nullptr)) {}
@@ -176,7 +176,7 @@ TEST_F(SetParserOptionsLocale, OfTheCLibraryChangesNothing) {
     ++found;
     expect_usual_answers(name);
   }
-  EXPECT_GE(found, 2U);  // the first two are everywhere
+  EXPECT_GE(found, 2U);  // the first two always exist
 }
 
 TEST_F(SetParserOptionsLocale, OfTheCxxLibraryChangesNothing) {
@@ -190,7 +190,7 @@ TEST_F(SetParserOptionsLocale, OfTheCxxLibraryChangesNothing) {
   }
 }
 
-// 1.234,5 and yes/no in other words.
+// A locale with "1.234,5" and other words for true and false.
 struct OtherNumbers : std::numpunct<char> {
   char do_decimal_point() const override { return ','; }
   char do_thousands_sep() const override { return '.'; }
@@ -204,7 +204,7 @@ TEST_F(SetParserOptionsLocale, WithOtherNumbersChangesNothing) {
   expect_usual_answers("other numbers");
 }
 
-// The upper case of '#' is 'D'.
+// A locale in which the upper case of '#' is 'D'.
 struct OtherLetters : std::ctype<char> {
   char do_toupper(char letter) const override {
     return letter == '#' ? 'D' : std::ctype<char>::do_toupper(letter);
@@ -215,7 +215,7 @@ struct OtherLetters : std::ctype<char> {
   }
 };
 
-// Names are compared in the upper case of the global locale; that alone depends on it.
+// Only names depend on the global locale: they are compared in its upper case.
 TEST_F(SetParserOptionsLocale, FoldsTheNames) {
   const std::vector<OptionPair> pairs = {{u"#elimiter", make_array(u";")}};
   parser::options record;
@@ -233,7 +233,7 @@ TEST_F(SetParserOptionsLocale, DoesNotFoldTheKeywords) {
             error_text("BadTextFlag", "\"'delimited', 'fixedwidth', 'tabular'\""));
 }
 
-// The dotted i has no upper case of one byte, as in a Turkish locale.
+// As in a Turkish locale, the dotted i has no upper case of one byte.
 struct DottedLetters : std::ctype<char> {
   char do_toupper(char letter) const override {
     return letter == 'i' ? 'i' : std::ctype<char>::do_toupper(letter);

@@ -26,7 +26,7 @@ using testing_support::error_text;
 using testing_support::OptionPair;
 using testing_support::readable;
 
-// Whether the exception in hand is exactly of the class `Error`, and of the two interfaces.
+// Whether the exception can be caught as `Error` and as each of its two interfaces.
 template <typename Error>
 bool is_caught_as(void (*rethrow)(const void*), const void* pointer) {
   int caught = 0;

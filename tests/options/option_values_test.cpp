@@ -19,7 +19,6 @@
 namespace textio {
 namespace {
 
-using options::Choices;
 using standalone::Array;
 using standalone::make_array;
 using standalone::make_cell;
@@ -113,7 +112,7 @@ TEST(UnescapeOptionStrings, AreRefusedForOneBadOneWhereverItStands) {
   }
 }
 
-// The replacement in its plainest form: the text is edited in place, one search at a time.
+// The replacement in its simplest form: edits the text in place after each search.
 std::optional<std::u16string> unescaped_plainly(std::u16string text) {
   bool valid = true;
   std::size_t from = 0;
@@ -135,7 +134,7 @@ std::optional<std::u16string> unescaped_plainly(std::u16string text) {
 
 TEST(UnescapeOptionStringProperty, IsThePlainReplacementForAnyText) {
   EXPECT_TRUE(rc::check([] {
-    // Mostly backslashes and letters that make escapes.
+    // Mostly backslashes and letters of escapes.
     const auto text = wide(*rc::gen::container<std::string>(
         rc::gen::elementOf(std::string("\\\\\\\\bnrt\\\\bnrtqN0 "))));
     const std::optional<std::u16string> expected = unescaped_plainly(text);
@@ -163,7 +162,7 @@ TEST(UnescapeOptionStringProperty, UndoesEscapingOfAnyText) {
     std::u16string text;
     std::u16string escaped;
     for (const std::uint16_t unit : units) {
-      // A quarter of the units are turned into characters that have an escape.
+      // A quarter of the code units become characters that have an escape.
       const auto character =
           unit % 4 == 0 ? u"\\\b\n\r\t"[unit / 4 % 5] : static_cast<char16_t>(unit);
       text.push_back(character);
@@ -181,18 +180,31 @@ TEST(UnescapeOptionStringProperty, UndoesEscapingOfAnyText) {
 
 // --- keywords ------------------------------------------------------------------------------------
 
+using Words = std::vector<const char*>;
+
+// Keywords with the values kFirstValue, kFirstValue + 1, ...
+constexpr std::size_t kFirstValue = 7;
+
+std::vector<parser::Keyword> keywords_of(const Words& words) {
+  std::vector<parser::Keyword> keywords;
+  for (const char* word : words) keywords.emplace_back(kFirstValue + keywords.size(), word);
+  return keywords;
+}
+
+std::string formatted(const Words& words) { return options::format_choices(keywords_of(words)); }
+
 TEST(FormatChoices, QuotesAndJoins) {
-  EXPECT_EQ(options::format_choices({"keep", "ignore", "error"}), "'keep', 'ignore', 'error'");
-  EXPECT_EQ(options::format_choices({"alone"}), "'alone'");
-  EXPECT_EQ(options::format_choices({}), "");
-  EXPECT_EQ(options::format_choices({"it's", ""}), "'it's', ''");
+  EXPECT_EQ(formatted({"keep", "ignore", "error"}), "'keep', 'ignore', 'error'");
+  EXPECT_EQ(formatted({"alone"}), "'alone'");
+  EXPECT_EQ(formatted({}), "");
+  EXPECT_EQ(formatted({"it's", ""}), "'it's', ''");
 }
 
 struct ChoiceCase {
   const char* rule;
   Array value;
-  Choices choices;
-  std::optional<std::size_t> code;
+  Words choices;
+  std::optional<std::size_t> code;  // the place of the choice
 };
 std::ostream& operator<<(std::ostream& out, const ChoiceCase& row) { return out << row.rule; }
 
@@ -232,19 +244,19 @@ TEST_P(MatchChoice, FindsTheFirstThatTheValueBegins) {
   const ChoiceCase& row = GetParam();
   std::size_t code = 99;
   const std::string error =
-      error_of([&] { code = options::match_choice(row.value.get(), row.choices); });
+      error_of([&] { code = options::match_choice(row.value.get(), keywords_of(row.choices)); });
   if (row.code) {
     EXPECT_EQ(error, "");
-    EXPECT_EQ(code, *row.code);
+    EXPECT_EQ(code, kFirstValue + *row.code);
   } else {
-    EXPECT_EQ(error, error_text("BadTextFlag", '"' + options::format_choices(row.choices) + '"'));
+    EXPECT_EQ(error, error_text("BadTextFlag", '"' + formatted(row.choices) + '"'));
   }
 }
 INSTANTIATE_TEST_SUITE_P(Table, MatchChoice, testing::ValuesIn(kChoices),
                          testing_support::ByRule());
 
-// The matching in its plainest form: all beginnings of a choice in lower case, one after the other.
-std::optional<std::size_t> matched_plainly(std::string value, const Choices& choices) {
+// The matching in its simplest form: tries all beginnings of each choice in lower case.
+std::optional<std::size_t> matched_plainly(std::string value, const Words& choices) {
   const auto lower = [](std::string text) {
     for (char& letter : text) {
       const std::size_t place = std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZ").find(letter);
@@ -262,10 +274,11 @@ std::optional<std::size_t> matched_plainly(std::string value, const Choices& cho
   return std::nullopt;
 }
 
-void expect_plain_match(const std::string& value, const Choices& choices) {
+void expect_plain_match(const std::string& value, const Words& choices) {
   std::optional<std::size_t> actual;
   const Array array = make_array(std::u16string_view(wide(value)));
-  const std::string error = error_of([&] { actual = options::match_choice(array.get(), choices); });
+  const std::string error = error_of(
+      [&] { actual = options::match_choice(array.get(), keywords_of(choices)) - kFirstValue; });
   const std::optional<std::size_t> expected = matched_plainly(value, choices);
   RC_ASSERT(error.empty() == expected.has_value());
   RC_ASSERT(actual == expected);
@@ -276,7 +289,7 @@ TEST(MatchChoiceProperty, IsThePlainMatchForAnyWords) {
     const auto word =
         rc::gen::container<std::string>(rc::gen::elementOf(std::string("aAbBzZ[{@`")));
     const auto words = *rc::gen::container<std::vector<std::string>>(word);
-    Choices choices;
+    Words choices;
     for (const std::string& each : words) choices.push_back(each.c_str());
     expect_plain_match(*word, choices);
   }));
@@ -284,8 +297,8 @@ TEST(MatchChoiceProperty, IsThePlainMatchForAnyWords) {
 
 TEST(MatchChoiceProperty, IsThePlainMatchForBeginningsOfTheOptionsKeywords) {
   EXPECT_TRUE(rc::check([] {
-    const Choices all = {"keep", "omitrow", "omitvar", "fill", "wrap", "error"};
-    Choices choices;
+    const Words all = {"keep", "omitrow", "omitvar", "fill", "wrap", "error"};
+    Words choices;
     for (const char* choice : all) {
       if (*rc::gen::arbitrary<bool>()) choices.push_back(choice);
     }
@@ -362,7 +375,7 @@ TEST(ToWidths, CopiesTheElementsBitForBit) {
   EXPECT_EQ(options::to_widths(make_empty_array().get()), Widths{});
 }
 
-// Elements of less than 64 bits are as many widths, each with zeros above its own bits.
+// Each element of less than 64 bits is one width, with zeros above its own bits.
 TEST(ToWidths, ReadsNothingPastSmallElements) {
   EXPECT_EQ(options::to_widths(make_array(u"AB\uffff").get()), (Widths{65, 66, 0xFFFF}));
   EXPECT_EQ(options::to_widths(make_char_array(u"ABCD", {2, 2}).get()), (Widths{65, 66, 67, 68}));
@@ -371,7 +384,7 @@ TEST(ToWidths, ReadsNothingPastSmallElements) {
   EXPECT_EQ(options::to_widths(make_array(false).get()), Widths{0});
 }
 
-// A cell has no elements of its own in memory, only arrays elsewhere.
+// A cell has no elements in its own memory, only arrays elsewhere.
 TEST(ToWidths, OfACellAreNone) {
   EXPECT_EQ(options::to_widths(make_cell({}).get()), Widths{});
   EXPECT_EQ(options::to_widths(make_cell({make_array(1.0), make_array(u"a")}).get()), Widths{});

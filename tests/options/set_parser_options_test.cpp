@@ -52,7 +52,7 @@ struct EffectCase {
   std::string rule;
   std::u16string name;
   Array value;
-  void (*effect)(options&);  // what the pair does to a record, by hand
+  void (*effect)(options&);  // the effect of the pair on a record, written by hand
 };
 std::ostream& operator<<(std::ostream& out, const EffectCase& row) { return out << row.rule; }
 
@@ -79,7 +79,7 @@ void multiple_as_several(options& record) {
   record.leading_delimiters_rule = parser::leading_delimiters_action::keep;
 }
 
-// One row for each of the 33 names, in the order of the documentation.
+// One row per option name, 33 in total, in the order of the documentation.
 const EffectCase kEveryOption[] = {
     {"Delimiter", u"Delimiter", make_array(u";"), [](options& r) { delimiters_are(r, {u";"}); }},
     {"LineEnding", u"LineEnding", make_array(u"|"), [](options& r) { r.line_endings = {u"|"}; }},
@@ -288,7 +288,7 @@ const EffectCase kEffects[] = {
     {"IsFileTrue", u"IsFile", make_array(true), [](options& r) { r.is_file = true; }},
     {"MultipleDelimsAsOneFalse", u"MultipleDelimsAsOne", make_array(false), multiple_as_several},
 
-    // widths: no check, the elements as they lie in memory
+    // widths: not checked, the elements as they are in memory
     {"WidthsOfNoElement", u"VariableWidths", integers({}),
      [](options& r) { r.variable_widths = {}; }},
     {"WidthsOfTheEmptyArray", u"VariableWidths", make_empty_array(),
@@ -353,8 +353,8 @@ INSTANTIATE_TEST_SUITE_P(Effects, SetParserOptions, testing::ValuesIn(kEffects),
 // --- the default: what a record holds as long as the option has not been given -------------------
 
 TEST(SetParserOptionsDefaults, EveryMemberStaysAtItsDefaultWhenAnotherOptionIsGiven) {
-  // Each option changes its own members alone (see above), so a record with all the others applied
-  // still has this option's defaults.
+  // Each option changes only its own members (see above), so a record with all other options
+  // applied still has the defaults of this one.
   struct Owner {
     const char16_t* name;
     std::set<std::u16string> left_out;  // options that write the same members
@@ -558,7 +558,7 @@ struct ByOptionAndValue {
 class SetParserOptionsKeyword : public testing::TestWithParam<KeywordCase> {};
 TEST_P(SetParserOptionsKeyword, StoresTheCodeOfTheFirstThatItBegins) {
   const KeywordCase& row = GetParam();
-  // From a record with other codes in every enumeration, and from one with the code 0.
+  // From a record with other values in every enumeration, and from one with the value 0.
   for (options record : {options(), unusual_record()}) {
     ASSERT_EQ(error_of_pairs(record, {{wide(row.option), make_array(wide(row.value))}}), "");
     EXPECT_EQ(code_in(record, row.option), row.code);
@@ -652,7 +652,7 @@ const std::vector<BadValue>& no_text() {
   return values;
 }
 
-// A text is one, in a list it is none.
+// A text is valid alone, but not in a list.
 const std::vector<BadValue>& no_single_text() {
   static const std::vector<BadValue> values = {
       {"ACellOfAText", make_text_cell({u"a"})},
@@ -867,7 +867,7 @@ std::u16string in_upper_case(std::u16string text) {
   }
   return text;
 }
-// Lower and upper case in turn: "dElImItEr".
+// Alternating lower and upper case: "dElImItEr".
 std::u16string in_turn(const std::u16string& text) {
   std::u16string out = in_lower_case(text);
   const std::u16string upper = in_upper_case(text);
@@ -1144,7 +1144,7 @@ struct HugeCase {
 };
 std::ostream& operator<<(std::ostream& out, const HugeCase& row) { return out << row.rule; }
 
-// Whole numbers that no counter holds.
+// Whole numbers that are too large for any counter.
 const HugeCase kHuge[] = {
     {"TwoToThe64", 18446744073709551616.0},
     {"TwoToThe65", 36893488147419103232.0},

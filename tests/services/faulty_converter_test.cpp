@@ -1,6 +1,6 @@
-// A converter that does everything its interface allows, and throws where it may throw: what the
-// file source and the stream make of it. This program brings the converter, one unit for each
-// byte, except for a few bytes that stand for unusual units.
+// The file source and the stream with a converter that does all that its interface allows, and
+// throws wherever it can. This program defines the converter: one code unit per byte, except for a
+// few bytes that give unusual code units.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -36,16 +36,17 @@ void throw_it(Thrown thrown) {
 
 enum class AsksForReset { never, always, at_random };
 
-// What the converters of the present test do; calls are counted from 1.
+// The behaviour of the converters in the current test; calls are counted from 1.
 struct Script {
   Thrown constructor_throws = Thrown::nothing;
   Thrown convert_throws = Thrown::nothing;
   std::size_t throwing_call = kNever;
   Thrown reset_throws = Thrown::nothing;
   AsksForReset asks_for_reset = AsksForReset::never;
-  std::size_t silent_calls = 0;     // calls that keep all their units
-  std::size_t more_at_the_end = 0;  // answers that there is more when there is nothing
-  bool is_endless = false;          // a unit without input, each time
+  std::size_t silent_calls = 0;     // calls that keep all code units
+  std::size_t more_at_the_end = 0;  // calls of has_more that are true without kept code units
+  std::u16string endless_units;     // added on each call, also on one without bytes
+  bool always_has_more = false;     // has_more is always true
   std::size_t calls = 0;
   std::size_t resets = 0;
 };
@@ -84,7 +85,7 @@ StreamCodeConverter::StreamCodeConverter(const std::string& /*encoding*/, bool /
 
 StreamCodeConverter::~StreamCodeConverter() = default;
 
-// A call that throws has moved its cursors before, and written.
+// A call that throws has moved its cursors and written before.
 bool StreamCodeConverter::convert(char16_t*& out, char16_t* out_end, const char*& in,
                                   const char* in_end, bool final) {
   std::u16string& held = state_->held;
@@ -95,7 +96,7 @@ bool StreamCodeConverter::convert(char16_t*& out, char16_t* out_end, const char*
     if (plain_end != in_end) held += units_of(*plain_end);
     in = plain_end == in_end ? in_end : plain_end + 1;
   }
-  if (script.is_endless) held.push_back(u'!');
+  held += script.endless_units;
   const bool is_silent = ++script.calls <= script.silent_calls && !final;
   const std::size_t room = is_silent ? 0 : static_cast<std::size_t>(out_end - out);
   const std::size_t count = std::min(held.size(), room);
@@ -109,7 +110,7 @@ bool StreamCodeConverter::convert(char16_t*& out, char16_t* out_end, const char*
 }
 
 bool StreamCodeConverter::has_more() const {
-  if (!state_->held.empty()) return true;
+  if (!state_->held.empty() || script.always_has_more) return true;
   if (script.more_at_the_end == 0) return false;
   --script.more_at_the_end;
   return true;
@@ -133,7 +134,7 @@ using testing_support::readable;
 
 constexpr std::size_t kBufferUnits = TextStream::kBufferUnits;
 
-// Small letters, each different from its neighbours.
+// Lower-case letters, each different from its neighbours.
 std::string letters(std::size_t count) {
   std::string bytes(count, '\0');
   for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<char>('a' + i * 7 % 25);
@@ -156,7 +157,7 @@ std::u16string_view loaded_to_the_end(const TextStream& stream) {
   return {stream.window_begin(), length};
 }
 
-// What `call` throws.
+// The kind of exception that `call` throws.
 template <typename Call>
 Thrown thrown_by(Call call) {
   try {
@@ -319,7 +320,7 @@ TEST_P(ThrowingConverter, LeavesAnAdvanceToBeMadeAgain) {
   }
 }
 
-// What has been read of an input that cannot go back is gone: the text ends, it has no gap.
+// Bytes read from an input that cannot go back are lost: the text ends there, without a gap.
 TEST_P(ThrowingConverter, EndsTheTextOfAnInputThatCannotGoBack) {
   const std::string bytes = letters(3 * kBufferUnits);
   for (std::size_t nth = 1; nth <= 4; ++nth) {
@@ -346,7 +347,7 @@ TEST_P(ThrowingConverter, PassesThroughAResetAndLeavesTheSource) {
   source.fillBuffer(&unit, &unit + 1);
   script.reset_throws = GetParam().thrown;
   EXPECT_EQ(thrown_by([&] { source.skipFromPos(3, 1); }), GetParam().thrown);
-  // Nor could the source be put back: its text has ended, until it can be put elsewhere.
+  // The source could not go back either: its text has ended until a skip succeeds.
   EXPECT_EQ(read_by_fills(source, 10), u"");
   script.reset_throws = Thrown::nothing;
   EXPECT_EQ(source.skipFromPos(3, 1), 1U);
@@ -355,7 +356,7 @@ TEST_P(ThrowingConverter, PassesThroughAResetAndLeavesTheSource) {
 
 INSTANTIATE_TEST_SUITE_P(Table, ThrowingConverter, testing::ValuesIn(kThrownCases), ByRule());
 
-// --- a converter that takes its time -------------------------------------------------------------
+// --- a converter that delivers late --------------------------------------------------------------
 
 struct MannerCase {
   const char* rule;
@@ -422,20 +423,87 @@ TEST_P(ConverterManner, LosesNothingOfALongText) {
 
 INSTANTIATE_TEST_SUITE_P(Table, ConverterManner, testing::ValuesIn(kMannerCases), ByRule());
 
-TEST(EndlessConverter, FillsTheRoomAndNoMore) {
+// --- a converter that has text without bytes -----------------------------------------------------
+
+struct EndlessCase {
+  const char* rule;
+  std::string bytes;
+  std::u16string units;  // that each call adds
+  bool always_has_more;
+  std::u16string text;  // what a file of `bytes` reads as
+};
+std::ostream& operator<<(std::ostream& out, const EndlessCase& row) { return out << row.rule; }
+
+// One call with the bytes is followed by one call without. If has_more stays true, further calls
+// follow, until the converter has delivered two code units for each byte.
+const EndlessCase kEndlessCases[] = {
+    {"OneUnit", "ab", u"!", false, u"ab!!"},
+    {"SeveralUnits", "ab", u"!?", false, u"ab!?!?"},
+    {"AUnitAndAnUnpairedLowSurrogate", "ab", u"!\xDE00", false, u"ab!!"},
+    {"NothingInAnEmptyFile", "", u"!", false, u""},
+    {"OneUnitAndSaysMore", "ab", u"!", true, u"ab!!!!!"},
+    {"SeveralUnitsAndSaysMore", "ab", u"!?", true, u"ab!?!?!?"},
+    {"LowSurrogatesAndSaysMore", "ab", u"\xDE00", true, u"ab"},
+    {"NothingInAnEmptyFileAndSaysMore", "", u"!", true, u""},
+};
+
+class EndlessConverter : public testing::TestWithParam<EndlessCase> {
+ protected:
+  void SetUp() override {
+    script = Script();
+    script.endless_units = GetParam().units;
+    script.always_has_more = GetParam().always_has_more;
+    source_.init_stream(device_.open(), "A");
+  }
+
+  FaultyDevice device_{GetParam().bytes};
+  FileTextSource source_;
+};
+
+TEST_P(EndlessConverter, EndsInAFillWithRoom) {
+  std::u16string units(1'000, u'?');
+  units.resize(source_.fillBuffer(units.data(), units.data() + units.size()));
+  EXPECT_EQ(readable(units), readable(GetParam().text));
+  EXPECT_EQ(read_by_fills(source_, 1'000), u"");
+}
+
+TEST_P(EndlessConverter, EndsInFillsOfOneUnit) {
+  const std::u16string text = read_by_fills(source_, 1);
+  EXPECT_LE(text.size(), 20U);
+  EXPECT_EQ(readable(read_by_fills(source_, 1)), "");
+}
+
+TEST_P(EndlessConverter, EndsInASkipOfAnyCount) {
+  constexpr unsigned long kHuge = std::numeric_limits<unsigned long>::max();
+  EXPECT_EQ(source_.skipFromPos(0, kHuge), GetParam().text.size());
+  EXPECT_EQ(source_.skipFromPos(source_.getPos(), kHuge), 0U);
+  EXPECT_EQ(source_.skipFromPos(0, kHuge), GetParam().text.size());
+}
+
+TEST_P(EndlessConverter, EndsInAStream) {
+  TextStream stream(&source_);
+  EXPECT_EQ(readable(loaded_to_the_end(stream)), readable(GetParam().text));
+  stream.advance(std::numeric_limits<unsigned long>::max());
+  EXPECT_EQ(stream.at(0), TextStream::kEnd);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, EndlessConverter, testing::ValuesIn(kEndlessCases), ByRule());
+
+// A file that is read again from its start reaches its end again.
+TEST(ConverterAtTheEnd, IsAskedOnceAtEachEnd) {
   script = Script();
-  script.is_endless = true;
   FaultyDevice device("ab");
   FileTextSource source;
   source.init_stream(device.open(), "A");
-  std::u16string units(1'010, u'?');
-  EXPECT_EQ(source.fillBuffer(units.data(), units.data() + 1'000), 1'000U);
-  EXPECT_EQ(units.substr(998), u"!!??????????");
-  TextStream stream(&source);
-  EXPECT_LE(get_fixed_stream(stream, {u"!"}).length, kSampleUnits);
+  EXPECT_EQ(read_by_fills(source, 10), u"ab");
+  EXPECT_EQ(script.calls, 2U);
+  EXPECT_EQ(read_by_fills(source, 10), u"");
+  EXPECT_EQ(script.calls, 2U);
+  EXPECT_EQ(source.skipFromPos(0, 10), 2U);
+  EXPECT_EQ(script.calls, 4U);
 }
 
-// --- unusual units -------------------------------------------------------------------------------
+// --- unusual code units --------------------------------------------------------------------------
 
 struct UnitCase {
   const char* rule;

@@ -35,7 +35,7 @@ using testing_support::TempFile;
 constexpr std::size_t kChunkBytes = 65'535;
 constexpr std::size_t kBufferUnits = TextStream::kBufferUnits;
 
-// What one fill of `room` units delivers, read into a heap block of exactly that size.
+// The result of one fill of `room` code units, read into a heap block of exactly that size.
 std::u16string fill(FileTextSource& source, std::size_t room) {
   const auto block = std::make_unique<char16_t[]>(room);
   const std::size_t count = source.fillBuffer(block.get(), block.get() + room);
@@ -43,7 +43,7 @@ std::u16string fill(FileTextSource& source, std::size_t room) {
   return {block.get(), std::min(count, room)};
 }
 
-// The rest of the text, read in fills of `room` units until one comes short.
+// The rest of the text, read in fills of `room` code units until one is short.
 std::u16string rest_of(FileTextSource& source, std::size_t room) {
   std::u16string text;
   for (;;) {
@@ -53,7 +53,7 @@ std::u16string rest_of(FileTextSource& source, std::size_t room) {
   }
 }
 
-// An opened source over a file of its own.
+// An open source with its own file.
 class OpenFile {
  public:
   OpenFile(std::string_view bytes, const std::string& encoding) : file_(bytes) {
@@ -67,7 +67,7 @@ class OpenFile {
   FileTextSource source_;
 };
 
-// A path at which nothing stands.
+// A path where no file exists.
 std::u16string missing_path() {
   const TempFile file("");
   return file.path();
@@ -121,7 +121,7 @@ std::string utf16be(std::u32string_view text) { return utf16(text, true); }
 std::string utf16le_marked(std::u32string_view text) { return "\xFF\xFE" + utf16le(text); }
 std::string utf16be_marked(std::u32string_view text) { return "\xFE\xFF" + utf16be(text); }
 
-// The units of a text of which each character gives one.
+// The code units of a text in which each character gives one.
 std::u16string units(std::u32string_view text) {
   std::u16string result;
   for (const char32_t c : text) {
@@ -183,8 +183,8 @@ TEST_P(FileTextSourceDecoding, GivesTheTextWhateverTheSizeOfTheFills) {
   }
 }
 
-// Positions, skips and fills agree: from each position that the source tells, each skip leads to
-// the unit that a plain read would deliver there.
+// Positions, skips and fills agree: from each position that the source reports, each skip leads to
+// the code unit that a plain read delivers there.
 TEST_P(FileTextSourceDecoding, SkipsFromAnyToldPositionByUnits) {
   const std::u16string& text = GetParam().text;
   for (std::size_t read = 0; read <= text.size(); ++read) {
@@ -238,7 +238,7 @@ const DecodeCase kIllFormedCases[] = {
     {"TruncatedDoubleByte", "Shift_JIS", "a\x83", u"a\ufffd"},
 };
 
-// The positions behind ill-formed bytes are not told exactly; the text is.
+// Positions after ill-formed bytes are not reported exactly; the text is exact.
 class FileTextSourceIllFormed : public testing::TestWithParam<DecodeCase> {};
 
 TEST_P(FileTextSourceIllFormed, EachPartBecomesOneReplacement) {
@@ -267,10 +267,10 @@ INSTANTIATE_TEST_SUITE_P(Table, FileTextSourceIllFormed, testing::ValuesIn(kIllF
 struct BorderCase {
   const char* rule;
   const char* encoding;
-  std::size_t units_before;  // how many letters stand before the character
+  std::size_t units_before;  // the number of letters before the character
   std::string letter;
   std::string character;
-  char16_t unit;  // what the character becomes
+  char16_t unit;  // the code unit for the character
   const char* mark = "";
 };
 std::ostream& operator<<(std::ostream& out, const BorderCase& row) { return out << row.rule; }
@@ -281,7 +281,7 @@ const std::string kSmileLe = utf16le(U"\U0001F600");
 const std::string kSmileBe = utf16be(U"\U0001F600");
 
 const BorderCase kBorderCases[] = {
-    // The bytes before and behind the border of the first chunk, 65,535 bytes from the start.
+    // The bytes before and after the end of the first chunk, 65,535 bytes from the start.
     {"ChunkUtf8TwoBytesCut1And1", "UTF-8", kChunkBytes - 1, "a", "\xC3\xA9", u'\u00e9'},
     {"ChunkUtf8ThreeBytesCut1And2", "UTF-8", kChunkBytes - 1, "a", "\xE2\x82\xAC", u'\u20ac'},
     {"ChunkUtf8ThreeBytesCut2And1", "UTF-8", kChunkBytes - 2, "a", "\xE2\x82\xAC", u'\u20ac'},
@@ -302,7 +302,7 @@ const BorderCase kBorderCases[] = {
      "\xFE\xFF"},
     {"ChunkUtf8IllFormedCut", "UTF-8", kChunkBytes - 1, "a", "\xE2\x82", u'\ufffd'},
 
-    // The units before and behind the border of the first buffer, 131,072 units from the start.
+    // Before and after the end of the first buffer, 131,072 code units from the start.
     {"BufferUtf8LastUnit", "UTF-8", kBufferUnits - 1, "a", "\xE2\x82\xAC", u'\u20ac'},
     {"BufferUtf8FirstUnitOfTheNext", "UTF-8", kBufferUnits, "a", "\xE2\x82\xAC", u'\u20ac'},
     {"BufferUtf8SupplementaryLastUnit", "UTF-8", kBufferUnits - 1, "a", "\xF0\x9F\x98\x80",
@@ -323,7 +323,7 @@ const BorderCase kBorderCases[] = {
     {"BufferUtf8IllFormedLastButOne", "UTF-8", kBufferUnits - 2, "a", "\xE2\x82", u'\ufffd'},
 };
 
-// Letters, the character, a letter again.
+// Letters, the character, then a letter.
 class FileTextSourceBorders : public testing::TestWithParam<BorderCase> {
  protected:
   std::string bytes() const {
@@ -368,7 +368,7 @@ TEST_P(FileTextSourceBorders, CutNoCharacterOfASkip) {
 INSTANTIATE_TEST_SUITE_P(Table, FileTextSourceBorders, testing::ValuesIn(kBorderCases),
                          testing_support::ByRule());
 
-// A text of nothing but characters of several bytes: every border cuts one somewhere.
+// A text of only multi-byte characters: every border cuts one somewhere.
 struct DenseCase {
   const char* rule;
   const char* encoding;
@@ -543,7 +543,7 @@ TEST(FileTextSourceEnd, IsLeftByASkipBack) {
   EXPECT_EQ(rest_of(*file, 8), u"bc");
 }
 
-// Reading a process's own memory at address 0 is an error of the device.
+// A read of the process's own memory at address 0 fails as a device error.
 TEST(FileTextSourceEnd, AReadErrorLooksLikeIt) {
   FileTextSource source;
   source.init_stream(u"/proc/self/mem", "UTF-8");
@@ -551,7 +551,7 @@ TEST(FileTextSourceEnd, AReadErrorLooksLikeIt) {
   EXPECT_EQ(fill(source, 16), u"");
 }
 
-// A unit that the converter holds back because ill-formed bytes gave two at once is still text.
+// A code unit that the converter keeps, because ill-formed bytes gave two at once, is still text.
 TEST(FileTextSourceEnd, NoUnitIsLostWhenIllFormedBytesFillTheBuffer) {
   OpenFile file(std::string(kBufferUnits - 1, 'a') + "\xE2\x82z", "UTF-8");
   const TextStream stream(&*file);
@@ -580,7 +580,7 @@ TEST(FileTextSourceSkip, CountsMoreThanOneScratchArray) {
   EXPECT_EQ(file->skipFromPos(10, 400'000), 299'990U);
 }
 
-// The letter that follows the cut sequence has found no room when the skip comes.
+// The letter after the cut sequence has found no room before the skip.
 TEST(FileTextSourceSkip, ForgetsWhatTheConverterHolds) {
   OpenFile file("\xE2\x82zy", "UTF-8");
   EXPECT_EQ(fill(*file, 1), u"\ufffd");
@@ -622,7 +622,7 @@ TEST(FileTextSourceSkip, Utf16KeepsTheOrderOfItsMark) {
   }
 }
 
-// Units that look like the mark of the other order, right where the text goes on.
+// Code units like the mark of the other byte order, at the place where the text continues.
 TEST(FileTextSourceSkip, Utf16TakesNoMarkInTheMiddle) {
   for (const bool big : {false, true}) {
     const std::string mark = big ? "\xFE\xFF" : "\xFF\xFE";
@@ -730,7 +730,7 @@ TEST(FileTextSourceOpen, TheFileIsClosedWithTheSourceAndAfterAFailure) {
 
 // --- an open stream, handed over and back --------------------------------------------------------
 
-// The reading end of a pipe that holds `bytes`.
+// The read end of a pipe that contains `bytes`.
 std::FILE* pipe_with(std::string_view bytes) {
   int ends[2];
   EXPECT_EQ(::pipe(ends), 0);
@@ -739,7 +739,7 @@ std::FILE* pipe_with(std::string_view bytes) {
   return ::fdopen(ends[0], "rb");
 }
 
-// A device whose every read fails and leaves `error` behind as errno.
+// A device on which every read fails with `error` as errno.
 std::FILE* failing_device(int& error) {
   cookie_io_functions_t device{};
   device.read = [](void* reason, char*, std::size_t) -> ssize_t {
@@ -763,14 +763,14 @@ TEST(FileTextSourceStream, OfNullIsNotFound) {
   EXPECT_TRUE(source.isEoS());
 }
 
-// The place where such an input stands is -1, and it is the only one there is.
+// The position of such an input is always -1.
 TEST(FileTextSourceStream, ThatCannotSeekIsSkippedFromWhereItStandsOnly) {
   FileTextSource source;
   source.init_stream(pipe_with("abcdef"), "UTF-8");
   EXPECT_EQ(source.getPos(), -1);
   EXPECT_EQ(source.skipFromPos(-1, 2), 2U);
   EXPECT_EQ(fill(source, 1), u"c");
-  // What follows now would be text from another place than was asked for.
+  // The text from here on would not be the text at the requested position.
   EXPECT_EQ(source.skipFromPos(0, 2), 0U);
   EXPECT_EQ(fill(source, 2), u"");
   EXPECT_EQ(source.read_error(), ESPIPE);
@@ -878,7 +878,7 @@ TEST(FileStreamBufferManagerResize, KeepsTheStartAndAddsZeros) {
   EXPECT_TRUE(std::all_of(begin + 3, end, [](char16_t unit) { return unit == u'\0'; }));
 }
 
-// Storage of two megabytes and more is asked for in huge pages; what it holds is the same.
+// Storage of two megabytes or more requests huge pages; its contents are the same.
 TEST(FileStreamBufferManagerResize, KeepsTheStartAndAddsZerosAroundTheSizeOfHugePages) {
   constexpr std::size_t kHugePageUnits = 1'048'576;
   for (const std::size_t n : {kHugePageUnits - 64, kHugePageUnits - 1, kHugePageUnits,
@@ -912,7 +912,7 @@ TEST(FileStreamBufferManagerResize, AShrinkKeepsTheStorage) {
   EXPECT_EQ(std::u16string(begin, end), std::u16string(u"ab\0\0", 4));
 }
 
-// The storage that a shrink has kept is exchanged for one without room to spare.
+// The storage that a shrink has kept is replaced by one without spare capacity.
 TEST(FileStreamBufferManagerResize, AGrowthWithinTheStorageLeavesNoRoomToSpare) {
   FileStreamBufferManager manager;
   char16_t* begin = nullptr;

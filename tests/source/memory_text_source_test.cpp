@@ -19,7 +19,7 @@ using testing_support::ExactText;
 using testing_support::first_difference;
 using testing_support::kNoDifference;
 
-// A source over "abcdefghij" and the bounds of the text as a reader gets them.
+// A source over "abcdefghij", and the bounds of the text as a reader gets them.
 class LentText : public testing::Test {
  protected:
   char16_t* at(std::size_t pos) { return first_ + pos; }
@@ -83,7 +83,7 @@ TEST_F(MemoryTextSourceFill, RefusesAnyOtherPlaceAndChangesNothing) {
   EXPECT_EQ(source_.fillBuffer(at(0), at(10)), 10U);
 }
 
-// The position is the size of the last fill, not a sum: the text is lent in one piece.
+// The position is the size of the last fill, not a sum: the text is lent as one range.
 TEST_F(MemoryTextSourceFill, PositionCountsTheLastRangeAlone) {
   EXPECT_EQ(source_.fillBuffer(at(0), at(7)), 7U);
   EXPECT_EQ(source_.getPos(), 7);
@@ -162,6 +162,32 @@ TEST_F(MemoryTextSourceSkipFresh, ResizeAfterASkipExposesTheRest) {
   EXPECT_EQ(end, text_.data() + 10);
 }
 
+// The text that a reader has already received is still lent: a resize must not take it away.
+TEST_F(MemoryTextSourceLending, AResizeAfterAFillExposesTheSameText) {
+  for (const std::size_t asked : {0UL, 5UL, 10UL, 131'072UL}) {
+    source_.skipFromPos(0, 0);
+    source_.fillBuffer(at(0), at(10));
+    char16_t* begin = nullptr;
+    char16_t* end = nullptr;
+    source_.getBufferManager()->resize(asked, begin, end);
+    EXPECT_EQ(begin, at(0)) << asked;
+    EXPECT_EQ(end, at(10)) << asked;
+    EXPECT_EQ(lent_begin(), at(0)) << asked;
+    EXPECT_EQ(lent_end(), at(10)) << asked;
+    EXPECT_EQ(source_.fillBuffer(at(0), at(10)), 0U) << asked;
+  }
+}
+
+TEST_F(MemoryTextSourceLending, AResizeAfterASkipAndAFillExposesTheRest) {
+  source_.skipFromPos(2, 3);
+  source_.fillBuffer(at(5), at(10));
+  char16_t* begin = nullptr;
+  char16_t* end = nullptr;
+  source_.getBufferManager()->resize(131'072, begin, end);
+  EXPECT_EQ(begin, at(5));
+  EXPECT_EQ(end, at(10));
+}
+
 TEST(MemoryTextSourceEmpty, HandsOutNothing) {
   const ExactText text(u"");
   MemoryTextSource source(text.data(), 0);
@@ -186,6 +212,25 @@ TEST(MemoryTextSourceStream, IsReadInPlace) {
   EXPECT_EQ(stream.find_first_non_digit(0), 1U);
 }
 
+TEST(MemoryTextSourceStream, KeepsItsTextWhenTheBufferIsResized) {
+  for (const unsigned long size : {0UL, 1UL, 5UL, 131'072UL, 1'000'000UL}) {
+    const ExactText text(u"abcde");
+    MemoryTextSource source(text.data(), text.size());
+    TextStream stream(&source);
+    stream.resizeInternalBuffer(size);
+    EXPECT_EQ(stream.find_first_pos_of(u'e', 0), 4U) << size;
+    EXPECT_EQ(stream.at(5), TextStream::kEnd) << size;
+    stream.advance(2);
+    stream.resizeInternalBuffer(size);
+    EXPECT_EQ(stream.window_begin(), text.data() + 2) << size;
+    EXPECT_EQ(stream.find_first_pos_of(u'e', 0), 2U) << size;
+    EXPECT_EQ(stream.at(3), TextStream::kEnd) << size;
+    stream.advance(3);
+    stream.resizeInternalBuffer(size);
+    EXPECT_EQ(stream.at(0), TextStream::kEnd) << size;
+  }
+}
+
 TEST(MemoryTextSourceStream, EndsWithItsText) {
   for (const unsigned long past : {5UL, 6UL, 1'000'000UL}) {
     const ExactText text(u"abcde");
@@ -201,7 +246,7 @@ TEST(MemoryTextSourceStream, EndsWithItsText) {
   }
 }
 
-// Steps from the middle to the end after any number of them: nothing is handed out twice.
+// Steps to the end, of any size: no text is handed out twice.
 TEST(MemoryTextSourceStream, EndsAfterStepsOfAnySize) {
   for (unsigned long step = 1; step <= 7; ++step) {
     const ExactText text(u"abcdef");

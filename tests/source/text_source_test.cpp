@@ -46,7 +46,7 @@ TEST_P(FoldSurrogatePairs, MakesOneUnitOfEachPair) {
 INSTANTIATE_TEST_SUITE_P(Table, FoldSurrogatePairs, testing::ValuesIn(kFoldCases),
                          testing_support::ByRule());
 
-// Blocks without a surrogate are passed over: no place may be special.
+// Blocks without a surrogate are skipped: the place of a surrogate must make no difference.
 TEST(FoldSurrogatePairs, FindsAPairAtEveryPlace) {
   constexpr std::size_t kLength = 200;
   for (std::size_t place = 0; place + 2 <= kLength; ++place) {

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include <vltextstream/source/file_text_source.hpp>
 #include <vltextstream/source/memory_text_source.hpp>
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
@@ -44,10 +45,47 @@ std::u16string new_text(std::size_t size) {
   return text;
 }
 
-// A text in which nearby units, and units that lie a buffer apart, differ.
+// A text in which nearby code units differ, and code units at the distance of a buffer.
 std::u16string long_text(std::size_t size) {
   static const std::u16string start = new_text(1'000'000);
   return size <= start.size() ? start.substr(0, size) : new_text(size);
+}
+
+// A scripted source with the buffer of a file, which a stream refills in another way.
+class FileBufferedSource : public ScriptedSource {
+ public:
+  using ScriptedSource::ScriptedSource;
+  BufferManager* getBufferManager() override { return &buffer_; }
+
+ private:
+  FileStreamBufferManager buffer_;
+};
+
+// A class derived from the buffer of a file can keep its text elsewhere.
+class DerivedBuffer : public FileStreamBufferManager {
+ public:
+  std::size_t resize(std::size_t n, char16_t*& begin, char16_t*& end) override {
+    return buffer_.resize(n, begin, end);
+  }
+  char16_t* begin() override { return buffer_.begin(); }
+  char16_t* end() override { return buffer_.end(); }
+
+ private:
+  testing_support::ExactBufferManager buffer_;
+};
+
+class DerivedBufferSource : public ScriptedSource {
+ public:
+  using ScriptedSource::ScriptedSource;
+  BufferManager* getBufferManager() override { return &buffer_; }
+
+ private:
+  DerivedBuffer buffer_;
+};
+
+std::size_t buffer_size_of(TextSource& source) {
+  BufferManager& buffer = *source.getBufferManager();
+  return static_cast<std::size_t>(buffer.end() - buffer.begin());
 }
 
 // --- reading and searching -----------------------------------------------------------------------
@@ -64,7 +102,7 @@ std::ostream& operator<<(std::ostream& out, const SearchCase& row) {
 
 using S = const TextStream&;
 const SearchCase kSearchCases[] = {
-    // One unit.
+    // One code unit.
     {"UnitAtTheStart", u"xab", [](S s) { return s.find_first_pos_of(u'x', 0); }, 0},
     {"UnitFurtherOn", u"abxax", [](S s) { return s.find_first_pos_of(u'x', 0); }, 2},
     {"UnitFromItsOwnPlace", u"abxax", [](S s) { return s.find_first_pos_of(u'x', 2); }, 2},
@@ -113,7 +151,7 @@ const SearchCase kSearchCases[] = {
     {"NotOfSetFromPastTheEnd", u"  ", [](S s) { return s.find_first_pos_not_of(u" ", 5); }, 5},
     {"NotOfSetInAnEmptyText", u"", [](S s) { return s.find_first_pos_not_of(u" ", 0); }, 0},
 
-    // Not one unit.
+    // Not one code unit.
     {"NotOfUnitFurtherOn", u"aab", [](S s) { return s.find_first_pos_not_of(u'a', 0); }, 2},
     {"NotOfUnitAtOnce", u"baa", [](S s) { return s.find_first_pos_not_of(u'a', 0); }, 0},
     {"NotOfUnitToTheEnd", u"baa", [](S s) { return s.find_first_pos_not_of(u'a', 1); }, 3},
@@ -144,7 +182,7 @@ const SearchCase kSearchCases[] = {
     {"NonDigitFromPastTheEnd", u"12", [](S s) { return s.find_first_non_digit(6); }, 6},
     {"NonDigitInAnEmptyText", u"", [](S s) { return s.find_first_non_digit(0); }, 0},
 
-    // Single units.
+    // Single code units.
     {"AtTheFirst", u"abc", [](S s) -> unsigned long { return s.at(0); }, u'a'},
     {"AtTheLast", u"abc", [](S s) -> unsigned long { return s.at(2); }, u'c'},
     {"AtTheEnd", u"abc", [](S s) -> unsigned long { return s.at(3); }, 0xFFFF},
@@ -182,8 +220,8 @@ TEST_P(TextStreamSearch, CountsFromTheWindow) {
 INSTANTIATE_TEST_SUITE_P(Table, TextStreamSearch, testing::ValuesIn(kSearchCases),
                          testing_support::ByRule());
 
-// Searches for one unit pass over whole blocks: no place may be special, whether a search begins
-// there, ends there or the text does.
+// Searches for one code unit skip whole blocks: no place may make a difference, whether a search
+// begins there, ends there, or the text ends there.
 TEST(TextStreamSearchByBlocks, StopsAtEveryPlace) {
   constexpr std::size_t kLength = 200;
   for (const char16_t odd : {u'x', kEnd}) {
@@ -220,7 +258,7 @@ TEST(TextStreamSearchByBlocks, TakesTheNeighboursOfDigitsForNone) {
   }
 }
 
-// What has been passed over ends in the middle of a block where more text is loaded.
+// A search continues in the middle of a block after more text was loaded.
 TEST(TextStreamSearchByBlocks, GoesOnInTextThatIsLoadedLater) {
   for (const std::size_t place : {kBufferUnits - 1, kBufferUnits, kBufferUnits + 65}) {
     std::u16string text(2 * kBufferUnits, u'7');
@@ -237,7 +275,7 @@ struct MatchCase {
   std::u16string text;
   std::u16string wanted;
   unsigned long pos;
-  bool sensitive;  // what each of the two matches says
+  bool sensitive;  // the expected results of the two matches
   bool insensitive;
 };
 std::ostream& operator<<(std::ostream& out, const MatchCase& row) {
@@ -335,7 +373,7 @@ TEST(TextStreamConstruction, TextThatFillsTheBlockIsKnownToEndThere) {
   EXPECT_EQ(source.fills().size(), 1U);
 }
 
-// The source is asked for its end; that the first load came short says nothing.
+// The end comes from isEoS() of the source; a short first load is not the end.
 TEST(TextStreamConstruction, AShortLoadIsNotTheEnd) {
   const std::u16string text = long_text(500);
   ScriptedSource source(text);
@@ -357,7 +395,7 @@ TEST(TextStreamConstruction, IsNotCopied) {
 struct GrowthCase {
   const char* rule;
   unsigned long advance;
-  unsigned long pos;  // the unit that is read then
+  unsigned long pos;  // the code unit that is then read
   std::size_t size;   // of the buffer, afterwards
 };
 std::ostream& operator<<(std::ostream& out, const GrowthCase& row) { return out << row.rule; }
@@ -477,9 +515,9 @@ TEST(TextStreamGrowing, APositionThatNoMemoryHoldsThrowsAndChangesNothing) {
 
 struct AdvanceCase {
   const char* rule;
-  unsigned long look_ahead;  // this unit is read first
+  unsigned long look_ahead;  // this code unit is read first
   unsigned long advance;
-  Sizes resizes;  // what the advance alone asks of the source
+  Sizes resizes;  // calls of the source by the advance alone
   Skips skips;
   Sizes fills;
 };
@@ -494,19 +532,19 @@ const AdvanceCase kAdvanceCases[] = {
     {"ToTheEndOfTheLoadedText", 0, 131'072, {}, {{131'072, 0}}, {131'072}},
     {"OnePastTheLoadedText", 0, 131'073, {}, {{131'072, 1}}, {131'072}},
     {"FarPastTheLoadedText", 0, 400'000, {}, {{131'072, 268'928}}, {131'072}},
-    // The buffer has 524,288 units, which is not yet too big.
+    // The buffer has 524,288 code units, which is not yet too big.
     {"BigAThirtySecondLeft", 299'999, 507'904, {}, {}, {}},
     {"BigLessLeft", 299'999, 507'905, {}, {}, {507'905}},
     {"BigToTheEnd", 299'999, 524'288, {}, {{524'288, 0}}, {524'288}},
     {"BigPastTheEnd", 299'999, 524'298, {}, {{524'288, 10}}, {524'288}},
-    // The buffer has 786,432 units, which is too big.
+    // The buffer has 786,432 code units, which is too big.
     {"TooBigAThirtySecondLeft", 599'999, 761'856, {}, {}, {}},
     {"TooBigLessLeft", 599'999, 761'857, {131'072}, {}, {106'497}},
     {"TooBigToTheEnd", 599'999, 786'432, {131'072}, {{786'432, 0}}, {131'072}},
     {"TooBigPastTheEnd", 599'999, 786'439, {131'072}, {{786'432, 7}}, {131'072}},
 };
 
-// Offsets at which a reader looks after the window has moved.
+// Positions that are read after the window has moved.
 constexpr unsigned long kLooks[] = {0, 1, 4'094, 4'095, 24'574, 24'575, 131'071, 131'072, 150'000};
 
 class TextStreamAdvance : public testing::TestWithParam<AdvanceCase> {};
@@ -535,10 +573,41 @@ TEST_P(TextStreamAdvance, MovesTheWindow) {
   }
 }
 
+// The same calls, sizes and texts with any kind of buffer.
+template <typename Source>
+void expect_advance(const AdvanceCase& row) {
+  const std::u16string text = long_text(1'000'000);
+  Source source(text);
+  TextStream stream(&source);
+  stream.at(row.look_ahead);
+  const std::size_t size_before = buffer_size_of(source);
+  source.forget_calls();
+
+  stream.advance(row.advance);
+
+  EXPECT_EQ(buffer_size_of(source), row.resizes.empty() ? size_before : row.resizes.back());
+  EXPECT_EQ(source.skips(), row.skips);
+  EXPECT_EQ(source.fills(), row.fills);
+  if (!row.fills.empty()) {
+    EXPECT_EQ(stream.window_begin(), source.getBufferManager()->begin());
+  }
+  for (const unsigned long pos : kLooks) {
+    EXPECT_EQ(stream.at(pos), text[row.advance + pos]) << pos;
+  }
+}
+
+TEST_P(TextStreamAdvance, MovesTheWindowOverTheBufferOfAFile) {
+  expect_advance<FileBufferedSource>(GetParam());
+}
+
+TEST_P(TextStreamAdvance, MovesTheWindowOverADerivedBuffer) {
+  expect_advance<DerivedBufferSource>(GetParam());
+}
+
 INSTANTIATE_TEST_SUITE_P(Table, TextStreamAdvance, testing::ValuesIn(kAdvanceCases),
                          testing_support::ByRule());
 
-// After a look-ahead of 4,194,305 units a thirty-second of the text is more than a whole block.
+// After a look-ahead of 4,194,305 code units a thirty-second of the text is more than a block.
 struct CutBackCase {
   const char* rule;
   std::size_t left;
@@ -742,9 +811,30 @@ TEST(TextStreamResizeInternalBuffer, KeepsThePlaceOfTheWindow) {
   EXPECT_EQ(source.fills().size(), 1U);
 }
 
+// The text of such a small buffer is inside the string object, so a swap moves it.
+template <typename Source>
+void expect_refill_of_a_tiny_buffer() {
+  const std::u16string text = long_text(300'000);
+  Source source(text);
+  TextStream stream(&source);
+  stream.resizeInternalBuffer(3);
+  for (std::size_t step = 0; step < 3; ++step) {
+    stream.advance(3);
+    EXPECT_EQ(stream.window_begin(), source.getBufferManager()->begin());
+    EXPECT_EQ(buffer_size_of(source), 3U);
+    EXPECT_EQ(std::u16string(stream.window_begin(), 3), text.substr(131'072 + 3 * step, 3));
+  }
+  EXPECT_EQ(stream.at(1'000), text[131'072 + 6 + 1'000]);
+}
+
+TEST(TextStreamResizeInternalBuffer, OfATinySizeIsRefilled) {
+  expect_refill_of_a_tiny_buffer<ScriptedSource>();
+  expect_refill_of_a_tiny_buffer<FileBufferedSource>();
+}
+
 // --- sources that fail ---------------------------------------------------------------------------
 
-// The text and the place of the window in it: what a stream should answer.
+// The text and the position of the window in it: the expected answers of a stream.
 class Model {
  public:
   explicit Model(std::u16string text) : text_(std::move(text)) {}
@@ -781,10 +871,10 @@ enum class Failing { kFill, kSkip, kResize };
 
 struct FailureCase {
   const char* rule;
-  unsigned long look_ahead;  // this unit is read first
+  unsigned long look_ahead;  // this code unit is read first
   unsigned long before;      // then the window moves by this
   Failing failing;
-  unsigned long advance;  // the call that fails; 0: reads the unit behind the loaded text
+  unsigned long advance;  // the failing call; 0: a read of the code unit after the loaded text
 };
 std::ostream& operator<<(std::ostream& out, const FailureCase& row) { return out << row.rule; }
 
@@ -813,11 +903,12 @@ const FailureCase kFailureCases[] = {
 
 class TextStreamFailure : public testing::TestWithParam<FailureCase> {};
 
-// A stream over a long text, moved on and filled as the row says, whose next call has failed.
+// A stream over a long text, prepared as the row says, whose next call has failed.
+template <typename Source>
 struct AfterFailure {
   explicit AfterFailure(const FailureCase& row) {
     stream.at(row.look_ahead);
-    loaded = source.buffer_size() - row.before;
+    loaded = buffer_size_of(source) - row.before;
     stream.advance(row.before);
     model.advance(row.before);
     arm(row.failing);
@@ -841,13 +932,14 @@ struct AfterFailure {
   }
 
   Model model{long_text(1'000'000)};
-  ScriptedSource source{long_text(1'000'000)};
+  Source source{long_text(1'000'000)};
   TextStream stream{&source};
   unsigned long loaded = 0;
 };
 
-TEST_P(TextStreamFailure, LeavesTheStreamAsItWas) {
-  AfterFailure after(GetParam());
+template <typename Source>
+void expect_unchanged_stream(const FailureCase& row) {
+  AfterFailure<Source> after(row);
   const unsigned long loaded = after.loaded;
   const Model& model = after.model;
   expect_same_units(after.stream, model, {0, 1, 500, 10'000, loaded / 2, loaded - 2, loaded - 1});
@@ -855,18 +947,39 @@ TEST_P(TextStreamFailure, LeavesTheStreamAsItWas) {
   expect_same_units(after.stream, model, {loaded, loaded + 1, model.left() - 1, model.left()});
 }
 
-TEST_P(TextStreamFailure, TheCallSucceedsWhenItIsMadeAgain) {
-  AfterFailure after(GetParam());
-  after.stream.advance(GetParam().advance);
-  after.model.advance(GetParam().advance);
+TEST_P(TextStreamFailure, LeavesTheStreamAsItWas) {
+  expect_unchanged_stream<ScriptedSource>(GetParam());
+}
+
+TEST_P(TextStreamFailure, LeavesTheStreamWithTheBufferOfAFileAsItWas) {
+  if (GetParam().failing != Failing::kResize) {
+    expect_unchanged_stream<FileBufferedSource>(GetParam());
+  }
+}
+
+template <typename Source>
+void expect_success_when_repeated(const FailureCase& row) {
+  AfterFailure<Source> after(row);
+  after.stream.advance(row.advance);
+  after.model.advance(row.advance);
   expect_same_units(after.stream, after.model, {0, 1, 500, 71, 72, 431, 432, 100'000, 131'072});
   expect_same_units(after.stream, after.model, {after.model.left() - 1, after.model.left()});
+}
+
+TEST_P(TextStreamFailure, TheCallSucceedsWhenItIsMadeAgain) {
+  expect_success_when_repeated<ScriptedSource>(GetParam());
+}
+
+TEST_P(TextStreamFailure, TheCallSucceedsWhenItIsMadeAgainWithTheBufferOfAFile) {
+  if (GetParam().failing != Failing::kResize) {
+    expect_success_when_repeated<FileBufferedSource>(GetParam());
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, TextStreamFailure, testing::ValuesIn(kFailureCases),
                          testing_support::ByRule());
 
-// When the text that a failed call has overwritten cannot be put back either, there is none.
+// If the text that a failed call has overwritten cannot be restored either, the stream is empty.
 void expect_ended(TextStream& stream) {
   EXPECT_EQ(stream.at(0), kEnd);
   EXPECT_EQ(stream.find_first_pos_of(u'a', 0), 0U);
@@ -874,17 +987,23 @@ void expect_ended(TextStream& stream) {
   EXPECT_EQ(stream.at(0), kEnd);
 }
 
-// A source that does not go back would leave a gap behind the text that is loaded.
-TEST(TextStreamFailedTwice, EndsBehindWhatIsLoadedWhenTheSourceDoesNotGoBack) {
-  ScriptedSource source(long_text(1'000'000));
+// A source that does not go back would leave a gap after the loaded text.
+template <typename Source>
+void expect_end_after_loaded_text() {
+  Source source(long_text(1'000'000));
   TextStream stream(&source);
   source.fail_fill(1);
-  source.fail_skip(2);  // the first goes on by 368,928 units, the second would go back
+  source.fail_skip(2);  // the first skips 368,928 code units, the second would go back
   EXPECT_THROW(stream.advance(500'000), ScriptedFailure);
   source.fail_no_more();
   const Model model{long_text(1'000'000)};
   expect_same_units(stream, model, {0, 1, 500, TextStream::kBufferUnits - 1});
   EXPECT_EQ(stream.at(TextStream::kBufferUnits), kEnd);
+}
+
+TEST(TextStreamFailedTwice, EndsBehindWhatIsLoadedWhenTheSourceDoesNotGoBack) {
+  expect_end_after_loaded_text<ScriptedSource>();
+  expect_end_after_loaded_text<FileBufferedSource>();
 }
 
 TEST(TextStreamFailedTwice, ReadsAsEndedWhenTheBufferDoesNotGrowAgain) {
@@ -909,7 +1028,7 @@ TEST(TextStreamConstruction, PassesOnWhatTheSourceThrows) {
 
 // --- any sequence of calls -----------------------------------------------------------------------
 
-// Runs of blanks, digits and letters of very different lengths, now and then an end mark.
+// Runs of blanks, digits and letters of very different lengths, with some end marks.
 std::u16string random_text(std::mt19937& random, std::size_t size) {
   std::u16string text;
   text.reserve(size);
@@ -922,17 +1041,17 @@ std::u16string random_text(std::mt19937& random, std::size_t size) {
   return text;
 }
 
-// Distances of every size, mostly small ones, now and then more than a buffer.
+// Distances of all sizes, mostly small, sometimes more than a buffer.
 unsigned long random_distance(std::mt19937& random) {
   const unsigned bits = random() % 6 == 0 ? 20 : 16;
   return random() % (1UL << random() % bits);
 }
 
-// One call of the stream and of the model; whatever the stream throws passes through.
+// One call of the stream and of the model. Exceptions of the stream pass through.
 class RandomCall {
  public:
-  // `loaded` is the room from the window to the end of the storage: steps that come close to it, or
-  // pass it, make the stream move or skip text.
+  // `loaded` is the distance from the window to the end of the storage: steps of about that size,
+  // or more, make the stream move or skip text.
   RandomCall(std::mt19937& random, const Model& model, unsigned long loaded)
       : kind_(random() % 12),
         distance_(random_distance(random)),
@@ -1003,7 +1122,7 @@ class RandomCall {
   std::u16string wanted_;
 };
 
-// What the calls of all seeds led to: each way of handling the buffer has to be among it.
+// What the calls of all seeds caused: every way of handling the buffer must occur.
 struct Reached {
   std::size_t growths = 0;
   std::size_t cut_backs = 0;
@@ -1011,12 +1130,13 @@ struct Reached {
   std::size_t skips = 0;
   std::size_t failures = 0;
 
-  // Counts a call, after which the buffer has its size and the source tells what it was asked.
+  // Counts a finished call, by the size of the buffer and the calls of the source.
   void add(ScriptedSource& source, std::size_t size_before) {
-    if (source.buffer_size() > size_before) ++growths;
-    if (source.buffer_size() < size_before) ++cut_backs;
+    const std::size_t size = buffer_size_of(source);
+    if (size > size_before) ++growths;
+    if (size < size_before) ++cut_backs;
     if (!source.skips().empty()) ++skips;
-    const bool grown = source.buffer_size() > size_before;
+    const bool grown = size > size_before;
     if (source.skips().empty() && !grown && !source.fills().empty()) ++compactions;
     source.forget_calls();
   }
@@ -1035,18 +1155,23 @@ unsigned long room_ahead(ScriptedSource& source, const TextStream& stream) {
 constexpr unsigned kSeeds = 12;
 constexpr int kCalls = 80;
 
-TEST(TextStreamModel, AnswersLikeAPlainString) {
+template <typename Source>
+class TextStreamModel : public testing::Test {};
+using BufferedSources = testing::Types<ScriptedSource, FileBufferedSource>;
+TYPED_TEST_SUITE(TextStreamModel, BufferedSources);
+
+TYPED_TEST(TextStreamModel, AnswersLikeAPlainString) {
   Reached reached;
-  for (unsigned seed = 1; seed <= kSeeds && !HasFailure(); ++seed) {
+  for (unsigned seed = 1; seed <= kSeeds && !this->HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
     const std::u16string text = random_text(random, 600'001 + random() % 1'500'000);
     Model model(text);
-    ScriptedSource source(text);
+    TypeParam source(text);
     TextStream stream(&source);
     source.forget_calls();
-    for (int call = 0; call < kCalls && !HasFailure(); ++call) {
-      const std::size_t size_before = source.buffer_size();
+    for (int call = 0; call < kCalls && !this->HasFailure(); ++call) {
+      const std::size_t size_before = buffer_size_of(source);
       RandomCall(random, model, room_ahead(source, stream)).make(stream, model);
       reached.add(source, size_before);
       EXPECT_EQ(stream.at(0), model.at(0));
@@ -1060,16 +1185,16 @@ TEST(TextStreamModel, AnswersLikeAPlainString) {
   EXPECT_GT(reached.skips, kSeeds) << reached;
 }
 
-TEST(TextStreamModel, AnswersLikeAPlainStringAfterEachFailure) {
+TYPED_TEST(TextStreamModel, AnswersLikeAPlainStringAfterEachFailure) {
   Reached reached;
-  for (unsigned seed = 101; seed <= 100 + kSeeds && !HasFailure(); ++seed) {
+  for (unsigned seed = 101; seed <= 100 + kSeeds && !this->HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
     const std::u16string text = random_text(random, 600'001 + random() % 1'500'000);
     Model model(text);
-    ScriptedSource source(text);
+    TypeParam source(text);
     TextStream stream(&source);
-    for (int call_number = 0; call_number < kCalls && !HasFailure(); ++call_number) {
+    for (int call_number = 0; call_number < kCalls && !this->HasFailure(); ++call_number) {
       const RandomCall call(random, model, room_ahead(source, stream));
       const unsigned long look = random_distance(random);
       if (random() % 2 == 0) source.fail_fill(1);
@@ -1090,7 +1215,7 @@ TEST(TextStreamModel, AnswersLikeAPlainStringAfterEachFailure) {
   EXPECT_GT(reached.failures, kSeeds) << reached;
 }
 
-// A long line now and then makes the buffer grow, the lines after it make it shrink.
+// Some long lines make the buffer grow, the lines after them make it shrink.
 TEST(TextStreamModelLines, AreReadOneAfterTheOther) {
   std::u16string text;
   for (const std::size_t length :

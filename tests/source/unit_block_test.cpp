@@ -11,7 +11,7 @@ namespace {
 
 constexpr auto kUnits = static_cast<std::size_t>(kBlockUnits);
 
-// A block of exactly its size on the heap, with `odd` at `place`.
+// A heap block of exactly its size, with `odd` at `place`.
 template <typename Unit>
 std::unique_ptr<Unit[]> block_with(Unit odd, std::size_t place) {
   auto block = std::make_unique<Unit[]>(kUnits);
@@ -35,7 +35,7 @@ TEST(AnyInBlock, FindsAByteAtEveryPlace) {
   }
 }
 
-// What is found in many units is not carried out of the number that it is kept in.
+// Hits in many code units do not overflow the number that collects them.
 TEST(AnyInBlock, FindsWhatAllUnitsAre) {
   const auto block = block_with<char16_t>(u'a', 0);
   EXPECT_TRUE(any_in_block(block.get(), [](char16_t unit) { return unit == u'a'; }));

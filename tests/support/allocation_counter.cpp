@@ -4,7 +4,7 @@
 #include <new>
 #include <string_view>
 
-// The thread sanitizer brings operators of its own, which must not be replaced.
+// The thread sanitizer has its own operators, which must not be replaced.
 #if defined(__SANITIZE_THREAD__)
 #define VLT_THREAD_SANITIZER 1
 #elif defined(__has_feature)
@@ -19,9 +19,11 @@
 namespace {
 
 thread_local std::size_t allocations = 0;
+thread_local std::size_t allocated_bytes = 0;
 
 [[maybe_unused]] void* allocate(std::size_t size) noexcept {
   ++allocations;
+  allocated_bytes += size;
   return std::malloc(size == 0 ? 1 : size);
 }
 
@@ -37,6 +39,8 @@ namespace textio::testing_support {
 
 std::size_t allocations_of_this_thread() noexcept { return allocations; }
 
+std::size_t allocated_bytes_of_this_thread() noexcept { return allocated_bytes; }
+
 bool allocations_are_counted() noexcept {
 #if VLT_THREAD_SANITIZER
   return false;
@@ -50,7 +54,7 @@ bool allocations_are_counted() noexcept {
 
 #if !VLT_THREAD_SANITIZER
 
-// All of them are replaced, so that no block goes from one pair of operators to another.
+// All of them are replaced, so that each block is freed by the operator that matches.
 void* operator new(std::size_t size) { return allocate_or_throw(size); }
 void* operator new[](std::size_t size) { return allocate_or_throw(size); }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }

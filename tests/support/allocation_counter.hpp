@@ -1,11 +1,12 @@
-// How often the calling thread has asked for memory with `new`, for tests of what must not.
+// How often, and for how many bytes, the calling thread has called `new`; for tests of code that
+// must not allocate.
 //
 //   const std::size_t before = allocations_of_this_thread();
 //   call_under_test();
 //   EXPECT_EQ(allocations_of_this_thread(), before);
 //
 // A program that links the counter has global operators new and delete that count, and otherwise
-// do what the usual ones do. Operators for over-aligned types are not counted.
+// work like the standard ones. Operators for over-aligned types are not counted.
 #pragma once
 
 #include <cstddef>
@@ -13,9 +14,9 @@
 namespace textio::testing_support {
 
 std::size_t allocations_of_this_thread() noexcept;
+std::size_t allocated_bytes_of_this_thread() noexcept;
 
-// False under valgrind, which puts its own operators in front of all others: the count then stands
-// still.
+// False under valgrind, which replaces the operators by its own: nothing is counted then.
 bool allocations_are_counted() noexcept;
 
 }  // namespace textio::testing_support

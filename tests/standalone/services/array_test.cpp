@@ -334,43 +334,78 @@ struct ProblemCase {
   NameValue option;
   const char* name;  // of the message
   MessageArgument argument;
+  const char* what;
 };
 std::ostream& operator<<(std::ostream& out, const ProblemCase& row) { return out << row.rule; }
 
 const ProblemCase kProblems[] = {
-    {"UnknownName", {"Delim", make_array(1)}, "UnknownParameter", std::u16string(u"Delim")},
+    {"UnknownName",
+     {"Delim", make_array(1)},
+     "UnknownParameter",
+     std::u16string(u"Delim"),
+     "Delim: Expected the name of an option."},
     {"UnknownNameInUtf8",
      {"Gr\xc3\xb6\xc3\x9f"
       "e",
       make_array(1)},
      "UnknownParameter",
-     std::u16string(u"Gr\u00f6\u00dfe")},
-    {"EmptyName", {"", make_array(1)}, "UnknownParameter", std::u16string()},
+     std::u16string(u"Gr\u00f6\u00dfe"),
+     "Gr\xc3\xb6\xc3\x9f"
+     "e: Expected the name of an option."},
+    {"EmptyName",
+     {"", make_array(1)},
+     "UnknownParameter",
+     std::u16string(),
+     "'': Expected the name of an option."},
     {"BadNumber",
      {"NumVariables", make_array(-1)},
      "ExpectedNonNegativeScalarInt",
-     std::int64_t{0}},
-    {"BadLine", {"dataline", make_array(0)}, "ExpectedPositiveScalarInt", std::int64_t{0}},
-    {"BadFlag", {"IsFile", make_array(1)}, "ExpectedScalarLogical", std::int64_t{0}},
+     std::int64_t{0},
+     "NumVariables: Expected one whole number, 0 or larger."},
+    {"BadLine",
+     {"dataline", make_array(0)},
+     "ExpectedPositiveScalarInt",
+     std::int64_t{0},
+     "dataline: Expected one whole number, 1 or larger."},
+    {"BadFlag",
+     {"IsFile", make_array(1)},
+     "ExpectedScalarLogical",
+     std::int64_t{0},
+     "IsFile: Expected true or false."},
     {"TooManyMarkers",
      {"CommentStyle", make_text_cell({u"a", u"b", u"c"})},
      "CommentStyleSize",
-     std::int64_t{0}},
-    {"BadDelimiter", {"Delimiter", make_array(1)}, "DelimiterType", std::int64_t{0}},
-    {"BadWord", {"TextType", make_array(u"z")}, "BadTextFlag", std::string("'char', 'string'")},
-    {"BadText", {"encoding", make_array(1)}, "InvalidStringProperty", std::string("Encoding")},
+     std::int64_t{0},
+     "CommentStyle: Expected at most two comment markers."},
+    {"BadDelimiter",
+     {"Delimiter", make_array(1)},
+     "DelimiterType",
+     std::int64_t{0},
+     "Delimiter: Expected a text or a list of texts as delimiters."},
+    {"BadWord",
+     {"TextType", make_array(u"z")},
+     "BadTextFlag",
+     std::string("'char', 'string'"),
+     "TextType: Expected one of 'char', 'string'."},
+    {"BadText",
+     {"encoding", make_array(1)},
+     "InvalidStringProperty",
+     std::string("Encoding"),
+     "encoding: Expected a text."},
     {"BadList",
      {"LineEnding", make_array(1)},
      "InvalidStringOrCellStringProperty",
-     std::string("EndOfLine")},
+     std::string("EndOfLine"),
+     "LineEnding: Expected a text or a list of texts."},
     {"BadEscape",
      {"TreatAsEmpty", make_array(u"\\z")},
      "InvalidEscapeSequence",
-     std::string("TreatAsMissing")},
+     std::string("TreatAsMissing"),
+     "TreatAsEmpty: Expected only the escapes \\\\, \\b, \\n, \\r and \\t."},
 };
 
 class ApplyOptionsProblem : public testing::TestWithParam<ProblemCase> {};
-TEST_P(ApplyOptionsProblem, NamesTheOptionAsGivenAndSaysTheSentence) {
+TEST_P(ApplyOptionsProblem, NamesTheOptionAsGivenAndStartsWithIt) {
   const ProblemCase& row = GetParam();
   const std::string identifier = std::string("VELLUM:textio:textio:") + row.name;
   std::vector<MessageArgument> arguments;
@@ -386,12 +421,28 @@ TEST_P(ApplyOptionsProblem, NamesTheOptionAsGivenAndSaysTheSentence) {
   } catch (const OptionProblem& problem) {
     EXPECT_EQ(problem.option(), row.option.first);
     EXPECT_EQ(problem.identifier(), identifier);
-    EXPECT_EQ(std::string(problem.what()), message_of(OwnError(identifier, arguments)));
+    EXPECT_EQ(message_of(problem), message_of(OwnError(identifier, arguments)));
+    EXPECT_EQ(std::string(problem.what()), row.what);
   }
   EXPECT_EQ(contents_of(record), contents_of(expected));
 }
 INSTANTIATE_TEST_SUITE_P(Table, ApplyOptionsProblem, testing::ValuesIn(kProblems),
                          testing_support::ByRule());
+
+TEST(ApplyOptionsWithoutAValue, NamesTheOption) {
+  parser::options record;
+  try {
+    apply_options(record, {{"NumHeaderLines", nullptr}});
+    FAIL() << "nothing was refused";
+  } catch (const std::invalid_argument& refused) {
+    EXPECT_EQ(std::string(refused.what()), "NumHeaderLines: Expected a value.");
+  }
+}
+
+TEST(OptionProblem, OfAnotherCatalogueStartsWithTheOptionToo) {
+  const OptionProblem problem("Encoding", OwnError("own:catalogue:Strange", {std::int64_t{7}}));
+  EXPECT_EQ(std::string(problem.what()), "Encoding: own:catalogue:Strange 7");
+}
 
 TEST(OptionProblem, IsAnInvalidArgumentAndACopyableValue) {
   const OptionProblem problem("--delimiter", OwnError("VELLUM:textio:textio:DelimiterType", {}));
