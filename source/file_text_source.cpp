@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::size_t kChunkBytes = 65'535;
 constexpr std::size_t kScratchUnits = 65'535;
+constexpr std::size_t kBarrenPerByte = 1024;
 
 struct CloseFile {
   void operator()(std::FILE* file) const noexcept { std::fclose(file); }
@@ -144,19 +145,25 @@ struct FileTextSource::FileState {
   bool is_cut_off = false;
 };
 
+// Asks for one byte per free unit, so that the converter need not keep units back. Of bytes that
+// give no units, such as shift sequences, it asks for more and more at a time: they could go on for
+// megabytes when one unit of room is left.
 // Fills [begin, end) as far as the text reaches; returns the number of units written. At the end
 // of the file the converter is asked once more, without bytes: it may hold an unfinished
 // character that the last read, filling its room exactly, did not show to be the last.
 std::size_t FileTextSource::FileState::decode(char16_t* begin, char16_t* end) {
   char chunk[kChunkBytes];
   char16_t* cursor = begin;
+  std::size_t barren = 0;  // bytes since the last unit
   while (cursor != end) {
-    const std::size_t ask = std::min(static_cast<std::size_t>(end - cursor), kChunkBytes);
+    const auto room = static_cast<std::size_t>(end - cursor);
+    const std::size_t ask = std::min(std::max(room, barren / kBarrenPerByte), kChunkBytes);
     const std::size_t got = at_end() ? 0 : read(chunk, ask);
     char16_t* const first = cursor;
     const char* in = chunk;
     if (converter.convert(cursor, end, in, chunk + got, got < ask)) converter.reset(false);
     const bool has_delivered = cursor != first;  // a low surrogate alone folds to nothing
+    barren = has_delivered ? 0 : barren + got;
     cursor = fold_surrogate_pairs(first, cursor);
     if (got == 0 && !has_delivered) break;
   }

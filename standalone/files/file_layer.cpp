@@ -13,10 +13,12 @@
 #include <unistd.h>
 
 #include <vltextstream/standalone/decoding/utf_text.hpp>
+#include <vltextstream/standalone/files/bounded_stream.hpp>
 #include <vltextstream/standalone/files/byte_stream.hpp>
 #include <vltextstream/standalone/files/compressed_stream.hpp>
 #include <vltextstream/standalone/files/compression_format.hpp>
 #include <vltextstream/standalone/files/gzip_decoder.hpp>
+#include <vltextstream/standalone/files/read_limit.hpp>
 #include <vltextstream/standalone/files/read_problem.hpp>
 #include <vltextstream/standalone/files/rewindable_stream.hpp>
 #include <vltextstream/standalone/files/zstd_decoder.hpp>
@@ -56,6 +58,13 @@ bool first_time(const struct stat& input) {
   return is_first;
 }
 
+// `stream` within the limit of this thread.
+std::unique_ptr<ByteStream> bounded(std::unique_ptr<ByteStream> stream) {
+  const std::int64_t limit = read_limit();
+  if (limit == kNoReadLimit) return stream;
+  return std::make_unique<BoundedStream>(std::move(stream), limit);
+}
+
 // A file of /proc or /sys may be a regular one that cannot seek.
 std::unique_ptr<ByteStream> stream_of(Descriptor input, const struct stat& about,
                                       bool is_standard_input) {
@@ -86,7 +95,7 @@ std::unique_ptr<ByteStream> text_of(std::unique_ptr<ByteStream> archive,
   if (compression_format(head_of(*text)) != CompressionFormat::none) {
     return refuse(kCompressedTwice);
   }
-  return text;
+  return bounded(std::move(text));
 }
 
 std::unique_ptr<ByteStream> decompressed(std::unique_ptr<ByteStream> stream) {
@@ -122,7 +131,7 @@ std::FILE* open_file(const std::u16string& path, const char* mode) {
   // A directory opens for reading like a file, and would look like an empty text.
   if (S_ISDIR(about.st_mode)) return refuse(EISDIR);
   auto stream = stream_of(std::move(input), about, is_standard_input(path));
-  if (stream) stream = decompressed(std::move(stream));
+  if (stream) stream = decompressed(bounded(std::move(stream)));
   return stream ? as_c_stream(std::move(stream)) : nullptr;
 }
 

@@ -22,7 +22,8 @@ enum ReadProblem : int {
   kFormatLz4,
   kFormatXz,
   kFormatZip,
-  kCompressedTwice  // an archive in an archive
+  kCompressedTwice,  // an archive in an archive
+  kTooManyBytes      // more than the limit that was set
 };
 
 // What `error` says, a number of the operating system or one of the above.
