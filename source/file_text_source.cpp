@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t kChunkBytes = 65'535;
 constexpr std::size_t kScratchUnits = 65'535;
-constexpr std::size_t kBarrenPerByte = 1024;
+constexpr std::size_t kBarrenPerByte = 1024;  // no ordinary text has as many bytes without a unit
 
 struct CloseFile {
   void operator()(std::FILE* file) const noexcept { std::fclose(file); }
@@ -145,12 +145,13 @@ struct FileTextSource::FileState {
   bool is_cut_off = false;
 };
 
-// Asks for one byte per free unit, so that the converter need not keep units back. Of bytes that
-// give no units, such as shift sequences, it asks for more and more at a time: they could go on for
-// megabytes when one unit of room is left.
 // Fills [begin, end) as far as the text reaches; returns the number of units written. At the end
 // of the file the converter is asked once more, without bytes: it may hold an unfinished
 // character that the last read, filling its room exactly, did not show to be the last.
+//
+// It asks for one byte per free unit, so that the converter need not keep units back. While bytes
+// give no units, as shift sequences do, it asks for more and more of them: they may fill megabytes
+// where one unit of room is left.
 std::size_t FileTextSource::FileState::decode(char16_t* begin, char16_t* end) {
   char chunk[kChunkBytes];
   char16_t* cursor = begin;
