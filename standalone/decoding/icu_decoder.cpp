@@ -62,7 +62,8 @@ char16_t control_of_its_byte(char16_t unit) {
   }
 }
 
-// Whether the unit may need a correction in an encoding without lone surrogates. Few texts have one.
+// Whether the unit may need a correction in an encoding without lone surrogates. Few texts have
+// one.
 bool may_change(char16_t unit) {
   const bool is_low = (unit & 0xFC00) == 0xDC00;
   const bool is_exchanged = (unit == 0x1A) | (unit == 0x1C) | (unit == 0x7F);

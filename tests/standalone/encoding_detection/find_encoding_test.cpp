@@ -1,4 +1,4 @@
-#include <vltextstream/standalone/encoding_detection/encoding.hpp>
+#include <vltextstream/standalone/encoding_detection/find_encoding.hpp>
 
 #include <gtest/gtest.h>
 
@@ -291,11 +291,11 @@ TEST(FindEncodingOfAnything, OfOneByteAboveAsciiIsUnsure) {
 
 // Every encoding that may be found can be opened by the converter.
 TEST(FindEncodingNames, AreKnownToTheConverter) {
-  for (const Reading& reading : single_byte_readings("\xE9")) {
-    EXPECT_NO_THROW(StreamCodeConverter(reading.encoding, true)) << reading.encoding;
+  for (const ScoredEncoding& scored : score_single_byte_encodings("\xE9")) {
+    EXPECT_NO_THROW(StreamCodeConverter(scored.encoding, true)) << scored.encoding;
   }
-  for (const Reading& reading : east_asian_readings("\xE9\xE9", true)) {
-    EXPECT_NO_THROW(StreamCodeConverter(reading.encoding, true)) << reading.encoding;
+  for (const ScoredEncoding& scored : score_east_asian_encodings("\xE9\xE9", true)) {
+    EXPECT_NO_THROW(StreamCodeConverter(scored.encoding, true)) << scored.encoding;
   }
 }
 
