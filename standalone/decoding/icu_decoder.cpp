@@ -162,7 +162,7 @@ char16_t* IcuDecoder::settle_surrogate(char16_t* out, char16_t unit) {
   return out;
 }
 
-// A copy of the converter is told that the input ends: what it gives then is unfinished. ICU's own
+// A copy of the converter gets the end of the input: what it gives then is unfinished. ICU's own
 // count of pending bytes does not answer this. It leaves out the character that an ISCII converter
 // delays until it has seen the next one, and it counts bytes that only pad a run of UTF-7.
 bool IcuDecoder::has_unfinished() const {

@@ -29,7 +29,7 @@ class hxArray {
     return std::holds_alternative<Kind>(elements);
   }
 
-  // The elements if they are of this class, else none.
+  // The elements if they have this class, else none.
   template <typename Kind>
   const Kind& as() const {
     static const Kind none;
@@ -126,7 +126,7 @@ Array make_row(hxArray::Elements elements, std::size_t count) {
   return std::make_shared<hxArray>(std::move(elements), std::vector<std::size_t>{rows, count});
 }
 
-// Whether the dimensions multiply to `count`, in numbers of any size.
+// Whether the product of the dimensions is `count`. Does not overflow.
 bool multiply_to(const std::vector<std::size_t>& dimensions, std::size_t count) {
   if (std::find(dimensions.begin(), dimensions.end(), 0U) != dimensions.end()) return count == 0;
   std::size_t rest = count;
@@ -148,7 +148,7 @@ std::string shown(const MessageArgument& argument) {
 
 struct Message {
   std::string_view name;
-  std::string_view sentence;  // "{}" stands for the argument
+  std::string_view sentence;  // "{}" is replaced by the argument
 };
 constexpr Message kMessages[] = {
     {"OddNumberNVPairs", "Expected names and values in pairs, but the last name has no value."},

@@ -1,10 +1,10 @@
-// Array values of the stand-alone host, to hand options to the library from C++.
+// Array values of the stand-alone host, for passing options to the library from C++.
 //
 //   using namespace textio::standalone;
 //   apply_options(record, {{"Delimiter", make_array(u";")}, {"NumHeaderLines", make_array(2)}});
 //
-// Ownership  an Array is a shared, immutable value; `array.get()` is what the library takes, valid
-//            as long as the Array is.
+// Ownership  an Array is a shared, immutable value. `array.get()` is what the library takes; it is
+//            valid as long as the Array.
 // Units      texts are UTF-16; elements are in column order.
 #pragma once
 
@@ -41,7 +41,7 @@ requires(!std::same_as<Integer, char> && !std::same_as<Integer, char8_t> &&
 // One row of characters; the empty text is 0-by-0.
 VLTEXTSTREAM_EXPORT Array make_array(std::u16string_view text);
 VLTEXTSTREAM_EXPORT Array make_array(const char16_t* text);
-Array make_array(const char* text) = delete;  // texts are UTF-16: from_utf8 makes them
+Array make_array(const char* text) = delete;  // texts are UTF-16; use from_utf8
 Array make_array(char16_t character) = delete;
 
 // One row of numbers: of class double, of class unsigned 64-bit integer.
@@ -49,12 +49,12 @@ VLTEXTSTREAM_EXPORT Array make_array(const std::vector<double>& values);
 VLTEXTSTREAM_EXPORT Array make_array(std::initializer_list<double> values);
 VLTEXTSTREAM_EXPORT Array make_array(const std::vector<std::uint64_t>& values);
 
-// Characters of any shape; std::invalid_argument unless the dimensions, at least two, multiply to
-// the number of units.
+// Characters of any shape; std::invalid_argument unless there are at least two dimensions, whose
+// product is the number of code units.
 VLTEXTSTREAM_EXPORT Array make_char_array(std::u16string_view units,
                                           const std::vector<std::size_t>& dimensions);
 
-// One row of cells, 0-by-0 when there is none: of arrays, none of them null, of texts.
+// One row of cells, 0-by-0 if there are none. The cells are arrays, none of them null, or texts.
 VLTEXTSTREAM_EXPORT Array make_cell(const std::vector<Array>& elements);
 VLTEXTSTREAM_EXPORT Array make_cell(std::initializer_list<std::u16string_view> texts);
 VLTEXTSTREAM_EXPORT Array make_text_cell(const std::vector<std::u16string>& texts);
@@ -62,7 +62,7 @@ VLTEXTSTREAM_EXPORT Array make_text_cell(const std::vector<std::u16string>& text
 // 0-by-0, of class double.
 VLTEXTSTREAM_EXPORT Array make_empty_array();
 
-// One English sentence that says what was expected, and repeats what was given.
+// One English sentence: what was expected, and what was given.
 VLTEXTSTREAM_EXPORT std::string message_of(const MessageIdentifiedError& error);
 
 // An option that was refused; what() is the sentence.
@@ -72,7 +72,7 @@ class VLTEXTSTREAM_EXPORT OptionProblem : public std::invalid_argument,
   OptionProblem(std::string option, const MessageIdentifiedError& error);
   ~OptionProblem() override;
 
-  // The name under which the option was given.
+  // The name of the option as it was given.
   const std::string& option() const { return option_; }
 
   const std::string& identifier() const override { return identifier_; }
@@ -86,9 +86,9 @@ class VLTEXTSTREAM_EXPORT OptionProblem : public std::invalid_argument,
 
 using NameValue = std::pair<std::string, Array>;
 
-// Applies the options, one after the other, to `record`. Throws OptionProblem at the first that is
-// refused, std::invalid_argument at one without a value; those before it stay applied. Names are
-// UTF-8.
+// Applies the options to `record`, one after the other. Throws OptionProblem at the first one that
+// is refused, and std::invalid_argument at one without a value; earlier ones stay applied. Names
+// are UTF-8.
 VLTEXTSTREAM_EXPORT void apply_options(parser::options& record,
                                        const std::vector<NameValue>& options);
 
