@@ -113,7 +113,7 @@ TEST(BarrenBytesByDefault, EndInAnErrorWhereverTheyBegin) {
 
 // --- archives -----------------------------------------------------------------------------------
 
-// A file that begins with `bytes` and goes on with zeros, which take no room on the disk.
+// A file that starts with `bytes`, followed by zeros that take no room on the disk.
 std::string file_with_hole(const TempFolder& folder, std::string_view bytes, std::uint64_t size) {
   const std::string path = folder.file("hole", bytes);
   std::filesystem::resize_file(path, size);

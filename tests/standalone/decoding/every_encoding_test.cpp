@@ -186,7 +186,7 @@ TEST_P(EveryEncoding, IsReadToItsEndInBuffersOfAnySize) {
 INSTANTIATE_TEST_SUITE_P(Names, EveryEncoding, testing::ValuesIn(texts_in_all_encodings()),
                          [](const auto& tested) { return "Row" + std::to_string(tested.index); });
 
-// The last character was lost where the file ended with a full buffer.
+// Former bug: the last character was lost if the file ended with a full buffer.
 TEST(IsciiText, HasItsLastCharacterAfterAFullBuffer) {
   std::string bytes(TextStream::kBufferUnits + 1, 'a');
   FileTextSource source;

@@ -56,7 +56,7 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-// What can be read of the file, and the errno of its end, 0 for a clean one.
+// The bytes of the file that can be read, and the errno that ends them, 0 for none.
 struct Content {
   std::string bytes;
   int error = 0;
@@ -87,7 +87,7 @@ TEST(FileUnderALimit, IsReadUpToThatManyBytes) {
   EXPECT_EQ(opened_under(0, folder.file("empty", "")), (Content{"", 0}));
 }
 
-// The archive has 24 bytes more than the 6 of its text, or fewer than the 100.
+// The first archive is larger than its text, the second one smaller.
 TEST(FileUnderALimit, CountsAsItIsAndUnpacked) {
   const TempFolder folder;
   const std::string small = gzip_of("abcdef");
