@@ -98,7 +98,9 @@ std::unique_ptr<ByteStream> text_of(std::unique_ptr<ByteStream> archive,
   return bounded(std::move(text));
 }
 
+// The text of the file, within the limit before and after decompression.
 std::unique_ptr<ByteStream> decompressed(std::unique_ptr<ByteStream> stream) {
+  stream = bounded(std::move(stream));
   switch (compression_format(head_of(*stream))) {
     case CompressionFormat::none:
       return stream;
@@ -131,7 +133,7 @@ std::FILE* open_file(const std::u16string& path, const char* mode) {
   // A directory opens for reading like a file, and would look like an empty text.
   if (S_ISDIR(about.st_mode)) return refuse(EISDIR);
   auto stream = stream_of(std::move(input), about, is_standard_input(path));
-  if (stream) stream = decompressed(bounded(std::move(stream)));
+  if (stream) stream = decompressed(std::move(stream));
   return stream ? as_c_stream(std::move(stream)) : nullptr;
 }
 
