@@ -158,7 +158,8 @@ std::size_t FileTextSource::FileState::decode(char16_t* begin, char16_t* end) {
   std::size_t barren = 0;  // bytes since the last unit
   while (cursor != end) {
     const auto room = static_cast<std::size_t>(end - cursor);
-    const std::size_t ask = std::min(std::max(room, barren / kBarrenPerByte), kChunkBytes);
+    const std::size_t more = std::min(barren / kBarrenPerByte, kChunkBytes);
+    const std::size_t ask = std::max(std::min(room, kChunkBytes), more);
     const std::size_t got = at_end() ? 0 : read(chunk, ask);
     char16_t* const first = cursor;
     const char* in = chunk;
