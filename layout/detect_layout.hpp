@@ -21,6 +21,7 @@
 // Threads    detections may run side by side, also with one and the same settings.
 #pragma once
 
+#include <cstdint>
 #include <initializer_list>
 #include <optional>
 #include <stdexcept>
@@ -50,6 +51,11 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
 
   // Fill in Layout::trace.
   bool trace = false;
+
+  // The most bytes that are read of a file, before and after decompression; FileError when more
+  // would be needed for the sample. Only bytes that give no characters, such as endless shift
+  // sequences, need so many: the default is 15 bytes for each character of the largest sample.
+  std::uint64_t max_bytes = 67'108'864;
 };
 
 // Settings with these options, an "Encoding" among them included. Throws OptionProblem at the first
@@ -57,7 +63,7 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
 VLTEXTSTREAM_EXPORT DetectSettings settings_with(const std::vector<NameValue>& options);
 
 // A file that cannot be read; what() names the file and the reason: that of the operating system,
-// or what is wrong with compressed data.
+// what is wrong with compressed data, or the limit of bytes.
 class VLTEXTSTREAM_EXPORT FileError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -13,6 +13,7 @@
 #include <vltextstream/host/code_converter.hpp>
 #include <vltextstream/host/file_layer.hpp>
 #include <vltextstream/standalone/decoding/utf_text.hpp>
+#include <vltextstream/standalone/files/read_limit.hpp>
 #include <vltextstream/standalone/files/read_problem.hpp>
 
 namespace textio::standalone {
@@ -24,7 +25,14 @@ constexpr std::size_t kHeadBytes = 65'536;
 // Memory that runs out is no fault of the file.
 [[noreturn]] void refuse(const char* action, const std::string& path, int error) {
   if (error == ENOMEM) throw std::bad_alloc();
-  throw FileError(fmt::format("cannot {} '{}': {}", action, path, read_problem(error)));
+  const std::string problem =
+      error == kTooManyBytes
+          ? fmt::format(
+                "a sample of it takes more than {} bytes, before or after decompression; the limit "
+                "is max_bytes (--max-bytes)",
+                read_limit())
+          : read_problem(error);
+  throw FileError(fmt::format("cannot {} '{}': {}", action, path, problem));
 }
 
 // A file that is read for its encoding before it is read for its text. What fails here must not be
@@ -98,6 +106,7 @@ FoundEncoding encoding_behind_ascii(Preview& preview) {
 
 InputText::InputText(const std::string& path, const DetectSettings& settings)
     : path_(path), settings_(settings) {
+  const ReadLimitScope limit(settings.max_bytes);
   errno = 0;
   File file(open_file(from_utf8(path), "rb"));
   if (!file) refuse("open", path_, errno);

@@ -18,7 +18,7 @@
 #include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/source/file_text_source.hpp>
 #include <vltextstream/source/text_stream.hpp>
-#include <vltextstream/standalone/encoding_detection/encoding.hpp>
+#include <vltextstream/standalone/encoding_detection/find_encoding.hpp>
 #include <vltextstream/strategy/field.hpp>
 
 namespace textio::standalone {

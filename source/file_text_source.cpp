@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::size_t kChunkBytes = 65'535;
 constexpr std::size_t kScratchUnits = 65'535;
+constexpr std::size_t kBarrenPerByte = 1024;  // bytes without a code unit; ordinary text has fewer
 
 // A converter keeps at most a surrogate pair for each byte that it got.
 constexpr std::size_t kMostUnitsPerByte = 2;
@@ -169,11 +170,18 @@ struct FileTextSource::FileState {
 };
 
 // Fills [begin, end) as far as the text reaches. Returns the number of code units written.
+//
+// Asks for one byte per free code unit, so that the converter need not keep code units back. While
+// bytes give no code units, as shift sequences do, it asks for more and more of them: they may fill
+// megabytes where one code unit of room is left.
 std::size_t FileTextSource::FileState::decode(char16_t* begin, char16_t* end) {
   char chunk[kChunkBytes];
   char16_t* cursor = begin;
+  std::size_t barren = 0;  // bytes since the last code unit
   while (cursor != end) {
-    const std::size_t ask = std::min(static_cast<std::size_t>(end - cursor), kChunkBytes);
+    const auto room = static_cast<std::size_t>(end - cursor);
+    const std::size_t more = std::min(barren / kBarrenPerByte, kChunkBytes);
+    const std::size_t ask = std::max(std::min(room, kChunkBytes), more);
     const std::size_t got = at_end() ? 0 : read(chunk, ask);
     if (got == 0 && !may_keep_text()) break;
     char16_t* const first = cursor;
@@ -181,6 +189,7 @@ std::size_t FileTextSource::FileState::decode(char16_t* begin, char16_t* end) {
     if (converter.convert(cursor, end, in, chunk + got, got < ask)) converter.reset(false);
     note_conversion(got, static_cast<std::size_t>(cursor - first));
     const bool has_delivered = cursor != first;  // an unpaired low surrogate folds to nothing
+    barren = has_delivered ? 0 : barren + got;
     cursor = fold_surrogate_pairs(first, cursor);
     if (got == 0 && !has_delivered) break;
   }

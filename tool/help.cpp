@@ -71,6 +71,9 @@ std::string help_text() {
       out, "--jobs N",
       "Look at N files at a time, 1 to 256, each of which takes memory; if not given, as many as "
       "there are processors");
+  append_option(out, "--max-bytes N",
+                "Read at most N bytes of each file, before and after decompression, 67108864 if "
+                "not given; a sample that takes more is an error");
   append_option(out, "--no-progress",
                 "Do not count the files on standard error, which is done only on a terminal");
   out += "\nWhat is known about the files:\n";

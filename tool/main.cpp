@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <charconv>
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -58,6 +59,7 @@ struct Arguments {
   DetectSettings settings;
   std::string lines = "100";
   std::optional<std::string> jobs;
+  std::optional<std::string> max_bytes;
   std::size_t num_threads = 1;
   bool json = false;
   bool explain = false;
@@ -98,6 +100,7 @@ Flags declare(CLI::App& app, Arguments& arguments, int argc, char** argv) {
   app.add_flag("--explain", arguments.explain);
   app.add_option("--lines", arguments.lines);
   app.add_option("--jobs", arguments.jobs);
+  app.add_option("--max-bytes", arguments.max_bytes);
   app.add_flag("--no-progress", arguments.no_progress);
   app.set_version_flag("--version", std::string("vltext ") + libvltextstream_version);
 
@@ -194,6 +197,10 @@ unsigned long to_line_count(const std::string& text) {
   return to_number("--lines", text, 0, std::numeric_limits<unsigned long>::max());
 }
 
+std::uint64_t to_byte_count(const std::string& text) {
+  return to_number("--max-bytes", text, 1, std::numeric_limits<unsigned long>::max());
+}
+
 std::size_t thread_count(const Arguments& arguments) {
   const std::size_t jobs = arguments.jobs
                                ? to_number("--jobs", *arguments.jobs, 1, kMostJobs)
@@ -249,6 +256,7 @@ DetectSettings settings_of(const Arguments& arguments) {
   }
   settings.num_lines = to_line_count(arguments.lines);
   settings.trace = arguments.explain;
+  if (arguments.max_bytes) settings.max_bytes = to_byte_count(*arguments.max_bytes);
   return settings;
 }
 

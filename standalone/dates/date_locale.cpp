@@ -1,11 +1,10 @@
-// All that is known of a locale comes from ICU's data for its Gregorian calendar: the names out of
-// the symbols of a date format, the ways to write a date out of the patterns of the four styles.
-// They are folded once, here, and put into sorted tables together with the English names.
+// Everything about a locale comes from ICU's data for its Gregorian calendar: the names from the
+// symbols of a date format, the ways to write a date from the patterns of the four styles. They are
+// folded once, here, and put into sorted tables together with the English names.
 //
-// A date check has no parameter for a locale, so the one in force is a pointer of the thread. It is
-// never followed after the scope that set it, and no other thread sees it. The tables behind it
-// never change; that they are kept for the next scope shows in the time alone. The locale of the
-// process has no part in this.
+// A date check has no parameter for a locale, so the current one is a thread-local pointer. It is
+// never used after the scope that set it, and no other thread sees it. Its tables never change.
+// Keeping them for the next scope only saves time. The locale of the process is not used.
 #include <vltextstream/standalone/dates/date_locale.hpp>
 
 #include <algorithm>
@@ -48,7 +47,7 @@ void check(UErrorCode status) {
   }
 }
 
-// The text that `write` puts into a buffer, at the second go when the first one is too small.
+// The text that `write` puts into a buffer, at the second attempt if the first buffer is too small.
 template <typename Write>
 std::u16string text_from(Write write) {
   std::u16string text(64, u'\0');
@@ -67,7 +66,7 @@ std::u16string text_from(Write write) {
 icu::LocalUDateFormatPointer open_format(UDateFormatStyle time, UDateFormatStyle date,
                                          const std::string& locale) {
   UErrorCode status = U_ZERO_ERROR;
-  // With a zone given, nobody asks for the zone of the machine.
+  // With an explicit zone, ICU does not look for the zone of the machine.
   icu::LocalUDateFormatPointer format(udat_open(
       time, date, (locale + "@calendar=gregorian").c_str(), u"Etc/UTC", -1, nullptr, 0, &status));
   check(status);
@@ -99,7 +98,7 @@ std::u16string normalized(const std::u16string& text, const UNormalizer2* form) 
   });
 }
 
-// Text may come composed or decomposed.
+// Texts may be composed or decomposed.
 std::array<const UNormalizer2*, 2> normal_forms() {
   UErrorCode status = U_ZERO_ERROR;
   const std::array forms{unorm2_getNFCInstance(&status), unorm2_getNFDInstance(&status)};
@@ -107,7 +106,7 @@ std::array<const UNormalizer2*, 2> normal_forms() {
   return forms;
 }
 
-// The first digit of a numbering system, '0' where its digits are no ten units in a row.
+// The first digit of a numbering system; '0' if its digits are not ten consecutive code units.
 char16_t zero_of(const std::string& locale) {
   UErrorCode status = U_ZERO_ERROR;
   const icu::LocalUNumberingSystemPointer system(unumsys_open(locale.c_str(), &status));
@@ -121,7 +120,7 @@ char16_t zero_of(const std::string& locale) {
   return is_row ? digits[0] : u'0';
 }
 
-// The digits of the locale besides 0 to 9: those that it uses, else those that its script has.
+// The digits of the locale besides 0 to 9: those that it uses, else those of its script.
 char16_t own_zero(const std::string& locale) {
   const char16_t usual = zero_of(locale);
   return usual != u'0' ? usual : zero_of(locale + "@numbers=native");
@@ -129,7 +128,7 @@ char16_t own_zero(const std::string& locale) {
 
 // --- names of locales --------------------------------------------------------------------------
 
-// A name is short: language, script, region and a variant or two.
+// A name is short: language, script, region and one or two variants.
 constexpr std::size_t kLongestLocale = 40;
 
 bool is_subtag_unit(char16_t unit) {
@@ -170,7 +169,7 @@ std::string printable(View name) {
       "DateLocale: Expected the name of a locale such as de_DE, got '{}'.", printable(name)));
 }
 
-// The name by which ICU knows the locale; the same for all ways to write it.
+// ICU's name of the locale, the same for all ways to write it.
 std::string known_locale(View name) {
   if (!is_shaped_like_locale(name)) refuse(name);
   const std::string ascii(name.begin(), name.end());
@@ -187,14 +186,14 @@ unsigned days_of(const Name& name) {
   return name.number < std::size(kDaysInMonth) ? kDaysInMonth[name.number] : 0;
 }
 
-// A name of two months is taken for the longer one, so that none of its days is missed.
+// If two months share a name, it means the longer one, so that all days of both are accepted.
 bool stands_before_by_days(const Name& a, const Name& b) {
   if (a.text != b.text) return stands_before(a, b);
   return days_of(a) > days_of(b);
 }
 
-// What is printed as a number, or with characters that take two units, is not looked up: there is
-// one unit for each character of a file, and those are all alike.
+// Names that are numbers, or that have characters outside the Basic Multilingual Plane, are left
+// out: in the text of a file such characters are all the same code unit.
 bool can_be_looked_up(View text) {
   const bool has_letter = std::any_of(text.begin(), text.end(), is_letter);
   return has_letter && std::none_of(text.begin(), text.end(),
@@ -208,7 +207,7 @@ class NameCollector {
                 const Folding& folding)
       : texts_(texts), locale_(locale), folding_(folding) {}
 
-  // `text` and what becomes of it in capitals, which folding alone does not bring back: Greek
+  // Adds `text` and its form in capitals, which folding alone does not map back to it: Greek
   // capitals have no accents.
   void add_in_all_shapes(const std::u16string& text, unsigned number, bool abbreviated) {
     for (const std::u16string& shape : {text, upper_case(text, locale_)}) {
@@ -232,7 +231,7 @@ class NameCollector {
     names_.insert(names_.end(), table.names().begin(), table.names().end());
   }
 
-  // Sorted, each text once; a dot may follow when it may follow one of them.
+  // Sorted, with each text once; a dot may follow if it may follow one of its entries.
   std::vector<Name> take() {
     std::sort(names_.begin(), names_.end(), stands_before_by_days);
     std::vector<Name> names;
@@ -247,7 +246,7 @@ class NameCollector {
   }
 
  private:
-  std::deque<std::u16string>& texts_;  // where texts stay where they are
+  std::deque<std::u16string>& texts_;  // texts keep their addresses here
   const std::string& locale_;
   const Folding& folding_;
   std::vector<Name> names_;
@@ -292,7 +291,7 @@ class LocaleNames {
     months_ = collect(format, kMonthTypes, english.months, 0);
     weekdays_ = collect(format, kWeekdayTypes, english.weekdays, 0);
     half_days_ = collect(format, kHalfDayTypes, english.half_days, 0);
-    eras_ = collect(format, kEraTypes, english.eras, 1);  // of the two eras, the one that goes on
+    eras_ = collect(format, kEraTypes, english.eras, 1);  // of the two eras, the current one
     names_.months = NameTable(months_);
     names_.weekdays = NameTable(weekdays_);
     names_.half_days = NameTable(half_days_);
@@ -307,7 +306,7 @@ class LocaleNames {
       const int32_t count = udat_countSymbols(format, entry.type);
       for (int32_t i = first; i < count; ++i) {
         const std::u16string text = symbol_of(format, entry.type, i);
-        // Months count from 0 here; there is an empty weekday before the first.
+        // ICU counts months from 0, and has an empty weekday before the first.
         const auto number = static_cast<unsigned>(i) + 1;
         collector.add_in_all_shapes(text, number, entry.abbreviated);
         if (entry.type == UDAT_AM_PMS) add_without_dots(collector, text, number);
@@ -317,7 +316,7 @@ class LocaleNames {
     return collector.take();
   }
 
-  // "a. m." is written "a.m." and "am" as well.
+  // "a. m." is also written "a.m." and "am".
   static void add_without_dots(NameCollector& collector, const std::u16string& marker,
                                unsigned number) {
     const auto is_blank = [](char16_t unit) { return u_isUWhiteSpace(unit) != 0; };
@@ -345,7 +344,7 @@ class LocaleNames {
     }
   }
 
-  // What stands between the date and the time, as in "1. Mai 2024 um 10:00".
+  // The text between the date and the time, as in "1. Mai 2024 um 10:00".
   void read_gap(UDateFormatStyle style, const std::u16string& date) {
     const std::u16string time = pattern_of(open_format(UDAT_SHORT, UDAT_NONE, locale_).getAlias());
     const std::u16string both = pattern_of(open_format(UDAT_SHORT, style, locale_).getAlias());
@@ -373,7 +372,7 @@ class LocaleNames {
 
 class LocaleCache {
  public:
-  // Tables are made outside the lock: two threads may make the same ones, and the first are kept.
+  // Tables are made outside the lock. If two threads make the same tables, the first ones are kept.
   std::shared_ptr<const DateNames> names_of(const std::string& locale) {
     if (auto known = find(locale)) return known;
     const auto made = std::make_shared<const LocaleNames>(locale);
@@ -400,7 +399,7 @@ class LocaleCache {
   std::map<std::string, std::shared_ptr<const DateNames>> kept_;
 };
 
-// Never destroyed, for a thread may still be at work when the process ends.
+// Never destroyed, because a thread may still use it when the process ends.
 LocaleCache& cache() {
   static LocaleCache& instance = *new LocaleCache;
   return instance;

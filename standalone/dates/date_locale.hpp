@@ -1,17 +1,17 @@
-// The locale whose names a date may be written with, besides the English ones.
+// DateLocaleScope: the locale whose names a date may have, besides the English ones.
 //
 //   {
 //     const DateLocaleScope scope(u"de_DE");
 //     datetime::is_datetime(field);          // "1. Maerz 2024" with its a-umlaut is a date
-//   }                                        // and is none here
+//   }                                        // no longer a date here
 //
-// Errors   DateLocaleScope throws std::invalid_argument for what is no locale,
+// Errors   DateLocaleScope throws std::invalid_argument for an unknown locale,
 //          "DateLocale: Expected the name of a locale such as de_DE, got 'xx'."; std::runtime_error
-//          when ICU lacks its data; std::bad_alloc. Nothing is bound then.
-// Cost     the first scope of a locale reads its names, some milliseconds; the tables of the 64
-//          locales used first are kept, and of others as long as a scope needs them. Later scopes
-//          look the locale up.
-// Threads  a scope counts on its thread alone. Tables are immutable and shared by threads.
+//          if ICU lacks its data; std::bad_alloc. Nothing is bound then.
+// Cost     the first scope of a locale reads its names, which takes some milliseconds. The tables
+//          of the first 64 locales are kept for later scopes, those of others while a scope uses
+//          them.
+// Threads  a scope affects only its own thread. Tables are immutable and shared by threads.
 #pragma once
 
 #include <memory>
@@ -21,9 +21,9 @@
 
 namespace textio::datetime {
 
-// Binds a locale to the thread until its end, when the former one comes back: scopes nest. Names
-// are taken as in "de", "de_DE", "zh-Hant-TW", in any case; a region that is not known does not
-// matter. The empty name stands for English alone.
+// Binds a locale to the thread until the end of the scope, which restores the previous one. Names
+// are written as in "de", "de_DE", "zh-Hant-TW", in any case; an unknown region is ignored. The
+// empty name means English alone.
 class DateLocaleScope {
  public:
   explicit DateLocaleScope(std::u16string_view locale);
@@ -36,7 +36,7 @@ class DateLocaleScope {
   const DateNames* former_;
 };
 
-// What the innermost scope of this thread has bound, the English names outside of all scopes.
+// The names of the innermost scope of this thread; outside of all scopes the English names.
 const DateNames& names_in_force() noexcept;
 
 }  // namespace textio::datetime

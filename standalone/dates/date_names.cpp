@@ -1,7 +1,7 @@
-// The tables are sorted by the first unit of their names, the longer ones first. So those that may
-// fit lie together, and the first that fits is the longest. A word of 64 bits, one bit for each
-// first unit modulo 64, answers most questions without a search: fields that are no dates rarely
-// have a letter where a name would stand.
+// The tables are sorted by the first code unit of their names, longer names first. So the names
+// that may match are neighbours, and the first match is the longest. A word of 64 bits, one bit for
+// each first code unit modulo 64, answers most look-ups without a search: fields that are no dates
+// rarely have a letter in the place of a name.
 #include <vltextstream/standalone/dates/date_names.hpp>
 
 #include <algorithm>
@@ -60,7 +60,7 @@ constexpr DateNames kEnglish{
 
 // --- folding -----------------------------------------------------------------------------------
 
-constexpr char16_t kNothing = 0xFFFE;  // no character, so nothing that a text needs
+constexpr char16_t kNothing = 0xFFFE;  // not a character, so no text has it
 
 constexpr char16_t lower_ascii(char16_t unit) {
   return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
@@ -72,7 +72,7 @@ constexpr bool is_no_break_or_thin_space(char16_t unit) {
 
 constexpr bool is_apostrophe(char16_t unit) { return unit == 0x2019 || unit == 0x02BC; }
 
-// Left-to-right, right-to-left, Arabic letter: some locales put them between the digits.
+// Left-to-right, right-to-left and Arabic letter mark: some locales write them between digits.
 constexpr bool is_direction_mark(char16_t unit) {
   return unit == 0x200E || unit == 0x200F || unit == 0x061C;
 }
@@ -83,7 +83,7 @@ bool is_own_digit(char16_t unit, const Folding& folding) {
   return unit >= folding.zero && unit < folding.zero + 10;
 }
 
-// A unit above 127, as the locale folds it.
+// A code unit above 127, as the locale folds it.
 char16_t folded_unit(char16_t unit, const Folding& folding) {
   if (is_own_digit(unit, folding)) return static_cast<char16_t>(u'0' + (unit - folding.zero));
   if (is_no_break_or_thin_space(unit)) return u' ';

@@ -1,15 +1,15 @@
-// Names that stand in dates: of months, weekdays, halves of the day and eras.
+// Names in dates: of months, weekdays, halves of the day and eras.
 //
 //   const DateNames& names = english_names();
 //   names.months.find(u"mar. 1", NameEnd::of_word)->number;     // 3
-//   names.months.find(u"marches", NameEnd::of_word);            // null: the word goes on
+//   names.months.find(u"marches", NameEnd::of_word);            // null: the word continues
 //
-// Texts are compared unit by unit, so whoever asks folds his text first, as the names were.
+// Texts are compared code unit by code unit, so the caller folds the text first, as the names were.
 //
 // Units      positions and counts are UTF-16 code units.
-// Ownership  a table is a view of names that lie elsewhere; these outlive it.
-// Cost       find: a table that holds no name with the first unit is done at once, else a binary
-//            search and the names with that unit. fold_text: O(units). Neither allocates.
+// Ownership  a table is a view of names stored elsewhere, which must outlive it.
+// Cost       find: O(1) if no name has the first code unit of the text, else a binary search and
+//            the names with that code unit. fold_text: O(code units). Neither allocates.
 // Threads    everything here is immutable once built.
 #pragma once
 
@@ -24,20 +24,20 @@ namespace textio::datetime {
 
 // --- folding -----------------------------------------------------------------------------------
 
-// What texts are folded by before they are compared. Without a locale it is the case of A to Z and
-// nothing else.
+// How texts are folded before they are compared. Without a locale only the case of A to Z is
+// folded.
 struct Folding {
   bool of_locale = false;  // simple case folding, look-alike blanks and apostrophes, no marks
-  bool turkic = false;     // all four letters i are one
+  bool turkic = false;     // all four letters i are the same
   char16_t zero = u'0';    // the first of the locale's own ten digits
 };
 
-// Writes the folded `text` to `to`, which has room for as many units; how many there are.
+// Writes the folded `text` to `to`, which has room for as many code units. Returns their number.
 std::size_t fold_text(std::u16string_view text, const Folding& folding, char16_t* to);
 
 std::u16string folded(std::u16string_view text, const Folding& folding);
 
-// Units above 127 count as letters, for names of other languages are made of them.
+// Code units above 127 count as letters, because names in other languages have them.
 constexpr bool is_letter(char16_t unit) { return (unit >= u'a' && unit <= u'z') || unit > 127; }
 
 constexpr bool is_digit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
@@ -51,7 +51,7 @@ struct Name {
   bool abbreviated;  // a dot may follow
 };
 
-// The order of tables: by first unit, and the longer name first.
+// The order of tables: by first code unit, and longer names first.
 constexpr bool stands_before(const Name& a, const Name& b) {
   if (a.text.front() != b.text.front()) return a.text.front() < b.text.front();
   if (a.text.size() != b.text.size()) return a.text.size() > b.text.size();
@@ -59,7 +59,7 @@ constexpr bool stands_before(const Name& a, const Name& b) {
 }
 
 enum class NameEnd {
-  of_word,  // neither a letter goes on behind a letter nor a digit behind a digit
+  of_word,  // no letter follows a letter, and no digit a digit
   anywhere
 };
 
@@ -67,12 +67,12 @@ class NameTable {
  public:
   constexpr NameTable() = default;
 
-  // `names` are not empty texts in the order of stands_before.
+  // `names` are non-empty texts in the order of stands_before.
   constexpr explicit NameTable(std::span<const Name> names) : names_(names) {
     for (const Name& name : names) first_units_ |= bit_of(name.text.front());
   }
 
-  // The longest name that `text` begins with, null if there is none.
+  // The longest name at the start of `text`, null if there is none.
   const Name* find(std::u16string_view text, NameEnd end) const;
 
   std::span<const Name> names() const { return names_; }
@@ -86,12 +86,12 @@ class NameTable {
 
 // --- how a locale writes dates -----------------------------------------------------------------
 
-// One part of a date, in the order in which the parts are written.
+// One part of a date. A pattern has them in the order in which they are written.
 struct DatePart {
   enum class Kind { literal, year, month, month_name, day, weekday, era };
 
   Kind kind;
-  std::u16string literal;  // folded; a blank in it stands for any number of them
+  std::u16string literal;  // folded; a blank in it matches any number of blanks
 
   friend bool operator==(const DatePart&, const DatePart&) = default;
 };
@@ -99,12 +99,12 @@ struct DatePart {
 struct DatePattern {
   std::vector<DatePart> parts;
   bool short_year = false;   // two digits
-  bool wants_pairs = false;  // day and month of two digits each
+  bool wants_pairs = false;  // day and month have two digits each
 
   friend bool operator==(const DatePattern&, const DatePattern&) = default;
 };
 
-// All that the language brings to the recognition of dates.
+// What a language adds to the recognition of dates.
 struct DateNames {
   Folding folding;
   NameTable months;
@@ -115,7 +115,7 @@ struct DateNames {
   std::span<const std::u16string> gaps_before_time;  // besides T, blanks and a comma
 };
 
-// What is understood without a locale.
+// The names without a locale.
 const DateNames& english_names();
 
 }  // namespace textio::datetime

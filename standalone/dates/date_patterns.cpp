@@ -1,6 +1,6 @@
-// A pattern is texts and runs of one letter. Text in apostrophes stands for itself, two of them for
-// one; a letter outside of them is a part of the date, and how often it is repeated tells a number
-// from a name.
+// A pattern consists of texts and runs of one letter. Text in apostrophes is literal, and two
+// apostrophes are one. A letter outside of them is a part of the date; the length of its run
+// distinguishes a number from a name.
 #include <vltextstream/standalone/dates/date_patterns.hpp>
 
 #include <algorithm>
@@ -44,7 +44,7 @@ class PatternParser {
  public:
   PatternParser(View rest, const Folding& folding) : rest_(rest), folding_(folding) {}
 
-  // Takes all of the pattern; false where it holds something that is no part of a date.
+  // Parses the whole pattern; false if it contains something that is no part of a date.
   bool parse() {
     while (!rest_.empty()) {
       if (!is_ascii_letter(rest_.front())) {
@@ -60,7 +60,7 @@ class PatternParser {
   DatePattern pattern;
 
  private:
-  // A unit that stands for itself, or a run in apostrophes.
+  // A literal code unit, or a text in apostrophes.
   void take_text() {
     const bool is_quoted = rest_.front() == u'\'';
     if (!is_quoted) {
@@ -106,7 +106,7 @@ bool is_date(const DatePattern& pattern) {
          count_of(pattern, Kind::month) + count_of(pattern, Kind::month_name) == 1;
 }
 
-// Fields come without blanks at their ends, and a text of nothing but direction marks is none.
+// Fields have no blanks at their ends, and a text of only direction marks is empty.
 void trim(DatePattern& pattern) {
   std::u16string& first = pattern.parts.front().literal;
   first.erase(0, std::min(first.find_first_not_of(u' '), first.size()));
@@ -117,7 +117,7 @@ void trim(DatePattern& pattern) {
   });
 }
 
-// Numbers with nothing but dots and hyphens between them and a year of two digits.
+// Numbers with only dots and hyphens between them, and a year of two digits.
 bool looks_like_version(const DatePattern& pattern) {
   const bool is_bare =
       std::all_of(pattern.parts.begin(), pattern.parts.end(), [](const DatePart& part) {

@@ -1,16 +1,15 @@
-// Date recognition by descent: a cursor walks over the field, and each rule of the grammar is one
-// function that either steps over what it stands for or says no. `kDates` lists how a date is
-// written, `kForms` how the whole field may be put together; a field is a date when one of the
-// forms takes all of it. A rule that fails leaves its cursor anywhere: whoever has another idea
-// keeps a copy.
+// Dates are recognised by recursive descent: a cursor walks over the field, and each rule of the
+// grammar is a function that either takes its text or fails. `kDates` lists the ways to write a
+// date, `kForms` the ways to compose a whole field; a field is a date if one of the forms takes all
+// of it. A rule that fails may leave its cursor anywhere: a caller with an alternative keeps a
+// copy.
 //
-// Which language the names are in is left to the names in force: English, or those of a locale
-// besides the English ones. A locale also brings patterns, which stand beside `kDates`. There one
-// text may begin with several dates and weekdays ("mar." is a Tuesday and a month in Spanish), so
-// each is tried with what follows. The field is folded before the walk: rules see lower case and
-// the digits 0 to 9.
+// The current names decide the language: English alone, or a locale and English. A locale also has
+// patterns, which are tried in addition to `kDates`. There a text may start with several dates and
+// weekdays ("mar." is a Tuesday and a month in Spanish), so each is tried with what follows. The
+// field is folded first: rules see lower case and the digits 0 to 9.
 //
-// A comma counts only with a blank behind it. Where it stands alone it separates columns.
+// A comma counts only with a blank after it. A comma alone separates columns.
 #include <vltextstream/host/datetime.hpp>
 
 #include <algorithm>
@@ -28,8 +27,8 @@ namespace {
 
 using View = std::u16string_view;
 
-// Longer than a date with everything that may be written beside it: names in full, nanoseconds,
-// AM or PM and an offset. What is longer is prose.
+// Longer than any date with full names, nanoseconds, AM or PM and an offset. Longer fields are
+// prose.
 constexpr std::size_t kLongestField = 64;
 
 constexpr View kDateMarks = u"-/.";
@@ -39,11 +38,11 @@ constexpr View kBlanksBeforeHalfDay = u" \u00a0\u202f";
 
 unsigned value_of(char16_t digit) { return static_cast<unsigned>(digit - u'0'); }
 
-// A place in the folded field, and the names that it is read with. The take... operations step over
-// what they name and say whether it was there; where it was not, they do not move.
+// A position in the folded field, and the names to read it with. The take... operations step over
+// what they name and return whether it was there; otherwise they do not move.
 class Cursor {
  public:
-  static constexpr char16_t kNone = 0;  // no rule asks for a NUL
+  static constexpr char16_t kNone = 0;  // no rule looks for a NUL
 
   Cursor(View rest, const DateNames& names) : rest_(rest), names_(&names) {}
 
@@ -51,7 +50,7 @@ class Cursor {
 
   bool at_end() const { return rest_.empty(); }
 
-  // The unit `ahead` places further on, kNone past the end.
+  // The code unit `ahead` positions further on, kNone past the end.
   char16_t peek(std::size_t ahead = 0) const { return ahead < rest_.size() ? rest_[ahead] : kNone; }
 
   bool take(char16_t unit) {
@@ -60,13 +59,13 @@ class Cursor {
     return true;
   }
 
-  // The unit taken, kNone when the next one is not in `set`.
+  // The code unit that was taken, kNone if the next one is not in `set`.
   char16_t take_one_of(View set) {
     const char16_t unit = peek();
     return set.find(unit) != View::npos && take(unit) ? unit : kNone;
   }
 
-  // As many units of `set` as there are.
+  // Takes all consecutive code units of `set`.
   View take_run_of(View set) {
     return take_front(std::min(rest_.find_first_not_of(set), rest_.size()));
   }
@@ -79,7 +78,7 @@ class Cursor {
     return true;
   }
 
-  // The longest name of `table` that stands here, null if there is none.
+  // The longest name of `table` at this position, null if there is none.
   const Name* take_name(const NameTable& table, NameEnd end = NameEnd::of_word) {
     const Name* const name = table.find(rest_, end);
     if (name != nullptr) rest_.remove_prefix(name->text.size());
@@ -101,7 +100,7 @@ class Cursor {
     return true;
   }
 
-  // The first two of the digits that follow, whatever stands behind them.
+  // The first two of the digits that follow, whatever comes after them.
   bool take_two_digits(unsigned& value) {
     if (!is_digit(peek()) || !is_digit(peek(1))) return false;
     value = value_of(peek()) * 10 + value_of(peek(1));
@@ -126,10 +125,10 @@ class Cursor {
   const DateNames* names_;
 };
 
-// A rule steps over what it describes, or answers false.
+// A rule steps over what it describes, or returns false.
 using Rule = bool (*)(Cursor&);
 
-// Takes what `rule` describes if it is there, else stays.
+// Takes what `rule` describes if it is there, else does not move.
 bool take_optional(Cursor& cursor, Rule rule) {
   Cursor ahead = cursor;
   if (!rule(ahead)) return false;
@@ -145,7 +144,7 @@ bool take_first_of(Cursor& cursor, const Rule (&rules)[N]) {
 
 // --- the calendar ------------------------------------------------------------------------------
 
-// Numbers as read; whether they make a date is for is_on_calendar to say.
+// Numbers as read; is_on_calendar decides whether they are a date.
 struct Date {
   unsigned year;
   unsigned month;
@@ -158,8 +157,8 @@ bool is_on_calendar(const Date& date) {
   return date.year >= 1 && day.ok();
 }
 
-// The year that two digits are checked with. 2000 is a leap year and 1900 is none, so a day that
-// exists in either century is found here.
+// The year with which two digits are checked. 2000 is a leap year and 1900 is not, so each day that
+// exists in either century exists here.
 unsigned from_two_digits(unsigned year) { return 2000 + year; }
 
 // --- parts of a date ---------------------------------------------------------------------------
@@ -170,8 +169,8 @@ bool take_blanks_or_comma(Cursor& cursor) {
   return cursor.take_blanks() || take_comma_and_blanks(cursor);
 }
 
-// The dot of an abbreviation. Before a digit it is the mark between two parts of the date, and
-// nothing has two dots.
+// The dot of an abbreviation. Before a digit it separates two parts of the date, and no
+// abbreviation has two dots.
 void take_dot_of(const Name& name, Cursor& cursor) {
   const char16_t behind = cursor.peek(1);
   if (name.abbreviated && !is_digit(behind) && behind != u'.') cursor.take(u'.');
@@ -215,21 +214,21 @@ bool take_ordinal_suffix(Cursor& cursor, unsigned day) {
   return true;
 }
 
-// The day behind a month's name: "1", "01", "1st".
+// The day after a month's name: "1", "01", "1st".
 bool take_day(Cursor& cursor, unsigned& day) {
   if (!cursor.take_number(1, 2, day)) return false;
   take_ordinal_suffix(cursor, day);
   return true;
 }
 
-// The day in front of a month's name; there a dot before a blank makes it an ordinal, too: "1. ".
+// The day before a month's name, where a dot and a blank also make it an ordinal: "1. ".
 bool take_leading_day(Cursor& cursor, unsigned& day) {
   if (!cursor.take_number(1, 2, day)) return false;
   if (!take_ordinal_suffix(cursor, day) && cursor.peek(1) == u' ') cursor.take(u'.');
   return true;
 }
 
-// The year beside a month's name may be short: the name says which number is which.
+// The year next to a month's name may be short: the name shows which number is which.
 bool take_year(Cursor& cursor, unsigned& year) {
   if (cursor.take_number(4, 4, year)) return true;
   if (!cursor.take_number(2, 2, year)) return false;
@@ -237,8 +236,8 @@ bool take_year(Cursor& cursor, unsigned& year) {
   return true;
 }
 
-// What stands between a month's name and a number: one of - / . or blanks, shown by a single blank.
-// Both gaps of a date are alike.
+// The separator between a month's name and a number: one of - / . or blanks, returned as one blank.
+// Both separators of a date are the same.
 bool take_gap(Cursor& cursor, char16_t& gap) {
   gap = cursor.take_blanks() ? u' ' : cursor.take_one_of(kDateMarks);
   return gap != Cursor::kNone;
@@ -248,7 +247,7 @@ bool take_same_gap(Cursor& cursor, char16_t gap) {
   return gap == u' ' ? cursor.take_blanks() : cursor.take(gap);
 }
 
-// Between blanks, the year may be set off by a comma.
+// If the separators are blanks, a comma may come before the year.
 bool take_same_gap_before_year(Cursor& cursor, char16_t gap) {
   return gap == u' ' ? take_blanks_or_comma(cursor) : cursor.take(gap);
 }
@@ -278,7 +277,7 @@ bool take_three_groups(Cursor& cursor, View marks, std::size_t fewest, std::size
          cursor.take(mark) && cursor.take_number(year_digits, year_digits, groups.year);
 }
 
-// Whether day or month comes first is not asked: one of the two has to make sense.
+// Day and month may come in either order; one of the two must make a date.
 bool is_on_calendar_in_some_order(const ThreeGroups& groups) {
   return is_on_calendar({groups.year, groups.second, groups.first}) ||
          is_on_calendar({groups.year, groups.first, groups.second});
@@ -303,7 +302,7 @@ bool slashes_then_short_year(Cursor& cursor) {
   return take_groups_with_short_year(cursor, u"/", 1);
 }
 
-// 01.03.24, 01-03-24. With fewer digits, "1.3.24" is a version as well as a date.
+// 01.03.24, 01-03-24. With fewer digits it could be a version: "1.3.24".
 bool three_pairs_of_digits(Cursor& cursor) { return take_groups_with_short_year(cursor, u"-.", 2); }
 
 // 1 Mar 2024, 1-Mar-24, 1st March, 2024, 1. March 2024
@@ -345,14 +344,14 @@ constexpr Rule kDates[] = {
 
 // --- dates as the locale writes them -----------------------------------------------------------
 
-// A blank stands for one or more.
+// A blank matches one or more blanks.
 bool take_literal(Cursor& cursor, View literal) {
   return std::all_of(literal.begin(), literal.end(), [&cursor](char16_t unit) {
     return unit == u' ' ? cursor.take_blanks() : cursor.take(unit);
   });
 }
 
-// The walk along one pattern.
+// Matches one pattern.
 class PatternReader {
  public:
   using Kind = DatePart::Kind;
@@ -369,14 +368,14 @@ class PatternReader {
   }
 
  private:
-  // A last word, as for "year", or a last dot is often left out. Beside a short year it is what
-  // tells a date from a version.
+  // A last word, as for "year", or a last dot is often left out. After a short year it must be
+  // there, because it distinguishes a date from a version.
   bool closes_date(const DatePart& part) const {
     return part.kind == Kind::literal && !pattern_.short_year &&
            (part.literal.front() == u' ' || part.literal == u".");
   }
 
-  // Stays where it is when the part is not there.
+  // Does not move if the part is not there.
   bool take_whole_part(std::size_t index) {
     const Cursor former = cursor_;
     if (take_part(index)) return true;
@@ -411,7 +410,7 @@ class PatternReader {
                                : cursor_.take_number(4, 4, date_.year);
   }
 
-  // What follows is the pattern's matter: an ending may, close to the name.
+  // The pattern decides what may follow, such as an ending directly after the name.
   bool take_name(const NameTable& table, std::size_t index, unsigned* number) {
     const Name* const name = cursor_.take_name(table, NameEnd::anywhere);
     if (name == nullptr) return false;
@@ -442,7 +441,7 @@ struct Clock {
 
 bool is_on_clock(const Clock& clock) {
   const bool in_minute = clock.minute <= 59 && clock.second <= 59;
-  // Which minutes end in a leap second depends on the zone: any may that ends an hour.
+  // Which minute has a leap second depends on the zone: any last minute of an hour may.
   const bool is_leap_second = clock.minute == 59 && clock.second == 60;
   const bool is_end_of_day =
       clock.hour == 24 && clock.minute == 0 && clock.second == 0 && !clock.has_fraction_above_zero;
@@ -452,7 +451,7 @@ bool is_on_clock(const Clock& clock) {
   return is_end_of_day || (clock.hour <= 23 && (in_minute || is_leap_second));
 }
 
-// ".250" or ",250" behind the seconds; the mark alone is no fraction and stays.
+// ".250" or ",250" after the seconds; the mark alone is no fraction and is not taken.
 void take_fraction(Cursor& cursor, Clock& clock) {
   if (!is_digit(cursor.peek(1)) || cursor.take_one_of(u".,") == Cursor::kNone) return;
   clock.has_fraction_above_zero = cursor.take_digits().find_first_not_of(u'0') != View::npos;
@@ -471,7 +470,7 @@ bool half_day(Cursor& cursor) {
   return half_day_name(cursor);
 }
 
-// In front of the time, where it stands in Korean and Chinese.
+// Before the time, as in Korean and Chinese.
 bool leading_half_day(Cursor& cursor) {
   if (!cursor.names().folding.of_locale || !half_day_name(cursor)) return false;
   cursor.take_blanks();
@@ -511,7 +510,7 @@ bool zone_offset(Cursor& cursor) {
 
 constexpr Rule kZones[] = {zone_name, zone_offset};
 
-// A zone, close to the time or after blanks.
+// A zone, directly after the time or after blanks.
 bool zone(Cursor& cursor) {
   cursor.take_blanks();
   return take_first_of(cursor, kZones);
@@ -542,7 +541,7 @@ bool takes_rest_behind_date(const Cursor& start) {
   });
 }
 
-// 2024-03-01, 01 Mar 2024 10:00:00 GMT, and what the locale's patterns say
+// 2024-03-01, 01 Mar 2024 10:00:00 GMT, and the patterns of the locale
 bool date_then_time(const Cursor& start) {
   const bool is_usual = std::any_of(std::begin(kDates), std::end(kDates), [&start](Rule date) {
     Cursor cursor = start;
@@ -556,7 +555,7 @@ bool date_then_time(const Cursor& start) {
          });
 }
 
-// Mar  1 10:00:00 2024, with a zone before or behind the year
+// Mar  1 10:00:00 2024, with a zone before or after the year
 bool time_before_year(const Cursor& start) {
   Cursor cursor = start;
   Date date{};
@@ -569,8 +568,8 @@ bool time_before_year(const Cursor& start) {
   return cursor.at_end() && is_on_calendar(date);
 }
 
-// Either of these, and before it a weekday: "Fri, 01 Mar 2024". Any weekday goes with any date.
-bool date_behind_weekday(const Cursor& start) {
+// Either of these after a weekday: "Fri, 01 Mar 2024". Any weekday is accepted for any date.
+bool date_after_weekday(const Cursor& start) {
   Cursor cursor = start;
   return take_weekday(cursor) && (date_then_time(cursor) || time_before_year(cursor));
 }
@@ -606,15 +605,15 @@ bool compact_date_time(const Cursor& start) {
   return cursor.at_end() && is_on_calendar(date) && is_on_clock(clock);
 }
 
-// A form takes the whole rest, or answers false.
+// A form takes the whole rest of the field, or returns false.
 using Form = bool (*)(const Cursor&);
 
 constexpr Form kForms[] = {
-    date_then_time,       // a date, with or without a time
-    time_before_year,     // Mar  1 10:00:00 2024
-    date_behind_weekday,  // Fri, 01 Mar 2024
-    access_log_time,      // 01/Mar/2024:10:00:00 +0000
-    compact_date_time,    // 20240301T100000Z
+    date_then_time,      // a date, with or without a time
+    time_before_year,    // Mar  1 10:00:00 2024
+    date_after_weekday,  // Fri, 01 Mar 2024
+    access_log_time,     // 01/Mar/2024:10:00:00 +0000
+    compact_date_time,   // 20240301T100000Z
 };
 
 }  // namespace
@@ -624,7 +623,7 @@ bool is_datetime(const Field& field) {
   const DateNames& names = names_in_force();
   char16_t units[kLongestField];
   const View text(units, fold_text(View(field.data, field.length), names.folding, units));
-  // All forms have a year, and most fields that are no dates have no digit.
+  // All forms have a year, and most fields that are not dates have no digit.
   if (std::none_of(text.begin(), text.end(), is_digit)) return false;
   const Cursor start(text, names);
   return std::any_of(std::begin(kForms), std::end(kForms),

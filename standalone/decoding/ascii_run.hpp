@@ -1,5 +1,5 @@
-// Runs of ASCII, sixteen bytes at a time: the common ground of all decoders whose bytes below 0x80
-// stand for themselves.
+// Decodes runs of ASCII, sixteen bytes at a time, for all encodings in which bytes below 0x80 are
+// ASCII.
 #pragma once
 
 #include <algorithm>
@@ -20,7 +20,7 @@ inline std::uint64_t eight_bytes_at(const char* in) {
   return word;
 }
 
-// How many of the eight bytes of `word`, as they lie in memory, come before the first high one.
+// How many of the eight bytes of `word`, in memory order, come before the first byte above 127.
 inline std::size_t ascii_prefix(std::uint64_t word) {
   const std::uint64_t high_bits = word & 0x8080808080808080;
   const int zeros = std::endian::native == std::endian::little ? std::countr_zero(high_bits)
@@ -28,8 +28,8 @@ inline std::size_t ascii_prefix(std::uint64_t word) {
   return static_cast<std::size_t>(zeros) / 8;
 }
 
-// Widens sixteen bytes. As vectors, because what g++ makes of a loop costs up to twice as much: the
-// bytes are mixed with zeros, which stand behind them where the lower half of a unit comes first.
+// Widens sixteen bytes by interleaving them with zeros. It uses vectors because the code that g++
+// generates for a loop takes up to twice as long.
 inline void widen(const char* in, char16_t* out) {
   using Bytes [[gnu::vector_size(kAsciiBlock)]] = unsigned char;
   constexpr bool kLowerHalfFirst = std::endian::native == std::endian::little;
@@ -45,14 +45,14 @@ inline void widen(const char* in, char16_t* out) {
   std::memcpy(out + kAsciiBlock / 2, &high, sizeof high);
 }
 
-// Widens sixteen bytes; returns how many come before the first high one.
+// Widens sixteen bytes. Returns how many come before the first byte above 127.
 inline std::size_t widen_ascii(const char* in, char16_t* out) {
   widen(in, out);
   const std::size_t prefix = ascii_prefix(eight_bytes_at(in));
   return prefix < 8 ? prefix : 8 + ascii_prefix(eight_bytes_at(in + 8));
 }
 
-// Moves the window over the ASCII bytes that come first in it.
+// Decodes the ASCII bytes at the start of the window.
 inline void take_ascii(DecodeWindow& window) {
   std::size_t left = static_cast<std::size_t>(
       std::min<std::ptrdiff_t>(window.in_end - window.in, window.out_end - window.out));

@@ -1,4 +1,4 @@
-// The interface alone: TextDecoder does the work, where the tests can reach both of its routes.
+// TextDecoder does the work, so that tests can reach both of its routes.
 #include <vltextstream/host/code_converter.hpp>
 
 #include <vltextstream/standalone/decoding/text_decoder.hpp>

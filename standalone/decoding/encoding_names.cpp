@@ -1,9 +1,9 @@
-// ICU's table of aliases is the list of names; nothing else is ever opened, so that a name cannot
-// make ICU look for a file. The four names that need no ICU at all are known without the table.
+// ICU's table of aliases is the list of names. Nothing else is ever opened, so that a name cannot
+// make ICU look for a file. The four names that need no ICU are known without the table.
 //
-// The nearest name is the one with the fewest edits (a character put in, left out or replaced, two
-// neighbours exchanged) between the comparison forms: letters and digits, in lower case. Of equally
-// near names one of a well-known encoding wins, then the order of ICU's table.
+// The nearest name is the one with the fewest edits (a character inserted, removed or replaced, two
+// neighbours exchanged) between the comparison forms: letters and digits, in lower case. Among
+// equally near names, well-known encodings come first, then the order of ICU's table decides.
 #include <vltextstream/standalone/decoding/encoding_names.hpp>
 
 #include <algorithm>
@@ -22,20 +22,20 @@ namespace {
 
 constexpr const char* kNamesWithoutTable[] = {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-16"};
 
-// In the order in which they are suggested when names are equally near.
+// In the order in which equally near names are suggested.
 constexpr const char* kWellKnown[] = {
     "UTF-8",     "UTF-16",       "UTF-16LE",     "UTF-16BE", "UTF-32",    "windows-1252",
     "Shift_JIS", "ISO-8859-1",   "GB18030",      "Big5",     "EUC-JP",    "EUC-KR",
     "US-ASCII",  "windows-1251", "windows-1250", "KOI8-R",   "macintosh", "ISO-8859-15",
 };
 
-// ICU's decoder for it answers differently when the same bytes are cut differently.
+// ICU's converter for it decodes the same bytes differently if they are cut differently.
 constexpr std::string_view kCompoundText = "x11-compound-text";
 
 constexpr std::size_t kMostShownBytes = 64;
-constexpr std::size_t kLongestForm = 48;  // no name in the table comes near it
+constexpr std::size_t kLongestForm = 48;  // far longer than any name in the table
 
-// Of three characters one may be wrong, and three of a long name.
+// One of three characters may be wrong, and three of a long name.
 constexpr std::size_t kCharactersPerEdit = 3;
 constexpr std::size_t kMostEdits = 3;
 
@@ -56,7 +56,7 @@ std::string comparison_form(std::string_view name) {
 
 std::string text_or_empty(const char* text) { return text == nullptr ? "" : text; }
 
-// The encoding behind any of its names; empty when there is none.
+// The encoding with this name or alias; empty if there is none.
 std::string table_entry(const std::string& name) {
   UErrorCode status = U_ZERO_ERROR;
   const char* const canonical = ucnv_getAlias(name.c_str(), 0, &status);
@@ -80,8 +80,8 @@ std::vector<std::string> aliases_of(const char* canonical) {
   return aliases;
 }
 
-// The name under which most people know the encoding that `alias` stands for. A standard's name may
-// be shared by several encodings: then it must stand for this one.
+// The best known name of the encoding that `alias` names. Several encodings may share a name of a
+// standard; such a name counts only if it names this encoding.
 std::string best_spelling(const std::string& alias) {
   const std::string canonical = table_entry(alias);
   for (const char* standard : {"MIME", "IANA"}) {
@@ -93,8 +93,8 @@ std::string best_spelling(const std::string& alias) {
 
 // --- distance ----------------------------------------------------------------------------------
 
-// The number of edits from `a` to `b`, by the usual table of prefixes of which three rows are kept.
-// Both have at most kLongestForm characters.
+// The number of edits from `a` to `b`, by the usual table of prefixes, of which three rows are
+// kept. Both texts have at most kLongestForm characters.
 std::size_t edits_between(std::string_view a, std::string_view b) {
   using Row = std::array<std::size_t, kLongestForm + 1>;
   Row rows[3] = {};
@@ -118,7 +118,7 @@ std::size_t edits_between(std::string_view a, std::string_view b) {
   return (*last)[b.size()];
 }
 
-// The place among the well-known encodings, or behind them all.
+// The position among the well-known encodings; their number for any other.
 std::size_t renown(const std::string& spelling) {
   const auto* const place = std::find(std::begin(kWellKnown), std::end(kWellKnown), spelling);
   return static_cast<std::size_t>(place - std::begin(kWellKnown));
@@ -128,7 +128,7 @@ std::size_t renown(const std::string& spelling) {
 
 bool is_continuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
-// The name as a message shows it.
+// The name as messages show it.
 std::string shown(const std::string& name) {
   std::size_t end = std::min(name.size(), kMostShownBytes);
   while (end > 0 && end < name.size() && is_continuation(name[end])) --end;
@@ -160,13 +160,13 @@ std::string shown(const std::string& name) {
       shown(name)));
 }
 
-// ICU looks at nothing but letters and digits; what cannot belong to a name is refused here.
+// ICU ignores everything but letters and digits; other characters are refused here.
 bool is_printable_ascii(char c) { return c >= 0x20 && c < 0x7F; }
 
 }  // namespace
 
 std::string nearest_encoding(const std::string& name) {
-  // Longer names are far from all, and would take long to compare.
+  // Longer names are not near any name, and comparing them would take long.
   if (name.size() > 2 * kLongestForm) return "";
   const std::string form = comparison_form(name);
   if (form.size() > kLongestForm) return "";

@@ -1,4 +1,4 @@
-// Names of encodings: which are known, and what to say about those that are not.
+// Names of encodings: which are known, and the error message for those that are not.
 //
 //   canonical_encoding("latin1");   // "ISO-8859-1", ICU's own name
 //   canonical_encoding("utf-9");    // throws: unknown encoding 'utf-9' (did you mean 'UTF-8'?)
@@ -10,13 +10,13 @@
 
 namespace textio::standalone {
 
-// ICU's own name of an encoding. Every name and alias in ICU's table is known, whatever its case,
-// punctuation and blanks; ICU's options behind a comma only where the table itself has them.
-// std::invalid_argument otherwise, with a sentence that repeats the name (cut when it is long, with
-// control characters escaped) and suggests the nearest one.
+// ICU's own name of an encoding. Every name and alias in ICU's table is known; case, punctuation
+// and blanks do not matter. ICU's options after a comma are known only where the table has them.
+// Throws std::invalid_argument otherwise, with a sentence that repeats the name (shortened if it is
+// long, with control characters escaped) and suggests the nearest one.
 std::string canonical_encoding(const std::string& name);
 
-// The best known spelling of the name that is nearest to `name`; empty when none is near.
+// The best known spelling of the name nearest to `name`; empty if none is near.
 std::string nearest_encoding(const std::string& name);
 
 }  // namespace textio::standalone

@@ -1,13 +1,13 @@
-// ICU writes into the caller's room, and gets so few bytes at a time that their units find room
-// there: some of its decoders lose their place when they do not. What it wrote is then put right in
-// its place: second halves of pairs are dropped where one unit is asked for, exchanged controls go
-// back to their bytes, and the encodings for which ICU lets lone surrogates pass get U+FFFD for
-// them.
+// ICU writes into the caller's room. Each call gets only as many bytes as are sure to fit, because
+// some of ICU's converters lose their place when the room runs out. The output is then corrected in
+// place: low surrogates are dropped where one unit per character is wanted, exchanged controls are
+// swapped back, and lone surrogates that ICU lets pass become U+FFFD.
 #include <vltextstream/standalone/decoding/icu_decoder.hpp>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <stdexcept>
 #include <string_view>
 
@@ -21,10 +21,10 @@
 namespace textio::standalone {
 namespace {
 
-// So much is put right while it is still at hand.
+// Output is corrected in pieces of this size, while they are in the cache.
 constexpr std::ptrdiff_t kMostUnits = 8192;
 
-// A byte gives two units at most, but for what a sequence that it ends gives.
+// A byte gives at most two units; a byte that ends a sequence also gives what the sequence gives.
 constexpr std::ptrdiff_t kUnitsPerByte = 2;
 constexpr std::ptrdiff_t kUnitsPerSequence = 64;
 
@@ -38,8 +38,8 @@ void replace_ill_formed(const void* context, UConverterToUnicodeArgs* args, cons
   ucnv_cbToUWriteUChars(args, &kReplacement, 1, 0, status);
 }
 
-// Some of ICU's tables exchange three control characters, as an old code page for screens did:
-// U+001A, which stands for a folded character here, would come from the byte of another one.
+// Some of ICU's tables exchange three control characters, as old code pages for screens did. There
+// U+001A, which marks a folded character in this library, comes from byte 0x7F.
 bool exchanges_controls(UConverter* converter) {
   const char bytes[] = {0x1A, 0x1C, 0x7F};
   char16_t units[8];
@@ -62,14 +62,15 @@ char16_t control_of_its_byte(char16_t unit) {
   }
 }
 
-// Whether the unit may not stay as it is where lone surrogates do not pass. Few texts have one.
+// Whether the unit may need a correction in an encoding without lone surrogates. Few texts have
+// one.
 bool may_change(char16_t unit) {
   const bool is_low = (unit & 0xFC00) == 0xDC00;
   const bool is_exchanged = (unit == 0x1A) | (unit == 0x1C) | (unit == 0x7F);
   return is_low | is_exchanged;
 }
 
-// The encodings that carry UTF-16 units of their own; ICU copies them unseen.
+// The encodings that encode UTF-16 code units; ICU copies these without a check.
 bool passes_lone_surrogates(const UConverter* converter) {
   switch (ucnv_getType(converter)) {
     case UCNV_UTF7:
@@ -96,13 +97,13 @@ IcuDecoder::IcuDecoder(const std::string& encoding, bool one_unit) : one_unit_(o
                       &status);
   passes_lone_surrogates_ = passes_lone_surrogates(converter_.get());
   exchanges_controls_ = exchanges_controls(converter_.get());
-  ill_formed_ = 0;  // the three bytes of that question are no part of any text
+  ill_formed_ = 0;  // the bytes of that test belong to no text
 }
 
 bool IcuDecoder::decode(DecodeWindow& window, bool final) {
   bool is_done = window.in == window.in_end && !final;
   while (!is_done) {
-    // A high surrogate that waits comes out in front of what ICU writes now.
+    // A high surrogate that waits comes before what ICU writes now.
     char16_t* const begin = window.out + (high_ != 0 ? 1 : 0);
     const std::ptrdiff_t room = std::min(window.out_end - begin, kMostUnits);
     const std::ptrdiff_t bytes_with_room = (room - kUnitsPerSequence) / kUnitsPerByte;
@@ -127,11 +128,11 @@ bool IcuDecoder::decode(DecodeWindow& window, bool final) {
   return true;
 }
 
-// What ICU wrote to [begin, end) becomes [out, returned). There is a free unit in front of `begin`
-// for a high surrogate that waits, so nothing is overwritten before it is read.
+// Corrects what ICU wrote to [begin, end) and moves it to [out, returned). A high surrogate that
+// waits has a free unit before `begin`, so no unit is overwritten before it is read.
 char16_t* IcuDecoder::settle(char16_t* out, const char16_t* begin, const char16_t* end) {
   if (!one_unit_ && !exchanges_controls_ && !passes_lone_surrogates_) return out + (end - begin);
-  if (!passes_lone_surrogates_) {  // so no high one waits, and the first units are in their place
+  if (!passes_lone_surrogates_) {  // no high surrogate waits, so the first units need not move
     while (end - begin >= kBlockUnits && !any_in_block(begin, may_change)) {
       begin += kBlockUnits;
       out += kBlockUnits;
@@ -148,7 +149,7 @@ char16_t* IcuDecoder::settle(char16_t* out, const char16_t* begin, const char16_
   return out;
 }
 
-// A high surrogate waits for the unit behind it; what is no pair then is ill-formed.
+// A high surrogate waits for the next unit; without a low one there it is ill-formed.
 char16_t* IcuDecoder::settle_surrogate(char16_t* out, char16_t unit) {
   const bool is_pair = high_ != 0 && is_low_surrogate(unit);
   const bool is_lone_low = high_ == 0 && is_low_surrogate(unit);
@@ -161,9 +162,21 @@ char16_t* IcuDecoder::settle_surrogate(char16_t* out, char16_t unit) {
   return out;
 }
 
+// A copy of the converter gets the end of the input: what it gives then is unfinished. ICU's own
+// count of pending bytes does not answer this. It leaves out the character that an ISCII converter
+// delays until it has seen the next one, and it counts bytes that only pad a run of UTF-7.
 bool IcuDecoder::has_unfinished() const {
+  if (high_ != 0) return true;
   UErrorCode status = U_ZERO_ERROR;
-  return high_ != 0 || ucnv_toUCountPending(converter_.get(), &status) > 0;
+  const std::unique_ptr<UConverter, Close> copy(ucnv_clone(converter_.get(), &status));
+  throw_if_out_of_memory(status);
+  std::size_t ill_formed = 0;
+  ucnv_setToUCallBack(copy.get(), replace_ill_formed, &ill_formed, nullptr, nullptr, &status);
+  char16_t units[kUnitsPerSequence];
+  char16_t* end = units;
+  const char* no_bytes = "";
+  ucnv_toUnicode(copy.get(), &end, std::end(units), &no_bytes, no_bytes, nullptr, 1, &status);
+  return end != units;
 }
 
 void IcuDecoder::reset() {

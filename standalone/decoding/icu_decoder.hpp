@@ -1,10 +1,12 @@
-// IcuDecoder: any encoding that ICU knows, and the judge of the faster decoders.
+// IcuDecoder: any encoding that ICU knows, and the reference for the faster decoders.
 //
 //   IcuDecoder decoder("Shift_JIS", false);
 //   decoder.decode(window, is_last);
 //
-// Errors  the constructor throws std::invalid_argument for a name that ICU cannot open, decode()
-//         std::runtime_error when ICU fails, which no input brings about.
+// Errors  the constructor throws std::invalid_argument for a name that ICU cannot open. decode()
+//         throws std::runtime_error when ICU fails, which no input causes. Each call may throw
+//         std::bad_alloc.
+// Cost    has_unfinished() copies the converter, about a microsecond; decode() allocates nothing.
 #pragma once
 
 #include <memory>
@@ -25,7 +27,7 @@ class IcuDecoder final : public StreamDecoder {
   bool has_unfinished() const override;
   void reset() override;
 
-  // Whether no character has more than one byte, as far as ICU can say.
+  // Whether ICU says that no character has more than one byte.
   bool is_single_byte() const;
 
  private:
@@ -41,7 +43,7 @@ class IcuDecoder final : public StreamDecoder {
   bool exchanges_controls_ = false;
   bool passes_lone_surrogates_ = false;
 
-  // A high surrogate whose other half is still to come, where ICU does not check that; 0 is none.
+  // A high surrogate that waits for its low one, where ICU does not check pairs; 0 for none.
   char16_t high_ = 0;
 };
 

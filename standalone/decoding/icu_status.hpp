@@ -1,4 +1,5 @@
-// What ICU's functions report, where a lack of memory must not pass for an answer about the text.
+// Checks the status of ICU's functions, so that a lack of memory is not taken for an answer about
+// the text.
 //
 //   converter = ucnv_open("Shift_JIS", &status);
 //   throw_if_out_of_memory(status);

@@ -1,5 +1,5 @@
-// A table look-up for each byte, but for blocks of bytes that all stand for the character of their
-// number: ASCII in most encodings, and in those of western Europe everything from A0 on as well.
+// Looks each byte up in a table, except in blocks of bytes that are all equal to their code units.
+// These are ASCII in most encodings, and in those of western Europe also everything from A0 on.
 #include <vltextstream/standalone/decoding/single_byte_decoder.hpp>
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 namespace textio::standalone {
 namespace {
 
-// Whether the bytes from `first` up to `end` stand for the characters of their numbers.
+// Whether each byte from `first` up to `end` is the code unit with its value.
 bool are_their_numbers(const SingleByteTable& table, unsigned first, unsigned end) {
   for (unsigned byte = first; byte < end; ++byte) {
     if (table.units[byte] != byte) return false;
@@ -21,7 +21,7 @@ bool are_their_numbers(const SingleByteTable& table, unsigned first, unsigned en
   return true;
 }
 
-// Which bytes keep a block from being widened.
+// The bytes that prevent a block from being widened.
 ByteRange range_to_look_up(const SingleByteTable& table) {
   constexpr ByteRange kAll = {0x00, 0x00};
   constexpr ByteRange kFrom80 = {0x80, 0x80};
@@ -42,8 +42,8 @@ void widen_block(DecodeWindow& window) {
 using AllBytes = std::array<char, 256>;
 using AllUnits = std::array<char16_t, 256>;
 
-// What becomes of the bytes in this order; none when some byte does not give exactly one unit, or a
-// U+FFFD is a character of the encoding and not the mark of an ill-formed byte.
+// The code units of the bytes in this order; none if some byte does not give exactly one code unit,
+// or if U+FFFD is a character of the encoding rather than the mark of an ill-formed byte.
 std::optional<AllUnits> one_unit_each(StreamDecoder& decoder, const AllBytes& bytes) {
   decoder.reset();
   const std::size_t ill_formed_before = decoder.ill_formed_parts();

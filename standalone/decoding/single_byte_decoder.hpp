@@ -1,4 +1,4 @@
-// SingleByteDecoder: encodings in which every byte is a character, or none, by itself.
+// SingleByteDecoder: encodings in which each byte by itself is one character or ill-formed.
 //
 //   if (const auto table = single_byte_table(slow_decoder)) {
 //     SingleByteDecoder decoder(*table);
@@ -19,14 +19,14 @@ struct SingleByteTable {
   std::array<char16_t, 256> units;  // U+FFFD for a byte that is ill-formed
 };
 
-// The bytes whose bits in `mask` are `value`.
+// The bytes whose bits under `mask` are equal to `value`.
 struct ByteRange {
   unsigned char mask;
   unsigned char value;
 };
 
-// What `decoder` makes of each byte; none when the bytes do not give one unit each, in whatever
-// order they come. The decoder is reset; its ill-formed parts count on.
+// The code unit that `decoder` gives for each byte; none unless each byte gives one code unit in
+// any order of the bytes. Resets the decoder, but not its count of ill-formed parts.
 std::optional<SingleByteTable> single_byte_table(StreamDecoder& decoder);
 
 class SingleByteDecoder final : public StreamDecoder {
@@ -41,8 +41,8 @@ class SingleByteDecoder final : public StreamDecoder {
   void look_up(DecodeWindow& window, std::ptrdiff_t count);
 
   SingleByteTable table_;
-  ByteRange to_look_up_;  // all others stand for the characters of their numbers
-  bool has_ill_formed_;   // some byte is no character
+  ByteRange to_look_up_;  // each other byte is the code unit with its value
+  bool has_ill_formed_;   // some byte is ill-formed
 };
 
 }  // namespace textio::standalone

@@ -1,6 +1,6 @@
-// Around the decoder of one encoding: the byte-order mark is dropped, "UTF-16" and "UTF-32" turn
-// into the concrete encoding as soon as their first bytes are known, and all input is consumed
-// whatever the room.
+// This adds three things to the decoder of an encoding: it drops the byte-order mark, it turns
+// "UTF-16" and "UTF-32" into the concrete encoding as soon as their first bytes are known, and it
+// consumes all input even if there is too little room.
 #include <vltextstream/standalone/decoding/text_decoder.hpp>
 
 #include <algorithm>
@@ -36,13 +36,13 @@ bool is_mark(const std::string& family, std::string_view head) {
   return head == little_mark(family) || head == big_mark(family);
 }
 
-// The encoding with the byte order that its first bytes tell; big-endian without a mark.
+// The encoding with the byte order of its first bytes; big-endian without a mark.
 std::string with_byte_order(const std::string& family, std::string_view head) {
   return family + (head == little_mark(family) ? "LE" : "BE");
 }
 
-// Without ICU's options: those of the encodings with a byte order are about marks, which are no
-// matter of ICU's here.
+// The name without ICU's options, which concern byte-order marks in these encodings. Marks are not
+// left to ICU here.
 std::string without_options(const std::string& encoding) {
   const bool has_order = encoding.starts_with("UTF-16") || encoding.starts_with("UTF-32");
   return has_order ? encoding.substr(0, encoding.find(',')) : encoding;
@@ -50,7 +50,7 @@ std::string without_options(const std::string& encoding) {
 
 // --- decoders ----------------------------------------------------------------------------------
 
-// Null for an encoding that needs ICU, at least to find out about it.
+// Null for an encoding that needs ICU, if only to learn its table.
 std::unique_ptr<StreamDecoder> decoder_without_icu(const std::string& encoding, bool one_unit) {
   if (encoding == "UTF-8") return std::make_unique<Utf8Decoder>(one_unit);
   if (encoding == "UTF-16LE") return std::make_unique<Utf16Decoder>(ByteOrder::little, one_unit);
@@ -58,7 +58,7 @@ std::unique_ptr<StreamDecoder> decoder_without_icu(const std::string& encoding, 
   return nullptr;
 }
 
-// Null for an encoding whose characters are not single bytes.
+// Null for an encoding whose characters are not all single bytes.
 std::unique_ptr<StreamDecoder> single_byte_decoder(IcuDecoder& icu) {
   if (!icu.is_single_byte()) return nullptr;
   const auto table = single_byte_table(icu);
@@ -115,7 +115,8 @@ bool TextDecoder::convert(char16_t*& out, char16_t* out_end, const char*& in, co
   return final && held_units() == 0;
 }
 
-// Moves the first bytes of the text to the head until they tell the order; false while they do not.
+// Moves the first bytes of the text to the head. Returns false while they do not decide the byte
+// order.
 bool TextDecoder::find_order(std::string_view& bytes, bool final) {
   const std::size_t taken = std::min(head_bytes(family_) - head_.size(), bytes.size());
   head_.append(bytes.substr(0, taken));
@@ -127,7 +128,7 @@ bool TextDecoder::find_order(std::string_view& bytes, bool final) {
   return true;
 }
 
-// All input, into the window as far as that reaches.
+// Decodes all input, into the window as far as it has room.
 void TextDecoder::decode(DecodeWindow& window, bool final) {
   char16_t* const begin = window.out;
   const bool all_out = held_units() == 0 && decoder_->decode(window, final);
@@ -147,7 +148,8 @@ void TextDecoder::hold_rest(DecodeWindow& window, bool final) {
   }
 }
 
-// [begin, end) was just decoded, and what is held stands behind it.
+// Drops the byte-order mark at the start of the text. [begin, end) was just decoded; the held units
+// come after it.
 void TextDecoder::drop_mark(char16_t* begin, char16_t*& end) {
   if (!at_start_ || (begin == end && held_units() == 0)) return;
   at_start_ = false;

@@ -1,11 +1,12 @@
-// TextDecoder: what StreamCodeConverter is made of; host/code_converter.hpp describes the calls.
+// TextDecoder: the implementation of StreamCodeConverter; host/code_converter.hpp describes the
+// calls.
 //
 //   TextDecoder decoder("Shift_JIS", true, DecodeRoute::fastest);
 //   decoder.convert(out, out_end, in, in_end, is_last);
 //
 // Errors   std::invalid_argument for an unknown encoding.
-// Cost     one pass over the bytes, straight into the caller's room; what finds no room is decoded
-//          a second place, on the heap.
+// Cost     one pass over the bytes, directly into the caller's room; code units that find no room
+//          there are kept on the heap.
 // Threads  one thread at a time; separate decoders are independent.
 #pragma once
 
@@ -18,7 +19,7 @@
 
 namespace textio::standalone {
 
-// Both give the same answers; `icu` is there to compare the other one with.
+// Both routes give the same answers; `icu` exists to test the other one.
 enum class DecodeRoute { fastest, icu };
 
 class TextDecoder {
@@ -30,7 +31,7 @@ class TextDecoder {
   std::size_t ill_formed_parts() const;
   void reset(bool at_start);
 
-  // Whether the decoder in use is one of those that do without ICU.
+  // Whether the decoder in use works without ICU.
   bool is_fast() const { return is_fast_; }
 
  private:
@@ -49,14 +50,14 @@ class TextDecoder {
   std::size_t earlier_ill_formed_ = 0;  // of decoders that were replaced
   bool at_start_ = true;
 
-  // "UTF-16" or "UTF-32" if that is the encoding, whose first bytes tell the order: those read so
-  // far.
+  // "UTF-16" or "UTF-32" if that is the encoding: its first bytes decide the byte order. `head_`
+  // has those read so far.
   std::string family_;
   std::string head_;
   bool order_known_ = true;
   bool order_marked_ = false;
 
-  // Units that found no room, from held_begin_ on.
+  // Code units that found no room, from held_begin_ on.
   std::u16string held_;
   std::size_t held_begin_ = 0;
 };

@@ -1,6 +1,6 @@
-// Blocks of units without a surrogate are copied, with their bytes swapped if need be; well-formed
-// pairs are copied one by one. Everything else, the ends of the input, unfinished characters and
-// lone surrogates, goes byte by byte through a machine that keeps half a unit and half a pair.
+// Blocks of code units without a surrogate are copied, with their bytes swapped if necessary.
+// Well-formed pairs are copied one by one. The ends of the input, unfinished characters and lone
+// surrogates go byte by byte through a state machine that keeps half a code unit and half a pair.
 #include <vltextstream/standalone/decoding/utf16_decoder.hpp>
 
 #include <algorithm>
@@ -30,7 +30,7 @@ char16_t unit_at(const char* in) {
   return is_swapped<kOrder>() ? swapped(unit) : unit;
 }
 
-// Copies a block; returns whether it holds a surrogate, and is to be looked at again.
+// Copies a block. Returns whether it contains a surrogate, so that it must be decoded again.
 template <ByteOrder kOrder>
 bool copy_block(const char* in, char16_t* out) {
   std::memcpy(out, in, kBlockUnits * sizeof *out);
@@ -38,8 +38,8 @@ bool copy_block(const char* in, char16_t* out) {
   return any_in_block(out, [](char16_t unit) { return (unit & 0xF800) == 0xD800; });
 }
 
-// Takes the character at the start of the window; false in front of a lone surrogate. There are
-// four bytes and room for two units.
+// Takes the character at the start of the window; false before a lone surrogate. The window has
+// four bytes and room for two code units.
 template <ByteOrder kOrder>
 bool take_character(DecodeWindow& window, bool one_unit) {
   const char16_t unit = unit_at<kOrder>(window.in);
@@ -60,7 +60,7 @@ bool has_block(const DecodeWindow& window) {
   return window.in_end - window.in >= 2 * kBlockUnits && window.out_end - window.out >= kBlockUnits;
 }
 
-// Each round takes at least one character; stops in front of what needs a closer look.
+// Each round takes at least one character. Stops before what the state machine must decode.
 template <ByteOrder kOrder>
 void take_whole_characters(DecodeWindow& window, bool one_unit) {
   DecodeWindow here = window;  // a local copy lives in registers
@@ -96,7 +96,7 @@ bool Utf16Decoder::decode(DecodeWindow& window, bool final) {
   return true;
 }
 
-// Takes the next byte, or ends an ill-formed part in front of its unit; false without room.
+// Takes the next byte, or ends an ill-formed part before its code unit; false if there is no room.
 bool Utf16Decoder::take_byte(DecodeWindow& window) {
   const char byte = *window.in;
   if (!has_odd_byte_) {

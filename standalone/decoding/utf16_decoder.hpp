@@ -30,7 +30,8 @@ class Utf16Decoder final : public StreamDecoder {
   ByteOrder order_;
   bool one_unit_;
 
-  // The unfinished character: a high surrogate (0 is none), the first byte of a unit, or both.
+  // The unfinished character: a high surrogate (0 for none), the first byte of a code unit, or
+  // both.
   char16_t high_ = 0;
   bool has_odd_byte_ = false;
   char odd_byte_ = 0;

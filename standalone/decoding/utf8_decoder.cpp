@@ -1,7 +1,7 @@
-// Two routes. Whole characters with four bytes ahead of them and room for a pair are checked at
-// once, ASCII in blocks. Everything else, the ends of the input, unfinished characters and
-// ill-formed bytes, goes byte by byte through a machine that knows for each byte which range may
-// follow: a byte outside it ends the maximal subpart and is looked at again as a first byte.
+// There are two routes. A character with at least four bytes of input and room for a pair is
+// decoded at once, ASCII in blocks. The ends of the input, unfinished characters and ill-formed
+// bytes go byte by byte through a state machine that keeps the valid range of the next byte. A byte
+// outside the range ends the maximal subpart and is then decoded as a first byte.
 #include <vltextstream/standalone/decoding/utf8_decoder.hpp>
 
 #include <cstdint>
@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::ptrdiff_t kLongestSequence = 4;
 
-// What a first byte announces; nothing is missing after an ill-formed one.
+// What a first byte says about the bytes that follow; none are missing after an ill-formed one.
 struct Lead {
   int missing;
   unsigned char next_low;
@@ -33,7 +33,7 @@ Lead lead_of(unsigned char byte) {
   return {3, 0x80, 0xBF};
 }
 
-// Four bytes as a number, the first one highest.
+// Four bytes as a big-endian number.
 std::uint32_t four_bytes(const char* in) {
   unsigned char bytes[kLongestSequence];
   std::memcpy(bytes, in, sizeof bytes);
@@ -41,8 +41,8 @@ std::uint32_t four_bytes(const char* in) {
          std::uint32_t{bytes[2]} << 8 | std::uint32_t{bytes[3]};
 }
 
-// The character that begins `four` and its length; length 0 when it is ill-formed. ASCII is not
-// asked for. Each pattern checks the marks of all bytes of a sequence at once.
+// The first character of `four`, which is not ASCII, and its length; length 0 if it is ill-formed.
+// Each pattern checks the marker bits of all bytes of a sequence at once.
 struct Character {
   char32_t value;
   int length;
@@ -81,7 +81,7 @@ bool Utf8Decoder::decode(DecodeWindow& window, bool final) {
   return true;
 }
 
-// Each round takes at least one byte; stops in front of what needs a closer look.
+// Each round takes at least one byte. Stops before what the state machine must decode.
 void Utf8Decoder::take_whole_characters(DecodeWindow& window) const {
   DecodeWindow here = window;  // a local copy lives in registers
   while (here.in_end - here.in >= kLongestSequence && here.out_end - here.out >= 2) {
@@ -102,7 +102,7 @@ void Utf8Decoder::take_whole_characters(DecodeWindow& window) const {
   window = here;
 }
 
-// Takes the next byte, or ends an ill-formed part in front of it; false without room.
+// Takes the next byte, or ends an ill-formed part before it; false if there is no room.
 bool Utf8Decoder::take_byte(DecodeWindow& window) {
   if (missing_ == 0) return take_first_byte(window);
   const auto byte = static_cast<unsigned char>(*window.in);

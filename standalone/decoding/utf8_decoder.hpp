@@ -28,7 +28,7 @@ class Utf8Decoder final : public StreamDecoder {
 
   bool one_unit_;
 
-  // The unfinished character: its bits so far, how many bytes it lacks, and the range of the next.
+  // The unfinished character: its bits so far, the number of missing bytes, the range of the next.
   char32_t bits_ = 0;
   int missing_ = 0;
   unsigned char next_low_ = 0x80;

@@ -1,4 +1,4 @@
-// Texts between UTF-8 and UTF-16, such as the paths that a file layer is given.
+// Converts between UTF-8 and UTF-16, for texts such as paths.
 #pragma once
 
 #include <string>
@@ -9,10 +9,10 @@
 namespace textio::standalone {
 
 // UTF-8 to UTF-16. A byte that is not part of well-formed UTF-8 becomes the lone surrogate
-// U+DC00 + byte, so that every path survives the way there and back.
+// U+DC00 + byte, so that to_utf8 restores every path.
 VLTEXTSTREAM_EXPORT std::u16string from_utf8(std::string_view bytes);
 
-// UTF-16 to UTF-8, with the bytes that from_utf8 hid.
+// UTF-16 to UTF-8. Restores the bytes that from_utf8 escaped.
 VLTEXTSTREAM_EXPORT std::string to_utf8(std::u16string_view text);
 
 }  // namespace textio::standalone

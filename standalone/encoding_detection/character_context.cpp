@@ -1,6 +1,6 @@
-// Words hold letters of one script, and capitals only in front or throughout; signs have their
-// places. Vowels and consonants take turns more often than not. Each rule gives the logarithm of a
-// factor, and a character's factors add up.
+// A word has letters of one script, with capitals only at its start or throughout. Signs have their
+// places. Vowels and consonants mostly alternate. Each rule gives the logarithm of a factor, and
+// the logarithms for a character are added up.
 #include <vltextstream/standalone/encoding_detection/character_context.hpp>
 
 #include <algorithm>
@@ -76,7 +76,7 @@ CharacterKind kind_of(char16_t c, bool is_sign) {
   }
 }
 
-// The letter without what stands above or below it.
+// The letter without its diacritics.
 char16_t base_of(char16_t c) {
   UErrorCode status = U_ZERO_ERROR;
   char16_t units[8] = {};
@@ -107,7 +107,7 @@ bool ends_word(const ReadCharacter& read) {
   return read.kind == edge || read.kind == punctuation || read.kind == sign;
 }
 
-// Of letters of one script the case has to go together.
+// Judges the case of neighbouring letters of one script.
 double log_fit_of_case(const ReadCharacter& before, const ReadCharacter& self,
                        const ReadCharacter& after) {
   const bool within_capitals = before.kind == upper && after.kind == upper;

@@ -1,11 +1,11 @@
-// How likely a character stands between its neighbours, whatever the language.
+// How likely a character is between its neighbours, in any language.
 //
 //   const ReadCharacter e_acute = read_character(u'\u00E9');
 //   log_fit(read_character(u'f'), e_acute, read_character(u'e'));   // 0: a letter within a word
 //   log_fit(read_character(u'4'), e_acute, read_character(u'2'));   // less
 //
-// Units  natural logarithms of a factor, 0 where nothing is odd.
-// Cost   log_fit: O(1), no allocation. read_character asks ICU's character tables.
+// Units  log_fit is the natural logarithm of a factor, 0 where nothing is odd.
+// Cost   log_fit: O(1), no allocation. read_character looks up ICU's character tables.
 #pragma once
 
 #include <unicode/uscript.h>
@@ -26,7 +26,7 @@ enum class CharacterKind : unsigned char {
   junk
 };
 
-// Of Latin, Greek and Cyrillic letters.
+// The sound of a Latin, Greek or Cyrillic letter.
 enum class Sound : unsigned char { unknown, vowel, consonant };
 
 struct ReadCharacter {
@@ -35,11 +35,11 @@ struct ReadCharacter {
   CharacterKind kind = CharacterKind::junk;
   Sound sound = Sound::unknown;
   UScriptCode script = USCRIPT_COMMON;
-  const Sign* sign = nullptr;  // set if it is one of signs()
+  const Sign* sign = nullptr;  // its entry in signs(), if it has one
 };
 
-// `character` and what is known about it; junk is what no text holds: control characters but white
-// space, private use, characters that are not assigned, U+FFFD.
+// The properties of `character`. Junk is what no text contains: control characters other than white
+// space, private use characters, unassigned characters and U+FFFD.
 ReadCharacter read_character(char16_t character);
 
 double log_fit(const ReadCharacter& before, const ReadCharacter& self, const ReadCharacter& after);

@@ -1,5 +1,5 @@
-// Bytes above 127 that happen to form a sequence of UTF-8 are rare in any other encoding, so each
-// sequence is as likely as one letter; each ill-formed part is a mishap.
+// Bytes above 127 rarely form a UTF-8 sequence by chance in another encoding. So each sequence
+// counts like one letter, and each ill-formed part like a rare accident.
 #include <vltextstream/standalone/encoding_detection/damaged_utf8_voter.hpp>
 
 #include <cstddef>
@@ -17,7 +17,7 @@ constexpr double kSequences[] = {0.0, 0.0, -4.0, -6.0, -8.0};  // by their lengt
 
 }  // namespace
 
-Reading damaged_utf8_reading(std::string_view bytes, bool is_whole) {
+ScoredEncoding score_damaged_utf8(std::string_view bytes, bool is_whole) {
   const auto* const units = reinterpret_cast<const unsigned char*>(bytes.data());
   double score = -kRarity;
   std::size_t sequences = 0;
@@ -34,7 +34,7 @@ Reading damaged_utf8_reading(std::string_view bytes, bool is_whole) {
       ++ill_formed;
     }
   }
-  // Without sequences a text has nothing of UTF-8, and with few of them little.
+  // A text without sequences shows no sign of UTF-8, and one with few of them a weak one.
   if (sequences == 0 || sequences < ill_formed) score = -std::numeric_limits<double>::infinity();
   return {"UTF-8", score, {}};
 }

@@ -1,15 +1,15 @@
-// Scores UTF-8 for a text that is not well-formed throughout: a file that was cut, or put together
-// from two, is still read best as UTF-8.
+// Scores UTF-8 for a text with some ill-formed parts. UTF-8 is still the best encoding for a file
+// that was cut off, or joined from two files.
 //
 // Cost  linear in the bytes.
 #pragma once
 
 #include <string_view>
 
-#include <vltextstream/standalone/encoding_detection/encoding_reading.hpp>
+#include <vltextstream/standalone/encoding_detection/scored_encoding.hpp>
 
 namespace textio::standalone {
 
-Reading damaged_utf8_reading(std::string_view bytes, bool is_whole);
+ScoredEncoding score_damaged_utf8(std::string_view bytes, bool is_whole);
 
 }  // namespace textio::standalone

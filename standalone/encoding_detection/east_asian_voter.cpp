@@ -1,7 +1,7 @@
-// Each encoding belongs to a language, and each language divides its characters into classes: the
-// most frequent ones by rank, the first level of its standard, and what is left. A class has a
-// share of all characters, which its members divide. The sets of the first level are those that the
-// encoding itself puts first, so the leading byte tells them.
+// Each encoding belongs to a language. Each language divides its characters into classes: the most
+// frequent ones by rank, the first level of its standard, and the rest. A class has a share of all
+// characters, which its members divide. An encoding places its first level first, so the leading
+// byte shows the level.
 #include <vltextstream/standalone/encoding_detection/east_asian_voter.hpp>
 
 #include <algorithm>
@@ -19,10 +19,11 @@ namespace {
 
 constexpr double kIllFormed = -20.0;
 constexpr double kUnexpected = -14.0;
-constexpr double kAsciiTrail = 3.7;  // what a byte below 128 in a character need not explain
+constexpr double kAsciiTrail =
+    3.7;  // the gain of a trail byte below 128, which is no byte to explain
 constexpr double kBesideAsciiWord = -1.5;
 
-// Characters by rank: the likelihood falls with the rank.
+// Characters by rank. The likelihood falls with the rank.
 struct Ranked {
   std::u16string_view characters;
   double share;
@@ -38,7 +39,7 @@ double likelihood(const Ranked& ranked, char16_t c) {
   return ranked.share / sum / (static_cast<double>(rank) + kFlatten);
 }
 
-// How a language divides its characters: shares over numbers of members.
+// How a language divides its characters: the share of each class over the number of its members.
 struct EastAsianLanguage {
   Ranked ranked[3];
   double first_level;
@@ -78,7 +79,7 @@ EastAsianLanguage korean() {
   return {{{frequent_hangul(), 0.62}, {}, {}}, 0.32 / 2350, 0.005 / 4888, 0.04 / 80, 1e-7, 1e-7};
 }
 
-// A character as its bytes have it.
+// A character and its bytes.
 struct Decoded {
   char32_t character;
   std::string_view bytes;
@@ -189,8 +190,8 @@ class Walk {
 
   bool is_at_end() const { return !converter_ || next_ == end_; }
 
-  // The next character, U+FFFD where the bytes are ill-formed. ICU's converters eat at least one
-  // byte, and where they fail to, this does.
+  // The next character, U+FFFD if its bytes are ill-formed. Skips at least one byte, also where
+  // ICU's converter takes none.
   Decoded next() {
     const char* const from = next_;
     if (static_cast<unsigned char>(*from) < 0x80) {
@@ -208,7 +209,7 @@ class Walk {
 
   bool is_cut_off() const { return is_cut_off_; }
 
-  // Whether a character stands beside an ASCII letter.
+  // Whether a character is next to an ASCII letter.
   bool touches_ascii_word(const Decoded& one) const {
     const char* const after = one.bytes.data() + one.bytes.size();
     return (one.bytes.data() != begin_ && is_ascii_letter(one.bytes.data()[-1])) ||
@@ -250,12 +251,12 @@ double score_of(const Encoding& encoding, std::string_view bytes, bool is_whole)
 
 }  // namespace
 
-std::vector<Reading> east_asian_readings(std::string_view bytes, bool is_whole) {
-  std::vector<Reading> readings;
+std::vector<ScoredEncoding> score_east_asian_encodings(std::string_view bytes, bool is_whole) {
+  std::vector<ScoredEncoding> scored;
   for (const Encoding& encoding : kEncodings) {
-    readings.push_back({encoding.name, score_of(encoding, bytes, is_whole), {}});
+    scored.push_back({encoding.name, score_of(encoding, bytes, is_whole), {}});
   }
-  return readings;
+  return scored;
 }
 
 double log_likelihood_in_east_asia(char32_t c) {

@@ -12,11 +12,11 @@ enum class EncodingFound {
   given,             // the settings name it
   byte_order_mark,   // the file starts with the mark
   valid_utf8,        // the bytes are well-formed UTF-8
-  zero_bytes,        // UTF-16 or UTF-32 without a mark: zero bytes stand where they have them
+  zero_bytes,        // UTF-16 or UTF-32 without a mark: zero bytes are where these have them
   escape_sequences,  // the escape sequences of an ISO 2022 encoding
-  statistics,        // the bytes above 127 read best this way
-  fallback,          // nothing was found: taken for windows-1252, or for UTF-8 when the input can
-                     // be read only once
+  statistics,        // the bytes above 127 make the best text in this encoding
+  fallback,          // nothing was found: windows-1252, or UTF-8 if the input can be read only
+                     // once
   none               // the text was in memory
 };
 

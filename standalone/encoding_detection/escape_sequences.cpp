@@ -1,6 +1,6 @@
-// An encoding is a candidate when one of its designations of a character set stands in the text,
-// and it is the answer when it decodes all of it. The designation of ASCII proves nothing:
-// terminals use it too.
+// An encoding is a candidate if the text contains one of its designations of a character set, and
+// it is the answer if it decodes the whole text. The designation of ASCII proves nothing: terminals
+// use it too.
 #include <vltextstream/standalone/encoding_detection/escape_sequences.hpp>
 
 #include <memory>
@@ -16,8 +16,8 @@ struct Designation {
   std::string_view sequence;
   const char* encoding;
 };
-// The kana of half width and the sets of JIS X 0212 and of other languages belong to the extensions
-// of ISO-2022-JP.
+// Half-width kana, JIS X 0212 and the sets of other languages belong to the extensions of
+// ISO-2022-JP.
 constexpr Designation kDesignations[] = {
     {"\x1B$@", "ISO-2022-JP"},    {"\x1B$B", "ISO-2022-JP"},    {"\x1B(J", "ISO-2022-JP"},
     {"\x1B(I", "ISO-2022-JP-3"},  {"\x1B$(D", "ISO-2022-JP-1"}, {"\x1B$A", "ISO-2022-JP-2"},

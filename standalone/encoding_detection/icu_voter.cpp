@@ -1,6 +1,6 @@
-// ICU gives marks from 0 to 100 to the encodings it knows. The marks of Unicode encodings are not
-// heard: of ASCII with one byte above 127 it makes UTF-16 now and then, and that question has been
-// answered before.
+// ICU gives marks from 0 to 100 to the encodings that it knows. Its marks for Unicode encodings are
+// ignored: it sometimes takes ASCII with one byte above 127 for UTF-16, and these encodings were
+// already ruled out.
 #include <vltextstream/standalone/encoding_detection/icu_voter.hpp>
 
 #include <algorithm>
@@ -23,7 +23,7 @@ struct CloseDetector {
   void operator()(UCharsetDetector* detector) const { ucsdet_close(detector); }
 };
 
-// An encoding that holds all of one that ICU names, and reads the text alike as a rule.
+// A superset of an encoding that ICU names, which decodes most texts alike.
 struct Extension {
   std::string_view named;
   std::string_view extended;
@@ -45,12 +45,12 @@ bool is_unicode(std::string_view named) { return named.substr(0, 4) == "UTF-"; }
 
 }  // namespace
 
-void raise_named_by_icu(std::string_view bytes, std::vector<Reading>& readings) {
+void raise_named_by_icu(std::string_view bytes, std::vector<ScoredEncoding>& scored) {
   const std::string_view heard = bytes.substr(0, kHeard);
   UErrorCode status = U_ZERO_ERROR;
   const std::unique_ptr<UCharsetDetector, CloseDetector> detector(ucsdet_open(&status));
   throw_if_out_of_memory(status);
-  if (!detector) throw std::bad_alloc();  // which ICU does not tell
+  if (!detector) throw std::bad_alloc();  // ICU reports no error here
   ucsdet_setText(detector.get(), heard.data(), static_cast<std::int32_t>(heard.size()), &status);
   std::int32_t count = 0;
   const UCharsetMatch** const matches = ucsdet_detectAll(detector.get(), &count, &status);
@@ -60,8 +60,8 @@ void raise_named_by_icu(std::string_view bytes, std::vector<Reading>& readings) 
     const std::string_view named = ucsdet_getName(matches[i], &status);
     const double mark = ucsdet_getConfidence(matches[i], &status) / 100.0;
     if (U_FAILURE(status) || is_unicode(named)) continue;
-    for (Reading& reading : readings) {
-      if (is_meant(reading.encoding, named)) reading.score += kWeight * mark;
+    for (ScoredEncoding& encoding : scored) {
+      if (is_meant(encoding.encoding, named)) encoding.score += kWeight * mark;
     }
   }
 }

@@ -1,18 +1,18 @@
-// The voice of ICU's detector in the statistical search: one among others, for it hears the ASCII
-// of a table as well, knows few encodings, and gives high marks to short texts.
+// The vote of ICU's detector in the statistical search. It is one vote among others, because the
+// detector also counts the ASCII of a table, knows few encodings, and overrates short texts.
 //
-// Errors  nothing but std::bad_alloc; where ICU fails it has no voice.
-// Cost    linear in the bytes, of which it hears 8 KB at most.
+// Errors  nothing but std::bad_alloc; if ICU fails, no score changes.
+// Cost    linear in the bytes, of which at most 8 KB are used.
 #pragma once
 
 #include <string_view>
 #include <vector>
 
-#include <vltextstream/standalone/encoding_detection/encoding_reading.hpp>
+#include <vltextstream/standalone/encoding_detection/scored_encoding.hpp>
 
 namespace textio::standalone {
 
-// Adds to the score of the encodings that ICU takes into account.
-void raise_named_by_icu(std::string_view bytes, std::vector<Reading>& readings);
+// Raises the scores of the encodings that ICU names.
+void raise_named_by_icu(std::string_view bytes, std::vector<ScoredEncoding>& scored);
 
 }  // namespace textio::standalone

@@ -1,5 +1,5 @@
-// The figures are common knowledge, rounded to powers of two: an order of magnitude is all that a
-// few letters can tell.
+// The frequencies are common knowledge, rounded to powers of two: a few letters show no more than
+// an order of magnitude.
 #include <vltextstream/standalone/encoding_detection/letter_tables.hpp>
 
 namespace textio::standalone {

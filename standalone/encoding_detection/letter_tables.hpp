@@ -1,5 +1,5 @@
-// How often languages use their letters, and where signs stand: what the search for an encoding
-// knows about texts.
+// How often languages use their letters, and where signs occur: the search for an encoding rests on
+// these tables.
 //
 //   for (const LanguageLetters& language : languages()) {
 //     language.code;          // "de"
@@ -7,7 +7,7 @@
 //     language.weights;       // "7766...": the first is used twice as often as the third
 //   }
 //
-// Only characters above U+007F are counted; letters are lower case.
+// Only characters above U+007F count; letters are in lower case.
 // Ownership  everything lives as long as the program.
 #pragma once
 
@@ -20,25 +20,25 @@ struct LanguageLetters {
   const char* code;
   std::u16string_view letters;  // most frequent first
   std::string_view weights;     // a digit for each: the binary logarithm of its frequency
-  double sign_share;            // of its characters above U+007F that are no letters
-  double rarity;                // natural logarithm of how much rarer texts in it are than others
+  double sign_share;            // the share of its characters above U+007F that are not letters
+  double rarity;                // natural logarithm of how much rarer its texts are than others
 };
 std::span<const LanguageLetters> languages();
 
-// Where a sign stands as a rule.
+// Where a sign usually occurs.
 enum class SignPlace {
   anywhere,
-  opening,        // in front of a word
-  closing,        // behind a word
-  quote,          // before, behind or within a word
-  dash,           // between two words or numbers, blanks or not
+  opening,        // before a word
+  closing,        // after a word
+  quote,          // before, after or within a word
+  dash,           // between two words or numbers, with or without blanks
   after_number,   // degree sign, fractions
   after_letter,   // raised digits
   before_letter,  // micro sign
-  currency,       // beside a number, or as a column's unit
+  currency,       // next to a number, or as the unit of a column
   between,        // between blanks or numbers: the signs of arithmetic
   alone,          // never within a word
-  drawing         // box drawing characters, beside blanks and each other
+  drawing         // box drawing characters, next to blanks and each other
 };
 
 struct Sign {
@@ -50,7 +50,7 @@ struct Sign {
 // Ascending by character.
 std::span<const Sign> signs();
 
-// The characters of East Asian scripts that are used most, most frequent first.
+// The most used characters of East Asian scripts, most frequent first.
 std::u16string_view frequent_hiragana();
 std::u16string_view frequent_katakana();
 std::u16string_view frequent_kanji();

@@ -1,7 +1,7 @@
-// For each encoding, and each language whose letters it may hold, the likelihood of the bytes above
-// 127: the product of how frequent each letter or sign is in that language and of how well it
-// stands between its neighbours. The best language speaks for the encoding. Only distinct bytes and
-// distinct triples of bytes are valued, and multiplied by how often they occur.
+// For each encoding and each language that it can write, this computes the likelihood of the bytes
+// above 127: the product of how frequent each letter or sign is in that language and of how well it
+// fits its neighbours. The score of an encoding is that of its best language. Only distinct bytes
+// and distinct triples of bytes are scored, and multiplied by how often they occur.
 #include <vltextstream/standalone/encoding_detection/single_byte_voter.hpp>
 
 #include <algorithm>
@@ -24,9 +24,9 @@ namespace {
 
 struct Encoding {
   const char* name;
-  double rarity;  // natural logarithm of how much rarer it is than the most common one
+  double rarity;  // natural logarithm of how much rarer it is than the most common encoding
 };
-// A name of Windows goes before the standard that it extends.
+// A Windows code page comes before the standard that it extends.
 constexpr Encoding kEncodings[] = {
     {"windows-1252", 0.0},   {"windows-1250", 1.5}, {"windows-1251", 1.0},
     {"windows-1253", 1.5},   {"windows-1254", 1.7}, {"windows-1255", 1.5},
@@ -45,7 +45,7 @@ constexpr Encoding kEncodings[] = {
     {"IBM861", 4.5},         {"IBM863", 4.5},       {"IBM865", 4.5},
 };
 
-// Likelihoods of what a language's tables do not list, as natural logarithms.
+// Natural logarithms of the likelihoods of characters that the tables of a language do not list.
 constexpr double kForeignLetter = -8.5;
 constexpr double kForeignScript = -12.0;
 constexpr double kUnusualSign = -11.0;
@@ -53,7 +53,7 @@ constexpr double kJunk = -14.0;
 constexpr double kChance = -4.85;  // one of 128 bytes
 constexpr double kRarityOfChance = 1.0;
 
-// A byte above 127 with its neighbours, and how often they stand together.
+// A byte above 127 with its neighbours, and how often they occur together.
 struct Triple {
   unsigned char before, self, after;
   double count;
@@ -69,12 +69,12 @@ unsigned char byte_at(std::string_view bytes, std::size_t pos) {
   return pos < bytes.size() ? static_cast<unsigned char>(bytes[pos]) : ' ';
 }
 
-// A line drawn with one character tells no more than its first two.
+// A line drawn with one character is no more evidence than its first two.
 bool prolongs_run(std::string_view bytes, std::size_t pos) {
   return pos >= 2 && bytes[pos] == bytes[pos - 1] && bytes[pos] == bytes[pos - 2];
 }
 
-// Before, self and after as one number, for each byte above 127.
+// The bytes before, itself and after as one number, for each byte above 127.
 std::vector<std::uint32_t> triples_of(std::string_view bytes) {
   std::vector<std::uint32_t> triples;
   for (std::size_t i = 0; i < bytes.size(); ++i) {
@@ -107,7 +107,7 @@ HighBytes count_high_bytes(std::string_view bytes) {
 
 using CodePage = std::array<ReadCharacter, 256>;
 
-// What each byte of `name` is read as.
+// The character for each byte in encoding `name`.
 CodePage code_page(const char* name) {
   CodePage page;
   for (char16_t c = 0; c < 0x80; ++c) page[c] = read_character(c);
@@ -158,7 +158,7 @@ double sum_of_sign_weights() {
   return sum;
 }
 
-// A language with the sums that make likelihoods of its weights.
+// A language with the sums that turn its weights into likelihoods.
 struct Language {
   const LanguageLetters& letters;
   UScriptCode script;
@@ -224,15 +224,15 @@ std::u16string characters_of(const HighBytes& high, const CodePage& page) {
 
 }  // namespace
 
-std::vector<Reading> single_byte_readings(std::string_view bytes) {
+std::vector<ScoredEncoding> score_single_byte_encodings(std::string_view bytes) {
   const HighBytes high = count_high_bytes(bytes);
-  std::vector<Reading> readings;
+  std::vector<ScoredEncoding> scored;
   for (const auto& [encoding, page] : code_pages()) {
     const double score =
         score_of_best_language(high, page) + score_of_context(high, page) - encoding.rarity;
-    readings.push_back({encoding.name, score, characters_of(high, page)});
+    scored.push_back({encoding.name, score, characters_of(high, page)});
   }
-  return readings;
+  return scored;
 }
 
 double score_of_chance(std::string_view bytes) {

@@ -1,8 +1,7 @@
-// Scores the encodings of one byte per character by the letters and signs that the bytes above 127
-// become.
+// Scores the single-byte encodings by the letters and signs that the bytes above 127 decode to.
 //
-//   std::vector<Reading> readings = single_byte_readings("caf\xE9");
-//   // one for each encoding; that of windows-1252 has the highest score
+//   std::vector<ScoredEncoding> scored = score_single_byte_encodings("caf\xE9");
+//   // one for each encoding; windows-1252 has the highest score
 //
 // Errors  nothing but std::bad_alloc.
 // Cost    linear in the bytes; about a millisecond for the tables of all encodings.
@@ -11,14 +10,14 @@
 #include <string_view>
 #include <vector>
 
-#include <vltextstream/standalone/encoding_detection/encoding_reading.hpp>
+#include <vltextstream/standalone/encoding_detection/scored_encoding.hpp>
 
 namespace textio::standalone {
 
-// Of encodings that read the bytes alike the first is the one to name.
-std::vector<Reading> single_byte_readings(std::string_view bytes);
+// Of encodings that decode the bytes alike, the first is the one to report.
+std::vector<ScoredEncoding> score_single_byte_encodings(std::string_view bytes);
 
-// The score of bytes above 127 that follow no rule.
+// The score of random bytes above 127.
 double score_of_chance(std::string_view bytes);
 
 }  // namespace textio::standalone

@@ -1,8 +1,9 @@
-// The bytes are valued one by one, as a text in some 8-bit encoding, and as the units of each of
-// the four Unicode encodings. Zero bytes are all but impossible in the first; in the others control
-// characters, lone surrogates and characters that are not assigned are, while letters that follow
-// letters of their script are common. So Latin text gives itself away by its zero bytes, and text
-// in other scripts by the bytes that name its script, most of which are control characters too.
+// The bytes are scored as a text in an 8-bit encoding, and as the code units of each of the four
+// Unicode encodings. In an 8-bit encoding zero bytes are nearly impossible. In the Unicode
+// encodings control characters, lone surrogates and unassigned characters are, while letters that
+// follow letters of their script are common. So Latin text is recognised by its zero bytes. Text in
+// another script is recognised by the high bytes of its script, most of which are control
+// characters too.
 #include <vltextstream/standalone/encoding_detection/unmarked_unicode.hpp>
 
 #include <algorithm>
@@ -19,7 +20,7 @@ namespace {
 
 constexpr std::size_t kLookedAt = 8'192;  // bytes; a multiple of 4
 
-// Natural logarithms of likelihoods, of bytes and of characters.
+// Natural logarithms of the likelihoods of bytes and of characters.
 constexpr double kAsciiByte = -3.7;
 constexpr double kHighByte = -4.85;
 constexpr double kControlByte = -9.0;
@@ -35,7 +36,7 @@ constexpr double kNoCharacter = -40.0;
 constexpr double kLeastGain = 5.0;
 constexpr double kLeastGainWithoutZeros = 20.0;
 
-// Without branches, for blocks of bytes are asked at once.
+// Without branches, because whole blocks of bytes are tested at once.
 bool is_text_byte(unsigned char byte) {
   const bool is_space = (byte >= '\t') & (byte <= '\r');
   return (byte >= 0x20) | is_space | (byte == 0x1B);
@@ -55,7 +56,7 @@ struct Form {
   std::size_t unit_bytes;
   bool is_big_endian;
 };
-// Of equal scores the first wins.
+// The first of equal scores wins.
 constexpr Form kForms[] = {
     {"UTF-32LE", 4, false}, {"UTF-32BE", 4, true}, {"UTF-16LE", 2, false}, {"UTF-16BE", 2, true}};
 
@@ -89,7 +90,7 @@ bool is_east_asian(UScriptCode script) {
          script == USCRIPT_HANGUL;
 }
 
-// Values the characters of a text one after the other.
+// Scores the characters of a text one after the other.
 class CharacterScore {
  public:
   void add(char32_t c) { sum_ += value(c); }

@@ -3,7 +3,7 @@
 //   find_unmarked_unicode(std::string_view("a\0,\0b\0", 6), true)->encoding;   // "UTF-16LE"
 //
 // Errors  nothing but std::bad_alloc.
-// Cost    linear in the bytes, of which the first 8 KB are looked at.
+// Cost    linear in the bytes, of which only the first 8 KB are used.
 #pragma once
 
 #include <optional>
@@ -13,15 +13,15 @@ namespace textio::standalone {
 
 struct UnmarkedUnicode {
   const char* encoding;
-  double gain;  // natural logarithm of how much likelier it is than bytes that follow no rule
+  double gain;  // natural logarithm of how much likelier it is than random bytes
 };
 
-// Whether single bytes of `bytes` call for a closer look: zero bytes and control characters that
-// texts in 8-bit encodings do not hold.
+// Whether `bytes` need a closer look: they have zero bytes or control characters that texts in
+// 8-bit encodings do not contain.
 bool may_be_unmarked_unicode(std::string_view bytes) noexcept;
 
-// Empty when the bytes make more sense one by one. Without `is_whole` a unit may be cut off at
-// their end.
+// Empty if the bytes are likelier a text in an 8-bit encoding. Unless `is_whole`, a code unit may
+// be cut off at their end.
 std::optional<UnmarkedUnicode> find_unmarked_unicode(std::string_view bytes, bool is_whole);
 
 }  // namespace textio::standalone

@@ -1,5 +1,6 @@
-// Files are read with pread, which leaves the position of a descriptor that others share (standard
-// input) alone. The C stream is one of fopencookie, whose callbacks call the virtual functions.
+// Files are read with pread, which does not change the offset of a descriptor that other processes
+// share, such as standard input. The C stream comes from fopencookie, whose callbacks call the
+// virtual functions.
 #include <vltextstream/standalone/files/byte_stream.hpp>
 
 #include <algorithm>
@@ -13,8 +14,8 @@
 namespace textio::standalone {
 namespace {
 
-// An allocation that fails is an error of the stream. Other exceptions do not come up; the
-// unwinding of a cancelled thread, which is none, has to pass.
+// Turns a failed allocation into an error of the stream. No other exceptions occur; the unwinding
+// of a cancelled thread must pass through.
 template <typename Call>
 auto with_errno(Call call) -> decltype(call()) {
   try {
@@ -42,7 +43,7 @@ int close_cookie(void* cookie) {
   return 0;
 }
 
-// The call again as long as a signal interrupts it.
+// Repeats the call while signals interrupt it.
 template <typename Call>
 ssize_t uninterrupted(Call call) {
   ssize_t result = -1;
@@ -79,7 +80,7 @@ Descriptor::~Descriptor() {
 
 ssize_t FileBytes::read(char* to, std::size_t size) {
   const std::int64_t at = sum_of_positions(start_, position_);
-  if (at < 0) return 0;  // no file reaches so far
+  if (at < 0) return 0;  // no file is that long
   const ssize_t count = uninterrupted([&] { return ::pread(file_.number(), to, size, at); });
   if (count > 0) position_ += count;
   return count;

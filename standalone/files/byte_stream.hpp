@@ -1,4 +1,4 @@
-// Bytes to read, from wherever they come, and the C stream that hands them to the library.
+// ByteReader and ByteStream: sources of bytes, and the C stream that gives them to the library.
 //
 //   std::unique_ptr<ByteStream> bytes = std::make_unique<FileBytes>(std::move(descriptor), 0);
 //   std::FILE* file = as_c_stream(std::move(bytes));
@@ -6,8 +6,8 @@
 //
 // Units      positions and sizes count bytes.
 // Ownership  each object owns what it reads from.
-// Errors     -1 with the reason in errno, which no destructor changes; std::bad_alloc. In a C
-//            stream the latter becomes ENOMEM, for no exception may pass through its C code.
+// Errors     -1 with the reason in errno, which no destructor changes; std::bad_alloc. A C stream
+//            turns the latter into ENOMEM, because no exception may pass through C code.
 // Threads    one thread at a time; separate objects are independent.
 #pragma once
 
@@ -20,30 +20,31 @@
 
 namespace textio::standalone {
 
-// What can be read once, from its start to its end.
+// A source that can be read once, from its start to its end.
 class ByteReader {
  public:
   virtual ~ByteReader() = default;
 
-  // Up to `size` bytes, as many as are at hand; 0 at the end (or when `size` is 0), -1 on an error.
+  // Reads up to `size` bytes, as many as are available. Returns 0 at the end (or if `size` is 0),
+  // -1 on an error.
   virtual ssize_t read(char* to, std::size_t size) = 0;
 };
 
-// What can be read from any position. One past the end is a position like any other: nothing is
+// A source that can be read from any position. A position past the end is valid; there are no bytes
 // there.
 class ByteStream : public ByteReader {
  public:
-  // Moves as std::fseek does; returns the new position. On an error it stays where it was.
+  // Moves as std::fseek does, and returns the new position. On an error the position is unchanged.
   virtual std::int64_t seek(std::int64_t offset, int whence) = 0;
 };
 
-// `base` and `offset` added up; -1 with EINVAL or EOVERFLOW where no position can be.
+// The sum of `base` and `offset`; -1 with EINVAL or EOVERFLOW if it is no valid position.
 std::int64_t sum_of_positions(std::int64_t base, std::int64_t offset);
 
-// A C stream for reading, which owns `bytes`. Null, with the reason in errno, when there is none.
+// A C stream for reading, which owns `bytes`. Null, with the reason in errno, if it cannot be made.
 std::FILE* as_c_stream(std::unique_ptr<ByteStream> bytes);
 
-// An open file of the operating system, closed with the object; negative for none.
+// An open file descriptor, closed by the destructor; negative for none.
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}
@@ -57,8 +58,8 @@ class Descriptor {
   int number_;
 };
 
-// A file that can be read at any position. Position 0 is where the descriptor stood; it stays
-// there, so that whoever shares it finds it unmoved.
+// A file that can be read at any position. Position 0 is the initial offset of the descriptor. The
+// offset does not change, because other processes may share it.
 class FileBytes : public ByteStream {
  public:
   FileBytes(Descriptor file, std::int64_t start) : file_(std::move(file)), start_(start) {}
@@ -71,7 +72,7 @@ class FileBytes : public ByteStream {
   std::int64_t position_ = 0;
 };
 
-// A pipe, socket or device. Waits for bytes, also where the descriptor is one that does not.
+// A pipe, socket or device. Waits for bytes, also if its descriptor is non-blocking.
 class PipeBytes : public ByteReader {
  public:
   explicit PipeBytes(Descriptor pipe) : pipe_(std::move(pipe)) {}

@@ -1,6 +1,6 @@
-// The decoder only goes forward; a position that it has passed means a restart, one ahead of it a
-// skip when bytes are asked for. An error is noted when it comes up and raised when there is no
-// text left in front of it, so that it does not depend on the sizes of the reads.
+// The decoder only goes forward. A position before it needs a restart; a position after it needs a
+// skip, which the next read does. An error is stored when it occurs and reported when no text
+// before it is left, so that it does not depend on the sizes of the reads.
 #include <vltextstream/standalone/files/compressed_stream.hpp>
 
 #include <algorithm>
@@ -30,7 +30,7 @@ ssize_t CompressedStream::read(char* to, std::size_t size) {
   return count;
 }
 
-// Decodes towards the position, or without limit when it is reached.
+// Decodes and discards a block: up to the position, or beyond it once the position is reached.
 ssize_t CompressedStream::skip() {
   char unused[kBlockBytes];
   std::size_t count = sizeof unused;
@@ -40,7 +40,7 @@ ssize_t CompressedStream::skip() {
   return decode(unused, count);
 }
 
-// At least one byte, if there is one.
+// Decodes at least one byte, if there is one.
 ssize_t CompressedStream::decode(char* to, std::size_t size) {
   Decoder::Output output = {to, to + size};
   while (output.begin == to && error_ == 0) {

@@ -1,17 +1,17 @@
-// CompressedStream: what compressed data say, as a stream that can go to any position.
+// CompressedStream: the text of compressed data, as a stream that can go to any position.
 //
 //   CompressedStream text(std::move(archive), std::make_unique<GzipDecoder>());
 //   text.read(head, sizeof head);
 //   text.seek(0, SEEK_END);            // the length of the text, found by decoding all of it
 //
 // Units      positions count bytes of the text, not of the archive.
-// Errors     what decodes well comes first, then the error, in each run through the data: -1 with
-//            errno, kDataDamaged, kDataEndTooEarly and their like of read_problem.hpp, or what the
-//            archive gives. Data that are not read are not checked: a checksum stands behind what
-//            it is for. Cut off between two members, an archive is a shorter one that is whole, and
-//            nobody can tell. Going back gives ESPIPE when the archive cannot.
-// Cost       64 KiB and what the decoder needs, whatever the sizes. Going back means decoding
-//            again from the start, going forward decoding what lies between, at the next read.
+// Errors     -1 with errno: kDataDamaged, kDataEndTooEarly and others of read_problem.hpp, or an
+//            error of the archive. All text before the error is read first. Data that are not read
+//            are not checked, and a checksum comes after the data that it covers. An archive that
+//            is cut off between two members is a shorter valid archive; this cannot be detected.
+//            Going back fails with ESPIPE if the archive cannot go back.
+// Cost       64 KiB and the memory of the decoder, for data of any size. After going back, the next
+//            read decodes from the start again; after going forward, it decodes what is between.
 #pragma once
 
 #include <cstddef>
@@ -22,10 +22,10 @@
 
 namespace textio::standalone {
 
-// One format of compression.
+// The decoder of one compression format.
 class Decoder {
  public:
-  // Bytes that are still to be decoded, and room that is still to be filled.
+  // The bytes still to decode, and the room still to fill.
   struct Input {
     const char* begin;
     const char* end;
@@ -37,14 +37,14 @@ class Decoder {
 
   virtual ~Decoder() = default;
 
-  // Decodes from the one to the other and moves both begins. It stops only where one of the two is
-  // used up, or on an error, which it returns; else 0. What was decoded before the error stands.
+  // Decodes from `input` to `output` and moves both begins. It stops only when one of them is used
+  // up, or on an error. Returns the error, else 0. The output before an error is valid.
   virtual int decode(Input& input, Output& output) = 0;
 
-  // Whether the data may end here: in front of a member or frame.
+  // Whether the data may end here: between two members or frames.
   virtual bool may_end() const = 0;
 
-  // As if nothing had been decoded yet.
+  // Returns to the initial state.
   virtual void restart() = 0;
 };
 
@@ -52,7 +52,7 @@ class CompressedStream : public ByteStream {
  public:
   static constexpr std::size_t kBlockBytes = 65'536;
 
-  // `archive` stands at its start.
+  // `archive` is at its start.
   CompressedStream(std::unique_ptr<ByteStream> archive, std::unique_ptr<Decoder> decoder);
 
   ssize_t read(char* to, std::size_t size) override;
@@ -68,10 +68,10 @@ class CompressedStream : public ByteStream {
   std::unique_ptr<Decoder> decoder_;
   std::unique_ptr<char[]> block_;
   Decoder::Input input_;
-  std::int64_t decoded_ = 0;   // how far the decoder has come in the text
+  std::int64_t decoded_ = 0;   // the position of the decoder in the text
   std::int64_t position_ = 0;  // where the next read begins
   bool archive_ended_ = false;
-  int error_ = 0;  // what ends the text, until the next restart
+  int error_ = 0;  // the error that ends the text, until the next restart
 };
 
 }  // namespace textio::standalone

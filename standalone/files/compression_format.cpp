@@ -7,13 +7,13 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// Formats that are read here are known in a file that is cut off, too: it is not to pass for a
-// short text. One byte alone is a text.
+// The formats that are read here are recognised even in a file that is cut off, which must not be
+// taken for a short text. One byte alone is a text.
 constexpr std::size_t kTwoBytes = 2;
 constexpr std::size_t kAllBytes = kFormatBytes;
 
-// Bytes that a format begins with. Of each byte only the bits of the mask count, and a file shorter
-// than all of them must have `fewest`.
+// The bytes that a format begins with. Only the bits of the mask count. A file that is shorter than
+// the signature needs at least `fewest` bytes of it.
 struct Signature {
   CompressionFormat format;
   std::string_view bytes;
@@ -28,7 +28,7 @@ constexpr Signature kSignatures[] = {
     {CompressionFormat::gzip, "\x1F\x8B\x08\x00"sv, "\xFF\xFF\xFF\xE0"sv, kTwoBytes},
     {CompressionFormat::zstd, "\x28\xB5\x2F\xFD"sv, kAllBits, kTwoBytes},
     {CompressionFormat::zstd, "\x50\x2A\x4D\x18"sv, "\xF0\xFF\xFF\xFF"sv},  // a skippable frame
-    // The size of the blocks, then the first block, or the end of an archive of nothing.
+    // The block size, then the first block, or the end of an empty archive.
     {CompressionFormat::bzip2, "BZh0\x31\x41\x59\x26\x53\x59"sv,
      "\xFF\xFF\xFF\xF0\xFF\xFF\xFF\xFF\xFF\xFF"sv},
     {CompressionFormat::bzip2, "BZh0\x17\x72\x45\x38\x50\x90"sv,
@@ -36,7 +36,7 @@ constexpr Signature kSignatures[] = {
     {CompressionFormat::lz4, "\x04\x22\x4D\x18"sv, kAllBits},
     {CompressionFormat::xz, "\xFD\x37\x7A\x58\x5A\x00"sv, kAllBits},
     {CompressionFormat::zip, "PK\x03\x04"sv, kAllBits},
-    {CompressionFormat::zip, "PK\x05\x06"sv, kAllBits},  // an archive of nothing
+    {CompressionFormat::zip, "PK\x05\x06"sv, kAllBits},  // an empty archive
 };
 
 bool begins_with(std::string_view head, const Signature& signature) {

@@ -1,5 +1,5 @@
-// A path becomes a descriptor, the descriptor a stream of bytes that can go back, its first bytes
-// tell whether a decoder stands in front of it, and the result is handed out as a C stream.
+// A path becomes a descriptor, and the descriptor a stream of bytes that can go back. If its first
+// bytes show a compressed format, a decoder is put before it. The result is a C stream.
 #include <vltextstream/host/file_layer.hpp>
 
 #include <array>
@@ -13,10 +13,12 @@
 #include <unistd.h>
 
 #include <vltextstream/standalone/decoding/utf_text.hpp>
+#include <vltextstream/standalone/files/bounded_stream.hpp>
 #include <vltextstream/standalone/files/byte_stream.hpp>
 #include <vltextstream/standalone/files/compressed_stream.hpp>
 #include <vltextstream/standalone/files/compression_format.hpp>
 #include <vltextstream/standalone/files/gzip_decoder.hpp>
+#include <vltextstream/standalone/files/read_limit.hpp>
 #include <vltextstream/standalone/files/read_problem.hpp>
 #include <vltextstream/standalone/files/rewindable_stream.hpp>
 #include <vltextstream/standalone/files/zstd_decoder.hpp>
@@ -42,10 +44,10 @@ Descriptor descriptor_of(const std::u16string& path) {
   return Descriptor(::open(to_utf8(path).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
 }
 
-// Whether this is the first time that the input, a pipe or its like, is handed out as standard
-// input. The stream before has read ahead, so a second one would begin somewhere in the middle and
-// look like a text of its own. It is the one thing that is remembered between calls, as the pipe
-// itself remembers how far it was read; a process that is given another standard input reads it.
+// Whether the input, a pipe or similar, is opened as standard input for the first time. The
+// previous stream has read ahead, so a second one would begin somewhere in the middle and look like
+// another text. This is the only state between calls, just as the pipe keeps its own position. A
+// process whose standard input is replaced can read the new one.
 bool first_time(const struct stat& input) {
   static std::mutex mutex;
   static std::array<std::uint64_t, 2> last = {0, 0};
@@ -56,7 +58,14 @@ bool first_time(const struct stat& input) {
   return is_first;
 }
 
-// A file of /proc or /sys may be a regular one that cannot seek.
+// `stream` within the limit of this thread.
+std::unique_ptr<ByteStream> bounded(std::unique_ptr<ByteStream> stream) {
+  const std::int64_t limit = read_limit();
+  if (limit == kNoReadLimit) return stream;
+  return std::make_unique<BoundedStream>(std::move(stream), limit);
+}
+
+// A file in /proc or /sys may be a regular file that cannot seek.
 std::unique_ptr<ByteStream> stream_of(Descriptor input, const struct stat& about,
                                       bool is_standard_input) {
   const std::int64_t start = S_ISREG(about.st_mode) ? ::lseek(input.number(), 0, SEEK_CUR) : -1;
@@ -65,8 +74,8 @@ std::unique_ptr<ByteStream> stream_of(Descriptor input, const struct stat& about
   return std::make_unique<RewindableStream>(std::make_unique<PipeBytes>(std::move(input)));
 }
 
-// The first bytes; the stream is left at its start. What cannot be read now is an error again when
-// the text is read.
+// The first bytes; the stream goes back to its start. A read error here occurs again when the text
+// is read.
 std::string head_of(ByteStream& stream) {
   char head[kFormatBytes];
   std::size_t size = 0;
@@ -79,17 +88,19 @@ std::string head_of(ByteStream& stream) {
   return {head, size};
 }
 
-// An archive in an archive is not to pass for a text.
+// An archive in an archive must not be taken for a text.
 std::unique_ptr<ByteStream> text_of(std::unique_ptr<ByteStream> archive,
                                     std::unique_ptr<Decoder> decoder) {
   auto text = std::make_unique<CompressedStream>(std::move(archive), std::move(decoder));
   if (compression_format(head_of(*text)) != CompressionFormat::none) {
     return refuse(kCompressedTwice);
   }
-  return text;
+  return bounded(std::move(text));
 }
 
+// The text of the file, within the limit before and after decompression.
 std::unique_ptr<ByteStream> decompressed(std::unique_ptr<ByteStream> stream) {
+  stream = bounded(std::move(stream));
   switch (compression_format(head_of(*stream))) {
     case CompressionFormat::none:
       return stream;

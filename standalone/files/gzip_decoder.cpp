@@ -1,5 +1,5 @@
-// zlib checks header, checksum and length of a member; what this adds is that members follow each
-// other, and what may follow them.
+// zlib checks the header, checksum and length of a member. This adds sequences of members and the
+// padding after them.
 #include <vltextstream/standalone/files/gzip_decoder.hpp>
 
 #include <algorithm>
@@ -49,7 +49,7 @@ int GzipDecoder::decode(Input& input, Output& output) {
     } else if (place_ == Place::in_member) {
       error = decode_member(input, output);
     }
-    // A member that ended may have left input to the next one.
+    // After the end of a member, the input may continue with the next one.
     goes_on = place_ == Place::between_members && input.begin != input.end;
   }
   return error;
@@ -69,7 +69,7 @@ int GzipDecoder::decode_member(Input& input, Output& output) {
       return 0;
     case Z_OK:
     case Z_BUF_ERROR:
-      return 0;  // the latter: nothing to decode, or no room
+      return 0;  // Z_BUF_ERROR: no input, or no room
     case Z_MEM_ERROR:
       return ENOMEM;
     default:

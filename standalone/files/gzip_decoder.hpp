@@ -1,7 +1,7 @@
-// GzipDecoder: gzip data, of any number of members.
+// GzipDecoder: gzip data with any number of members.
 //
-// The checksum and the length of each member are checked. Zero bytes may follow the last member, as
-// tapes and block devices pad; anything else there is damage.
+// The checksum and the length of each member are checked. Zero bytes may follow the last member,
+// because tapes and block devices pad with them; other bytes there are damage.
 //
 // Errors     kDataDamaged, ENOMEM; the constructor throws std::bad_alloc.
 // Cost       about 48 KiB.

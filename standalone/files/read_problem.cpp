@@ -26,6 +26,8 @@ std::string read_problem(int error) {
       return "it is a zip archive, which is not read here; unpack it first";
     case kCompressedTwice:
       return "it is compressed more than once; decompress it first";
+    case kTooManyBytes:
+      return "it has more bytes than the limit allows";
     default:
       return std::strerror(error);
   }

@@ -1,6 +1,7 @@
-// All bytes go from the source into the blocks, and from there to the reader. The block is there
-// before the source is asked, so that no byte is lost when memory runs out. Some of the last bytes
-// are always kept: the C library goes back to the start of its own buffer when it goes forward.
+// All bytes go from the source into the blocks, and from there to the reader. A block is allocated
+// before the source is read, so that no byte is lost when memory runs out. The last bytes are
+// always kept, because the C library goes back to the start of its own buffer before it goes
+// forward.
 #include <vltextstream/standalone/files/rewindable_stream.hpp>
 
 #include <algorithm>
@@ -26,7 +27,7 @@ ssize_t RewindableStream::read(char* to, std::size_t size) {
   return static_cast<ssize_t>(count);
 }
 
-// Adds what the source has at hand.
+// Adds the bytes that the source has available.
 ssize_t RewindableStream::read_on() {
   if (at_end_) return 0;
   if (error_ != 0) {

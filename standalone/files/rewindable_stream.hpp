@@ -1,17 +1,18 @@
-// RewindableStream: what can be read only once, such as a pipe, as a stream that goes back.
+// RewindableStream: a source that can be read only once, such as a pipe, as a stream that goes
+// back.
 //
 //   RewindableStream text(std::make_unique<PipeBytes>(std::move(descriptor)));
 //   text.read(head, sizeof head);
 //   text.seek(0, SEEK_SET);              // and read the same again
 //
-// The first 16 MiB + 64 KiB are kept: the sample of a detection, in any encoding, with what is read
-// beyond it. Once more has been read than that, all but the last 64 KiB to 128 KiB are forgotten.
+// The first 16 MiB + 64 KiB are kept: the largest sample with four bytes per character. When more
+// is read, all but the last 64 KiB to 128 KiB are discarded.
 //
-// Errors     going back to what is forgotten: ESPIPE. So does SEEK_END before the end has been met,
-//            for looking for it could forget the beginning. An error or the end of the source, once
-//            met, is there for good: a terminal would go on behind its end.
-// Cost       memory for what is kept, in blocks of 64 KiB that come as they are filled. Going
-//            forward reads what lies between, at the next read.
+// Errors     going back to discarded bytes fails with ESPIPE. SEEK_END does too before the end is
+//            reached, because looking for the end could discard the start. An error or the end of
+//            the source is permanent; a terminal could otherwise continue after its end.
+// Cost       memory for the kept bytes, in blocks of 64 KiB that are allocated as needed. After
+//            going forward, the next read reads what is between.
 #pragma once
 
 #include <cstddef>
@@ -38,9 +39,9 @@ class RewindableStream : public ByteStream {
   void forget();
 
   std::unique_ptr<ByteReader> source_;
-  std::deque<std::unique_ptr<char[]>> blocks_;  // the bytes from begin_ on, all blocks but one full
+  std::deque<std::unique_ptr<char[]>> blocks_;  // the bytes from begin_ on; all but the last full
   std::int64_t begin_ = 0;
-  std::int64_t end_ = 0;  // as far as the source has been read
+  std::int64_t end_ = 0;  // the position of the source
   std::int64_t position_ = 0;
   bool at_end_ = false;
   int error_ = 0;

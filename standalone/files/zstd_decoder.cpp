@@ -37,8 +37,8 @@ void ZstdDecoder::restart() {
   between_frames_ = true;
 }
 
-// Each call of the library ends at the end of a frame, if it meets one. It must not be called
-// between two frames without input: it would say that it waits for more of a frame.
+// Each call of the zstd library stops at the end of a frame. It must not be called between two
+// frames without input: it would report that a frame is incomplete.
 int ZstdDecoder::decode(Input& input, Output& output) {
   std::size_t result = 0;
   bool goes_on = !between_frames_ || input.begin != input.end;

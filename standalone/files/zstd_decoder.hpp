@@ -1,7 +1,7 @@
-// ZstdDecoder: zstd data, of any number of frames, skippable ones among them.
+// ZstdDecoder: zstd data with any number of frames, including skippable ones.
 //
-// A frame is checked against its checksum and its length where it has them; both are optional, and
-// the command line tool of the format writes the checksum.
+// The checksum and the length of a frame are checked if it has them. Both are optional; the
+// format's command line tool writes the checksum.
 //
 // Errors     kDataDamaged, kDataNeedMoreMemory for a window beyond 128 MiB, kDataNeedADictionary,
 //            ENOMEM; the constructor throws std::bad_alloc.
@@ -18,7 +18,7 @@ namespace textio::standalone {
 
 class ZstdDecoder : public Decoder {
  public:
-  // The window, as a power of two, that every decoder of the format allows unasked.
+  // The largest window, as a power of two, that every decoder of the format allows by default.
   static constexpr int kLargestWindowLog = 27;
 
   ZstdDecoder();

@@ -41,7 +41,7 @@ requires(!std::same_as<Integer, char> && !std::same_as<Integer, char8_t> &&
 // One row of characters; the empty text is 0-by-0.
 VLTEXTSTREAM_EXPORT Array make_array(std::u16string_view text);
 VLTEXTSTREAM_EXPORT Array make_array(const char16_t* text);
-Array make_array(const char* text) = delete;  // texts are UTF-16: from_utf8 makes them
+Array make_array(const char* text) = delete;  // texts are UTF-16; use from_utf8
 Array make_array(char16_t character) = delete;
 
 // One row of numbers: of class double, of class unsigned 64-bit integer.

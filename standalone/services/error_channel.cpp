@@ -4,8 +4,8 @@ namespace textio {
 
 MessageIdentifiedError::~MessageIdentifiedError() = default;
 
-// A stand-alone program has no better way to raise an error than the exception that the library
-// throws when this returns.
+// A stand-alone program has no better error channel than the exception that the library throws
+// after this returns.
 void report_error(const MessageIdentifiedError& /*error*/) {}
 
 }  // namespace textio

@@ -16,7 +16,7 @@
 
 #include <fmt/format.h>
 
-#include <vltextstream/standalone/encoding_detection/encoding.hpp>
+#include <vltextstream/standalone/encoding_detection/find_encoding.hpp>
 #include "encodings/corpus.hpp"
 
 namespace {

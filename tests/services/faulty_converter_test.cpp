@@ -391,6 +391,26 @@ const MannerCase kMannerCases[] = {
     {"HasMoreAtTheEndForLong", more_at_the_end(1'000)},
 };
 
+// --- bytes that give nothing ---------------------------------------------------------------------
+
+// With one code unit of room, a converter that keeps everything would be called for each byte.
+TEST(SilentConverter, GetsMoreBytesAtATimeTheLongerItIsSilent) {
+  const std::string bytes = letters(1'000'000);
+  for (const std::size_t fill : {1U, 2U, 1'000U}) {
+    script = silent(kNever);
+    FaultyDevice device(bytes);
+    FileTextSource source;
+    source.init_stream(device.open(), "A");
+    std::u16string text(fill, u'\0');
+    EXPECT_EQ(source.fillBuffer(text.data(), text.data() + fill), fill);
+    EXPECT_LT(script.calls, 10'000U) << fill;
+    EXPECT_FALSE(source.isEoS());
+    text += read_by_fills(source, 100'000);
+    EXPECT_EQ(first_difference(text, widened(bytes)), kNoDifference) << fill;
+    EXPECT_TRUE(source.isEoS());
+  }
+}
+
 class ConverterManner : public testing::TestWithParam<MannerCase> {
  protected:
   void SetUp() override { script = GetParam().script; }

@@ -216,7 +216,7 @@ TEST_P(DatesOfALocale, AllocateNothing) {
   EXPECT_EQ(dates, GetParam().accepted.size());
 }
 
-// Past its end the block is not the field's, wherever a name or a pattern stops.
+// The block ends with the field, so a read past the field's end is found at each name and pattern.
 TEST_P(DatesOfALocale, ReadNothingAroundAnyPartOfAText) {
   const DateLocaleScope scope(GetParam().locale);
   for (const std::u16string& text : GetParam().accepted) {
@@ -297,7 +297,7 @@ TEST(DateLocaleScope, DoesNotAskTheLocaleOfTheProcess) {
   std::setlocale(LC_ALL, former.c_str());
 }
 
-// More locales than are kept: tables that nobody keeps last as long as the scope.
+// More locales than are kept: other tables last as long as their scope.
 TEST(DateLocaleScope, WorksForMoreLocalesThanAreKept) {
   for (char16_t first = u'A'; first <= u'Z'; ++first) {
     for (const char16_t second : {u'A', u'F', u'M'}) {
@@ -348,11 +348,11 @@ const RefusedName kRefusedNames[] = {
     {"NameOfALanguage", u"german", "german"},
     {"QuestionMarks", u"??", "??"},
     {"Blank", u" ", "?"},
-    {"BlankBehind", u"de ", "de?"},
+    {"BlankAfter", u"de ", "de?"},
     {"BlankInside", u"de DE", "de?DE"},
     {"SeparatorAlone", u"_", "_"},
-    {"SeparatorInFront", u"_DE", "_DE"},
-    {"SeparatorBehind", u"de_", "de_"},
+    {"SeparatorBefore", u"_DE", "_DE"},
+    {"SeparatorAfter", u"de_", "de_"},
     {"TwoSeparators", u"de__DE", "de__DE"},
     {"Codeset", u"de_DE.UTF-8", "de_DE.UTF-8"},
     {"Keyword", u"th@calendar=buddhist", "th@calendar=buddhist"},
@@ -365,7 +365,7 @@ const RefusedName kRefusedNames[] = {
     {"Backslash", u"\\q", "\\q"},
     {"LongSubtag", u"de_abcdefghi", "de_abcdefghi"},
     {"EmbeddedNul", std::u16string(u"de\0DE", 5), "de?DE"},
-    {"NulBehind", std::u16string(u"de\0", 3), "de?"},
+    {"NulAfter", std::u16string(u"de\0", 3), "de?"},
     {"ControlCharacters", u"de\u001b[1m", "de?[1m"},
     {"NonAscii", u"d\u00e9", "d?"},
     {"LoneSurrogate", std::u16string(1, char16_t{0xD800}), "?"},
@@ -427,7 +427,7 @@ TEST(DateLocaleOfADetection, EndsWithIt) {
 
 // --- threads -----------------------------------------------------------------------------------
 
-// Eight threads, each under another locale, ask for the dates of all eight.
+// Eight threads, each with its own locale, check the dates of all eight.
 TEST(DateLocaleThreads, EachHaveTheirOwn) {
   struct Own {
     const char16_t* locale;
@@ -462,7 +462,7 @@ TEST(DateLocaleThreads, EachHaveTheirOwn) {
   EXPECT_EQ(wrong, std::vector<std::size_t>(std::size(kOwn), 0));
 }
 
-// All ask for the same tables at once, before anybody has made them.
+// All threads need the same tables at once, before any of them exist.
 TEST(DateLocaleThreads, MayMakeTheTablesOfOneLocaleAtOnce) {
   constexpr std::size_t kThreads = 8;
   std::latch all_ready(kThreads);

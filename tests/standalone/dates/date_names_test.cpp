@@ -29,7 +29,7 @@ struct FindCase {
   const char* rule;
   std::u16string text;
   NameEnd end;
-  unsigned number;  // 0: none is found
+  unsigned number;  // 0: nothing is found
 };
 std::ostream& operator<<(std::ostream& out, const FindCase& row) { return out << row.rule; }
 
@@ -43,7 +43,7 @@ const FindCase kFindCases[] = {
     {"WordThatGoesOn", u"marx", NameEnd::of_word, 0},
     {"WordThatGoesOnAnywhere", u"marx", NameEnd::anywhere, 3},
     {"WordThatGoesOnWithOtherLetters", u"mar\u00e7", NameEnd::of_word, 0},
-    {"DigitBehindALetter", u"mar1", NameEnd::of_word, 3},
+    {"DigitAfterALetter", u"mar1", NameEnd::of_word, 3},
     {"NumberThatGoesOn", u"x 13", NameEnd::of_word, 0},
     {"NumberThatIsWhole", u"x 1,", NameEnd::of_word, 1},
     {"LongerNumber", u"x 12", NameEnd::of_word, 6},
@@ -53,7 +53,7 @@ const FindCase kFindCases[] = {
     // U+0663 and U+0023 share the bit of the filter with 'c'.
     {"OtherUnitOfTheSameBit", u"#", NameEnd::anywhere, 0},
     {"LastName", u"\u0663", NameEnd::of_word, 9},
-    {"BehindTheLastName", u"\u06a3", NameEnd::of_word, 0},
+    {"AfterTheLastName", u"\u06a3", NameEnd::of_word, 0},
 };
 
 class NameTableFind : public testing::TestWithParam<FindCase> {};

@@ -30,7 +30,7 @@ std::string shown(const DatePattern& pattern) {
 struct PatternCase {
   const char* rule;
   std::u16string pattern;
-  std::string parts;  // empty: it is not taken
+  std::string parts;  // empty: it is refused
 };
 std::ostream& operator<<(std::ostream& out, const PatternCase& row) { return out << row.rule; }
 

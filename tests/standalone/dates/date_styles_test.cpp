@@ -1,5 +1,5 @@
-// What a locale's own styles (full, long, medium, short) make of a date is recognised under that
-// locale: all locales of ICU, on the Gregorian calendar.
+// A date in one of a locale's own styles (full, long, medium, short) is recognised in that locale:
+// all locales of ICU, with the Gregorian calendar.
 #include <vltextstream/host/datetime.hpp>
 #include <vltextstream/standalone/dates/date_locale.hpp>
 
@@ -43,7 +43,7 @@ bool is_datetime(std::u16string_view text) {
 
 // --- the locales and their styles --------------------------------------------------------------
 
-// All of them; under valgrind, which takes its time, some.
+// All of them; only some under valgrind, which is slow.
 std::vector<std::string> locales() {
   std::vector<std::string> names;
   const int32_t step = testing_support::allocations_are_counted() ? 1 : 40;
@@ -85,8 +85,8 @@ class Formatter {
   icu::LocalUDateFormatPointer format_;
 };
 
-// Each month, each weekday; days of one and of two digits, last days of months, short years of the
-// two centuries that they may mean.
+// Each month and weekday; days with one and two digits, last days of months, short years of both
+// centuries that they may mean.
 constexpr year_month_day kDays[] = {
     2024y / 1 / 31, 2024y / 2 / 29,  2023y / 3 / 1,  2019y / 4 / 30,
     2001y / 5 / 5,  1999y / 6 / 10,  2010y / 7 / 14, 2022y / 8 / 9,
@@ -96,14 +96,14 @@ constexpr year_month_day kDays[] = {
 // --- what is not recognised --------------------------------------------------------------------
 
 struct Exception {
-  const char* locale;  // and all whose names go on behind it
+  const char* locale;  // and all whose names start with it
   std::set<UDateFormatStyle> styles;
 };
 
 const std::set<UDateFormatStyle> kAll(std::begin(kStyles), std::end(kStyles));
 
 const Exception kExceptions[] = {
-    // "1.3.24", "1-3-24" with a year of two digits: as likely a version or a part number.
+    // "1.3.24", "1-3-24" with a year of two digits could be a version or a part number.
     {"be", {UDAT_SHORT}},
     {"bs_Cyrl", {UDAT_SHORT}},
     {"dsb", {UDAT_SHORT}},
@@ -113,14 +113,14 @@ const Exception kExceptions[] = {
     {"mk", {UDAT_SHORT}},
     {"sq", {UDAT_SHORT}},
     {"sr", {UDAT_SHORT}},
-    // The month in Roman digits: "1/iii/24".
+    // The month is a Roman number: "1/iii/24".
     {"haw", {UDAT_SHORT}},
-    // The abbreviations of months are digits.
+    // The abbreviations of months are numbers.
     {"dz", {UDAT_MEDIUM}},
-    // Letters outside the Basic Multilingual Plane, which are all one unit in the text of a file.
+    // Letters outside the Basic Multilingual Plane, which are all the same code unit in a file.
     {"ccp", kAll},
     {"ff_Adlm", kAll},
-    // Longer than any date is taken to be: more than 64 units in some months.
+    // Longer than the longest field that may be a date: more than 64 code units in some months.
     {"kde", {UDAT_FULL}},
 };
 
@@ -151,7 +151,7 @@ TEST(DateStyles, AreRecognisedUnderTheirLocale) {
   }
 }
 
-// A row without a refused date would have to go.
+// A row without a refused date would be obsolete.
 TEST(DateStyles, AreRefusedForEachExceptionAtLeastOnce) {
   for (const Exception& row : kExceptions) {
     const DateLocaleScope scope(wide(row.locale));
@@ -186,7 +186,7 @@ bool has_region(const std::string& locale) {
 }
 
 TEST(DateStyles, AreRecognisedWithATimeDecomposedAndInCapitals) {
-  // One locale of each language and script: their regions differ in the order of the parts.
+  // One locale for each language and script; regions only differ in the order of the parts.
   for (const std::string& locale : locales()) {
     const bool is_out = is_exception(locale, UDAT_LONG) || is_exception(locale, UDAT_MEDIUM);
     if (has_region(locale) || is_out) continue;
@@ -205,7 +205,7 @@ TEST(DateStyles, AreRecognisedWithATimeDecomposedAndInCapitals) {
   }
 }
 
-// --- what a locale changes nothing about -------------------------------------------------------
+// --- what a locale does not change -------------------------------------------------------------
 
 constexpr std::u16string_view kDatesAnywhere[] = {
     u"2024-03-01",

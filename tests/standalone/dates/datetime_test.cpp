@@ -28,7 +28,7 @@ bool is_datetime(std::u16string_view text) {
   return datetime::is_datetime(exact.field());
 }
 
-// Texts that share one reason to be accepted or refused.
+// Texts that are accepted or refused for the same reason.
 struct Texts {
   const char* rule;
   std::vector<std::u16string> texts;
@@ -51,7 +51,7 @@ const Texts kAccepted[] = {
     {"TwoDigitYearInThreePairs",
      {u"01.03.24", u"31-12-99", u"12/31/99", u"01/02/03", u"29.02.24", u"29.02.00", u"24-03-01",
       u"10-20-30"}},
-    {"TwoDigitYearBehindSlashes", {u"1/2/24", u"3/31/24", u"31/3/24", u"12/1/99", u"2/29/00"}},
+    {"TwoDigitYearAfterSlashes", {u"1/2/24", u"3/31/24", u"31/3/24", u"12/1/99", u"2/29/00"}},
     {"DayThenMonthName",
      {u"1 Mar 2024", u"01 Mar 2024", u"1 March 2024", u"31 December 1999", u"1-Mar-2024",
       u"01/Mar/2024", u"1.Mar.2024", u"1  Mar   2024", u"9 September 2024", u"30-June-2024"}},
@@ -85,7 +85,7 @@ const Texts kAccepted[] = {
     {"YearThenMonthName",
      {u"2024-Mar-01", u"2024 Mar 1", u"2024 March 1", u"2024/Mar/01", u"2024.Mar.1",
       u"2024 Mar. 1"}},
-    {"WeekdayInFront",
+    {"WeekdayBefore",
      {u"Fri, 01 Mar 2024", u"Fri 1 Mar 2024", u"Friday, March 1, 2024", u"Friday 1 March 2024",
       u"Fri. 1 Mar 2024", u"Fri., 1 Mar 2024", u"Fri, 2024-03-01", u"Friday, 01.03.2024",
       u"Friday, 01-Mar-24", u"Fri  03/01/2024"}},
@@ -249,7 +249,7 @@ const Texts kRefused[] = {
     {"OtherWordsForMonths",
      {u"1 Mars 2024", u"1 Marc 2024", u"1 Ma 2024", u"1 Septe 2024", u"1 Juni 2024", u"1 Foo 2024",
       u"1 M 2024", u"Marches 1, 2024", u"1 Mar\u00e7 2024", u"X 1, 2024"}},
-    {"DotBehindFullName",
+    {"DotAfterFullName",
      {u"1 March. 2024", u"March. 1, 2024", u"Friday. 1 Mar 2024", u"1 Mar.. 2024", u"1.Mar..2024"}},
     {"OtherWordsForWeekdays",
      {u"Fr, 1 Mar 2024", u"Frid, 1 Mar 2024", u"Foo, 1 Mar 2024", u"Mar, 1 Mar 2024",
@@ -418,7 +418,7 @@ TEST(IsDatetime, TakesALeapDayOfAShortYearWhenEitherCenturyHasIt) {
   for (int year = 0; year <= 99; ++year) {
     const std::u16string text = u"29.02." + digits(year, 2);
     const bool exists = days_in_month(1900 + year, 2) == 29 || days_in_month(2000 + year, 2) == 29;
-    // Otherwise 29.02 cannot be read the other way round: there is no month 29.
+    // Otherwise 29.02 has no second reading: there is no month 29.
     EXPECT_EQ(is_datetime(text), exists) << readable(text);
   }
 }
@@ -457,14 +457,14 @@ TEST(IsDatetimeSpoilt, TakesTheWholeTexts) {
   for (const auto& text : kRichTexts) EXPECT_TRUE(is_datetime(text)) << readable(text);
 }
 
-// The answer for `text` where it lies between other units, which must not matter.
+// The answer for `text` between other code units, which must not matter.
 bool is_datetime_among(std::u16string_view neighbours, const std::u16string& text) {
   const std::u16string whole = std::u16string(neighbours) + text + std::u16string(neighbours);
   return datetime::is_datetime(Field(whole.data() + neighbours.size(), text.size()));
 }
 
-// In the exactly sized block, the sanitizer sees a unit read past the end; among neighbours that
-// would go on with the date, the answer shows it.
+// In a block of the exact size, the sanitizer finds a read past the end. Between neighbours that
+// would continue the date, the answer shows it.
 void expect_same_answer_everywhere(const std::u16string& text) {
   const bool alone = is_datetime(text);
   for (const std::u16string_view neighbours : {u"0", u"1:00", u"-01", u" AM", u" 2024", u"Z"}) {
@@ -504,7 +504,7 @@ TEST(IsDatetimeSpoilt, ReadsNothingAroundATextWithAStrangeUnit) {
   }
 }
 
-// "1/1/24" is as short as a date can be.
+// "1/1/24" is the shortest possible date.
 TEST(IsDatetimeSpoilt, RefusesEveryPartThatIsTooShortForADate) {
   for (const auto& text : kRichTexts) {
     for (std::size_t first = 0; first < text.size(); ++first) {
@@ -523,7 +523,7 @@ TEST(IsDatetimeSpoilt, RefusesAYearThatLostItsFirstDigit) {
 
 // --- cost --------------------------------------------------------------------------------------
 
-// Without it, the zero below would say nothing.
+// Otherwise the zero below would prove nothing.
 TEST(IsDatetimeCost, IsMeasuredByACounterThatCounts) {
   const std::size_t before = allocations_of_this_thread();
   ::operator delete(::operator new(1));

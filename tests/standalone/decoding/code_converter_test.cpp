@@ -1,4 +1,4 @@
-// The converter of the stand-alone host: whatever the chunks and the room, the same units.
+// The converter of the stand-alone host gives the same code units for all chunks and room.
 #include <vltextstream/host/code_converter.hpp>
 
 #include <gmock/gmock.h>
@@ -35,7 +35,7 @@ struct Answer {
   bool must_reset;
 };
 
-// One call, from and into heap blocks of exactly the given sizes; all input must be consumed.
+// One call, with heap blocks of exactly the given sizes; all input must be consumed.
 Answer convert(StreamCodeConverter& converter, std::string_view bytes, std::size_t room,
                bool final) {
   const auto input = std::make_unique<char[]>(bytes.size());
@@ -54,10 +54,10 @@ Answer convert(StreamCodeConverter& converter, std::string_view bytes, std::size
 
 constexpr std::size_t kPlenty = 4096;
 
-// How a text is handed over.
+// How a text is passed to the converter.
 struct Feeding {
   std::size_t chunk = kPlenty;    // bytes per call
-  std::size_t room = kPlenty;     // units per call
+  std::size_t room = kPlenty;     // code units per call
   bool end_with_bytes = true;     // the last bytes are final; otherwise a call without bytes is
   bool ask_for_held_back = true;  // after a call that filled its room, before the next bytes
 };
@@ -67,8 +67,8 @@ std::ostream& operator<<(std::ostream& out, const Feeding& feeding) {
              << (feeding.ask_for_held_back ? ", asking" : ", not asking");
 }
 
-// All that the converter says about a text. Only at its end may it ask to be reset, and not before
-// every unit is out.
+// The whole output of the converter for a text. It may ask for a reset only at the end, after the
+// last code unit.
 std::u16string all_of(StreamCodeConverter& converter, std::string_view bytes,
                       const Feeding& feeding = {}) {
   std::u16string text;
@@ -103,7 +103,7 @@ std::vector<Feeding> all_feedings() {
   return feedings;
 }
 
-// The text, cut in two: the first part is not final.
+// The text in two parts; the first part is not final.
 std::u16string cut_at(StreamCodeConverter& converter, std::string_view bytes, std::size_t cut) {
   const Answer head = convert(converter, bytes.substr(0, cut), kPlenty, false);
   EXPECT_FALSE(head.must_reset);
@@ -112,8 +112,8 @@ std::u16string cut_at(StreamCodeConverter& converter, std::string_view bytes, st
 
 // --- texts -------------------------------------------------------------------------------------
 
-// A character, a byte-order mark or an escape sequence: the bytes that belong together, and what
-// they say.
+// A character, a byte-order mark or an escape sequence: the bytes that belong together, and their
+// text.
 struct Piece {
   std::string bytes;
   std::u32string text;
@@ -145,7 +145,7 @@ std::u16string units_of(const Pieces& pieces, bool one_unit) {
   return units;
 }
 
-// With one unit per character the high half of each pair stands for it.
+// With one code unit per character, each pair is its high surrogate.
 std::u16string first_halves(std::u16string_view text) {
   std::u16string units;
   for (const char16_t unit : text) {
@@ -154,7 +154,7 @@ std::u16string first_halves(std::u16string_view text) {
   return units;
 }
 
-// What the first `count` bytes say for certain; `cut` tells whether they end within a piece.
+// The text of the first `count` bytes; `cut` says whether they end within a piece.
 std::u16string units_of_whole(const Pieces& pieces, std::size_t count, bool one_unit, bool& cut) {
   std::u16string units;
   std::size_t end = 0;
@@ -182,7 +182,7 @@ std::string utf8(char32_t c) {
           byte(0x80 | (c & 0x3F))};
 }
 
-// `size` bytes of a number, the highest first.
+// A number in `size` bytes, big-endian.
 std::string big_endian(char32_t number, std::size_t size) {
   std::string bytes;
   for (std::size_t i = size; i-- > 0;) bytes.push_back(static_cast<char>(number >> (8 * i)));
@@ -209,7 +209,8 @@ constexpr auto utf16be = utf16<big_endian>;
 constexpr auto utf32le = utf32<little_endian>;
 constexpr auto utf32be = utf32<big_endian>;
 
-// Characters of each length in each encoding, the last of all among them, at the ends and in a row.
+// Characters of each length in each encoding, including the last character of all, at the ends and
+// in a row.
 constexpr std::u32string_view kCharacters =
     U"a\u00e9\u20ac\U0001F600\U0010FFFF\U00010000z\n\uffff\ud7ff\ue000\U0001F600\u0080\u07ff\u0800";
 
@@ -219,7 +220,7 @@ Pieces encoded(std::string (*encode)(char32_t), std::u32string_view text = kChar
   return pieces;
 }
 
-// The same behind a mark, which says nothing; a second mark is a character.
+// The same after a mark, which gives no text; a second mark is a character.
 Pieces marked(std::string (*encode)(char32_t)) {
   Pieces pieces = encoded(encode);
   pieces.insert(pieces.begin(), {encode(0xFEFF), U"\ufeff"});
@@ -321,8 +322,8 @@ TEST_P(StreamCodeConverterSamples, GiveTheSameUnitsHoweverTheyAreFed) {
   }
 }
 
-// Former bug: the question whether the encoding exchanges control characters was counted, so that a
-// well-formed text in UTF-16 or UTF-32 had an ill-formed part.
+// Former bug: the test for exchanged control characters was counted, so that a well-formed text in
+// UTF-16 or UTF-32 had an ill-formed part.
 TEST_P(StreamCodeConverterSamples, HaveNoIllFormedPart) {
   StreamCodeConverter converter(GetParam().encoding, true);
   EXPECT_EQ(converter.ill_formed_parts(), 0U) << "before the first byte";
@@ -339,7 +340,7 @@ TEST_P(StreamCodeConverterSamples, GiveTheSameUnitsWhereverTheyAreCut) {
   }
 }
 
-// No piece is longer than four bytes: cuts further apart have nothing to do with each other.
+// No piece is longer than four bytes, so cuts further apart do not affect each other.
 constexpr std::size_t kFarthest = 5;
 
 TEST_P(StreamCodeConverterSamples, GiveTheSameUnitsWhereverTheyAreCutTwice) {
@@ -356,7 +357,7 @@ TEST_P(StreamCodeConverterSamples, GiveTheSameUnitsWhereverTheyAreCutTwice) {
   }
 }
 
-// A character is out as soon as its last byte is in.
+// A character is delivered as soon as its last byte has come.
 TEST_P(StreamCodeConverterSamples, GiveEveryWholeCharacterAtOnce) {
   for (const bool one_unit : {false, true}) {
     for (std::size_t count = 0; count <= bytes().size(); ++count) {
@@ -421,7 +422,7 @@ TEST_P(StreamCodeConverterSamples, HaveNoMarkInTheMiddle) {
   EXPECT_EQ(readable(all_of(converter, bytes())), readable(units(false)));
 }
 
-// An unfinished character, an escape sequence in force, units without room: nothing stays.
+// Unfinished characters, active escape sequences and code units without room are all forgotten.
 TEST_P(StreamCodeConverterSamples, LeaveNothingBehindWhenResetAnywhere) {
   const std::u16string mark(GetParam().mark_bytes == 0 ? 0 : 1, u'\ufeff');
   for (const std::size_t room : {std::size_t{0}, kPlenty}) {
@@ -440,7 +441,7 @@ TEST_P(StreamCodeConverterSamples, LeaveNothingBehindWhenResetAnywhere) {
   }
 }
 
-// The second half of the text after a restart there, as a reader does that goes back.
+// Restarts at each place, as a reader does that goes back, and decodes the rest.
 TEST_P(StreamCodeConverterSamples, KeepTheByteOrderAfterARestartInTheMiddle) {
   if (std::string_view(GetParam().encoding) == "ISO-2022-JP") return;  // its bytes have a state
   const Pieces& pieces = GetParam().pieces;
@@ -458,7 +459,7 @@ INSTANTIATE_TEST_SUITE_P(Table, StreamCodeConverterSamples, testing::ValuesIn(kS
 
 // --- further encodings --------------------------------------------------------------------------
 
-// Texts of encodings old and new; `start` is what comes once at the beginning and says nothing.
+// Texts in old and new encodings; `start` comes once at the beginning and gives no text.
 struct EncodingCase {
   const char* rule;
   const char* encoding;
@@ -519,7 +520,7 @@ class StreamCodeConverterEncodings : public testing::TestWithParam<EncodingCase>
  protected:
   static constexpr std::size_t kReadSize = 65'536;
 
-  // The text often enough for one and a half reads of 65,537 bytes.
+  // The text is repeated to fill one and a half reads of 65,537 bytes.
   static std::size_t copies() { return 3 * kReadSize / 2 / GetParam().bytes.size() + 1; }
 };
 
@@ -564,7 +565,7 @@ INSTANTIATE_TEST_SUITE_P(Table, StreamCodeConverterEncodings, testing::ValuesIn(
 
 struct OrderCase {
   const char* rule;
-  const char* encoding;  // one of the names of an encoding whose order the text tells
+  const char* encoding;  // a name of an encoding whose text decides the byte order
   std::string mark;
   std::string a;  // the character in that order
 };
@@ -597,7 +598,7 @@ TEST_P(StreamCodeConverterOrder, StaysInForceAfterEveryReset) {
   }
 }
 
-// The first bytes were read and forgotten before a character was there.
+// The first bytes were read and forgotten before the first character was complete.
 TEST_P(StreamCodeConverterOrder, IsKnownAfterTheMarkAlone) {
   const OrderCase& row = GetParam();
   if (row.mark.empty()) return;
@@ -617,7 +618,7 @@ TEST(StreamCodeConverterOrder, IsBigWhenTheTextIsEnteredInTheMiddle) {
   EXPECT_EQ(all_of(converter, {"\0a", 2}), u"a");
 }
 
-// Big-endian was taken for want of a mark; what looks for a mark again may find one.
+// Without a mark, big-endian is assumed; after a reset to the start, a mark may be found.
 TEST(StreamCodeConverterOrder, TakenWithoutAMarkGivesWayToAMarkAtTheNextStart) {
   for (const std::string& first : {std::string(), std::string("\0a", 2)}) {
     StreamCodeConverter converter("UTF-16", false);
@@ -638,7 +639,7 @@ TEST(StreamCodeConverterMark, CutByAResetIsForgotten) {
   EXPECT_EQ(all_of(converter, "\xEF\xBB\xBFz"), u"\ufeffz");
 }
 
-TEST(StreamCodeConverterMark, IsNotLookedForBehindTheFirstCharacter) {
+TEST(StreamCodeConverterMark, IsNotLookedForAfterTheFirstCharacter) {
   for (std::size_t chunk = 1; chunk <= 8; ++chunk) {
     StreamCodeConverter converter("UTF-8", false);
     EXPECT_EQ(all_of(converter, "a\xEF\xBB\xBFz\xEF\xBB\xBF", {chunk, 1}), u"a\ufeffz\ufeff");
@@ -702,7 +703,7 @@ const IllFormedCase kIllFormed[] = {
 
     {"Utf16LoneHigh", "UTF-16BE", {"\xD8\x3D\0z", 4}, u"\ufffdz"},
     {"Utf16LoneHighLittle", "UTF-16LE", {"\x3D\xD8z\0", 4}, u"\ufffdz"},
-    {"Utf16LoneHighBehindAMark", "UTF-16", {"\xFF\xFE\x3D\xD8z\0", 6}, u"\ufffdz"},
+    {"Utf16LoneHighAfterAMark", "UTF-16", {"\xFF\xFE\x3D\xD8z\0", 6}, u"\ufffdz"},
     {"Utf16FirstHigh", "UTF-16BE", {"\xD8\x00\0z", 4}, u"\ufffdz"},
     {"Utf16LastHigh", "UTF-16BE", {"\xDB\xFF\0z", 4}, u"\ufffdz"},
     {"Utf16LoneLow", "UTF-16BE", {"\xDE\x00\0z", 4}, u"\ufffdz"},
@@ -719,7 +720,7 @@ const IllFormedCase kIllFormed[] = {
     {"Utf16ThreeBytesOfAPairLittle", "UTF-16LE", {"a\0\x3D\xD8\x00", 5}, u"a\ufffd"},
     {"Utf16OddByte", "UTF-16LE", {"a\0z", 3}, u"a\ufffd"},
     {"Utf16OddByteBig", "UTF-16BE", {"\0a\0", 3}, u"a\ufffd"},
-    {"Utf16OddByteBehindAMark", "UTF-16", {"\xFF\xFE\x61", 3}, u"\ufffd"},
+    {"Utf16OddByteAfterAMark", "UTF-16", {"\xFF\xFE\x61", 3}, u"\ufffd"},
     {"Utf16OneByte", "UTF-16", "\xFF", u"\ufffd"},
     {"Utf16FirstCharacterIsALoneLow", "UTF-16", {"\xDE\x00\0z", 4}, u"\ufffdz"},
 
@@ -749,7 +750,7 @@ const IllFormedCase kIllFormed[] = {
     {"EucKrLeadThenLineEnd", "EUC-KR", "\xC7\n", u"\ufffd\n"},
     {"Gb18030ThreeOfFourAtTheEnd", "GB18030", "a\x81\x30\x81", u"a\ufffd"},
 
-    // Encodings that carry surrogates of their own.
+    // Encodings that encode surrogates.
     {"Utf7LoneHigh", "UTF-7", "+2D0-z", u"\ufffdz"},
     {"Utf7LoneLow", "UTF-7", "+3gA-z", u"\ufffdz"},
     {"Utf7HighAtTheEnd", "UTF-7", "a+2D0-", u"a\ufffd"},
@@ -768,7 +769,7 @@ const IllFormedCase kIllFormed[] = {
     {"Iso2022JpHalfACharacterAtTheEnd", "ISO-2022-JP", "a\x1B$B\x46", u"a\ufffd"},
 };
 
-// No row holds a U+FFFD of its own, so that there is one for each part.
+// No row contains a U+FFFD itself, so there is one for each part.
 std::size_t ill_formed_parts(const IllFormedCase& row) {
   return static_cast<std::size_t>(std::count(row.text.begin(), row.text.end(), u'\ufffd'));
 }
@@ -822,7 +823,7 @@ struct CountCase {
 };
 std::ostream& operator<<(std::ostream& out, const CountCase& row) { return out << row.rule; }
 
-// A U+FFFD that the text holds is a character.
+// A U+FFFD in the text itself is a character.
 const CountCase kCounted[] = {
     {"NothingInNothing", "UTF-8", "", u"", 0},
     {"NothingInWellFormed", "UTF-8", "\xEF\xBB\xBFz\xF0\x9F\x98\x80", u"z\U0001F600", 0},
@@ -835,7 +836,7 @@ const CountCase kCounted[] = {
     {"TheUnfinishedCharacterAtTheEnd", "UTF-8", "a\xF0\x9F\x98", u"a\ufffd", 1},
     {"EachByteThatFitsNowhere", "UTF-8", "\xC0\x80\xF5\xFF", u"\ufffd\ufffd\ufffd\ufffd", 4},
     {"ALoneSurrogate", "UTF-16LE", {"\x3D\xD8z\0\xFD\xFF", 6}, u"\ufffdz\ufffd", 1},
-    {"TwoOfTheBytesBehindAMark", "UTF-16", {"\xFE\xFF\xDE\0\0z\0", 7}, u"\ufffdz\ufffd", 2},
+    {"TwoOfTheBytesAfterAMark", "UTF-16", {"\xFE\xFF\xDE\0\0z\0", 7}, u"\ufffdz\ufffd", 2},
     {"BytesWithoutCharacter", "windows-1253", "\xD2\xE1\xD2", u"\ufffd\u03b1\ufffd", 2},
     {"ACutPairOfBytes", "Shift_JIS", "\x83\n\x83\x65\x83", u"\ufffd\n\u30c6\ufffd", 2},
 };
@@ -863,7 +864,7 @@ TEST_P(StreamCodeConverterCount, GoesOnThroughResets) {
 
 INSTANTIATE_TEST_SUITE_P(Table, StreamCodeConverterCount, testing::ValuesIn(kCounted), ByRule());
 
-// The well-formed sequences, one range per byte; the plain second route to the same answer.
+// The well-formed sequences, with one range per byte: a plain second route to the same answer.
 struct Utf8Form {
   std::vector<std::pair<unsigned char, unsigned char>> ranges;
 };
@@ -879,7 +880,7 @@ const std::array<Utf8Form, 9> kUtf8Forms = {{
     {{{0xF4, 0xF4}, {0x80, 0x8F}, {0x80, 0xBF}, {0x80, 0xBF}}},
 }};
 
-// How many bytes at `pos` fit the form, from its first byte on.
+// How many bytes at `pos` match the form, from its first byte on.
 std::size_t fitting(const Utf8Form& form, std::string_view bytes, std::size_t pos) {
   std::size_t count = 0;
   while (count < form.ranges.size() && pos + count < bytes.size()) {
@@ -916,7 +917,7 @@ std::u16string decoded_by_ranges(std::string_view bytes) {
   return units;
 }
 
-// Every sequence of `count` of the given bytes, each behind a letter.
+// Every sequence of `count` of the given bytes, each after a letter.
 std::string all_sequences(const std::string& alphabet, std::size_t count) {
   std::string all;
   std::vector<std::size_t> digits(count, 0);
@@ -957,7 +958,7 @@ TEST(StreamCodeConverterUtf8, AgreesWithTheRangesOnFourBytesAtTheirLimits) {
 
 // --- the substitute character ------------------------------------------------------------------
 
-// U+001A stands for a folded character elsewhere, so no ill-formed or unassigned bytes may give it.
+// U+001A marks a folded character elsewhere, so no ill-formed or unassigned bytes may give it.
 class StreamCodeConverterSubstitute : public testing::TestWithParam<const char*> {};
 
 TEST_P(StreamCodeConverterSubstitute, ComesFromNoPairOfOtherBytes) {
@@ -975,7 +976,7 @@ TEST_P(StreamCodeConverterSubstitute, BadPairsGiveTheSameUnitsHoweverTheyAreFed)
   for (const Feeding& feeding : all_feedings()) {
     const bool is_one_of_many = feeding.end_with_bytes != feeding.ask_for_held_back ||
                                 feeding.room == 2 || feeding.room == 3;
-    if (is_one_of_many) continue;  // a few of them will do
+    if (is_one_of_many) continue;  // a few of them are enough
     converter.reset(true);
     EXPECT_EQ(first_difference(all_of(converter, bytes, feeding), expected), kNoDifference)
         << feeding;
@@ -993,7 +994,7 @@ INSTANTIATE_TEST_SUITE_P(Encodings, StreamCodeConverterSubstitute,
                            return name;
                          });
 
-// Each is itself, U+001A included; what ISO-2022-JP shifts with is not among them.
+// Each control character decodes to itself, including U+001A, except the shifts of ISO-2022-JP.
 TEST(StreamCodeConverterSubstitute, AndTheOtherControlCharactersAreWhatTheirBytesSay) {
   for (const char* encoding : {"UTF-8", "ISO-8859-1", "ISO-8859-7", "windows-1252", "windows-1251",
                                "Shift_JIS", "EUC-JP", "EUC-KR", "Big5", "GB18030", "ISO-2022-JP"}) {
@@ -1023,8 +1024,9 @@ std::vector<std::u32string> texts_of(std::u32string_view characters, std::size_t
   return texts;
 }
 
-// One unit per character: at no cut is there more to deliver than bytes were given, so that nothing
-// is ever held back. All texts of up to four characters of one to four bytes, at all pairs of cuts.
+// With one code unit per character, no part of the bytes gives more code units than it has bytes,
+// so nothing is ever held back. All texts of up to four characters of one to four bytes, at all
+// pairs of cuts.
 TEST(StreamCodeConverterOneUnit, NeverGivesMoreUnitsThanBytesAtAnyCut) {
   StreamCodeConverter converter("UTF-8", true);
   for (const std::u32string& text : texts_of(U"a\u00e9\u20ac\U0001F600", 4)) {
@@ -1117,7 +1119,7 @@ TEST(StreamCodeConverterCall, WithoutBytesGivesNothing) {
   }
 }
 
-TEST(StreamCodeConverterCall, WritesNothingBehindWhatItDelivers) {
+TEST(StreamCodeConverterCall, WritesNothingAfterWhatItDelivers) {
   StreamCodeConverter converter("UTF-8", true);
   std::u16string range(6, u'?');
   const std::string_view bytes = "a\xC3\xA9\xE2";

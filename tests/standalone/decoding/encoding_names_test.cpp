@@ -1,4 +1,4 @@
-// Names of encodings: all of ICU's are known, others are refused with a sentence that helps.
+// Names of encodings: all of ICU's are known, others are refused with a helpful message.
 #include <vltextstream/standalone/decoding/encoding_names.hpp>
 
 #include <gmock/gmock.h>
@@ -204,8 +204,8 @@ const RefusalCase kRefusals[] = {
     {"APath", "/etc/passwd", "unknown encoding '/etc/passwd'" + kExpected},
     {"Format", "%s%n{}", "unknown encoding '%s%n{}'" + kExpected},
 
-    {"NulBehindTheName", {"UTF-8\0", 6}, "unknown encoding 'UTF-8\\x00' (did you mean 'UTF-8'?)"},
-    {"NulInFront", {"\0UTF-8", 6}, "unknown encoding '\\x00UTF-8' (did you mean 'UTF-8'?)"},
+    {"NulAfterTheName", {"UTF-8\0", 6}, "unknown encoding 'UTF-8\\x00' (did you mean 'UTF-8'?)"},
+    {"NulBefore", {"\0UTF-8", 6}, "unknown encoding '\\x00UTF-8' (did you mean 'UTF-8'?)"},
     {"ControlCharacters", "UTF\n-8\x1B",
      "unknown encoding 'UTF\\x0A-8\\x1B' (did you mean 'UTF-8'?)"},
     {"LetterOfAnotherAlphabet", "UTF-8\xC3\xA9",
@@ -250,7 +250,7 @@ TEST(EncodingName, OfCompoundTextIsRefusedWithTheReason) {
   }
 }
 
-// A suggestion can be taken up: it is known, and near to itself.
+// A suggestion is a known name, and nearest to itself.
 TEST(NearestEncoding, IsItselfForEveryNameItSuggests) {
   for (const char* name : {"UTF-8", "UTF-16", "windows-1252", "Shift_JIS", "ISO-8859-1", "GB18030",
                            "KOI8-R", "Big5", "EUC-KR", "ISO-2022-JP", "macintosh", "IBM037"}) {

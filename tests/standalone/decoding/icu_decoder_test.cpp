@@ -1,4 +1,4 @@
-// The decoder on ICU: what it puts right behind ICU's back, with hardly any room.
+// The decoder on ICU: how it corrects ICU's output, with hardly any room.
 #include <vltextstream/standalone/decoding/icu_decoder.hpp>
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ using testing_support::first_difference;
 using testing_support::kNoDifference;
 using testing_support::readable;
 
-// All units, in windows of `room` units.
+// All code units, in windows of `room` code units.
 std::u16string decoded(IcuDecoder& decoder, std::string_view bytes, std::size_t room) {
   std::u16string text;
   const char* in = bytes.data();
@@ -42,8 +42,8 @@ TEST(IcuDecoder, PutsExchangedControlsBack) {
   }
 }
 
-// Blocks of units that stay as they are are passed over: no place may be special. In IBM437 and
-// Shift_JIS controls are exchanged, in GB18030 the last character is a pair.
+// Blocks without a corrected code unit are skipped, so each place in a block is tested. IBM437 and
+// Shift_JIS exchange controls; in GB18030 the last character is a pair.
 TEST(IcuDecoder, PutsOneUnitRightAtEveryPlace) {
   struct Odd {
     const char* encoding;
@@ -89,7 +89,7 @@ TEST(IcuDecoder, PairsWaitForTheirOtherHalfWhateverTheRoom) {
   }
 }
 
-// Without enough room for ICU it gets nothing, and the input stays where it is.
+// With too little room, ICU gets no bytes and the input does not move.
 TEST(IcuDecoder, AsksForMoreRoomWhenThereIsLittle) {
   IcuDecoder decoder("BOCU-1", false);
   const std::string_view bytes = "\xB1\xD0\x76\n";

@@ -1,4 +1,4 @@
-// Tables of single bytes: the same as ICU's answers, for every encoding that ICU has.
+// Tables of single bytes give the same as ICU, for every encoding of ICU.
 #include <vltextstream/standalone/decoding/single_byte_decoder.hpp>
 
 #include <gtest/gtest.h>
@@ -65,10 +65,10 @@ TEST(SingleByteDecoder, AgreesWithIcuOnAllBytesInARow) {
   }
 }
 
-// Blocks of bytes that stand for the characters of their numbers are not looked up: which these are
-// differs between the encodings, and no place may be special. In some a byte is ill-formed.
+// Blocks of bytes that are equal to their code units are not looked up. Encodings differ in these
+// bytes, so each place in a block is tested. Some encodings have ill-formed bytes.
 TEST(SingleByteDecoder, AgreesWithIcuWhereverABlockIsBroken) {
-  constexpr std::size_t kBytes = 2 * 64 + 10;  // two blocks and something behind them
+  constexpr std::size_t kBytes = 2 * 64 + 10;  // two blocks and a rest
   for (const char* encoding : {"windows-1252", "ISO-8859-1", "ISO-8859-15", "windows-1251",
                                "windows-1253", "IBM037", "US-ASCII"}) {
     BothRoutes routes(encoding, true);
@@ -88,7 +88,7 @@ TEST(SingleByteDecoder, AgreesWithIcuWhereverABlockIsBroken) {
   }
 }
 
-// The units that find no room wait, wherever in a block the room ends.
+// Code units that find no room are held back, wherever in a block the room ends.
 TEST(SingleByteDecoder, FillsAnyRoomToItsEnd) {
   std::string bytes;
   for (int round = 0; round < 20; ++round) bytes += "north \xE9\x80,";
@@ -100,7 +100,7 @@ TEST(SingleByteDecoder, FillsAnyRoomToItsEnd) {
   }
 }
 
-// Encodings with characters of several bytes, or with a state, are none of its business.
+// Encodings with multi-byte characters or with a state have no table.
 TEST(SingleByteDecoder, IsNotTakenForOtherEncodings) {
   for (const char* name :
        {"Shift_JIS", "GB18030", "EUC-JP", "Big5", "ISO-2022-JP", "UTF-7", "HZ", "UTF-32LE", "SCSU",
@@ -109,10 +109,10 @@ TEST(SingleByteDecoder, IsNotTakenForOtherEncodings) {
   }
 }
 
-// A decoder made of a table, in which single places can be spoilt.
+// A decoder with a table in which single entries can be spoilt.
 class ScriptedDecoder final : public StreamDecoder {
  public:
-  // Every byte is the character of its number, but for one that may be spoilt.
+  // Each byte is the code unit with its value, except one that may be spoilt.
   unsigned char odd_byte = 0;
   std::size_t units_of_odd_byte = 1;
   bool keeps_odd_byte = false;

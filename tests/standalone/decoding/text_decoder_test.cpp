@@ -1,4 +1,4 @@
-// The fast decoders against ICU, on random bytes that are fed at random.
+// The fast decoders against ICU, on random bytes in random pieces.
 #include <vltextstream/standalone/decoding/text_decoder.hpp>
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ using testing_support::BothRoutes;
 using testing_support::DecoderAnswer;
 using testing_support::first_different_answer;
 
-// Bytes in which much is well-formed: runs of letters, and pieces of the encodings' characters.
+// Mostly well-formed bytes: runs of letters, and parts of characters in the encodings.
 std::string random_bytes(std::mt19937& random) {
   static const std::string kPieces[] = {
       "abcdefghijklmnopqrstuvwxyz0123456789",
@@ -66,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(Encodings, TextDecoderRoutes,
                                          "IBM437", "IBM037", "KOI8-R"),
                          [](const auto& tested) { return "Row" + std::to_string(tested.index); });
 
-// A question of the decoder's own, about the control characters, once was counted.
+// Former bug: the decoder's own test for exchanged control characters was counted.
 TEST(TextDecoder, HasMetNothingIllFormedBeforeItsFirstByte) {
   for (std::int32_t i = 0; i < ucnv_countAvailable(); ++i) {
     const std::string name = ucnv_getAvailableName(i);
@@ -79,7 +79,7 @@ TEST(TextDecoder, HasMetNothingIllFormedBeforeItsFirstByte) {
   }
 }
 
-// What the bytes say must not depend on how they are read, for any encoding at all.
+// For every encoding, the text of the bytes does not depend on how they are read.
 TEST(TextDecoder, GivesTheSameUnitsAndCountForEveryEncodingHoweverItIsFed) {
   std::mt19937 random(20'261'121);
   const std::string shifts =
@@ -105,7 +105,7 @@ TEST(TextDecoder, GivesTheSameUnitsAndCountForEveryEncodingHoweverItIsFed) {
         for (const DecoderAnswer& answer : answers_of(decoder, bytes, chunk)) units += answer.units;
         ASSERT_EQ(testing_support::readable(units), testing_support::readable(whole.units)) << name;
         ASSERT_EQ(decoder.ill_formed_parts() - whole.ill_formed, count * (chunk == 1 ? 1 : 2))
-            << name;  // the counts of both feedings add up
+            << name;  // the counts of both chunk sizes add up
       }
     }
   }

@@ -1,5 +1,4 @@
-// The UTF-16 decoder against ICU; what it answers to single cases stands in
-// code_converter_test.cpp.
+// The UTF-16 decoder against ICU; code_converter_test.cpp has single cases.
 #include <vltextstream/standalone/decoding/utf16_decoder.hpp>
 
 #include <gtest/gtest.h>
@@ -27,8 +26,8 @@ std::string unit_bytes(char16_t unit, ByteOrder order) {
   return order == ByteOrder::little ? std::string{low, high} : std::string{high, low};
 }
 
-// The units on both sides of every limit, and those whose bytes look like surrogates in the other
-// order.
+// The code units on both sides of every limit, and those whose bytes look like surrogates in the
+// other byte order.
 constexpr char16_t kLimits[] = {0x0000, 0x007A, 0x00D8, 0x00DC, 0x00DF, 0xD7FF,
                                 0xD800, 0xD83D, 0xD8D8, 0xDBFF, 0xDC00, 0xDCDC,
                                 0xDFFF, 0xE000, 0xFEFF, 0xFFFD, 0xFFFE, 0xFFFF};
@@ -82,7 +81,7 @@ TEST(Utf16Decoder, AgreesWithIcuOnAllUnits) {
   }
 }
 
-// Each sequence as a text of its own, with an odd byte behind it or without.
+// Each sequence as a text of its own, with and without an odd byte after it.
 TEST(Utf16Decoder, AgreesWithIcuOnShortTextsAtTheirEnd) {
   for (const Named& named : kEncodings) {
     BothRoutes routes(named.encoding, false);
@@ -100,7 +99,7 @@ TEST(Utf16Decoder, AgreesWithIcuOnShortTextsAtTheirEnd) {
 
 // A pair or a lone surrogate at each place relative to the blocks.
 TEST(Utf16Decoder, AgreesWithIcuWhereverABlockIsBroken) {
-  constexpr std::size_t kUnits = 2 * 64 + 10;  // two blocks and something behind them
+  constexpr std::size_t kUnits = 2 * 64 + 10;  // two blocks and a rest
   for (const Named& named : kEncodings) {
     for (const std::u16string breaks : {u"\U0001F600", u"\xD83D", u"\xDE00"}) {
       for (std::size_t run = 0; run <= kUnits; ++run) {

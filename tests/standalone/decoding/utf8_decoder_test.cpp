@@ -1,4 +1,4 @@
-// The UTF-8 decoder against ICU; what it answers to single cases stands in code_converter_test.cpp.
+// The UTF-8 decoder against ICU; code_converter_test.cpp has single cases.
 #include <vltextstream/standalone/decoding/utf8_decoder.hpp>
 
 #include <gtest/gtest.h>
@@ -49,7 +49,7 @@ TEST(Utf8Decoder, AgreesWithIcuOnAllCodePoints) {
       put(0xC0 | c >> 6);
       put(0x80 | (c & 0x3F));
     } else {
-      // surrogates, which are ill-formed, among them
+      // includes surrogates, which are ill-formed
       if (c >= 0x10000) put(0xF0 | c >> 18);
       put(c >= 0x10000 ? 0x80 | (c >> 12 & 0x3F) : 0xE0 | c >> 12);
       put(0x80 | (c >> 6 & 0x3F));

@@ -19,7 +19,7 @@ using testing_support::ByRule;
 using testing_support::ExactText;
 using testing_support::readable;
 
-// Both from heap blocks of exactly their size.
+// Both conversions, from heap blocks of exactly the given size.
 std::u16string from(std::string_view bytes) {
   const auto block = std::make_unique<char[]>(bytes.size());
   std::copy(bytes.begin(), bytes.end(), block.get());
@@ -34,7 +34,7 @@ struct UtfCase {
 };
 std::ostream& operator<<(std::ostream& out, const UtfCase& row) { return out << row.rule; }
 
-// The unit that stands for one byte.
+// The code unit for one ill-formed byte.
 const char16_t kHidden80 = 0xDC80;
 const char16_t kHiddenFF = 0xDCFF;
 
@@ -76,7 +76,7 @@ const UtfCase kUtfCases[] = {
     {"TruncatedAfterThree", "a\xF0\x9F\x98", u"a" + hidden("\xF0\x9F\x98")},
     {"CutByALetter", "\xE2\x82z", hidden("\xE2\x82") + u"z"},
     {"CutByACharacter", "\xE2\x82\xC3\xA9", hidden("\xE2\x82") + u"\u00e9"},
-    {"ByteBehindAPair", "\xF0\x9F\x98\x80\x80", u"\U0001F600" + hidden("\x80")},
+    {"ByteAfterAPair", "\xF0\x9F\x98\x80\x80", u"\U0001F600" + hidden("\x80")},
     {"ByteBeforeAPair", "\x80\xF0\x9F\x98\x80", hidden("\x80") + u"\U0001F600"},
     {"PairsInARow", "\xF0\x9F\x98\x80\xF0\x90\x80\x80", u"\U0001F600\U00010000"},
 };
@@ -134,7 +134,7 @@ TEST(UtfTextRoundTrip, KeepsCharactersOfEveryPlane) {
   }
 }
 
-// ASCII bytes are never hidden, so no surrogate may turn into one: not into a slash, not into NUL.
+// ASCII bytes are never escaped, so no surrogate may become one, such as a slash or a NUL.
 TEST(UtfTextToBytes, GivesNoAsciiForASurrogate) {
   for (unsigned unit = 0xD800; unit <= 0xDFFF; ++unit) {
     const std::string bytes = to(std::u16string(1, static_cast<char16_t>(unit)));

@@ -87,7 +87,7 @@ struct SeekCase {
   std::int64_t offset;
   int whence;
   std::int64_t position;  // -1: refused
-  std::string rest;       // what stands there
+  std::string rest;       // the bytes from there on
 };
 std::ostream& operator<<(std::ostream& out, const SeekCase& row) { return out << row.rule; }
 
@@ -98,8 +98,8 @@ const SeekCase kSeeks[] = {
     {"FromTheEnd", -1, SEEK_END, 7, "i"},
     {"ToTheEnd", 0, SEEK_END, 8, ""},
     {"PastTheEnd", 9, SEEK_END, 17, ""},
-    {"InFrontOfTheStart", -4, SEEK_CUR, -1, "efghi"},
-    {"FarInFrontOfTheStart", std::numeric_limits<std::int64_t>::min(), SEEK_END, -1, "efghi"},
+    {"BeforeTheStart", -4, SEEK_CUR, -1, "efghi"},
+    {"FarBeforeTheStart", std::numeric_limits<std::int64_t>::min(), SEEK_END, -1, "efghi"},
     {"ToThePlaceThatNoFileReaches", std::numeric_limits<std::int64_t>::max(), SEEK_SET,
      std::numeric_limits<std::int64_t>::max(), ""},
 };
@@ -172,7 +172,8 @@ TEST(PipeBytesOf, SayWhatTheSystemSays) {
   EXPECT_EQ(read_all(bytes).error, EISDIR);
 }
 
-// The signal comes while the read waits, or before; its handler writes what is waited for.
+// The signal comes while the read waits, or before. Its handler writes the bytes that the read
+// needs.
 int interrupted_pipe = -1;
 void write_and_close(int /*signal*/) {
   if (::write(interrupted_pipe, "abc", 3) == 3) ::close(interrupted_pipe);

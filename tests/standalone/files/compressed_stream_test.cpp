@@ -55,7 +55,7 @@ const Codec kCodecs[] = {
      []() -> std::unique_ptr<Decoder> { return std::make_unique<ZstdDecoder>(); }},
 };
 
-// Lines of numbers that do not repeat soon, so that the archive is not tiny either.
+// Lines of numbers that do not repeat soon, so that the archive is not tiny.
 std::string long_text(std::size_t size) {
   std::mt19937 random(7);
   std::string text;
@@ -209,7 +209,7 @@ TEST_P(Compressed, DoesNotGoBackWhereItsArchiveCannot) {
 
 // --- damage ------------------------------------------------------------------------------------
 
-// Cut off between two members, an archive is a shorter one that is whole.
+// An archive that is cut off between two members is a shorter valid archive.
 TEST_P(Compressed, CutOffAnywhereElseEndsTooEarly) {
   const std::string first = codec_.compress(kShort);
   const std::string archive = first + codec_.compress("more");
@@ -247,7 +247,7 @@ TEST_P(Compressed, FollowedByOtherBytesIsDamaged) {
   }
 }
 
-TEST_P(Compressed, TellsOfDamageEachTime) {
+TEST_P(Compressed, ReportsDamageEachTime) {
   const std::string archive = codec_.compress(kShort);
   CompressedStream stream = codec_.stream(archive.substr(0, archive.size() - 1));
   for (int round = 0; round < 3; ++round) {
@@ -282,7 +282,7 @@ INSTANTIATE_TEST_SUITE_P(Formats, Compressed, testing::ValuesIn(kCodecs), ByRule
 
 // --- long texts --------------------------------------------------------------------------------
 
-// A frame of 2^15 + 1 blocks, each of which says "this byte, 131,072 times".
+// A frame of 2^15 + 1 blocks, each of which means "this byte, 131,072 times".
 std::string frame_of_zeros(std::size_t blocks) {
   constexpr std::size_t kBlockBytes = 131'072;
   constexpr std::size_t kRepeatedByte = 1 << 1;

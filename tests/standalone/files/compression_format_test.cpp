@@ -1,4 +1,4 @@
-// Formats of compression, told by the first bytes.
+// Compression formats are recognised by their first bytes.
 #include <vltextstream/standalone/files/compression_format.hpp>
 
 #include <gtest/gtest.h>
@@ -33,8 +33,8 @@ const HeadCase kHeads[] = {
     {"GzipWithAReservedFlag", "\x1F\x8B\x08\x20\x00\x00\x00\x00\x00\x03"s, Format::none},
     {"GzipOfAnotherMethod", "\x1F\x8B\x07\x00\x00\x00\x00\x00\x00\x03"s, Format::none},
     {"TextThatStartsLikeGzip", "\x1F\x8B,1,2\n3,4"s, Format::none},
-    {"GzipCutBehindTheMethod", "\x1F\x8B\x08"s, Format::gzip},
-    {"GzipCutBehindTheMagic", "\x1F\x8B"s, Format::gzip},
+    {"GzipCutAfterTheMethod", "\x1F\x8B\x08"s, Format::gzip},
+    {"GzipCutAfterTheMagic", "\x1F\x8B"s, Format::gzip},
     {"OneByteOfGzip", "\x1F"s, Format::none},
 
     {"Zstd", "\x28\xB5\x2F\xFD\x04\x00"s, Format::zstd},
@@ -62,7 +62,7 @@ const HeadCase kHeads[] = {
 };
 
 class CompressionFormatOf : public testing::TestWithParam<HeadCase> {};
-TEST_P(CompressionFormatOf, IsToldByTheFirstBytes) {
+TEST_P(CompressionFormatOf, IsRecognisedByTheFirstBytes) {
   EXPECT_EQ(compression_format(GetParam().head), GetParam().format);
 }
 INSTANTIATE_TEST_SUITE_P(Table, CompressionFormatOf, testing::ValuesIn(kHeads), ByRule());

@@ -56,7 +56,7 @@ std::string content_of(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// The reason why nothing was opened; 0 when a stream came back.
+// The errno of a failed open; 0 if there is a stream.
 int refusal(const std::u16string& path, const char* mode = "rb") {
   errno = 0;
   const File file(open_file(path, mode), &std::fclose);
@@ -153,7 +153,7 @@ TEST(OpenFileRefusal, LeavesNothingOpen) {
   EXPECT_EQ(open_descriptors(), before);
 }
 
-TEST(OpenFileRefusal, TellsTheReasonOfTheSystem) {
+TEST(OpenFileRefusal, ReportsTheReasonOfTheSystem) {
   const TempFolder folder;
   const std::string file = folder.file("t", "x");
   EXPECT_EQ(refusal(u""), ENOENT);
@@ -172,7 +172,7 @@ TEST(OpenFileRefusal, OfALinkThatLeadsNowhere) {
   EXPECT_EQ(refusal(from_utf8(folder.path_of("loop"))), ELOOP);
 }
 
-// What stands before the NUL names a file that is there; it must not be taken for it.
+// The part before the NUL names an existing file, which must not be opened.
 TEST(OpenFileRefusal, OfAPathWithANulInside) {
   const TempFolder folder;
   const std::u16string path = from_utf8(folder.file("t", "x"));
@@ -184,7 +184,7 @@ TEST(OpenFileRefusal, OfAPathWithANulInside) {
   EXPECT_FALSE(std::filesystem::exists(folder.path_of("new")));
 }
 
-// A surrogate that hides no byte is no ASCII character either.
+// A surrogate that is no escaped byte must not become an ASCII character either.
 TEST(OpenFileRefusal, OfAPathWhoseSurrogatesHideNoBytes) {
   const TempFolder folder;
   const std::string file = folder.file("t", "x");
@@ -266,7 +266,7 @@ TEST(OpenFileStream, OpensAnEmptyFileAndADevice) {
   }
 }
 
-TEST(OpenFileStream, IsNotHandedToOtherPrograms) {
+TEST(OpenFileStream, IsNotInheritedByOtherPrograms) {
   const TempFolder folder;
   const std::size_t before = open_descriptors();
   const File file = open(folder.file("t", "abc"));
@@ -281,8 +281,8 @@ TEST(OpenFileStream, IsNotHandedToOtherPrograms) {
 
 // --- what cannot seek --------------------------------------------------------------------------
 
-// The reading end of a pipe from which `bytes` come. What fits into the pipe lies in it from the
-// start, and nobody writes to it any more.
+// The reading end of a pipe with `bytes`. All bytes that fit are in the pipe from the start, and
+// the writing end is closed.
 class FilledPipe {
  public:
   explicit FilledPipe(const std::string& bytes) {
@@ -365,7 +365,7 @@ TEST(OpenFileStream, OfAnEndlessDeviceIsReadAsFarAsAsked) {
 
 // --- standard input ----------------------------------------------------------------------------
 
-// Standard input is another as long as the object lives.
+// Replaces standard input for the lifetime of the object.
 class StandardInput {
  public:
   explicit StandardInput(int descriptor) : before_(dup(STDIN_FILENO)) {
@@ -420,7 +420,7 @@ TEST(OpenFileDash, OfAPipeIsRefusedTheSecondTime) {
   }
 }
 
-// It starts where the process stands in the file, and is the same whenever it is asked for.
+// It starts at the current offset in the file, each time it is opened.
 TEST(OpenFileDash, OfAFileIsReadEachTime) {
   const TempFolder folder;
   const OpenedFile input(folder.file("t", "title\n1,2\n"));
@@ -479,7 +479,7 @@ const ContentCase kContents[] = {
     {"GzipOfTwoMembers", gzip_of("x,y\n") + gzip_of("1,2\n"), "x,y\n1,2\n"},
     {"Zstd", zstd_of("x,y\n1,2\n"), "x,y\n1,2\n"},
     {"ZstdOfNothing", zstd_of(""), ""},
-    {"ZstdBehindASkippableFrame", skippable_frame("index") + zstd_of("x,y\n"), "x,y\n"},
+    {"ZstdAfterASkippableFrame", skippable_frame("index") + zstd_of("x,y\n"), "x,y\n"},
     {"TextThatStartsLikeGzip", "\x1F\x8B,1,2\n3,4,5\n", "\x1F\x8B,1,2\n3,4,5\n"},
     {"TextThatStartsLikeBzip2", "BZh9,1,2\n3,4,5\n", "BZh9,1,2\n3,4,5\n"},
 };
@@ -496,17 +496,17 @@ class OpenFileContent : public testing::TestWithParam<ContentCase> {
   }
 };
 
-TEST_P(OpenFileContent, IsToldByTheFirstBytesOfAFile) {
+TEST_P(OpenFileContent, IsRecognisedByTheFirstBytesOfAFile) {
   const TempFolder folder;
   expect_text_twice(open(folder.file("table", GetParam().bytes)));
 }
 
-TEST_P(OpenFileContent, IsToldByTheFirstBytesOfAPipe) {
+TEST_P(OpenFileContent, IsRecognisedByTheFirstBytesOfAPipe) {
   const FilledPipe input(GetParam().bytes);
   expect_text_twice(open(input.path()));
 }
 
-TEST_P(OpenFileContent, IsToldByTheFirstBytesOfStandardInput) {
+TEST_P(OpenFileContent, IsRecognisedByTheFirstBytesOfStandardInput) {
   const TempFolder folder;
   const OpenedFile input(folder.file("table", GetParam().bytes));
   const StandardInput replaced(input.number);

@@ -1,4 +1,4 @@
-// What is peculiar to gzip; what holds for every format is in compressed_stream_test.cpp.
+// Rules of gzip alone; the rules for every format are in compressed_stream_test.cpp.
 #include <vltextstream/standalone/files/gzip_decoder.hpp>
 
 #include <gtest/gtest.h>
@@ -58,16 +58,15 @@ const ArchiveCase kArchives[] = {
      kDataDamaged},
     {"Nothing", "", "", 0},
 
-    {"ZeroBehindIt", gzip_of(kText) + '\0', kText, 0},
-    {"ManyZerosBehindIt", gzip_of(kText) + std::string(200'000, '\0'), kText, 0},
-    {"ZerosBehindTwoMembers", gzip_of(kText) + gzip_of(kText) + std::string(512, '\0'),
+    {"ZeroAfterIt", gzip_of(kText) + '\0', kText, 0},
+    {"ManyZerosAfterIt", gzip_of(kText) + std::string(200'000, '\0'), kText, 0},
+    {"ZerosAfterTwoMembers", gzip_of(kText) + gzip_of(kText) + std::string(512, '\0'),
      kText + kText, 0},
-    {"OtherBytesBehindTheZeros", gzip_of(kText) + std::string(512, '\0') + "x", kText,
+    {"OtherBytesAfterTheZeros", gzip_of(kText) + std::string(512, '\0') + "x", kText, kDataDamaged},
+    {"MemberAfterTheZeros", gzip_of(kText) + std::string(512, '\0') + gzip_of(kText), kText,
      kDataDamaged},
-    {"MemberBehindTheZeros", gzip_of(kText) + std::string(512, '\0') + gzip_of(kText), kText,
-     kDataDamaged},
-    {"ZerosInFront", std::string(512, '\0') + gzip_of(kText), "", kDataDamaged},
-    {"HalfAMagicBehindIt", gzip_of(kText) + "\x1F", kText, kDataEndTooEarly},
+    {"ZerosBefore", std::string(512, '\0') + gzip_of(kText), "", kDataDamaged},
+    {"HalfAMagicAfterIt", gzip_of(kText) + "\x1F", kText, kDataEndTooEarly},
 };
 
 class GzipArchive : public testing::TestWithParam<ArchiveCase> {};
@@ -80,7 +79,7 @@ TEST_P(GzipArchive, IsReadOrRefused) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, GzipArchive, testing::ValuesIn(kArchives), ByRule());
 
-// A header may carry a name, a comment, foreign data and a checksum of its own.
+// A header may have a name, a comment, extra data and a checksum of its own.
 std::string with_every_field() {
   Bytef extra[] = "extra data";
   Bytef name[] = "table.csv";
@@ -112,8 +111,8 @@ TEST(GzipHeader, WithItsOwnChecksumIsReadUndamagedOrNotAtAll) {
   }
 }
 
-// Time, extra flags and operating system are remarks, and so is the flag that calls the data text.
-// All other bits of a plain header count.
+// Time, extra flags, operating system and the flag for text data have no effect. All other bits of
+// a plain header matter.
 TEST(GzipHeader, OfTheUsualKindHasBitsThatSayNothing) {
   const std::string archive = kHeader + kStored + kTrailer;
   for (std::size_t bit = 0; bit < 8 * kHeader.size(); ++bit) {
@@ -126,8 +125,8 @@ TEST(GzipHeader, OfTheUsualKindHasBitsThatSayNothing) {
   }
 }
 
-// Behind the header each bit counts, but for those that fill the last byte of the compressed data;
-// of a stored block, which starts on a byte, these are the five behind its three first bits.
+// After the header each bit matters, except the padding of the last byte of the compressed data. In
+// a stored block, which starts on a byte, these are the five bits after its first three.
 TEST(GzipData, HaveNoOtherBitsThatSayNothing) {
   const std::string archive = kHeader + kStored + kTrailer;
   for (std::size_t bit = 8 * kHeader.size(); bit < 8 * archive.size(); ++bit) {

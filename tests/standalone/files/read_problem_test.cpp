@@ -1,4 +1,4 @@
-// What cannot be read, in words.
+// The messages for inputs that cannot be read.
 #include <vltextstream/standalone/files/read_problem.hpp>
 
 #include <gtest/gtest.h>

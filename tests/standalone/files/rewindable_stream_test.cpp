@@ -1,4 +1,4 @@
-// Going back in what can be read only once.
+// Going back in a source that can be read only once.
 #include <vltextstream/standalone/files/rewindable_stream.hpp>
 
 #include <gtest/gtest.h>
@@ -24,8 +24,7 @@ using testing_support::ScriptedBytes;
 constexpr std::int64_t kKept = RewindableStream::kKeptBytes;
 constexpr std::int64_t kBlock = RewindableStream::kBlockBytes;
 
-// The bytes of a long input repeat after a prime number of bytes, so that one block differs from
-// the next.
+// The bytes of a long input repeat after a prime number of bytes, so that adjacent blocks differ.
 constexpr std::int64_t kPeriod = 65'521;
 
 const std::string& pattern() {
@@ -43,7 +42,7 @@ std::string_view bytes_at(std::int64_t position, std::size_t count) {
   return std::string_view(pattern()).substr(static_cast<std::size_t>(position % kPeriod), count);
 }
 
-// As many of them as wanted, without a string to hold them.
+// Any number of these bytes, without a string of that size.
 class LongBytes : public ByteReader {
  public:
   explicit LongBytes(std::int64_t size, std::size_t piece) : size_(size), piece_(piece) {}
@@ -66,7 +65,7 @@ RewindableStream long_stream(std::int64_t size, std::size_t piece = 100'000) {
   return RewindableStream(std::make_unique<LongBytes>(size, piece));
 }
 
-// Reads up to `end` and checks each byte; what stands at `position` comes first.
+// Reads from `position` up to `end` and checks each byte.
 void expect_bytes(RewindableStream& stream, std::int64_t position, std::int64_t end) {
   std::string piece(static_cast<std::size_t>(kPeriod), '\0');
   while (position < end) {
@@ -109,7 +108,7 @@ TEST(RewindableStreamRead, OfNoBytesAsksForNone) {
 struct LengthCase {
   const char* rule;
   std::int64_t length;  // of the input
-  std::int64_t read;    // as much of it as is read before going back
+  std::int64_t read;    // the number of bytes that are read before going back
   bool goes_back;
 };
 std::ostream& operator<<(std::ostream& out, const LengthCase& row) { return out << row.rule; }
@@ -160,7 +159,7 @@ TEST(RewindableStreamAfterForgetting, StillHasTheLastBytes) {
   EXPECT_EQ(errno, ESPIPE);
 }
 
-// The C library reads from the start of one of its buffers when it goes forward.
+// The C library reads from the start of one of its buffers before it goes forward.
 TEST(RewindableStreamAfterForgetting, GoesForwardAsACStream) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
       as_c_stream(std::make_unique<RewindableStream>(std::make_unique<LongBytes>(2 * kKept, 4099))),
@@ -193,7 +192,7 @@ TEST(RewindableStreamSeek, PastTheEndFindsNothing) {
   EXPECT_EQ(read_all(stream).text, "bc");
 }
 
-TEST(RewindableStreamSeek, InFrontOfTheStartIsRefused) {
+TEST(RewindableStreamSeek, BeforeTheStartIsRefused) {
   RewindableStream stream = of_scripted("abc", 3);
   EXPECT_EQ(stream.seek(-1, SEEK_CUR), -1);
   EXPECT_EQ(errno, EINVAL);
@@ -229,7 +228,7 @@ TEST(RewindableStreamEnd, IsThereForGood) {
   EXPECT_EQ(read_all(stream).text, "a");
 }
 
-TEST(RewindableStreamError, ComesAgainBehindTheSameText) {
+TEST(RewindableStreamError, ComesAgainAfterTheSameText) {
   class FailsOnce : public ByteReader {
    public:
     ssize_t read(char* to, std::size_t /*size*/) override {

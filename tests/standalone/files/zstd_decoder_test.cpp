@@ -1,4 +1,4 @@
-// What is peculiar to zstd; what holds for every format is in compressed_stream_test.cpp.
+// Rules of zstd alone; the rules for every format are in compressed_stream_test.cpp.
 #include <vltextstream/standalone/files/zstd_decoder.hpp>
 
 #include <gtest/gtest.h>
@@ -33,12 +33,12 @@ AllRead decoded(const std::string& archive, std::size_t piece = std::string::npo
 
 const std::string kText = "x,y\n1,2\n3,4\n";
 const std::string kMagic = "\x28\xB5\x2F\xFD"s;
-// A last block of three bytes as they are.
+// A last block with three raw bytes.
 const std::string kRawBlock =
     "\x19\x00\x00"
     "abc"s;
 
-// Descriptors of windows: the exponent above 10 in the upper five bits.
+// Window descriptors: the upper five bits are the exponent minus 10.
 const std::string kWindowOf128MiB = "\x88"s;
 const std::string kWindowOf256MiB = "\x90"s;
 const std::string kWindowOf2TiB = "\xF8"s;
@@ -55,8 +55,8 @@ const ArchiveCase kArchives[] = {
     {"WithoutLength", zstd_of(kText, {true, false}), kText, 0},
     {"WithoutChecksum", zstd_of(kText, {false, true}), kText, 0},
     {"WithNeither", zstd_of(kText, {false, false}), kText, 0},
-    {"SkippableFrameInFront", skippable_frame("index") + zstd_of(kText), kText, 0},
-    {"SkippableFrameBehind", zstd_of(kText) + skippable_frame("index"), kText, 0},
+    {"SkippableFrameBefore", skippable_frame("index") + zstd_of(kText), kText, 0},
+    {"SkippableFrameAfter", zstd_of(kText) + skippable_frame("index"), kText, 0},
     {"SkippableFrameBetween", zstd_of(kText) + skippable_frame("index") + zstd_of(kText),
      kText + kText, 0},
     {"EmptySkippableFrame", zstd_of(kText) + skippable_frame("") + zstd_of(kText), kText + kText,
@@ -67,7 +67,7 @@ const ArchiveCase kArchives[] = {
      kDataEndTooEarly},
     {"MagicAlone", kMagic, "", kDataEndTooEarly},
     {"Nothing", "", "", 0},
-    {"ZerosBehindIt", zstd_of(kText) + std::string(512, '\0'), kText, kDataDamaged},
+    {"ZerosAfterIt", zstd_of(kText) + std::string(512, '\0'), kText, kDataDamaged},
     {"ReservedBitOfTheHeader", kMagic + "\x08\x38"s + kRawBlock, "", kDataDamaged},
     {"ReservedKindOfBlock", kMagic + "\x00\x38\x07\x00\x00"s, "", kDataDamaged},
     {"WrongChecksum", zstd_of(kText).substr(0, zstd_of(kText).size() - 1) + "?", kText,
@@ -83,7 +83,7 @@ TEST_P(ZstdArchive, IsReadOrRefused) {
   for (const std::size_t piece : {std::size_t{1}, std::size_t{5}, std::string::npos}) {
     const AllRead all = decoded(GetParam().archive, piece);
     EXPECT_EQ(all.error, GetParam().error) << piece;
-    // What stood in front of the error may come, or not.
+    // The text before the error may be delivered or not.
     EXPECT_EQ(all.text,
               GetParam().text.substr(0, all.error == 0 ? std::string::npos : all.text.size()))
         << piece;

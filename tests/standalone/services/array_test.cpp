@@ -35,7 +35,7 @@ using Widths = std::vector<std::uint64_t>;
 struct ShapeCase {
   const char* rule;
   Array array;
-  const char* of_class;  // "" for none that can be asked for
+  const char* of_class;  // "" for a class without a name
   std::size_t rows;
   std::size_t columns;
   std::size_t dimensions;
@@ -250,7 +250,7 @@ class OwnError : public MessageIdentifiedError {
 struct MessageCase {
   const char* rule;  // the name of the message
   std::vector<MessageArgument> arguments;
-  std::vector<const char*> repeated;  // what the sentence must hold
+  std::vector<const char*> repeated;  // what the sentence must contain
 };
 std::ostream& operator<<(std::ostream& out, const MessageCase& row) { return out << row.rule; }
 

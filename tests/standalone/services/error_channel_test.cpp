@@ -13,7 +13,7 @@
 namespace textio {
 namespace {
 
-// An error of a program's own: nothing but the interface ties it to the library.
+// An error type of the program, which shares only the interface with the library.
 class OwnError : public std::runtime_error, public MessageIdentifiedError {
  public:
   OwnError(std::string identifier, std::vector<MessageArgument> arguments)

@@ -1,4 +1,4 @@
-#include <vltextstream/standalone/encoding_detection/encoding.hpp>
+#include <vltextstream/standalone/encoding_detection/find_encoding.hpp>
 
 #include <gtest/gtest.h>
 
@@ -41,7 +41,7 @@ constexpr auto kZeros = EncodingFound::zero_bytes;
 constexpr auto kEscapes = EncodingFound::escape_sequences;
 constexpr auto kStatistics = EncodingFound::statistics;
 
-// Statistics or, where they have nothing to say, the fallback: which of them does not matter here.
+// Found by statistics or, if they give no answer, the fallback; these tests accept both.
 constexpr auto kGuess = std::nullopt;
 
 const EncodingCase kShortFiles[] = {
@@ -90,7 +90,7 @@ const EncodingCase kShortFiles[] = {
 
 std::string letters(std::size_t count) { return std::string(count, 'x'); }
 
-// `tail` begins so many bytes before the end of what is looked at.
+// `tail` starts `before` bytes before the end of the bytes that are looked at.
 std::string ending(std::size_t before, const std::string& tail) {
   return letters(kLookedAt - before) + tail;
 }
@@ -102,7 +102,7 @@ const EncodingCase kLongFiles[] = {
     {"TwoBytesUpToTheEnd", ending(2, "\xC3\xA9"), "UTF-8", kValid},
     {"TwoBytesUpToTheEndAndMore", ending(2, "\xC3\xA9x"), "UTF-8", kValid},
     {"TwoBytesCut1And1", ending(1, "\xC3\xA9x"), "UTF-8", kValid},
-    {"TwoBytesBehind", ending(0, "\xC3\xA9x"), "UTF-8", kValid},
+    {"TwoBytesAfter", ending(0, "\xC3\xA9x"), "UTF-8", kValid},
     {"ThreeBytesUpToTheEnd", ending(3, "\xE2\x82\xACx"), "UTF-8", kValid},
     {"ThreeBytesCut2And1", ending(2, "\xE2\x82\xACx"), "UTF-8", kValid},
     {"ThreeBytesCut1And2", ending(1, "\xE2\x82\xACx"), "UTF-8", kValid},
@@ -114,8 +114,8 @@ const EncodingCase kLongFiles[] = {
     {"LastBelowTheSurrogatesCut", ending(2, "\xED\x9F\xBFx"), "UTF-8", kValid},
     {"LowestFourBytesCut", ending(2, "\xF0\x90\x80\x80x"), "UTF-8", kValid},
     {"LastCharacterCut", ending(2, "\xF4\x8F\xBF\xBFx"), "UTF-8", kValid},
-    {"IllFormedJustBehind", ending(0, "\xFFx"), "UTF-8", kValid},
-    {"IllFormedFarBehind", letters(2 * kLookedAt) + "\xFF", "UTF-8", kValid},
+    {"IllFormedJustAfter", ending(0, "\xFFx"), "UTF-8", kValid},
+    {"IllFormedFarAfter", letters(2 * kLookedAt) + "\xFF", "UTF-8", kValid},
 
     {"IllFormedAsLastByte", ending(1, "\xFFx"), "windows-1252", kGuess},
     {"IllFormedAsLastButOne", ending(2, "\xFFx"), "windows-1252", kGuess},
@@ -150,12 +150,12 @@ TEST_P(FindEncoding, LooksAtTheFirst64KB) {
 INSTANTIATE_TEST_SUITE_P(ShortFiles, FindEncoding, testing::ValuesIn(kShortFiles), ByRule());
 INSTANTIATE_TEST_SUITE_P(LongFiles, FindEncoding, testing::ValuesIn(kLongFiles), ByRule());
 
-// --- tables as people keep them -----------------------------------------------------------------
+// --- real-life tables ---------------------------------------------------------------------------
 
 struct TableCase {
   const char* rule;
   std::u16string text;
-  std::vector<std::string> encodings;  // each must be found, or one that reads the bytes alike
+  std::vector<std::string> encodings;  // each must be found, or one that decodes the bytes alike
 };
 std::ostream& operator<<(std::ostream& out, const TableCase& row) { return out << row.rule; }
 
@@ -209,12 +209,12 @@ TEST_P(FindEncodingOfATable, IsTheSameEachTime) {
   }
 }
 
-// Latin or not, each Unicode form is found without a mark.
+// Each Unicode form is found without a mark, in Latin and other scripts.
 TEST_P(FindEncodingOfATable, FindsUnmarkedUnicode) {
   for (const char* encoding : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
     const std::string bytes = encodings::encode(GetParam().text, encoding);
     EXPECT_EQ(find_encoding(bytes, true).name, encoding);
-    // Cut off inside a character, when more is known to follow.
+    // Cut off inside a character, if more bytes follow.
     EXPECT_EQ(find_encoding(std::string_view(bytes).substr(0, bytes.size() - 1), false).name,
               encoding);
   }
@@ -265,7 +265,7 @@ TEST(FindEncodingOfAnything, GivesANameThatTheConverterKnowsAndAConfidence) {
   EXPECT_GT(fallbacks, 0);
 }
 
-// Blocks of text are passed over: no place may be special.
+// Whole blocks of text are tested at once, so each place in a block is tested.
 TEST(MayBeUnmarkedUnicode, WhereAByteIsNoneOfATextAtAnyPlace) {
   constexpr std::size_t kBytes = 200;
   for (std::size_t place = 0; place < kBytes; ++place) {
@@ -291,11 +291,11 @@ TEST(FindEncodingOfAnything, OfOneByteAboveAsciiIsUnsure) {
 
 // Every encoding that may be found can be opened by the converter.
 TEST(FindEncodingNames, AreKnownToTheConverter) {
-  for (const Reading& reading : single_byte_readings("\xE9")) {
-    EXPECT_NO_THROW(StreamCodeConverter(reading.encoding, true)) << reading.encoding;
+  for (const ScoredEncoding& scored : score_single_byte_encodings("\xE9")) {
+    EXPECT_NO_THROW(StreamCodeConverter(scored.encoding, true)) << scored.encoding;
   }
-  for (const Reading& reading : east_asian_readings("\xE9\xE9", true)) {
-    EXPECT_NO_THROW(StreamCodeConverter(reading.encoding, true)) << reading.encoding;
+  for (const ScoredEncoding& scored : score_east_asian_encodings("\xE9\xE9", true)) {
+    EXPECT_NO_THROW(StreamCodeConverter(scored.encoding, true)) << scored.encoding;
   }
 }
 

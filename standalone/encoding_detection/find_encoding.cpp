@@ -1,8 +1,7 @@
-// From proof to guess: the first of these that says something is the answer. A byte-order mark;
-// plain ASCII, unless its escape sequences or control characters say more; UTF-16 or UTF-32 where
-// bytes call for it; well-formed UTF-8; the statistics. A text in ASCII or UTF-8 is passed over
-// once.
-#include <vltextstream/standalone/encoding_detection/encoding.hpp>
+// The tests run from proof to guess, and the first with an answer decides: a byte-order mark; plain
+// ASCII, unless its escape sequences or control characters show more; UTF-16 or UTF-32 where some
+// bytes suggest it; well-formed UTF-8; statistics. A text in ASCII or UTF-8 is read once.
+#include <vltextstream/standalone/encoding_detection/find_encoding.hpp>
 
 #include <cmath>
 #include <cstdint>
@@ -11,8 +10,8 @@
 
 #include <unicode/utf8.h>
 
-#include <vltextstream/standalone/encoding_detection/encoding_statistics.hpp>
 #include <vltextstream/standalone/encoding_detection/escape_sequences.hpp>
+#include <vltextstream/standalone/encoding_detection/guess_encoding.hpp>
 #include <vltextstream/standalone/encoding_detection/unmarked_unicode.hpp>
 
 namespace textio::standalone {
@@ -32,7 +31,7 @@ constexpr Mark kMarks[] = {
 
 constexpr std::size_t kLookedAt = 65'536;  // bytes
 
-// Where the first byte above 127 stands at or behind `pos`; the size if there is none.
+// The position of the first byte above 127 from `pos` on; the size if there is none.
 std::size_t end_of_ascii(std::string_view bytes, std::size_t pos) {
   constexpr std::uint64_t kTopBits = 0x8080808080808080;
   for (; pos + sizeof(std::uint64_t) <= bytes.size(); pos += sizeof(std::uint64_t)) {
@@ -85,7 +84,7 @@ FoundEncoding as_found(const StatisticalGuess& guess) {
           guess.confidence};
 }
 
-// Well-formed UTF-8 needs a reason to be taken for something else.
+// Well-formed UTF-8 is given up only for a good reason.
 FoundEncoding of_valid_utf8(std::string_view bytes, bool is_whole) {
   if (may_be_unmarked_unicode(bytes)) {
     if (const auto unicode = find_unmarked_unicode(bytes, is_whole)) {

@@ -1,4 +1,4 @@
-// Finding the encoding of a text that nobody named.
+// find_encoding: finds the encoding of a text whose encoding is not given.
 //
 //   FoundEncoding encoding = find_encoding(first_bytes, is_whole);
 //   // encoding.name == "windows-1252", encoding.found == EncodingFound::fallback
@@ -19,8 +19,8 @@ struct FoundEncoding {
   double confidence;  // see Layout::encoding_confidence
 };
 
-// Looks at the first bytes of a text; `is_whole` says that there are no more. Otherwise a character
-// that is cut off at their end does not count as ill-formed.
+// Looks at the first bytes of a text. `is_whole` says that they are all; otherwise a character may
+// be cut off at their end, and does not count as ill-formed.
 FoundEncoding find_encoding(std::string_view bytes, bool is_whole);
 
 }  // namespace textio::standalone
