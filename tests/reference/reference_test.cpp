@@ -1,5 +1,5 @@
 // The reference judged by values worked out by hand, so that it can judge the library.
-#include "reference.hpp"
+#include "reference/reference.hpp"
 
 #include <gtest/gtest.h>
 
