@@ -218,11 +218,12 @@ std::u16string field_of_doubled_quotes(std::size_t units) {
   return join({table, doubled_quotes(units > used ? (units - used) / 2 : 0), rest});
 }
 
-// Nearly nothing but empty lines, and then as many lines as a detection looks closely at.
-std::u16string blank_then_busy(std::size_t units) {
+// `blank` again and again, and then as many lines as a detection looks at closely.
+std::u16string busy_after(std::u16string_view blank, std::size_t units) {
   std::u16string busy;
   for (std::size_t row = 0; row < 5; ++row) busy += crowded_line(row);
-  return std::u16string(units > busy.size() ? units - busy.size() : 0, u'\n') + busy;
+  const std::size_t rest = units > busy.size() ? units - busy.size() : 0;
+  return repeat(rest - rest % blank.size(), blank) + busy;
 }
 
 // Fields of 64 units, most of which are doubled quotes, eight on a line.
@@ -356,7 +357,8 @@ const std::vector<Shape>& adversarial_shapes() {
       {"only_blanks", [](std::size_t units) { return repeat(units, u" "); }},
       {"only_commas", [](std::size_t units) { return repeat(units, u","); }},
       {"doubled_quotes", field_of_doubled_quotes},
-      {"blank_then_busy", blank_then_busy},
+      {"blank_then_busy", [](std::size_t units) { return busy_after(u"\n", units); }},
+      {"blank_lines", [](std::size_t units) { return busy_after(u"\t\n", units); }},
       {"half_fields", [](std::size_t units) { return repeat(units, u"1,"); }},
       {"short_lines", [](std::size_t units) { return repeat(units, u"1,2\n"); }},
       {"quoted_fields", [](std::size_t units) { return lines_of(units, quoted_fields_line); }},

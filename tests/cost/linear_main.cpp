@@ -1,12 +1,13 @@
 // One detection over a text of a given shape for each size, for tests that count its instructions.
-//   linear_main [--lines LINES] SHAPE UNITS...     LINES 0, or none given: all lines
-//   linear_main                                    lists the shapes that are traps
-// Only what happens inside `detect_once` is to be counted; text and options are made outside.
+//   linear_main [--lines LINES] SHAPE UNITS...     all lines by default, and for 0
+//   linear_main --list tables|traps|options        lists the shapes of one kind
+// The tests count what happens inside `detect_once`. Text and options are made outside.
 #include <cstdlib>
 #include <iostream>
 #include <limits>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <vltextstream/vltextstream.hpp>
 
@@ -29,16 +30,21 @@ void detect(const Shape& shape, std::size_t units, unsigned long lines) {
   detect_once(units == 0 ? std::u16string() : shape.make(units), settings);
 }
 
+// Returns the exit status.
+int list_shapes(std::string_view kind) {
+  const std::vector<Shape>* const shapes = kind == "tables"  ? &textio::bench::data_shapes()
+                                           : kind == "traps" ? &textio::bench::adversarial_shapes()
+                                           : kind == "options" ? &textio::bench::option_shapes()
+                                                               : nullptr;
+  if (shapes == nullptr) return 2;
+  for (const Shape& shape : *shapes) std::cout << shape.name << '\n';
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc == 1) {
-    for (const auto* shapes :
-         {&textio::bench::adversarial_shapes(), &textio::bench::option_shapes()}) {
-      for (const Shape& shape : *shapes) std::cout << shape.name << '\n';
-    }
-    return 0;
-  }
+  if (argc == 3 && std::string_view(argv[1]) == "--list") return list_shapes(argv[2]);
   unsigned long lines = 0;
   int next = 1;
   if (argc > 2 && std::string_view(argv[1]) == "--lines") {
@@ -47,7 +53,8 @@ int main(int argc, char** argv) {
   }
   const Shape* const shape = argc > next + 1 ? textio::bench::find_shape(argv[next]) : nullptr;
   if (shape == nullptr) {
-    std::cerr << "usage: linear_main [[--lines LINES] SHAPE UNITS...]\n";
+    std::cerr
+        << "usage: linear_main [--lines LINES] SHAPE UNITS... | --list tables|traps|options\n";
     return 2;
   }
   for (++next; next < argc; ++next) {

@@ -113,7 +113,7 @@ const MemberCase kMemberCases[] = {
 };
 
 class WrongMember : public testing::TestWithParam<MemberCase> {};
-TEST_P(WrongMember, IsTold) {
+TEST_P(WrongMember, IsNamedInTheDifference) {
   StrategyValuation library;
   reference::Valuation plain;
   library.total_variation = plain.total_variation = 0.5;

@@ -594,7 +594,7 @@ const WidthsCase kWidthsCases[] = {
 
 class GivenWidths : public testing::TestWithParam<WidthsCase> {};
 
-TEST_P(GivenWidths, Rule) {
+TEST_P(GivenWidths, AreUsedTogetherWithTheirParser) {
   const WidthsCase& row = GetParam();
   const Layout layout = layout_of(row.text, row.given);
   EXPECT_EQ(layout.mode, row.mode);
@@ -606,7 +606,7 @@ TEST_P(GivenWidths, Rule) {
   EXPECT_EQ(layout.decided_by, "");
 }
 
-TEST_P(GivenWidths, RuleForAFile) {
+TEST_P(GivenWidths, GiveAFileTheLayoutOfItsText) {
   const WidthsCase& row = GetParam();
   const TempFolder folder;
   const Layout layout =
@@ -614,7 +614,7 @@ TEST_P(GivenWidths, RuleForAFile) {
   EXPECT_EQ(describe(layout), describe(layout_of(row.text, row.given)));
 }
 
-TEST_P(GivenWidths, RuleForAFilledRecord) {
+TEST_P(GivenWidths, GiveTheSameLayoutInAFilledRecord) {
   const WidthsCase& row = GetParam();
   DetectSettings settings;
   apply_options(settings.options, row.given);

@@ -80,45 +80,28 @@ struct RunsCase {
 };
 std::ostream& operator<<(std::ostream& out, const RunsCase& row) { return out << row.rule; }
 
-// clang-format off: one text, one row.
+// clang-format off
 const RunsCase kRunsCases[] = {
     {"NoText", commas, u"", "", {}},
     {"LinesOfATable", commas, u"a,b\n1,2\n3,4\n", "1-3 text x3 from 0", {1, 2, 3}},
     {"NoFinalLineEnding", commas, u"a,b\n1,2", "1-2 text x2 from 0", {1, 2}},
-    {"EveryKind",
-     commas,
-     u"#\na,b\n1,2\n\n  \n# c\n3,4\n#\n",
+    {"EveryKind", commas, u"#\na,b\n1,2\n\n  \n# c\n3,4\n#\n",
      "1 comment x1 from 0, 2-3 text x2 from 0, 4-5 blank x2 from 2, 6 comment x1 from 4, "
      "7 text x1 from 4, 8 comment x1 from 5",
      {2, 3, 4, 5, 7}},
     {"CommentsInARow", commas, u"#\n#\n#\n1,2\n", "1-3 comment x3 from 0, 4 text x1 from 0", {4}},
-    {"BlanksInARow",
-     commas,
-     u"\n\n\n1,2\n\n\n",
-     "1-3 blank x3 from 0, 4 text x1 from 3, 5-6 blank x2 from 4",
-     {1, 2, 3, 4, 5, 6}},
-    {"RecordsOfSeveralLinesStandAlone",
-     commas,
-     u"a,b\n\"1\n2\",3\n\"4\n\n5\",6\n7,8\n9,10\n",
+    {"BlanksInARow", commas, u"\n\n\n1,2\n\n\n",
+     "1-3 blank x3 from 0, 4 text x1 from 3, 5-6 blank x2 from 4", {1, 2, 3, 4, 5, 6}},
+    {"RecordsOfSeveralLinesStandAlone", commas, u"a,b\n\"1\n2\",3\n\"4\n\n5\",6\n7,8\n9,10\n",
      "1 text x1 from 0, 2-3 text x1 from 1, 4-6 text x1 from 2, 7-8 text x2 from 3",
      {1, 2, 4, 7, 8}},
-    {"BlanksInFrontOfAlignedFields",
-     blanks,
-     u"  a b\n 1  2\n   \n3 4\n",
-     "1-2 text x2 from 0, 3 blank x1 from 2, 4 text x1 from 3",
-     {1, 2, 3, 4}},
-    {"ADelimiterThatEndsALineOfTheText",
-     commas_before_line_ends,
-     u"1,\n2\n3\n",
-     "1-2 text x1 from 0, 3 text x1 from 1",
-     {1, 3}},
+    {"BlanksInFrontOfAlignedFields", blanks, u"  a b\n 1  2\n   \n3 4\n",
+     "1-2 text x2 from 0, 3 blank x1 from 2, 4 text x1 from 3", {1, 2, 3, 4}},
+    {"ADelimiterThatEndsALineOfTheText", commas_before_line_ends, u"1,\n2\n3\n",
+     "1-2 text x1 from 0, 3 text x1 from 1", {1, 3}},
     {"FixedWidths", widths, u"ab1\ncd2\n", "1-2 text x2 from 0", {1, 2}},
-    {"WholeLines",
-     whole_lines,
-     u"a\nb\n\nc",
-     "1-2 text x2 from 0, 3 blank x1 from 2, "
-     "4 text x1 from 3",
-     {1, 2, 3, 4}},
+    {"WholeLines", whole_lines, u"a\nb\n\nc",
+     "1-2 text x2 from 0, 3 blank x1 from 2, 4 text x1 from 3", {1, 2, 3, 4}},
 };
 // clang-format on
 

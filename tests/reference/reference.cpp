@@ -2,7 +2,7 @@
 // copied freely; a line is cut out as a string of its own before its fields are scanned, so that no
 // scan of a line can see what lies behind it. Floating-point operations stand in the order in which
 // they are to be done, each rounded on its own; build without contraction (-ffp-contract=off).
-#include "reference.hpp"
+#include "reference/reference.hpp"
 
 #include <algorithm>
 #include <set>

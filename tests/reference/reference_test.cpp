@@ -1,5 +1,5 @@
 // The reference judged by values worked out by hand, so that it can judge the library.
-#include "reference.hpp"
+#include "reference/reference.hpp"
 
 #include <gtest/gtest.h>
 
@@ -299,7 +299,7 @@ const LineCase kLineCases[] = {
 };
 
 class ReferenceLineExtent : public testing::TestWithParam<LineCase> {};
-TEST_P(ReferenceLineExtent, IsThis) {
+TEST_P(ReferenceLineExtent, MatchesWhatWasFoundByHand) {
   const LineCase& row = GetParam();
   EXPECT_EQ(get_line_extent(row.mode, row.delimiters, row.text, row.options, row.pos), row.line);
 }
@@ -835,7 +835,7 @@ const MedianCase kMedianCases[] = {
 };
 
 class ReferenceMedian : public testing::TestWithParam<MedianCase> {};
-TEST_P(ReferenceMedian, IsThis) {
+TEST_P(ReferenceMedian, MatchesWhatWasFoundByHand) {
   EXPECT_EQ(get_modified_median(GetParam().counts, GetParam().first), GetParam().median);
 }
 INSTANTIATE_TEST_SUITE_P(Table, ReferenceMedian, testing::ValuesIn(kMedianCases),
@@ -924,7 +924,7 @@ const HeaderCase kHeaderCases[] = {
 };
 
 class ReferenceHeaderLines : public testing::TestWithParam<HeaderCase> {};
-TEST_P(ReferenceHeaderLines, AreThisMany) {
+TEST_P(ReferenceHeaderLines, MatchesWhatWasFoundByHand) {
   const HeaderCase& row = GetParam();
   EXPECT_EQ(get_header_lines(row.d, row.first, row.cap), row.header_lines);
 }
@@ -1049,7 +1049,7 @@ const ValuationCase kValuationCases[] = {
 };
 
 class ReferenceValue : public testing::TestWithParam<ValuationCase> {};
-TEST_P(ReferenceValue, IsThis) {
+TEST_P(ReferenceValue, MatchesWhatWasFoundByHand) {
   const ValuationCase& row = GetParam();
   const Sample sample = sample_strategy(Mode::delimited, {u","}, {}, row.text, row.options, 100,
                                         std::nullopt, true, iso_date);
@@ -1139,7 +1139,7 @@ const CharsCase kCharsCases[] = {
 };
 
 class ReferenceCandidateChars : public testing::TestWithParam<CharsCase> {};
-TEST_P(ReferenceCandidateChars, AreThese) {
+TEST_P(ReferenceCandidateChars, MatchesWhatWasFoundByHand) {
   const CharsCase& row = GetParam();
   const Sample reader =
       sample_strategy(Mode::line_reader, {}, {}, row.text, Options(), 100, 0, false, kNever);
@@ -1300,19 +1300,19 @@ Valuation typed(std::uint32_t all, std::uint32_t dates, std::uint32_t numbers,
   return v;
 }
 
-TEST(ReferenceFilters, NumberOfVariables) {
+TEST(ReferenceFilters, KeepTheGivenNumberOfVariablesIfAnyHasIt) {
   const Valuations valuations{typed(0, 0, 0, 0, 2), typed(0, 0, 0, 0, 3), typed(0, 0, 0, 0, 3)};
   EXPECT_EQ(reduce_by_numvariables({0, 1, 2}, valuations, 3), (Survivors{1, 2}));
   EXPECT_EQ(reduce_by_numvariables({0, 1, 2}, valuations, 7), (Survivors{0, 1, 2}));
 }
 
-TEST(ReferenceFilters, Dates) {
+TEST(ReferenceFilters, KeepThoseWithDatesIfAnyHasSome) {
   const Valuations valuations{typed(1, 0, 1, 0, 1), typed(1, 1, 0, 0, 1), typed(1, 0, 0, 1, 1)};
   EXPECT_EQ(reduce_by_dates({0, 1, 2}, valuations), (Survivors{1, 2}));
   EXPECT_EQ(reduce_by_dates({0}, valuations), (Survivors{0}));
 }
 
-TEST(ReferenceFilters, Variation) {
+TEST(ReferenceFilters, KeepTheSteadiestAndWhatComesClose) {
   EXPECT_EQ(reduce_by_variation({0, 1, 2}, {varied(0.0, 100), varied(0.05, 1), varied(0.2, 1)}),
             (Survivors{0, 1}));
   EXPECT_EQ(reduce_by_variation({0, 1}, {varied(2.0, 10), varied(2.15, 10)}), (Survivors{0, 1}));
@@ -1321,7 +1321,7 @@ TEST(ReferenceFilters, Variation) {
   EXPECT_EQ(reduce_by_variation({0, 1}, {varied(kInf, 9), varied(kInf, 9)}), (Survivors{0, 1}));
 }
 
-TEST(ReferenceFilters, ClassValue) {
+TEST(ReferenceFilters, KeepTheGreatestValueOfClasses) {
   EXPECT_EQ(reduce_by_class_value({0, 1}, {typed(8, 0, 8, 0, 8), typed(1, 0, 0, 1, 1)}),
             (Survivors{1}));
   // 3 + 10 + 1 = 14 against 4 * 3 + 2 = 14.
@@ -1329,7 +1329,7 @@ TEST(ReferenceFilters, ClassValue) {
             (Survivors{0, 1}));
 }
 
-TEST(ReferenceFilters, HeaderLines) {
+TEST(ReferenceFilters, KeepTheFewestHeaderLinesOfSteadyOnes) {
   const Valuations valuations{varied(0.0, 9), varied(0.0, 9), varied(0.5, 9), varied(0.0, 9)};
   EXPECT_EQ(reduce_by_header_lines({0, 1, 2, 3}, valuations, {2, 1, 1, 1}, true),
             (Survivors{1, 3}));
@@ -1340,14 +1340,14 @@ TEST(ReferenceFilters, HeaderLines) {
   EXPECT_EQ(reduce_by_header_lines({0, 2}, valuations, {2, 1, 1, 1}, true), (Survivors{0, 2}));
 }
 
-TEST(ReferenceFilters, NonEmpty) {
+TEST(ReferenceFilters, KeepTheGreatestShareOfTypedColumns) {
   const Valuations valuations{typed(1, 0, 0, 0, 2), typed(2, 0, 0, 0, 2), typed(3, 0, 0, 0, 3)};
   EXPECT_EQ(reduce_by_non_empty({0, 1, 2}, valuations), (Survivors{1, 2}));
   EXPECT_EQ(reduce_by_non_empty({0, 1}, {typed(0, 0, 0, 0, 0), typed(1, 0, 0, 0, 1)}),
             (Survivors{0, 1}));
 }
 
-TEST(ReferenceFilters, PriorsRank) {
+TEST(ReferenceFilters, KeepTheBestRank) {
   EXPECT_EQ(reduce_by_priors_rank({0, 1}, {ranked(1.0), ranked(0.0)}), (Survivors{1}));
   EXPECT_EQ(reduce_by_priors_rank({0, 1}, {ranked(3.5), ranked(kNotInPriorities)}), (Survivors{0}));
   EXPECT_EQ(reduce_by_priors_rank({0, 1}, {ranked(kNotInPriorities), ranked(kNotInPriorities)}),
@@ -1466,7 +1466,7 @@ const LengthCase kLengthCases[] = {
 };
 
 class ReferenceSampleLength : public testing::TestWithParam<LengthCase> {};
-TEST_P(ReferenceSampleLength, IsThis) {
+TEST_P(ReferenceSampleLength, MatchesWhatWasFoundByHand) {
   const LengthCase& row = GetParam();
   EXPECT_EQ(sample_length(row.text, row.line_endings, row.limit), row.length);
 }
