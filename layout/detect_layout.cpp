@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <memory>
+#include <stdexcept>
 
 #include <vltextstream/detection/fixed_stream.hpp>
 #include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/layout/detect_input.hpp>
 #include <vltextstream/layout/input_text.hpp>
 #include <vltextstream/layout/line_roles.hpp>
 #include <vltextstream/layout/sampled_table.hpp>
@@ -125,8 +127,6 @@ bool is_encoding(std::string_view name) {
 
 }  // namespace
 
-FileError::~FileError() = default;
-
 DetectSettings settings_with(const std::vector<NameValue>& options) {
   DetectSettings settings;
   apply_options(settings.options, options);
@@ -145,8 +145,7 @@ Layout detect_layout(std::u16string_view text, std::initializer_list<NameValue> 
   return detect_layout(text, settings_with(options));
 }
 
-Layout detect_layout(const std::string& path, const DetectSettings& settings) {
-  const InputText input(path, settings);
+Layout detect_input(const InputText& input, const DetectSettings& settings) {
   Layout layout = layout_of_sample(input.sample(), settings);
   layout.encoding = input.encoding().name;
   layout.encoding_found = input.encoding().found;
@@ -154,6 +153,10 @@ Layout detect_layout(const std::string& path, const DetectSettings& settings) {
   layout.ill_formed_parts = input.ill_formed_parts();
   layout.has_more_text = input.has_more_text();
   return layout;
+}
+
+Layout detect_layout(const std::string& path, const DetectSettings& settings) {
+  return detect_input(InputText(path, settings), settings);
 }
 
 Layout detect_layout(std::u16string_view text, const DetectSettings& settings) {

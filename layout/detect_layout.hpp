@@ -23,12 +23,12 @@
 
 #include <initializer_list>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <vltextstream/host/export.hpp>
+#include <vltextstream/layout/file_error.hpp>
 #include <vltextstream/layout/layout.hpp>
 #include <vltextstream/options/parser_options.hpp>
 #include <vltextstream/standalone/services/array.hpp>
@@ -55,14 +55,6 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
 // Settings with these options, an "Encoding" among them included. Throws OptionProblem at the first
 // option that is refused.
 VLTEXTSTREAM_EXPORT DetectSettings settings_with(const std::vector<NameValue>& options);
-
-// A file that cannot be read; what() names the file and the reason: that of the operating system,
-// or what is wrong with compressed data.
-class VLTEXTSTREAM_EXPORT FileError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-  ~FileError() override;
-};
 
 // The layout of the file at `path`, a path in the file system's own bytes.
 VLTEXTSTREAM_EXPORT Layout detect_layout(const std::string& path,

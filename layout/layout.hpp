@@ -13,11 +13,11 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <vltextstream/detection/selection_trace.hpp>
 #include <vltextstream/host/export.hpp>
+#include <vltextstream/layout/table_lines.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>
 #include <vltextstream/standalone/encoding_detection/encoding_found.hpp>
 #include <vltextstream/strategy/dialect.hpp>
@@ -25,42 +25,6 @@
 namespace textio::standalone {
 
 using textio::LayoutMode;
-
-// Which line holds the names of the variables, if any. A line names every variable when it has as
-// many fields as there are variables, none of them empty. Two lines are asked, in this order:
-//
-//  1. The last header line. If it names every variable, it holds the names.
-//  2. The first line after the header that is not blank. It holds the names if it names every
-//     variable, no two of its fields are alike, all of them are texts, and some column below is of
-//     another class.
-//
-// A line that looks like units gives way to its neighbour above it in the header, else to the one
-// below it.
-enum class NamesSource {
-  last_header_line,
-  line_after_header,
-  none,       // no line can be one of names
-  undecided,  // the first line after the header may hold names as well as values
-};
-
-// What a sampled line is for the table.
-enum class LineRole { header, names, units, blank, comment, data };
-
-// The name of the enumerator with hyphens, such as "line-after-header"; empty for any other number.
-VLTEXTSTREAM_EXPORT std::string_view to_string(NamesSource source);
-VLTEXTSTREAM_EXPORT std::string_view to_string(LineRole role);
-
-// Sampled lines with the same role that follow one another.
-struct VLTEXTSTREAM_EXPORT LineRun {
-  LineRole role = LineRole::data;
-
-  // The first and the last line of the text that belong to it.
-  std::size_t first_line = 0;
-  std::size_t last_line = 0;
-
-  // How many sampled lines, or comments, these are.
-  std::size_t count = 0;
-};
 
 struct VLTEXTSTREAM_EXPORT Layout {
   LayoutMode mode = LayoutMode::line_reader;
