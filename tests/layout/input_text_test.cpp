@@ -10,6 +10,7 @@
 
 #include <sys/stat.h>
 
+#include "support/archives.hpp"
 #include "support/rule_name.hpp"
 #include "support/temp_folder.hpp"
 
@@ -17,6 +18,7 @@ namespace textio::standalone {
 namespace {
 
 using testing_support::ByRule;
+using testing_support::gzip_of;
 using testing_support::TempFolder;
 
 constexpr std::size_t kHead = 65'536;  // bytes that are looked at first
@@ -115,6 +117,33 @@ TEST(InputTextSample, TellsWhetherTheTextGoesOn) {
   const InputText endless(folder.file("endless", one_line), settings);
   EXPECT_EQ(endless.sample().length, 0U);
   EXPECT_TRUE(endless.has_more_text());
+}
+
+// --- from memory --------------------------------------------------------------------------------
+
+std::u16string sample_of(const InputText& input) {
+  return {input.sample().data, input.sample().length};
+}
+
+TEST(InputTextFromMemory, IsReadAsAFileIs) {
+  const TempFolder folder;
+  const DetectSettings settings;
+  for (const BehindCase& row : kBehind) {
+    const std::string bytes = ascii(row.head) + row.behind;
+    const InputText of_file(folder.file("t", bytes), settings);
+    const InputText of_bytes(FileContent{bytes}, settings);
+    EXPECT_EQ(of_bytes.encoding().name, of_file.encoding().name) << row.rule;
+    EXPECT_EQ(of_bytes.encoding().confidence, of_file.encoding().confidence) << row.rule;
+    EXPECT_EQ(of_bytes.ill_formed_parts(), of_file.ill_formed_parts()) << row.rule;
+    EXPECT_TRUE(sample_of(of_bytes) == sample_of(of_file)) << row.rule;
+  }
+}
+
+TEST(InputTextFromMemory, IsUnpackedUnlessItIsPlain) {
+  const DetectSettings settings;
+  const std::string packed = gzip_of("1,2\n");
+  EXPECT_TRUE(sample_of(InputText(FileContent{packed}, settings)) == u"1,2\n");
+  EXPECT_FALSE(sample_of(InputText(PlainBytes{packed}, settings)) == u"1,2\n");
 }
 
 // --- failures -----------------------------------------------------------------------------------
