@@ -15,14 +15,14 @@
 //   known.header_lines = 1;
 //   textio::detect_file("gauge.csv", known);
 //
-// Units      texts are UTF-8; a character above U+FFFF reads as U+001A. Line numbers count the lines
-//            of the text from 1, as an editor shows them. A sampled line is one record: a quoted
-//            field with line endings inside is part of one, and a comment is none. Widths and other
-//            lengths count characters.
+// Units      texts are UTF-8; a character above U+FFFF reads as U+001A. Line numbers count the
+//            lines of the text from 1, as an editor shows them. A sampled line is one record: a
+//            quoted field with line endings inside is part of one, and a comment is none. Widths
+//            and other lengths count characters.
 // Ownership  results are plain values; nothing refers to the input afterwards.
-// Errors     FileError when the input cannot be opened, read or unpacked; std::invalid_argument when
-//            a member of Known is refused, with the name of the member; std::runtime_error when a
-//            decoder fails; std::bad_alloc.
+// Errors     FileError when the input cannot be opened, read or unpacked; std::invalid_argument
+//            when a member of Known is refused, with the name of the member; std::runtime_error
+//            when a decoder fails; std::bad_alloc.
 // Cost       only the first 4,194,304 characters are looked at, and little more is read.
 // Threads    calls are independent of one another.
 #pragma once
@@ -55,7 +55,8 @@ struct VLTEXTSTREAM_EXPORT Known {
   // The texts that separate fields, at least one. No other layout is considered then.
   std::optional<std::vector<std::string>> delimiters = std::nullopt;
 
-  // The column widths of a fixed-width table, 1 to 4,194,304 characters each. Not beside delimiters.
+  // The column widths of a fixed-width table, 1 to 4,194,304 characters each. Not together with
+  // delimiters.
   std::optional<std::vector<std::size_t>> widths = std::nullopt;
 
   // Sampled lines before the data, 0 to 4,194,304.

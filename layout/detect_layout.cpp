@@ -27,7 +27,7 @@ using detection::SelectionEnd;
 // ---------------------------------------------------------------------------------------------
 // The layout of a sample
 
-// What a line reader consumes behind the first line.
+// What a line reader consumes after the first line.
 std::optional<std::u16string> first_line_ending(const Field& sample,
                                                 const parser::options& options) {
   const LineReaderStrategy reader(options);
@@ -60,7 +60,7 @@ void describe_names(const SampledTable& table, const VariableNames& names, Layou
   }
 }
 
-// The strategy that the caller's choices leave no doubt about, null when they do.
+// The strategy that the caller's choices determine; null when they do not.
 std::shared_ptr<Strategy> given_strategy(const parser::options& options) {
   const bool is_fixed_width = options.parser_type == parser::parser_kind::fixedwidth;
   if (is_fixed_width && !options.variable_widths.empty()) {
@@ -74,7 +74,7 @@ std::shared_ptr<Strategy> given_strategy(const parser::options& options) {
   return nullptr;
 }
 
-// The strategy, and in `layout` how it was found.
+// The strategy; how it was found goes into `layout`.
 std::shared_ptr<Strategy> find_strategy(const Field& sample, const DetectSettings& settings,
                                         Layout& layout) {
   detection::SelectionTrace* const trace = settings.trace ? &layout.trace.emplace() : nullptr;
@@ -118,7 +118,7 @@ Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
   return layout;
 }
 
-// Names of options are not told apart by case.
+// Case does not matter in names of options.
 bool is_encoding(std::string_view name) {
   constexpr std::string_view kUpperCase = "ENCODING";
   return std::equal(name.begin(), name.end(), kUpperCase.begin(), kUpperCase.end(),
@@ -160,7 +160,7 @@ Layout detect_layout(const std::string& path, const DetectSettings& settings) {
 }
 
 Layout detect_layout(std::u16string_view text, const DetectSettings& settings) {
-  // One unit per character, as a file's text has it.
+  // One code unit per character, as in the text of a file.
   std::u16string folded(text);
   char16_t* const end = fold_surrogate_pairs(folded.data(), folded.data() + folded.size());
   MemoryTextSource source(folded.data(), static_cast<std::size_t>(end - folded.data()));

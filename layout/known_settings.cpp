@@ -68,7 +68,7 @@ void set_delimiters(const Known& known, parser::options& options) {
 
 void set_widths(const Known& known, parser::options& options) {
   if (!known.widths) return;
-  if (known.delimiters) refuse("widths", "expected no delimiters beside widths");
+  if (known.delimiters) refuse("widths", "expected either widths or delimiters");
   if (known.widths->empty()) refuse("widths", "expected at least one width");
   for (const std::size_t width : *known.widths) in_range(width, 1, kMost, "widths");
   options.variable_widths.assign(known.widths->begin(), known.widths->end());

@@ -122,7 +122,7 @@ const RefusedCase kRefused[] = {
     {"WidthAbsurd", {.widths = {{kMost + 1}}}, "Known::widths: expected 1 to 4194304, got 4194305"},
     {"WidthsBesideDelimiters",
      {.delimiters = {{","}}, .widths = {{3}}},
-     "Known::widths: expected no delimiters"},
+     "Known::widths: expected either widths or delimiters"},
     {"HeaderLinesNegative", {.header_lines = kNegative}, "Known::header_lines: expected 0 to"},
     {"HeaderLinesAbsurd", {.header_lines = kMost + 1}, "Known::header_lines: expected 0 to"},
     {"NumVariablesZero", {.num_variables = 0}, "Known::num_variables: expected 1 to"},
