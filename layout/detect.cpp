@@ -22,6 +22,7 @@ std::string text_at(const std::vector<std::u16string>& texts, std::size_t index)
 
 std::vector<Column> columns_of(const Layout& layout) {
   std::vector<Column> columns;
+  columns.reserve(layout.classes.size());
   for (std::size_t i = 0; i < layout.classes.size(); ++i) {
     columns.push_back({text_at(layout.names, i), text_at(layout.units, i), layout.classes[i]});
   }

@@ -44,6 +44,7 @@ std::u16string marker_of(const std::string& text, const char* member) {
 std::vector<std::u16string> markers_of(const std::vector<std::string>& texts, const char* member) {
   if (texts.empty()) refuse(member, "expected at least one text");
   std::vector<std::u16string> markers;
+  markers.reserve(texts.size());
   for (const std::string& text : texts) markers.push_back(marker_of(text, member));
   return markers;
 }

@@ -5,6 +5,7 @@
 #include <ios>
 #include <ostream>
 #include <random>
+#include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -316,13 +317,21 @@ void expect_same(const Detection& found, const Layout& layout) {
   EXPECT_EQ(found.units_line, layout.units_line);
   EXPECT_EQ(found.names_source, layout.names_source);
   EXPECT_EQ(found.names_reason, layout.names_reason);
-  EXPECT_EQ(found.line_ending.has_value(), layout.line_ending.has_value());
-  EXPECT_EQ(found.lines.size(), layout.lines.size());
+  EXPECT_EQ(found.line_ending.value_or("none"), to_utf8(layout.line_ending.value_or(u"none")));
+  ASSERT_EQ(found.lines.size(), layout.lines.size());
+  for (std::size_t i = 0; i < found.lines.size(); ++i) {
+    EXPECT_EQ(found.lines[i].role, layout.lines[i].role);
+    EXPECT_EQ(found.lines[i].first_line, layout.lines[i].first_line);
+    EXPECT_EQ(found.lines[i].last_line, layout.lines[i].last_line);
+    EXPECT_EQ(found.lines[i].count, layout.lines[i].count);
+  }
   EXPECT_EQ(found.ragged_lines, layout.ragged_lines);
   EXPECT_EQ(found.first_ragged_line, layout.first_ragged_line);
   EXPECT_EQ(found.lines_sampled, layout.lines_sampled);
   EXPECT_EQ(found.characters_sampled, layout.characters_sampled);
   EXPECT_EQ(found.has_more_text, layout.has_more_text);
+  const std::string_view end = to_string(layout.selection_end);
+  EXPECT_EQ(found.decided_by, layout.decided_by.empty() ? end : layout.decided_by);
 }
 
 // Texts of the characters that decide a layout.
@@ -340,6 +349,7 @@ std::string random_text(std::mt19937& random) {
 TEST(DetectRoutes, GiveOneAnswer) {
   const TempFolder folder;
   std::mt19937 random(20261122);
+  std::set<std::string> deciders;
   for (int i = 0; i < 300; ++i) {
     const std::string text = random_text(random);
     const std::string path = folder.file("t", text);
@@ -353,7 +363,10 @@ TEST(DetectRoutes, GiveOneAnswer) {
     EXPECT_EQ(described(detect_bytes(gzip_of(text))), described(of_file));
     expect_same(of_file, detect_layout(path));
     expect_same(of_text, detect_layout(from_utf8(text)));
+    deciders.insert(of_text.decided_by);
   }
+  EXPECT_THAT(deciders, testing::Contains(testing::StartsWith("reduce_by_")));
+  EXPECT_THAT(deciders, testing::IsSupersetOf({"only-candidate", "no-candidate", "empty-sample"}));
 }
 
 // --- whatever the bytes ------------------------------------------------------------------------
