@@ -1,6 +1,7 @@
 // libvltextstream: works out how the table in a text file is laid out. Includes all of it.
 #pragma once
 
+#include <vltextstream/detect.hpp>
 #include <vltextstream/detection/fixed_stream.hpp>
 #include <vltextstream/detection/selection_trace.hpp>
 #include <vltextstream/detection/strategy_selector.hpp>

@@ -1,8 +1,10 @@
 #include <iostream>
-#include <vltextstream/vltextstream.hpp>
+#include <vltextstream/detect.hpp>
 
 int main() {
-  const auto layout = textio::standalone::detect_layout(u"time;level\n1:02:00;3.5\n1:07:30;3.9\n");
-  std::cout << textio::standalone::to_utf8(layout.delimiters[0]) << " separates "
-            << layout.num_variables << " variables, named in line " << *layout.names_line << '\n';
+  const auto found = textio::detect_text("time;level\n1:02:00;3.5\n1:07:30;3.9\n");
+  std::cout << found.dialect << ", named in line " << *found.names_line << '\n';
+  for (const auto& column : found.columns) {
+    std::cout << column.name << ": " << to_string(column.type) << '\n';
+  }
 }

@@ -1,5 +1,6 @@
 // detect_layout of a text and of a file, with any settings: what the layout promises about itself
-// holds, tracing changes nothing, and a file gives what its text gives.
+// holds, tracing changes nothing, and a file gives the same answer as its text. detect_bytes gives
+// the same answer as detect_layout of a file with these bytes.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +13,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <vltextstream/detect.hpp>
 #include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/standalone/decoding/utf_text.hpp>
 #include "differential/comparison.hpp"
@@ -194,11 +196,35 @@ void check_encoding(const Layout& layout, const DetectSettings& settings) {
   require(!is_given || layout.encoding_confidence == 1.0, "a given encoding is sure");
 }
 
+// The layout of a file as far as a detection shows it; the error when it cannot be read.
+std::string front_of(const std::string& path) {
+  try {
+    const Layout layout = standalone::detect_layout(path);
+    return to_string(dialect_of(layout)) + ' ' + std::to_string(layout.num_variables) + ' ' +
+           std::to_string(layout.header_lines) + ' ' + layout.names_reason + ' ' + layout.encoding +
+           ' ' + std::to_string(layout.lines_sampled);
+  } catch (const standalone::FileError&) {
+    return "not read";
+  }
+}
+
+std::string front_of(std::string_view bytes) {
+  try {
+    const Detection found = detect_bytes(bytes);
+    return to_string(found.dialect) + ' ' + std::to_string(found.columns.size()) + ' ' +
+           std::to_string(found.header_lines) + ' ' + found.names_reason + ' ' + found.encoding +
+           ' ' + std::to_string(found.lines_sampled);
+  } catch (const standalone::FileError&) {
+    return "not read";
+  }
+}
+
 // The same bytes as well-formed UTF-8, read as a file and as a text.
 void check_file(std::string_view bytes, const DetectSettings& settings) {
   static const FileInMemory file;
   const std::optional<Layout> found = layout_of(file.holding(bytes), settings);
   if (found) check_encoding(*found, settings);
+  require_same_lines("detection of the bytes", front_of(bytes), front_of(file.holding(bytes)));
   DetectSettings utf8 = settings;
   utf8.encoding = "UTF-8";
   const std::optional<Layout> of_file = layout_of(file.holding(bytes), utf8);

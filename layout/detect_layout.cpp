@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <memory>
+#include <stdexcept>
 
 #include <vltextstream/detection/fixed_stream.hpp>
 #include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/layout/detect_input.hpp>
 #include <vltextstream/layout/input_text.hpp>
 #include <vltextstream/layout/line_roles.hpp>
 #include <vltextstream/layout/sampled_table.hpp>
@@ -56,7 +58,7 @@ void describe_names(const SampledTable& table, const VariableNames& names, Layou
   }
 }
 
-// The strategy that the caller's choices leave no doubt about, null when they do.
+// The strategy that the caller's choices determine; null when they do not.
 std::shared_ptr<Strategy> given_strategy(const parser::options& options) {
   const bool is_fixed_width = options.parser_type == parser::parser_kind::fixedwidth;
   if (is_fixed_width && !options.variable_widths.empty()) {
@@ -70,7 +72,7 @@ std::shared_ptr<Strategy> given_strategy(const parser::options& options) {
   return nullptr;
 }
 
-// The strategy, and in `layout` how it was found.
+// The strategy; how it was found goes into `layout`.
 std::shared_ptr<Strategy> find_strategy(const Field& sample, const DetectSettings& settings,
                                         Layout& layout) {
   detection::SelectionTrace* const trace = settings.trace ? &layout.trace.emplace() : nullptr;
@@ -113,7 +115,7 @@ Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
   return layout;
 }
 
-// Names of options are not told apart by case.
+// Case does not matter in names of options.
 bool is_encoding(std::string_view name) {
   constexpr std::string_view kUpperCase = "ENCODING";
   return std::equal(name.begin(), name.end(), kUpperCase.begin(), kUpperCase.end(),
@@ -121,8 +123,6 @@ bool is_encoding(std::string_view name) {
 }
 
 }  // namespace
-
-FileError::~FileError() = default;
 
 DetectSettings settings_with(const std::vector<NameValue>& options) {
   DetectSettings settings;
@@ -142,8 +142,7 @@ Layout detect_layout(std::u16string_view text, std::initializer_list<NameValue> 
   return detect_layout(text, settings_with(options));
 }
 
-Layout detect_layout(const std::string& path, const DetectSettings& settings) {
-  const InputText input(path, settings);
+Layout detect_input(const InputText& input, const DetectSettings& settings) {
   Layout layout = layout_of_sample(input.sample(), settings);
   layout.encoding = input.encoding().name;
   layout.encoding_found = input.encoding().found;
@@ -153,8 +152,12 @@ Layout detect_layout(const std::string& path, const DetectSettings& settings) {
   return layout;
 }
 
+Layout detect_layout(const std::string& path, const DetectSettings& settings) {
+  return detect_input(InputText(path, settings), settings);
+}
+
 Layout detect_layout(std::u16string_view text, const DetectSettings& settings) {
-  // One unit per character, as a file's text has it.
+  // One code unit per character, as in the text of a file.
   std::u16string folded(text);
   char16_t* const end = fold_surrogate_pairs(folded.data(), folded.data() + folded.size());
   MemoryTextSource source(folded.data(), static_cast<std::size_t>(end - folded.data()));

@@ -1,35 +1,35 @@
-// detect_layout: a whole detection in one call, with plain values for an answer.
+// detect_layout: a whole detection in one call, with the full options record and a full answer.
+// <vltextstream/detect.hpp> is the short form for UTF-8.
 //
 //   textio::standalone::Layout layout = textio::standalone::detect_layout("measurements.csv");
 //   layout.delimiters;                 // {u","}
 //   layout.num_variables;              // 4
 //
-//   // with the layout given in part, and the number of header lines:
+//   // with the delimiter and the number of header lines known:
 //   detect_layout("measurements.csv",
 //                 {{"Delimiter", make_array(u";")}, {"NumHeaderLines", make_array(2)}});
 //
-// Units      lines count from 1 over the sampled lines: a quoted field with line endings inside is
-//            one line, a comment is none. Widths count characters.
-// Ownership  a layout holds no view of the text; it is a value to copy and keep.
+// Units      line numbers count the lines of the text from 1. Widths count characters.
+// Ownership  a layout is a plain value without views: copy it, keep it.
 // Errors     FileError when the file cannot be opened or a read fails; std::invalid_argument for an
-//            encoding or a DateLocale that is not known, widths that are no widths, and (as
-//            OptionProblem) options that are refused; std::runtime_error when the decoder itself
-//            fails; std::bad_alloc, also where memory runs out in opening or reading the file.
-// Cost       of a file no more than the first 4,194,304 characters are looked at, and little more
-//            is read, each byte once; a prefix of at most 64 KB is read once more to find the
-//            encoding. A text is copied.
-// Threads    detections may run side by side, also with one and the same settings.
+//            unknown encoding or DateLocale, for a width of 0, and (as OptionProblem) for options
+//            that are refused; std::runtime_error when the decoder fails; std::bad_alloc, also when
+//            memory runs out in opening or reading the file.
+// Cost       at most the first 4,194,304 characters of a file are decoded. Little more is read, and
+//            each byte once, except that at most 64 KB are read again to find the encoding. A text
+//            is copied.
+// Threads    calls are independent of one another and may share their settings.
 #pragma once
 
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <vltextstream/host/export.hpp>
+#include <vltextstream/layout/file_error.hpp>
 #include <vltextstream/layout/layout.hpp>
 #include <vltextstream/options/parser_options.hpp>
 #include <vltextstream/standalone/services/array.hpp>
@@ -40,16 +40,16 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
   // Data lines to sample.
   unsigned long num_lines = 100;
 
-  // Name of the encoding, as ICU knows it. Not engaged means the one of the options if that is
-  // another than its default, "UTF-8", else "find it".
+  // The encoding, by any name that ICU knows. Without a value it is that of `options`, unless that
+  // is the default, "UTF-8": then the encoding is detected.
   std::optional<std::string> encoding;
 
-  // The choices of the caller. Delimiters that are settled (`detect_delimiters` is false) are taken
-  // as they are: no other layout is looked for. So are column widths, of at least one character
+  // The caller's choices. When `detect_delimiters` is false, the delimiters are used as they are,
+  // and no other layout is considered. The same holds for column widths, of at least one character
   // each, when `parser_type` is fixedwidth.
   parser::options options;
 
-  // Fill in Layout::trace.
+  // Fill Layout::trace.
   bool trace = false;
 
   // The most bytes that are read of a file, before and after decompression; FileError when more
@@ -58,17 +58,9 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
   std::uint64_t max_bytes = 67'108'864;
 };
 
-// Settings with these options, an "Encoding" among them included. Throws OptionProblem at the first
+// Settings with these options; an "Encoding" becomes `encoding`. Throws OptionProblem at the first
 // option that is refused.
 VLTEXTSTREAM_EXPORT DetectSettings settings_with(const std::vector<NameValue>& options);
-
-// A file that cannot be read; what() names the file and the reason: that of the operating system,
-// what is wrong with compressed data, or the limit of bytes.
-class VLTEXTSTREAM_EXPORT FileError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-  ~FileError() override;
-};
 
 // The layout of the file at `path`, a path in the file system's own bytes.
 VLTEXTSTREAM_EXPORT Layout detect_layout(const std::string& path,

@@ -1,5 +1,5 @@
-// The first bytes tell the encoding, for the whole sample as a rule: only when they are nothing but
-// ASCII, which goes with nearly every encoding, may what follows prove them wrong.
+// The first bytes give the encoding, as a rule for the whole sample: only when all of them are
+// ASCII, which fits nearly every encoding, can the bytes that follow prove them wrong.
 #include <vltextstream/layout/input_text.hpp>
 
 #include <algorithm>
@@ -13,17 +13,18 @@
 #include <vltextstream/host/code_converter.hpp>
 #include <vltextstream/host/file_layer.hpp>
 #include <vltextstream/standalone/decoding/utf_text.hpp>
+#include <vltextstream/standalone/files/memory_bytes.hpp>
 #include <vltextstream/standalone/files/read_limit.hpp>
 #include <vltextstream/standalone/files/read_problem.hpp>
 
 namespace textio::standalone {
 namespace {
 
-// As much of a file as is looked at for its encoding.
+// The part of a file that is searched for its encoding.
 constexpr std::size_t kHeadBytes = 65'536;
 
-// Memory that runs out is no fault of the file.
-[[noreturn]] void refuse(const char* action, const std::string& path, int error) {
+// Memory that runs out is no error of the input.
+[[noreturn]] void refuse(const char* action, const std::string& name, int error) {
   if (error == ENOMEM) throw std::bad_alloc();
   const std::string problem =
       error == kTooManyBytes
@@ -32,21 +33,21 @@ constexpr std::size_t kHeadBytes = 65'536;
                 "is max_bytes (--max-bytes)",
                 read_limit())
           : read_problem(error);
-  throw FileError(fmt::format("cannot {} '{}': {}", action, path, problem));
+  throw FileError(fmt::format("cannot {} {}: {}", action, name, problem));
 }
 
-// A file that is read for its encoding before it is read for its text. What fails here must not be
-// forgotten: the second reading may not fail, and would give another text.
+// A file that is read for its encoding before it is read for its text. An error here must be
+// reported: the second reading may succeed, and would give another text.
 class Preview {
  public:
-  Preview(std::FILE* file, const std::string& path) : file_(file), path_(path) {}
+  Preview(std::FILE* file, const std::string& name) : file_(file), name_(name) {}
 
   // The next 64 KB; fewer at the end.
   std::string read() {
     std::string bytes(kHeadBytes, '\0');
     errno = 0;
     bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file_));
-    if (std::ferror(file_) != 0) refuse("read", path_, errno != 0 ? errno : EIO);
+    if (std::ferror(file_) != 0) refuse("read", name_, errno != 0 ? errno : EIO);
     return bytes;
   }
 
@@ -54,12 +55,12 @@ class Preview {
 
   void go_back() {
     errno = 0;
-    if (::fseeko64(file_, 0, SEEK_SET) != 0) refuse("read", path_, errno);
+    if (::fseeko64(file_, 0, SEEK_SET) != 0) refuse("read", name_, errno);
   }
 
  private:
   std::FILE* file_;
-  const std::string& path_;
+  const std::string& name_;
 };
 
 std::size_t count_of_ascii(std::string_view bytes) {
@@ -68,26 +69,26 @@ std::size_t count_of_ascii(std::string_view bytes) {
   return static_cast<std::size_t>(first_other - bytes.begin());
 }
 
-// An input that cannot be read twice is taken for UTF-8.
-FoundEncoding look_for_encoding(std::FILE* file, const std::string& path) {
+// An input that cannot be read twice is read as UTF-8.
+FoundEncoding look_for_encoding(std::FILE* file, const std::string& name) {
   if (std::ftell(file) != 0) return {"UTF-8", EncodingFound::fallback, 0.0};
-  Preview preview(file, path);
+  Preview preview(file, name);
   const std::string head = preview.read();
   preview.go_back();
   return find_encoding(head, head.size() < kHeadBytes);
 }
 
-FoundEncoding encoding_of(std::FILE* file, const std::string& path,
+FoundEncoding encoding_of(std::FILE* file, const std::string& name,
                           const DetectSettings& settings) {
   if (settings.encoding) return {*settings.encoding, EncodingFound::given, 1.0};
   const std::u16string& of_record = settings.options.encoding;
   if (of_record != u"UTF-8") return {to_utf8(of_record), EncodingFound::given, 1.0};
-  return look_for_encoding(file, path);
+  return look_for_encoding(file, name);
 }
 
-// What the bytes from the first one above 127 on are read best as; UTF-8 when there are none, or
-// when they begin before the end of the head and were seen before.
-FoundEncoding encoding_behind_ascii(Preview& preview) {
+// The encoding that fits the bytes from the first one above 127 on; UTF-8 when there are none, or
+// when they begin inside the head, which was examined before.
+FoundEncoding encoding_past_ascii(Preview& preview) {
   bool is_head = true;
   for (std::string bytes = preview.read(); !bytes.empty(); bytes = preview.read()) {
     const std::size_t ascii = count_of_ascii(bytes);
@@ -105,14 +106,32 @@ FoundEncoding encoding_behind_ascii(Preview& preview) {
 }  // namespace
 
 InputText::InputText(const std::string& path, const DetectSettings& settings)
-    : path_(path), settings_(settings) {
+    : name_(fmt::format("'{}'", path)), settings_(settings) {
   const ReadLimitScope limit(settings.max_bytes);
   errno = 0;
-  File file(open_file(from_utf8(path), "rb"));
-  if (!file) refuse("open", path_, errno);
-  encoding_ = encoding_of(file.get(), path_, settings);
+  read(File(open_file(from_utf8(path), "rb")));
+}
+
+InputText::InputText(FileContent content, const DetectSettings& settings)
+    : name_("the bytes"), settings_(settings) {
+  const ReadLimitScope limit(settings.max_bytes);
+  errno = 0;
+  read(File(open_bytes(content.bytes)));
+}
+
+InputText::InputText(PlainBytes text, const DetectSettings& settings)
+    : name_("the text"), settings_(settings) {
+  const ReadLimitScope limit(settings.max_bytes);
+  errno = 0;
+  read(File(as_c_stream(std::make_unique<MemoryBytes>(text.bytes))));
+}
+
+// Right after the attempt to open `file`, while errno holds the reason if it is null.
+void InputText::read(File file) {
+  if (!file) refuse("open", name_, errno);
+  encoding_ = encoding_of(file.get(), name_, settings_);
   decode(std::move(file));
-  if (encoding_.found == EncodingFound::valid_utf8 && ill_formed_parts_ > 0) look_behind_the_head();
+  if (encoding_.found == EncodingFound::valid_utf8 && ill_formed_parts_ > 0) look_past_the_head();
 }
 
 void InputText::decode(File file) {
@@ -122,19 +141,19 @@ void InputText::decode(File file) {
   stream_ = std::make_unique<TextStream>(source_.get());
   sample_ = get_fixed_stream(*stream_, settings_.options.line_endings);
   ill_formed_parts_ = source_->converter()->ill_formed_parts();
-  if (const int error = source_->read_error(); error != 0) refuse("read", path_, error);
+  if (const int error = source_->read_error(); error != 0) refuse("read", name_, error);
 }
 
 // Ill-formed parts in a text whose head was well-formed.
-void InputText::look_behind_the_head() {
+void InputText::look_past_the_head() {
   if (source_->getPos() < 0) {
     doubt_utf8();
     return;
   }
   File file(source_->release());
-  Preview preview(file.get(), path_);
+  Preview preview(file.get(), name_);
   preview.go_back();
-  const FoundEncoding found = encoding_behind_ascii(preview);
+  const FoundEncoding found = encoding_past_ascii(preview);
   if (found.name == encoding_.name) {
     doubt_utf8();
     return;
@@ -144,7 +163,7 @@ void InputText::look_behind_the_head() {
   decode(std::move(file));
 }
 
-// UTF-8 but for some parts: as sure as its other characters above 127 are many.
+// UTF-8 except for some parts: the more characters above 127 it has, the surer.
 void InputText::doubt_utf8() {
   const auto above_ascii =
       std::count_if(sample_.data, sample_.data + sample_.length,

@@ -1,19 +1,21 @@
-// InputText: the sample of a file, opened once and decoded.
+// InputText: the sample of a file or of bytes in memory, decoded.
 //
 //   InputText input("measurements.csv", settings);
 //   input.sample();                  // valid as long as `input`
 //   input.encoding().name;           // "UTF-8"
 //
-// Errors  FileError when the file cannot be opened or a read fails; std::invalid_argument for an
-//         encoding that is not known.
-// Cost    each byte of the sample is read once, a head of 64 KB twice. Where this head is ASCII and
-//         what follows turns out not to be UTF-8, the sample is read once more.
+// Ownership  bytes in memory are borrowed and must outlive the input; so must the settings.
+// Errors     FileError when the file cannot be opened or a read fails; std::invalid_argument for an
+//            unknown encoding.
+// Cost       each byte of the sample is read once, the first 64 KB twice. Where these are ASCII and
+//            what follows is not UTF-8, the sample is read once more.
 #pragma once
 
 #include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/source/file_text_source.hpp>
@@ -23,15 +25,27 @@
 
 namespace textio::standalone {
 
+// The content of a file, perhaps compressed.
+struct FileContent {
+  std::string_view bytes;
+};
+
+// Bytes that are read as they are, whatever they look like.
+struct PlainBytes {
+  std::string_view bytes;
+};
+
 class InputText {
  public:
   InputText(const std::string& path, const DetectSettings& settings);
+  InputText(FileContent content, const DetectSettings& settings);
+  InputText(PlainBytes text, const DetectSettings& settings);
 
   const Field& sample() const { return sample_; }
   const FoundEncoding& encoding() const { return encoding_; }
   std::size_t ill_formed_parts() const { return ill_formed_parts_; }
 
-  // Whether the text goes on behind the sample.
+  // Whether the text continues after the sample.
   bool has_more_text() const { return stream_->at(sample_.length) != TextStream::kEnd; }
 
  private:
@@ -40,11 +54,12 @@ class InputText {
   };
   using File = std::unique_ptr<std::FILE, CloseFile>;
 
+  void read(File file);
   void decode(File file);
-  void look_behind_the_head();
+  void look_past_the_head();
   void doubt_utf8();
 
-  std::string path_;
+  std::string name_;  // of the input, in messages
   const DetectSettings& settings_;
   FoundEncoding encoding_;
   std::unique_ptr<FileTextSource> source_;

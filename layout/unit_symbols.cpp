@@ -1,6 +1,6 @@
 // A unit is a product of symbols, each with or without an exponent: "kg m-2 s^-1", "km/h". A symbol
-// is one of a list, or a prefix of the metric system before one of another list, or the code of a
-// currency. Brackets around it are not looked at.
+// is in one list, or is a metric prefix and a symbol of another list, or is a currency code.
+// Brackets around the whole text are ignored.
 #include <vltextstream/layout/unit_symbols.hpp>
 
 #include <algorithm>
@@ -17,12 +17,12 @@ using View = std::u16string_view;
 
 constexpr std::size_t kLongestUnit = 32;
 
-// Two-letter ones first, so that "da" is not taken for "d" before an "a".
+// The two-letter prefix comes first, so that "da" is not read as "d" and an "a".
 constexpr View kPrefixes[] = {u"da",     u"Y",      u"Z", u"E", u"P", u"T", u"G",
                               u"M",      u"k",      u"h", u"d", u"c", u"m", u"u",
                               u"\u00B5", u"\u03BC", u"n", u"p", u"f", u"a"};
 
-// With or without a prefix.
+// Symbols that may have a prefix.
 constexpr View kMetric[] = {
     u"m",   u"g",   u"s",   u"A",   u"K",   u"mol",    u"cd",     u"Hz",  u"N",   u"Pa",
     u"J",   u"W",   u"C",   u"V",   u"F",   u"S",      u"Wb",     u"T",   u"H",   u"lm",
@@ -31,7 +31,7 @@ constexpr View kMetric[] = {
     u"ohm", u"Ohm", u"bps", u"iB",  u"Wp",  u"\u03A9", u"\u2126", u"Nm",
 };
 
-// As they stand.
+// Symbols without a prefix.
 constexpr View kPlain[] = {
     u"%",
     u"\u2030",
@@ -98,7 +98,7 @@ constexpr View kPlain[] = {
     u"\u20AC",
     u"\u00A3",
     u"\u00A5",
-    // Written often, though not by the book.
+    // Common misspellings.
     u"mins",
     u"msec",
     u"usec",
@@ -113,7 +113,7 @@ constexpr View kPlain[] = {
     u"KWh",
 };
 
-// In any case, with or without the "s" of a plural.
+// Words, in upper or lower case, with or without a plural "s".
 constexpr View kWords[] = {
     u"second",     u"minute",     u"hour",       u"day",       u"week",      u"month",
     u"year",       u"meter",      u"metre",      u"kilometer", u"kilometre", u"centimeter",
@@ -156,7 +156,7 @@ std::u16string lower_case(View text) {
 
 bool starts_with(View text, View start) { return text.substr(0, start.size()) == start; }
 
-// What stands inside one pair of brackets around the whole text, or the text.
+// The text inside one pair of brackets around the whole text, or the text itself.
 View without_brackets(View text) {
   constexpr View kOpening = u"([{<";
   constexpr View kClosing = u")]}>";
@@ -198,14 +198,14 @@ bool is_symbol(View text) {
          is_word_for_unit(text) || is_currency_code(text);
 }
 
-// "m2", "m^-2", "s-1" and "m" with a raised 2 without what makes them powers. "A12" and "W1" are
+// "m2", "m^-2", "s-1" and "m" with a superscript 2 without their exponents. "A12" and "W1" are
 // labels: an exponent has one digit, and one without a mark is 2, 3 or 4.
 View without_exponent(View text) {
-  const auto cut_behind = [text](View set) {
+  const auto cut_after = [text](View set) {
     return text.substr(0, text.find_last_not_of(set) + 1);
   };
   if (!text.empty() && kSuperscripts.find(text.back()) != View::npos) {
-    return cut_behind(kSuperscripts);
+    return cut_after(kSuperscripts);
   }
   if (text.empty() || kDigits.find(text.back()) == View::npos) return text;
   const View marked = text.substr(0, text.size() - 1);
@@ -219,7 +219,7 @@ bool is_factor(View text) {
   return is_symbol(text) || text == kPer || is_symbol(without_exponent(text));
 }
 
-// A unit in the brackets, or any word there: whoever writes "[count rate]" means a unit.
+// Any word in brackets: a text such as "[count rate]" is meant as a unit.
 bool is_bracketed_remark(View text) {
   const View inside = without_brackets(text);
   const char16_t first = inside.size() == text.size() || inside.empty() ? u'\0' : inside.front();
@@ -241,19 +241,19 @@ bool is_product_of_symbols(View text) {
 
 bool is_pattern_letter(char16_t unit) { return kPatternLetters.find(unit) != View::npos; }
 
-// A letter beside others of the pattern makes a word of them ("mass", "add"), but for the "T"
-// between a date and a time and the "Z" behind them.
+// A single letter next to other pattern letters makes a word ("mass", "add"). The exceptions are
+// the "T" between a date and a time, and a "Z" at the end.
 bool is_run_of_pattern(View pattern, std::size_t begin, std::size_t end) {
   const bool has_left = begin > 0 && is_pattern_letter(pattern[begin - 1]);
   const bool has_right = end < pattern.size() && is_pattern_letter(pattern[end]);
-  const bool stands_free = !has_left && !has_right;
+  const bool is_separate = !has_left && !has_right;
   const bool is_time_mark = pattern[begin] == u't' && has_left && has_right;
   const bool is_zone_mark = pattern[begin] == u'z' && has_left && !has_right;
-  return end - begin > 1 || stands_free || is_time_mark || is_zone_mark;
+  return end - begin > 1 || is_separate || is_time_mark || is_zone_mark;
 }
 
-// Two or more runs of one letter each, one of them at least of two: "yyyy-mm-dd", "h:mm". One run
-// alone is a unit or a word.
+// Two or more runs, each of one letter, and at least one of them longer than one: "yyyy-mm-dd",
+// "h:mm". A single run is a unit or a word.
 bool is_pattern_of_runs(View pattern) {
   std::size_t runs = 0;
   std::size_t longest = 0;

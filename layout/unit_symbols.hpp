@@ -1,7 +1,7 @@
-// Recognising what people write under the names of columns: units of measure and the like.
+// Recognises units of measure, and what people write in their place.
 //
 // Units  texts are trimmed and without quotes.
-// Cost   linear in the text; texts longer than 32 units are no units.
+// Cost   linear in the text; a text of more than 32 code units is no unit.
 #pragma once
 
 #include <string_view>
@@ -11,10 +11,10 @@ namespace textio::standalone {
 // A unit of measure: "cm", "km/h", "W m-2", "[kg/m^3]", "(degC)", "%", "EUR", "seconds".
 bool is_unit(std::u16string_view text);
 
-// How a date or a time is written: "yyyy-mm-dd", "hh:mm:ss", "UTC".
+// A format of dates or times: "yyyy-mm-dd", "hh:mm:ss", "UTC".
 bool is_time_pattern(std::u16string_view text);
 
-// What stands where a column has no unit: "-", "n/a", "[-]", "none", or nothing.
+// A sign that a column has no unit: "-", "n/a", "[-]", "none", or the empty text.
 bool is_no_unit(std::u16string_view text);
 
 }  // namespace textio::standalone

@@ -1,6 +1,6 @@
-// A line is asked a few questions: is it there, does it name every variable, does it look like
-// units, are its fields unlike the columns below. The rule itself is find_variable_names, from the
-// last header line to the line after the header; what speaks against a line becomes the reason.
+// A line is tested for a few properties: does it exist, does it name every variable, does it look
+// like units, do its fields differ from the columns below. The rule itself is find_variable_names:
+// first the last header line, then the line after the header. The test that fails gives the reason.
 #include <vltextstream/layout/variable_names.hpp>
 
 #include <algorithm>
@@ -27,17 +27,17 @@ bool has_typed_column(const std::vector<DatatypeCode>& columns) {
   return std::any_of(columns.begin(), columns.end(), is_typed);
 }
 
-// What one sampled line looks like above the columns of its table. Most lines are told by a few of
-// these questions: the fields are cut, and their texts made, when one of them asks for it first.
+// One sampled line, compared with the columns of its table. Most lines need only a few of these
+// tests, so the fields are cut, and their texts are made, on first use.
 class NamesCandidate {
  public:
-  // `index` may lie outside the sampled lines; such a line is not there.
+  // `index` may be outside the sampled lines; such a line does not exist.
   NamesCandidate(const SampledTable& table, std::size_t index)
       : table_(table), columns_(table.classes()), index_(index) {}
 
-  bool is_there() const { return index_ < table_.size() && num_fields() > 0; }
+  bool exists() const { return index_ < table_.size() && num_fields() > 0; }
   std::size_t num_fields() const { return fields().size(); }
-  bool fits() const { return is_there() && num_fields() == columns_.size(); }
+  bool fits() const { return exists() && num_fields() == columns_.size(); }
 
   bool has_empty_field() const {
     return std::any_of(texts().begin(), texts().end(),
@@ -55,7 +55,7 @@ class NamesCandidate {
 
   bool names_every_variable() const { return fits() && !has_empty_field(); }
 
-  // Whether some text stands above a column of another class.
+  // Whether some text is above a column of another class.
   bool differs_somewhere() const {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       if (is_typed(columns_[i]) && class_of(i) == DatatypeCode::text) return true;
@@ -63,13 +63,13 @@ class NamesCandidate {
     return false;
   }
 
-  // Cheap questions first.
+  // Cheap tests first.
   bool reads_as_names() const {
     return fits() && has_typed_column(columns_) && !has_values() && differs_somewhere() &&
            !has_empty_field() && !repeats_a_field();
   }
 
-  // Over numbers, dates and durations units, or signs that there are none; over texts any short
+  // Above numbers, dates and durations: units, or signs that there are none. Above texts: any short
   // remark.
   bool reads_as_units() const {
     if (!fits()) return false;
@@ -77,10 +77,10 @@ class NamesCandidate {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       const std::u16string& text = texts()[i];
       const bool is_unit_here = is_unit(text) || is_time_pattern(text);
-      const bool may_stand_here = is_typed(columns_[i])
-                                      ? is_unit_here || is_no_unit(text)
-                                      : text.size() <= kLongestRemark && !is_typed(class_of(i));
-      if (!may_stand_here) return false;
+      const bool is_allowed_here = is_typed(columns_[i])
+                                       ? is_unit_here || is_no_unit(text)
+                                       : text.size() <= kLongestRemark && !is_typed(class_of(i));
+      if (!is_allowed_here) return false;
       has_unit = has_unit || (is_typed(columns_[i]) && is_unit_here);
     }
     return has_unit;
@@ -115,7 +115,7 @@ std::string counted(std::size_t count, const char* thing) {
   return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
 }
 
-// Why line `number` of the text, the first after the header, is no line of names.
+// Why line `number` of the text, the first after the header, does not hold the names.
 Verdict why_not(const NamesCandidate& line, const std::vector<DatatypeCode>& columns,
                 std::size_t number, bool is_last) {
   const bool has_type = has_typed_column(columns);
@@ -148,8 +148,8 @@ Verdict why_not(const NamesCandidate& line, const std::vector<DatatypeCode>& col
   return {NamesSource::none, fmt::format("line {} reads like the lines below it", number)};
 }
 
-// Blank lines between the header and the names are passed over.
-std::size_t first_behind_header(const SampledTable& table) {
+// Blank lines between the header and the names are skipped.
+std::size_t first_after_header(const SampledTable& table) {
   std::size_t index = table.header_lines();
   while (index < table.size() && table.field_count(index) == 0) ++index;
   return index;
@@ -161,11 +161,11 @@ VariableNames find_variable_names(const SampledTable& table) {
   const std::size_t header = table.header_lines();
   const std::size_t last = header > 0 ? header - 1 : kNoLine;
   const std::size_t above = header > 1 ? header - 2 : kNoLine;
-  const std::size_t behind = first_behind_header(table);
-  const std::size_t below = behind < table.size() ? behind + 1 : kNoLine;
+  const std::size_t after = first_after_header(table);
+  const std::size_t below = after < table.size() ? after + 1 : kNoLine;
   const NamesCandidate last_line(table, last);
   const NamesCandidate line_above(table, above);
-  const NamesCandidate line_behind(table, behind);
+  const NamesCandidate line_after(table, after);
   const NamesCandidate line_below(table, below);
 
   const auto units_of = [](const NamesCandidate& line, std::size_t index) {
@@ -175,11 +175,12 @@ VariableNames find_variable_names(const SampledTable& table) {
     return first ? first : second;
   };
 
-  // Names may be spelled like units ("t,A"). Of two neighbours that are, the upper holds the names.
+  // Names may be spelled like units ("t,A"). If two neighbouring lines are, the upper one holds the
+  // names.
   const bool has_names_below_header =
-      last_line.reads_as_units() && line_behind.reads_as_names() && !line_behind.reads_as_units();
+      last_line.reads_as_units() && line_after.reads_as_names() && !line_after.reads_as_units();
   const bool has_names_below_units =
-      line_behind.reads_as_units() && line_below.reads_as_names() && !line_below.reads_as_units();
+      line_after.reads_as_units() && line_below.reads_as_names() && !line_below.reads_as_units();
 
   if (last_line.reads_as_units() && line_above.names_every_variable()) {
     return {NamesSource::last_header_line,
@@ -187,21 +188,21 @@ VariableNames find_variable_names(const SampledTable& table) {
   }
   if (last_line.names_every_variable() && !has_names_below_header) {
     return {NamesSource::last_header_line, "the last header line names every variable", last,
-            either(units_of(line_above, above), units_of(line_behind, behind))};
+            either(units_of(line_above, above), units_of(line_after, after))};
   }
   if (has_names_below_units) {
     return {NamesSource::line_after_header, "texts stand above values, below the units", below,
-            behind};
+            after};
   }
-  if (line_behind.reads_as_names()) {
-    return {NamesSource::line_after_header, "texts stand above values", behind,
+  if (line_after.reads_as_names()) {
+    return {NamesSource::line_after_header, "texts stand above values", after,
             either(units_of(line_below, below), units_of(last_line, last))};
   }
-  if (!line_behind.is_there()) {
+  if (!line_after.exists()) {
     return {NamesSource::none, "no line stands where names could be", {}, {}};
   }
   const Verdict verdict =
-      why_not(line_behind, table.classes(), table.line_number(behind), below >= table.size());
+      why_not(line_after, table.classes(), table.line_number(after), below >= table.size());
   return {verdict.source, verdict.reason, {}, {}};
 }
 

@@ -1,5 +1,5 @@
-// Finding the line that names the variables of a table, and the line of their units; NamesSource in
-// layout/layout.hpp tells the rule.
+// Finds the line that names the variables of a table, and the line of their units. NamesSource in
+// layout/table_lines.hpp has the rule.
 #pragma once
 
 #include <cstddef>

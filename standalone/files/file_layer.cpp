@@ -18,6 +18,7 @@
 #include <vltextstream/standalone/files/compressed_stream.hpp>
 #include <vltextstream/standalone/files/compression_format.hpp>
 #include <vltextstream/standalone/files/gzip_decoder.hpp>
+#include <vltextstream/standalone/files/memory_bytes.hpp>
 #include <vltextstream/standalone/files/read_limit.hpp>
 #include <vltextstream/standalone/files/read_problem.hpp>
 #include <vltextstream/standalone/files/rewindable_stream.hpp>
@@ -121,6 +122,12 @@ std::unique_ptr<ByteStream> decompressed(std::unique_ptr<ByteStream> stream) {
 }
 
 }  // namespace
+
+std::FILE* open_bytes(std::string_view bytes) {
+  auto stream = decompressed(std::make_unique<MemoryBytes>(bytes));
+  return stream ? as_c_stream(std::move(stream)) : nullptr;
+}
+
 }  // namespace standalone
 
 std::FILE* open_file(const std::u16string& path, const char* mode) {

@@ -1,4 +1,4 @@
-// Detections side by side: eight threads, one settings object that none of them may change.
+// Concurrent detections: eight threads share one settings object, which none of them may change.
 #include <array>
 #include <string>
 #include <thread>
@@ -25,7 +25,7 @@ struct Input {
   std::size_t num_variables;
 };
 
-// One text for each layout, and one that brings many candidates.
+// One text for each layout, and one with many candidates.
 std::vector<Input> inputs(const TempFolder& folder) {
   struct Case {
     const char* text;

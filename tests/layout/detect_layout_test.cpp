@@ -56,7 +56,7 @@ std::string listed(const Texts& texts) {
   return out;
 }
 
-// Everything but the encoding and the trace, so that two layouts can be compared as a whole.
+// Everything except the encoding and the trace, so that two layouts can be compared as a whole.
 std::string describe(const Layout& layout) {
   std::ostringstream out;
   out << "mode " << static_cast<int>(layout.mode) << " delimiters " << listed(layout.delimiters)
@@ -116,10 +116,10 @@ const std::u16string kFixed =
     u"bob       rome      2\n"
     u"carl von  oslo      3\n";
 
-// Blanks of different numbers between the fields.
+// Different numbers of blanks between the fields.
 const std::u16string kAligned = u"x   y\n1   2\n10  20\n3   4\n";
 
-// Bars and colons separate equally well, and neither goes before the other.
+// Bars and colons separate equally well, and neither has precedence.
 const std::u16string kTied = u"a|b:c\n1|2:3\n4|5:6\n";
 
 // --- names -------------------------------------------------------------------------------------
@@ -546,7 +546,7 @@ TEST_P(DetectLayout, IsTheSameWithATraceThatEndsAlike) {
 
 INSTANTIATE_TEST_SUITE_P(Table, DetectLayout, testing::ValuesIn(kLayouts), ByRule());
 
-// Bytes of all kinds: an answer, whatever it is, and the same each time.
+// Bytes of all kinds give some answer, and the same one each time.
 TEST(DetectLayoutOfBinaryData, GivesAnAnswer) {
   std::string bytes;
   for (unsigned i = 0; i < 20'000; ++i) {
@@ -652,7 +652,7 @@ TEST(DetectLayoutSample, EndsAtTheEndMarkOfAShortText) {
 
 // --- characters --------------------------------------------------------------------------------
 
-// A surrogate pair is one character: widths, counts and names take it for one.
+// A surrogate pair counts as one character in widths, counts and names.
 TEST(DetectLayoutOfPairs, CountsCharacters) {
   const std::u16string text =
       u"n\U0001F600me      city      n\n"
@@ -667,7 +667,7 @@ TEST(DetectLayoutOfPairs, CountsCharacters) {
   EXPECT_EQ(describe(layout_of_file(to_utf8(text), with_header_lines(0))), describe(layout));
 }
 
-// More pairs than fit below the limit as units, but not as characters.
+// More pairs than fit below the limit as code units, but not as characters.
 TEST(DetectLayoutOfPairs, CountsCharactersUpToTheLimit) {
   std::u16string text;
   text.reserve(kMostCharacters + kMostCharacters / 2);
@@ -733,7 +733,7 @@ std::ostream& operator<<(std::ostream& out, const EncodedCase& row) { return out
 
 const std::string kRows = ",y\n1,2\n3,4\n";
 
-// Each byte of `ascii` with a NUL behind it.
+// Each byte of `ascii` followed by a NUL.
 std::string wide(const std::string& ascii) {
   std::string bytes;
   for (const char byte : ascii) bytes += {byte, '\0'};

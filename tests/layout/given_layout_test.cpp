@@ -1,4 +1,4 @@
-// Layouts that the caller gives, in whole or in part: nothing else is looked for.
+// Layouts that the caller gives, completely or in part: no other is searched for.
 #include <vltextstream/layout/detect_layout.hpp>
 
 #include <cstddef>
@@ -60,7 +60,7 @@ std::string listed(const std::vector<Number>& numbers) {
   return out;
 }
 
-// What the caller can give and what follows from it, as one text to compare.
+// What the caller can give and what depends on it, as one text to compare.
 std::string describe(const Layout& layout) {
   std::ostringstream out;
   out << "mode " << static_cast<int>(layout.mode) << " delimiters " << listed(layout.delimiters)
@@ -85,10 +85,10 @@ NameValue header_lines(double count) { return {"NumHeaderLines", make_array(coun
 NameValue parser_type(std::u16string_view word) { return {"ParserType", make_array(word)}; }
 const NameValue kFixedWidthParser = parser_type(u"fixedwidth");
 
-// Commas make three columns, semicolons two; two numbers and a text weigh more than one and one.
+// Commas make three columns, semicolons two. Two numbers and a text outweigh one number and a text.
 const std::u16string kBoth = u"1;2,3,4\n5;6,7,8\n9;1,2,3\n";
 
-// Letters and digits alone: nothing separates them but their places.
+// Only letters and digits: nothing but their positions separates them.
 const std::u16string kPlaces = u"ab123\ncd456\nef789\n";
 
 // --- a delimiter is given ----------------------------------------------------------------------
@@ -175,7 +175,7 @@ const DelimiterCase kDelimiterCases[] = {
      2,
      "text number"},
 
-    // Several: the first in the list that fits is taken.
+    // Several: the first in the list that matches is used.
     {"Several",
      kBoth,
      {delimiters({u",", u";"})},
@@ -213,12 +213,12 @@ const DelimiterCase kDelimiterCases[] = {
      2,
      "number text"},
 
-    // None at all: one column.
+    // None: one column.
     {"NoneInTheList", kBoth, {delimiters({})}, {}, 0, 0, {}, 1, "text"},
     {"NoneInTheListNumbers", u"1\n2\n3\n", {delimiters({})}, {}, 0, 0, {}, 1, "number"},
     {"OneEmptyDelimiter", u"1\n2\n3\n", {delimiter(u"")}, {u""}, 0, 0, {}, 1, "number"},
 
-    // One column has its class as well; the first line below the header is not looked at.
+    // A single column has a class, too; the first line below the header is not inspected.
     {"OneColumnOfNumbers", u"1\n2\n3\n", {delimiter(u";")}, {u";"}, 0, 0, {}, 1, "number"},
     {"OneColumnOfTexts", u"ab\ncd\nef\n", {delimiter(u";")}, {u";"}, 0, 0, {}, 1, "text"},
     {"OneColumnOfDates",
@@ -243,7 +243,7 @@ const DelimiterCase kDelimiterCases[] = {
     {"NoText", u"", {delimiter(u";")}, {u";"}, 0, 0, {}, 1, "empty"},
     {"OneLineIsNoTable", u"1;2\n", {delimiter(u";")}, {u";"}, 0, 0, {}, 1, "empty"},
 
-    // Header lines: found, or given.
+    // Header lines: detected, or given.
     {"NamesAboveNumbers",
      u"x;y\n1;2\n3;4\n",
      {delimiter(u";")},
@@ -308,7 +308,7 @@ const DelimiterCase kDelimiterCases[] = {
      1,
      "empty"},
 
-    // The number of variables is what the lines have.
+    // The number of variables is that of the lines.
     {"TheNumberOfVariablesChoosesNothing",
      kBoth,
      {delimiter(u";"), {"NumVariables", make_array(3)}},
@@ -319,7 +319,7 @@ const DelimiterCase kDelimiterCases[] = {
      2,
      "number text"},
 
-    // The other options act as they do in a search.
+    // The other options have the same effect as in a search.
     {"WithComments",
      u"% a;b;c\n1;2\n3;4\n5;6\n",
      {delimiter(u";"), {"CommentStyle", make_array(u"%")}},
@@ -348,7 +348,7 @@ const DelimiterCase kDelimiterCases[] = {
      2,
      "number number"},
 
-    // Widths count only for the parser of fixed widths.
+    // Widths are used only with the fixed-width parser.
     {"WidthsWithoutTheirParser",
      kBoth,
      {delimiter(u";"), widths({2, 5})},
@@ -501,7 +501,7 @@ const WidthsCase kWidthsCases[] = {
     {"OneColumn", kPlaces, {widths({5}), kFixedWidthParser}, kFixedWidth, {5}, 1, kGiven},
     {"NoText", u"", {widths({2, 3}), kFixedWidthParser}, kFixedWidth, {2, 3}, 1, kGiven},
 
-    // A last field that does not end with its line is followed by one more.
+    // A last field that does not reach the end of its line is followed by one more field.
     {"WiderThanTheLines",
      kPlaces,
      {widths({3, 3}), kFixedWidthParser},
@@ -531,7 +531,7 @@ const WidthsCase kWidthsCases[] = {
      2,
      kGiven},
 
-    // The bits of the elements are the widths: 2.0 and 3.0 are read as whole numbers.
+    // The widths are the bits of the elements: those of 2.0 and 3.0 are read as integers.
     {"OfDoublesTheBitsCount",
      kPlaces,
      {{"VariableWidths", make_array(std::vector<double>{2, 3})}, kFixedWidthParser},
@@ -540,7 +540,7 @@ const WidthsCase kWidthsCases[] = {
      2,
      kGiven},
 
-    // Without their parser they are carried along.
+    // With another parser they are not used.
     {"CarriedWithoutTheirParser",
      kPlaces,
      {widths({2, 3})},
@@ -669,7 +669,7 @@ INSTANTIATE_TEST_SUITE_P(Table, GivenZeroWidth, testing::ValuesIn(kZeroWidths), 
 
 // --- the trace ---------------------------------------------------------------------------------
 
-TEST(GivenLayoutTrace, IsThereAndHoldsNothing) {
+TEST(GivenLayoutTrace, ExistsAndIsEmpty) {
   const std::vector<Given> layouts = {{delimiter(u";")}, {widths({2, 5}), kFixedWidthParser}};
   for (const Given& given : layouts) {
     DetectSettings settings = settings_with(given);
@@ -684,9 +684,9 @@ TEST(GivenLayoutTrace, IsThereAndHoldsNothing) {
   }
 }
 
-// --- options that leave the search to be made --------------------------------------------------
+// --- options that leave the layout to be detected -----------------------------------------------
 
-TEST(GivenOptions, StandInTheCall) {
+TEST(GivenOptions, MayBePartOfTheCall) {
   const TempFolder folder;
   const Layout of_file =
       detect_layout(folder.file("t", to_utf8(kBoth)), {delimiter(u";"), header_lines(1)});
@@ -745,7 +745,7 @@ TEST(GivenEncoding, PassesThroughTheSettings) {
       "b");
 }
 
-// The default of the record does not tell whether anybody asked for it.
+// The default of the record does not show whether the caller asked for it.
 TEST(GivenEncoding, OfTheRecordIsTakenUnlessItIsTheDefault) {
   const TempFolder folder;
   const std::string path = folder.file("t", "caf\xE9,2\nth\xE9,4\n");

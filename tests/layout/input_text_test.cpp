@@ -10,6 +10,7 @@
 
 #include <sys/stat.h>
 
+#include "support/archives.hpp"
 #include "support/rule_name.hpp"
 #include "support/temp_folder.hpp"
 
@@ -17,9 +18,10 @@ namespace textio::standalone {
 namespace {
 
 using testing_support::ByRule;
+using testing_support::gzip_of;
 using testing_support::TempFolder;
 
-constexpr std::size_t kHead = 65'536;  // bytes that are looked at first
+constexpr std::size_t kHead = 65'536;  // bytes that are examined first
 
 // `count` bytes of a table in ASCII.
 std::string ascii(std::size_t count) {
@@ -30,30 +32,30 @@ std::string ascii(std::size_t count) {
   return bytes;
 }
 
-// --- the encoding of what stands behind the head ------------------------------------------------
+// --- the encoding of what follows the head ------------------------------------------------------
 
-struct BehindCase {
+struct RestCase {
   const char* rule;
-  std::size_t head;  // bytes of ASCII in front
-  std::string behind;
+  std::size_t head;  // bytes of ASCII before the rest
+  std::string rest;
   std::string encoding;
   std::size_t ill_formed;
   std::u16string end;  // of the sample
 };
-std::ostream& operator<<(std::ostream& out, const BehindCase& row) { return out << row.rule; }
+std::ostream& operator<<(std::ostream& out, const RestCase& row) { return out << row.rule; }
 
 const std::string kWord =
     "\nM\xFCller, Gr\xFC\xDF"
     "e\n";
 const std::u16string kWordRead = u"\nM\u00fcller, Gr\u00fc\u00dfe\n";
 
-const BehindCase kBehind[] = {
+const RestCase kRests[] = {
     {"AsciiAlone", 3 * kHead, "x", "UTF-8", 0, u"x"},
-    {"Utf8JustBehind", kHead, "\xC3\xA9!", "UTF-8", 0, u"\u00e9!"},
+    {"Utf8RightAfterTheHead", kHead, "\xC3\xA9!", "UTF-8", 0, u"\u00e9!"},
     {"Utf8CutByTheHead", kHead - 1, "\xC3\xA9!", "UTF-8", 0, u"\u00e9!"},
-    {"LegacyJustBehind", kHead, kWord, "windows-1252", 0, kWordRead},
+    {"LegacyRightAfterTheHead", kHead, kWord, "windows-1252", 0, kWordRead},
     {"LegacyInTheNextChunk", kHead + 77, kWord, "windows-1252", 0, kWordRead},
-    {"LegacyFarBehind", 5 * kHead + 77, kWord, "windows-1252", 0, kWordRead},
+    {"LegacyFarAfterTheHead", 5 * kHead + 77, kWord, "windows-1252", 0, kWordRead},
     {"LegacyInTheHead", kHead - 100, kWord, "windows-1252", 0, kWordRead},
     {"Utf8FirstThenADamagedPart", kHead, "\xC3\xA9\n" + ascii(kHead) + "\xC3!\n", "UTF-8", 1,
      u"\uFFFD!\n"},
@@ -61,16 +63,16 @@ const BehindCase kBehind[] = {
      u"\uFFFD!\n"},
 };
 
-class InputTextBehindTheHead : public testing::TestWithParam<BehindCase> {};
+class InputTextAfterTheHead : public testing::TestWithParam<RestCase> {};
 
-TEST_P(InputTextBehindTheHead, IsReadInTheEncodingThatFitsIt) {
-  const BehindCase& row = GetParam();
+TEST_P(InputTextAfterTheHead, IsReadInTheEncodingThatFitsIt) {
+  const RestCase& row = GetParam();
   const TempFolder folder;
   const DetectSettings settings;
-  const InputText input(folder.file("t", ascii(row.head) + row.behind), settings);
+  const InputText input(folder.file("t", ascii(row.head) + row.rest), settings);
   EXPECT_EQ(input.encoding().name, row.encoding);
   EXPECT_EQ(input.ill_formed_parts(), row.ill_formed);
-  // What holds ill-formed parts is not proved to be UTF-8.
+  // A text with ill-formed parts is not proved to be UTF-8.
   const bool is_proved = input.encoding().found == EncodingFound::valid_utf8;
   EXPECT_EQ(is_proved, row.encoding == "UTF-8" && row.ill_formed == 0);
   EXPECT_EQ(input.encoding().confidence == 1.0, is_proved);
@@ -79,9 +81,9 @@ TEST_P(InputTextBehindTheHead, IsReadInTheEncodingThatFitsIt) {
   EXPECT_TRUE(sample.substr(sample.size() - row.end.size()) == row.end);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, InputTextBehindTheHead, testing::ValuesIn(kBehind), ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, InputTextAfterTheHead, testing::ValuesIn(kRests), ByRule());
 
-// --- what was named is not questioned -----------------------------------------------------------
+// --- a given encoding is not questioned ---------------------------------------------------------
 
 TEST(InputTextEncoding, ThatIsGivenIsKeptWhateverTheBytes) {
   const TempFolder folder;
@@ -110,11 +112,38 @@ TEST(InputTextSample, TellsWhetherTheTextGoesOn) {
   EXPECT_FALSE(InputText(folder.file("short", "a,b\n1,2\n"), settings).has_more_text());
   EXPECT_FALSE(InputText(folder.file("empty", ""), settings).has_more_text());
   EXPECT_TRUE(InputText(folder.file("long", ascii(5'000'000)), settings).has_more_text());
-  // A line longer than any sample leaves nothing to sample.
+  // When the first line is longer than any sample, the sample is empty.
   const std::string one_line(5'000'000, 'x');
   const InputText endless(folder.file("endless", one_line), settings);
   EXPECT_EQ(endless.sample().length, 0U);
   EXPECT_TRUE(endless.has_more_text());
+}
+
+// --- from memory --------------------------------------------------------------------------------
+
+std::u16string sample_of(const InputText& input) {
+  return {input.sample().data, input.sample().length};
+}
+
+TEST(InputTextFromMemory, IsReadAsAFileIs) {
+  const TempFolder folder;
+  const DetectSettings settings;
+  for (const RestCase& row : kRests) {
+    const std::string bytes = ascii(row.head) + row.rest;
+    const InputText of_file(folder.file("t", bytes), settings);
+    const InputText of_bytes(FileContent{bytes}, settings);
+    EXPECT_EQ(of_bytes.encoding().name, of_file.encoding().name) << row.rule;
+    EXPECT_EQ(of_bytes.encoding().confidence, of_file.encoding().confidence) << row.rule;
+    EXPECT_EQ(of_bytes.ill_formed_parts(), of_file.ill_formed_parts()) << row.rule;
+    EXPECT_TRUE(sample_of(of_bytes) == sample_of(of_file)) << row.rule;
+  }
+}
+
+TEST(InputTextFromMemory, IsUnpackedUnlessItIsPlain) {
+  const DetectSettings settings;
+  const std::string packed = gzip_of("1,2\n");
+  EXPECT_TRUE(sample_of(InputText(FileContent{packed}, settings)) == u"1,2\n");
+  EXPECT_FALSE(sample_of(InputText(PlainBytes{packed}, settings)) == u"1,2\n");
 }
 
 // --- failures -----------------------------------------------------------------------------------
@@ -137,7 +166,7 @@ TEST(InputTextProblem, NamesTheFileAndTheReason) {
   EXPECT_EQ(problem_with(""), "cannot open '': No such file or directory");
 }
 
-// The memory of a process opens, and cannot be read at its start.
+// The memory of a process can be opened, but not read at its start.
 TEST(InputTextProblem, OfAReadHasTheReasonOfTheSystem) {
   EXPECT_EQ(problem_with("/proc/self/mem"), "cannot read '/proc/self/mem': Input/output error");
 }

@@ -17,7 +17,7 @@ using testing_support::ByRule;
 using testing_support::ExactText;
 using testing_support::readable;
 
-// Texts for which the answer is the same, for one reason.
+// Texts with the same answer for the same reason.
 struct SymbolsCase {
   const char* rule;
   std::vector<std::u16string> texts;
@@ -64,7 +64,7 @@ const SymbolsCase kUnits[] = {
       u"Kelvin", u"miles per hour"}},
     {"ABracketOfAnyKind", {u"[hPa]", u"(mm)", u"{kg}", u"<s>", u"( cm )", u"[kg/m^3]"}},
     {"AnyWordsInABracket", {u"[count rate]", u"(a.u.)", u"[number of birds]", u"(\u043C)"}},
-    // One letter may be the name of a variable as well; alone it is taken for the unit.
+    // A single letter may be the name of a variable as well; it is read as the unit.
     {"SingleLettersThatAreUnits", {u"A", u"B", u"b", u"C", u"F", u"H", u"J", u"K", u"L", u"N", u"S",
                                    u"T", u"V", u"W", u"d", u"g", u"h", u"l", u"m", u"s", u"t"}},
     {"ThirtyTwoUnitsOfText", {u"[" + std::u16string(30, u'a') + u"]"}},
@@ -90,7 +90,7 @@ const SymbolsCase kNotUnits[] = {
      {u"A12", u"A1", u"W1", u"T10", u"K9", u"m12", u"A-12", u"S-100", u"mm-2024"}},
 };
 
-// What is found in columns and names of columns, none longer than five letters.
+// Values and names of columns, of at most five letters.
 const SymbolsCase kCommonWords[] = {
     {"Animals", {u"cat", u"dog", u"cow", u"hen", u"bat", u"ant", u"emu", u"pig", u"fish"}},
     {"Things",
@@ -106,8 +106,8 @@ const SymbolsCase kCommonWords[] = {
       u"code", u"date", u"time", u"size", u"rank", u"data", u"CO2"}},
 };
 
-// Texts that people rarely mean as units, but that are units to the letter. They do little harm: a
-// line is one of units only if every field over a number, date or duration is.
+// Texts that are rarely meant as units, but are spelled like them. They do little harm: a line
+// holds units only if every field above a number, date or duration is one.
 const SymbolsCase kKnownExceptions[] = {
     {"WordsThatAreSymbols", {u"in", u"bar", u"bit", u"cal", u"var", u"mol", u"gal", u"min"}},
     {"WordsThatAreUnitsInFull", {u"count", u"day", u"foot", u"second", u"pound", u"year"}},
@@ -190,7 +190,7 @@ class IsNoUnitRefused : public testing::TestWithParam<SymbolsCase> {};
 TEST_P(IsNoUnitRefused, LeavesOtherTexts) { expect_all(is_no_unit, GetParam(), false); }
 INSTANTIATE_TEST_SUITE_P(Table, IsNoUnitRefused, testing::ValuesIn(kSomeUnit), ByRule());
 
-// No text is a unit and a sign of none, whatever it is made of.
+// No text is both a unit and a sign of none, whatever its characters.
 TEST(UnitSymbols, AUnitIsNeverASignOfNone) {
   const std::u16string alphabet = u"amsk1-/[] ^%";
   for (const char16_t a : alphabet) {

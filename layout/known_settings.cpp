@@ -1,0 +1,138 @@
+// Each member has a function of its own that checks it completely and then sets the option together
+// with its flag.
+#include <vltextstream/layout/known_settings.hpp>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include <fmt/format.h>
+
+#include <vltextstream/detection/fixed_stream.hpp>
+#include <vltextstream/standalone/dates/date_locale.hpp>
+#include <vltextstream/standalone/decoding/encoding_names.hpp>
+#include <vltextstream/standalone/decoding/utf_text.hpp>
+
+namespace textio::standalone {
+namespace {
+
+// No sample has more characters, and so no more columns or lines that end.
+constexpr std::size_t kMost = kSampleUnits;
+
+[[noreturn]] void refuse(const char* member, std::string_view reason) {
+  throw std::invalid_argument(fmt::format("Known::{}: {}", member, reason));
+}
+
+// --- texts -------------------------------------------------------------------------------------
+
+// A surrogate stands for a character above U+FFFF, or for a byte that is no UTF-8; a text that is
+// searched has neither, and ends at a U+FFFF.
+bool can_be_found(char16_t unit) { return (unit < 0xD800 || unit > 0xDFFF) && unit != 0xFFFF; }
+
+std::u16string units_of(const std::string& text, const char* member) {
+  std::u16string units = from_utf8(text);
+  if (!std::all_of(units.begin(), units.end(), can_be_found)) {
+    refuse(member, "expected UTF-8 without characters above U+FFFE");
+  }
+  return units;
+}
+
+std::u16string marker_of(const std::string& text, const char* member) {
+  if (text.empty()) refuse(member, "expected at least one character");
+  return units_of(text, member);
+}
+
+std::vector<std::u16string> markers_of(const std::vector<std::string>& texts, const char* member) {
+  if (texts.empty()) refuse(member, "expected at least one text");
+  std::vector<std::u16string> markers;
+  markers.reserve(texts.size());
+  for (const std::string& text : texts) markers.push_back(marker_of(text, member));
+  return markers;
+}
+
+// --- numbers -----------------------------------------------------------------------------------
+
+// A negative number that was converted is larger than `most`.
+std::size_t in_range(std::size_t value, std::size_t least, std::size_t most, const char* member) {
+  if (value < least || value > most) {
+    refuse(member, fmt::format("expected {} to {}, got {}", least, most, value));
+  }
+  return value;
+}
+
+// --- members -----------------------------------------------------------------------------------
+
+void set_delimiters(const Known& known, parser::options& options) {
+  if (!known.delimiters) return;
+  options.delimiters = markers_of(*known.delimiters, "delimiters");
+  options.detect_delimiters = false;
+}
+
+void set_widths(const Known& known, parser::options& options) {
+  if (!known.widths) return;
+  if (known.delimiters) refuse("widths", "expected either widths or delimiters");
+  if (known.widths->empty()) refuse("widths", "expected at least one width");
+  for (const std::size_t width : *known.widths) in_range(width, 1, kMost, "widths");
+  options.variable_widths.assign(known.widths->begin(), known.widths->end());
+  options.parser_type = parser::parser_kind::fixedwidth;
+}
+
+void set_header_lines(const Known& known, parser::options& options) {
+  if (!known.header_lines) return;
+  options.header_lines = in_range(*known.header_lines, 0, kMost, "header_lines");
+  options.detect_header_lines = false;
+}
+
+void set_num_variables(const Known& known, parser::options& options) {
+  if (!known.num_variables) return;
+  options.num_variables = in_range(*known.num_variables, 1, kMost, "num_variables");
+  options.detect_num_variables = false;
+}
+
+void set_texts(const Known& known, parser::options& options) {
+  if (known.comment_marker) {
+    options.comment_style = {marker_of(*known.comment_marker, "comment_marker")};
+  }
+  if (known.line_endings) {
+    options.line_endings = markers_of(*known.line_endings, "line_endings");
+  }
+  if (known.whitespace) options.whitespace = units_of(*known.whitespace, "whitespace");
+}
+
+void set_encoding(const Known& known, DetectSettings& settings) {
+  if (!known.encoding) return;
+  try {
+    static_cast<void>(canonical_encoding(*known.encoding));
+  } catch (const std::invalid_argument& unknown) {
+    refuse("encoding", unknown.what());
+  }
+  settings.encoding = known.encoding;
+}
+
+void set_date_locale(const Known& known, parser::options& options) {
+  if (!known.date_locale) return;
+  options.date_locale = units_of(*known.date_locale, "date_locale");
+  try {
+    const datetime::DateLocaleScope known_to_icu(options.date_locale);
+  } catch (const std::invalid_argument&) {
+    refuse("date_locale", "expected the name of a locale such as de_DE");
+  }
+}
+
+}  // namespace
+
+DetectSettings settings_of(const Known& known) {
+  DetectSettings settings;
+  set_delimiters(known, settings.options);
+  set_widths(known, settings.options);
+  set_header_lines(known, settings.options);
+  set_num_variables(known, settings.options);
+  set_texts(known, settings.options);
+  set_encoding(known, settings);
+  set_date_locale(known, settings.options);
+  if (known.lines_to_sample) {
+    settings.num_lines = in_range(*known.lines_to_sample, 1, kMost, "lines_to_sample");
+  }
+  return settings;
+}
+
+}  // namespace textio::standalone
