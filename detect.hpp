@@ -28,6 +28,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -82,6 +83,10 @@ struct VLTEXTSTREAM_EXPORT Known {
 
   // Data lines to sample, 1 to 4,194,304; otherwise 100.
   std::optional<std::size_t> lines_to_sample = std::nullopt;
+
+  // The most bytes to read for the sample, before and after decompression; otherwise 67,108,864.
+  // Only bytes that give no characters, such as endless shift sequences, need so many.
+  std::optional<std::uint64_t> max_bytes = std::nullopt;
 };
 
 struct VLTEXTSTREAM_EXPORT Column {

@@ -3,6 +3,8 @@
 #include <vltextstream/layout/known_settings.hpp>
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <stdexcept>
 
 #include <fmt/format.h>
@@ -131,6 +133,10 @@ DetectSettings settings_of(const Known& known) {
   set_date_locale(known, settings.options);
   if (known.lines_to_sample) {
     settings.num_lines = in_range(*known.lines_to_sample, 1, kMost, "lines_to_sample");
+  }
+  if (known.max_bytes) {
+    settings.max_bytes =
+        in_range(*known.max_bytes, 1, std::numeric_limits<std::int64_t>::max(), "max_bytes");
   }
   return settings;
 }
