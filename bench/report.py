@@ -1,15 +1,15 @@
-"""Makes the tables of docs/performance.md from what the benchmark programs wrote.
+"""Makes the tables of docs/performance.md from the output of the benchmark programs.
 
     report.py goals RESULTS                    prints the goals
     report.py document RESULTS DOCUMENT        writes the tables of `scripts/bench` into DOCUMENT
     report.py steps RESULTS CACHE [DOCUMENT]   prints the table of `scripts/bench-steps`, or writes
                                                it into DOCUMENT
 
-RESULTS is a folder with a file *.json for each run of a program. Of a figure's repetitions the
-median counts; the least is shown beside it, for what disturbs a run can only make it longer. Of
-the steps, it holds a folder of that kind for each commit, and rows.tsv, which names them in order.
-CACHE is the one that CMake left where the programs were built. A table stands between markers of
-its own, and the rest of a document stays as it is.
+RESULTS is a folder with a file *.json for each run of a program. The median of the repetitions
+counts; the minimum is shown beside it, for disturbances only make a run longer. For the steps,
+RESULTS has such a folder for each commit, and rows.tsv, which names the commits in order. CACHE is
+the CMakeCache.txt of the build of the programs. Each table is between markers of its own; the rest
+of a document does not change.
 """
 import glob
 import json
@@ -71,7 +71,7 @@ def add_run(figures, run):
 # --- goals ------------------------------------------------------------------------------------
 
 class Goal:
-    """What is aimed at: `measure` gives the figure and the limit from a way to read times."""
+    """A goal: `measure` gives the figure and the limit, given a function that reads times."""
 
     def __init__(self, what, unit, measure):
         self.what, self.unit, self.measure = what, unit, measure
@@ -297,7 +297,7 @@ def first_match(pattern, path):
 
 
 def loads(paths):
-    """Of the runs, the least and the largest number of processes that wanted to run."""
+    """The minimum and maximum, over the runs, of the number of processes ready to run."""
     found = []
     for path in paths:
         with open(path, encoding="utf-8") as file:
@@ -338,7 +338,7 @@ def commit():
 # --- steps ------------------------------------------------------------------------------------
 
 class StepFigure:
-    """A column of the table of steps: `name` is the figure, `fact` the counter of it that is shown, else the time."""
+    """A column of the table of steps: the time of the figure `name`, or its counter `fact`."""
 
     def __init__(self, head, what, name, fact=None):
         self.head, self.what, self.name, self.fact = head, what, name, fact
@@ -392,7 +392,7 @@ def step_cells(before, after):
 
 
 def remark_on(folder):
-    """What kept a commit from being measured."""
+    """Why a commit could not be measured."""
     path = os.path.join(folder, "remark")
     if not os.path.exists(path):
         return ""
@@ -401,7 +401,7 @@ def remark_on(folder):
 
 
 def changes_table(results):
-    """A row for each commit. One without words is there to be compared with the next."""
+    """A row for each commit. One without words is only compared with the next."""
     with open(os.path.join(results, "rows.tsv"), encoding="utf-8") as file:
         listed = [line.rstrip("\n").split("\t") for line in file]
     rows, before = [], {}
@@ -434,7 +434,7 @@ def steps_text(results, cache):
         changes_table(results)])
 
 
-# What scripts/bench-steps takes if it is not told.
+# The default of scripts/bench-steps.
 ROUNDS = 5
 
 

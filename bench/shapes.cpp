@@ -1,5 +1,5 @@
-// A table is made line by line from the number of the line; what looks like measured values comes
-// out of a mixing function, so that no two lines are alike.
+// A table is made line by line from the number of the line. Its measured values come from a mixing
+// function, so that no two lines are alike.
 #include "bench/shapes.hpp"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 using Line = std::u16string (*)(std::size_t row);
 
-// As many whole lines as fit.
+// As many whole lines as fit into `units`.
 std::u16string lines_of(std::size_t units, Line line) {
   std::u16string text;
   text.reserve(units);
@@ -25,7 +25,7 @@ std::u16string lines_of(std::size_t units, Line line) {
   }
 }
 
-// `pattern` again and again, the last one cut off.
+// `pattern` repeated, the last one cut off.
 std::u16string repeat(std::size_t units, std::u16string_view pattern) {
   std::u16string text;
   text.reserve(units + pattern.size());
@@ -132,15 +132,15 @@ std::u16string regular_line(std::size_t row) {
 
 std::u16string wide_line(std::size_t row) { return join({values(row, 200), u"\n"}); }
 
-// Fields that hold delimiters, doubled quotes and, now and then, a line ending.
+// Fields that hold delimiters, doubled quotes and, in every eighth line, a line ending.
 std::u16string quoted_line(std::size_t row) {
   return join({u"\"", sentence(row, 0, 2), u", ", word(row, 2), u"\",\"", word(row, 3), u" \"\"",
                word(row, 4), u"\"\"\",", measured(row, 5), u",\"", sentence(row, 6, 3),
                row % 8 == 0 ? u"\n" : u" ", word(row, 7), u"\"\n"});
 }
 
-// Columns under each other. Their numbers have one to seven digits, so the runs of blanks between
-// them differ from line to line, and so do the lines' lengths.
+// Aligned columns of numbers of one to seven digits, so the runs of blanks between them and the
+// lengths of the lines vary.
 std::u16string aligned_line(std::size_t row) {
   constexpr std::size_t kLimits[] = {10, 100, 1000, 10000, 100000, 1000000, 10000000};
   std::u16string line;
@@ -151,7 +151,7 @@ std::u16string aligned_line(std::size_t row) {
   return join({line, word(row, 8), digits(value(row, 9, 100000), 1), u"\n"});
 }
 
-// A text of one to three words makes the number of blanks useless; the lines have one length.
+// A column of one to three words makes the number of blanks useless; all lines have one length.
 std::u16string fixed_line(std::size_t row) {
   return join({digits(row % 100000, 5), u" ", padded(sentence(row, 1, 1 + value(row, 2, 3)), 20),
                digits(value(row, 3, 1000), 3), u" ", digits(value(row, 4, 1000000), 6), u"\n"});
@@ -166,7 +166,7 @@ std::u16string text_line(std::size_t row) {
   return join({sentence(row, 0, 5 + value(row, 1, 12)), u"\n"});
 }
 
-// Four names and as many numbers, in turn.
+// Four names and four numbers, in turn.
 std::u16string names_line(std::size_t row) {
   std::u16string line = digits(row, 1);
   for (std::size_t column = 0; column < 4; ++column) {
@@ -194,7 +194,7 @@ std::u16string crowded_line(std::size_t row) {
 
 // --- texts -------------------------------------------------------------------------------------
 
-// One line of values without an end.
+// One line of values, without a line ending.
 std::u16string long_line(std::size_t units) {
   std::u16string text;
   text.reserve(units + 16);
@@ -203,14 +203,14 @@ std::u16string long_line(std::size_t units) {
   return text;
 }
 
-// The field that the first unit opens is never closed.
+// The first code unit opens a field that is never closed.
 std::u16string open_quote(std::size_t units) {
   std::u16string text = lines_of(units - 1, narrow_line);
   text.insert(text.begin(), u'"');
   return text;
 }
 
-// A small table whose last line holds one huge field: the line that is classified first.
+// A small table whose last line, which is classified first, holds one huge field.
 std::u16string field_of_doubled_quotes(std::size_t units) {
   const std::u16string table = u"x,1\nx,2\nx,3\n";
   const std::u16string rest = u",4\n";
@@ -218,7 +218,7 @@ std::u16string field_of_doubled_quotes(std::size_t units) {
   return join({table, doubled_quotes(units > used ? (units - used) / 2 : 0), rest});
 }
 
-// `blank` again and again, and then as many lines as a detection looks at closely.
+// `blank` repeated, then as many busy lines as a detection classifies.
 std::u16string busy_after(std::u16string_view blank, std::size_t units) {
   std::u16string busy;
   for (std::size_t row = 0; row < 5; ++row) busy += crowded_line(row);
@@ -226,7 +226,7 @@ std::u16string busy_after(std::u16string_view blank, std::size_t units) {
   return repeat(rest - rest % blank.size(), blank) + busy;
 }
 
-// Fields of 64 units, most of which are doubled quotes, eight on a line.
+// Eight fields of 64 code units on each line, nearly all of them doubled quotes.
 std::u16string quoted_fields_line(std::size_t row) {
   std::u16string line;
   for (std::size_t column = 0; column < 8; ++column) {
@@ -237,8 +237,8 @@ std::u16string quoted_fields_line(std::size_t row) {
 }
 
 // Four lines of one length with as many fixed-width columns as fit. A column holds one word or two,
-// so that the blanks between the words separate nothing. The number of columns is a multiple of
-// three, so that the last one holds the same at any size.
+// so the blanks between words do not separate columns. The number of columns is a multiple of
+// three, so that the last column is the same at any size.
 std::u16string fixed_columns(std::size_t units) {
   constexpr std::u16string_view kOneWord = u"abcde  ";
   constexpr std::u16string_view kTwoWords = u"ab cd  ";
@@ -259,32 +259,32 @@ std::u16string fixed_columns(std::size_t units) {
 
 using standalone::DetectSettings;
 
-// Half a text of `pattern`, with one unit at the end that stands nowhere in it.
+// `pattern` repeated to half the length of a text, then a code unit that does not occur in it.
 std::u16string long_marker(std::size_t units, std::u16string_view pattern = u"a") {
   return repeat(units / 2, pattern) + u'b';
 }
 
-// A marker for every 64 units: all begin alike and differ behind that.
+// A marker for every 64 code units. All start alike and end differently.
 std::vector<std::u16string> many_markers(std::size_t units) {
   std::vector<std::u16string> markers;
   for (std::size_t i = 0; i < units / 64; ++i) markers.push_back(join({u"a", digits(i, 6)}));
   return markers;
 }
 
-// The unit that marker `number` begins with: one of more than 60,000, all of them characters.
+// The first code unit of marker `number`, one of more than 60,000, all of them characters.
 char16_t first_unit(std::size_t number) {
   constexpr std::size_t kFirst = 0x0100;
   constexpr std::size_t kSurrogates = 0xD800;
-  constexpr std::size_t kBehindSurrogates = 0xE000;
+  constexpr std::size_t kAfterSurrogates = 0xE000;
   const std::size_t unit = kFirst + number;
-  return static_cast<char16_t>(unit < kSurrogates ? unit : unit - kSurrogates + kBehindSurrogates);
+  return static_cast<char16_t>(unit < kSurrogates ? unit : unit - kSurrogates + kAfterSurrogates);
 }
 
 std::size_t number_of_first_units(std::size_t units) {
   return std::clamp<std::size_t>(units / 64, 1, 60000);
 }
 
-// A marker for every 64 units, each of which begins with a unit of its own.
+// A marker for every 64 code units, each of which starts with another code unit.
 std::vector<std::u16string> markers_of_first_units(std::size_t units) {
   std::vector<std::u16string> markers;
   for (std::size_t i = 0; i < number_of_first_units(units); ++i) {
@@ -293,14 +293,14 @@ std::vector<std::u16string> markers_of_first_units(std::size_t units) {
   return markers;
 }
 
-// Those units again and again.
+// These code units, repeated.
 std::u16string first_units(std::size_t units) {
   std::u16string text(units, u' ');
   for (std::size_t i = 0; i < units; ++i) text[i] = first_unit(i % number_of_first_units(units));
   return text;
 }
 
-// Lines of 63 units; at each of them a marker of `many_markers` begins.
+// Lines of 63 code units; at each of these a marker of `many_markers` could start.
 std::u16string lines_of_same_units(std::size_t units) {
   return repeat(units, std::u16string(63, u'a') + u'\n');
 }
@@ -310,7 +310,7 @@ void give_delimiters(DetectSettings& settings, std::vector<std::u16string> delim
   settings.options.detect_delimiters = false;
 }
 
-// Two lines that begin like the comment marker and turn out to be none.
+// Two lines that start like the comment marker and are no comments.
 std::u16string nearly_comments(std::size_t units) {
   const std::u16string line = std::u16string(units / 2, u'a') + u"c\n";
   return line + line;

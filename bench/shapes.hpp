@@ -1,6 +1,5 @@
-// Texts of known shape to measure detections with. Every text is the same on each run and on each
-// machine, and all of them are ASCII but those of many first units and the one of two-byte
-// characters.
+// Texts of known shape to measure detections with. A text is the same in each run and on each
+// machine. All are ASCII, but for those with many first code units.
 //
 // Units  a size counts UTF-16 code units.
 #pragma once
@@ -17,28 +16,27 @@ namespace textio::bench {
 struct Shape {
   const char* name;
 
-  // A text of `units` units, or a little less where only whole lines fit.
+  // A text of `units` code units, or slightly less if it has whole lines only.
   std::u16string (*make)(std::size_t units);
 
-  // Sets the options that belong to a text of `units` units; null when there are none.
+  // Sets the options for a text of `units` code units; null if there are none.
   void (*set)(standalone::DetectSettings& settings, std::size_t units) = nullptr;
 };
 
-// Tables as people keep them: narrow, regular (20 columns, four candidate characters), wide,
-// quoted, aligned, fixed, dates, text, one long line, and a regular one in which all candidate
-// characters occur.
+// Ordinary tables: narrow, regular (20 columns, four candidate characters), wide, quoted, aligned,
+// fixed, dates, text, one long line, and a regular one in which all candidate characters occur.
 const std::vector<Shape>& data_shapes();
 
-// Texts that no table looks like, each a trap for some scan.
+// Texts unlike any table, each of which is a trap for some scan.
 const std::vector<Shape>& adversarial_shapes();
 
-// Texts with options that are as hostile: markers made to match almost everywhere, huge counts.
+// Texts with hostile options: markers that match almost everywhere, huge counts.
 const std::vector<Shape>& option_shapes();
 
-// The shape called `name` of any list, null when there is none.
+// The shape `name` of any list, null if there is none.
 const Shape* find_shape(std::string_view name);
 
-// A table of names and numbers in which letters stand close together all over the line.
+// A table of names and numbers, with letters all over each line.
 std::u16string names_table(std::size_t units);
 
 // A quoted field of `pairs` doubled quotes.
