@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <vltextstream/strategy/field_text.hpp>
 #include <vltextstream/strategy/sampling/sample_cut.hpp>
 #include <vltextstream/strategy/sampling/trial.hpp>
 
@@ -49,8 +50,10 @@ DrawnSample SampleStore::draw(Strategy& strategy, std::size_t most_texts,
 
 void SampleStore::remember_blanks(const DrawnSample& sample) {
   for (const SampleRun& run : sample.found.runs) {
-    if (run.kind == SampleLineKind::blank && run.num_lines >= kManyBlanks) {
-      blank_runs_.push_back(run);
+    if (run.kind != SampleLineKind::blank || run.num_lines < kManyBlanks) continue;
+    blank_runs_.push_back(run);
+    for (const char16_t unit : view_of(slice(text_, run.begin, run.end))) {
+      if (!contains(blank_units_, unit)) blank_units_.push_back(unit);
     }
   }
 }

@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <vltextstream/scoring/line_counts.hpp>
@@ -54,6 +55,9 @@ class SampleStore {
   DrawnSample draw_past_blanks(Strategy& strategy);
   void remember_blanks(const DrawnSample& sample);
 
+  // The distinct code units of the remembered blank lines and their line endings.
+  const std::u16string& blank_units() const { return blank_units_; }
+
   // Keeps the sample of a valued candidate where it is, or drops it if there is no room.
   void put_away(Candidate& candidate);
 
@@ -76,6 +80,7 @@ class SampleStore {
   // list of this length seldom grows or has room to give back.
   std::size_t likely_lines_ = 16'384;
   std::vector<SampleRun> blank_runs_;
+  std::u16string blank_units_;
 };
 
 }  // namespace textio::detection
