@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include <vltextstream/standalone/decoding/utf_text.hpp>
+#include "tool/safe_text.hpp"
 
 namespace textio::tool {
 namespace {
@@ -20,23 +20,21 @@ using standalone::LayoutMode;
 using standalone::LineRole;
 using standalone::LineRun;
 using standalone::NamesFound;
-using standalone::to_utf8;
 
 using Out = std::back_insert_iterator<std::string>;
 
-// U+001A, which stands for a character that was folded, becomes U+FFFD like everything else.
-std::string printable(std::u16string text) {
-  // A surrogate pair is printed as it is; its second half must not be taken for a hidden byte.
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool is_pair = text[i] >= 0xD800 && text[i] <= 0xDBFF && i + 1 < text.size() &&
-                         text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
-    if (is_pair) {
-      ++i;
-    } else if (is_unprintable(text[i])) {
-      text[i] = 0xFFFD;
-    }
+void append_shown(std::string& out, char32_t code) {
+  if (code == U'\n') {
+    out += "\\n";
+  } else if (code == U'\r') {
+    out += "\\r";
+  } else if (code == U'\\' || code == U'"') {
+    out += {'\\', static_cast<char>(code)};
+  } else if (code < 0x20 || code == 0x7F) {
+    fmt::format_to(Out(out), "\\x{:02X}", static_cast<unsigned>(code));
+  } else {
+    append_utf8(out, is_unprintable(code) ? 0xFFFD : code);
   }
-  return to_utf8(text);
 }
 
 // A marker in quotes with control characters spelled out, the usual ones by name.
@@ -48,18 +46,8 @@ std::string shown(std::u16string_view marker) {
   if (marker == u"|") return "bar";
   if (marker == u":") return "colon";
   std::string out = "\"";
-  for (const char16_t unit : marker) {
-    if (unit == u'\n') {
-      out += "\\n";
-    } else if (unit == u'\r') {
-      out += "\\r";
-    } else if (unit == u'\\' || unit == u'"') {
-      out += {'\\', static_cast<char>(unit)};
-    } else if (unit < 0x20 || unit == 0x7F) {
-      fmt::format_to(Out(out), "\\x{:02X}", static_cast<unsigned>(unit));
-    } else {
-      out += printable(std::u16string(1, unit));
-    }
+  for (std::size_t pos = 0; pos < marker.size();) {
+    append_shown(out, next_character(marker, pos));
   }
   return out + "\"";
 }
@@ -112,8 +100,8 @@ void add_columns(std::string& out, const Layout& layout) {
 
 std::string encoding(const Layout& layout) {
   if (layout.encoding_found == EncodingFound::none) return "none, the text was in memory";
-  std::string out = fmt::format("{} ({}", tool::printable(std::string_view(layout.encoding)),
-                                name_of(layout.encoding_found));
+  std::string out =
+      fmt::format("{} ({}", printable(layout.encoding), name_of(layout.encoding_found));
   if (layout.encoding_confidence < 1.0) {
     // Rounded down: 100 % would be a proof.
     fmt::format_to(Out(out), ", {} % sure", static_cast<int>(layout.encoding_confidence * 100));
@@ -310,18 +298,6 @@ std::string_view name_of(LineRole role) {
   return "";
 }
 
-bool is_unprintable(char16_t unit) {
-  const bool is_control = unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
-  const bool is_separator = unit == 0x2028 || unit == 0x2029;
-  const bool is_direction = unit == 0x200E || unit == 0x200F || unit == 0x061C ||
-                            (unit >= 0x202A && unit <= 0x202E) ||
-                            (unit >= 0x2066 && unit <= 0x2069);
-  const bool is_hidden_byte = unit >= 0xDC80 && unit <= 0xDCFF;
-  return is_control || is_separator || is_direction || is_hidden_byte;
-}
-
-std::string printable(std::string_view text) { return printable(standalone::from_utf8(text)); }
-
 std::string report(const std::string& file, const Layout& layout,
                    const std::vector<GivenOption>& given) {
   std::string out = printable(file) + "\n";
@@ -330,8 +306,8 @@ std::string report(const std::string& file, const Layout& layout,
     const std::string values = option.is_json
                                    ? option.values.front()
                                    : fmt::format("'{}'", fmt::join(option.values, "' '"));
-    fmt::format_to(Out(out), "  given           {} {}\n", printable(std::string_view(option.name)),
-                   printable(std::string_view(values)));
+    fmt::format_to(Out(out), "  given           {} {}\n", printable(option.name),
+                   printable(values));
   }
   fmt::format_to(Out(out), "  header lines    {}\n", layout.header_lines);
   fmt::format_to(Out(out), "  names           {}\n", names(layout));

@@ -20,13 +20,6 @@ std::string_view name_of(detection::SelectionEnd end);
 std::string_view name_of(standalone::NamesFound found);
 std::string_view name_of(standalone::LineRole role);
 
-// What a terminal might take for a command, or what would turn the text around it: control
-// characters, separators of lines, marks of writing direction, and bytes that are no text.
-bool is_unprintable(char16_t unit);
-
-// UTF-8 text as it may safely be shown on a terminal: what could command it becomes U+FFFD.
-std::string printable(std::string_view text);
-
 // The layout of one file, in lines; with the candidates and filters if the layout has a trace.
 // What was given on the command line is repeated.
 std::string report(const std::string& file, const standalone::Layout& layout,

@@ -6,9 +6,11 @@
 #include <set>
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <vltextstream/host/code_converter.hpp>
 #include <vltextstream/layout/detect_layout.hpp>
+
 #include "support/command.hpp"
 #include "support/example_cases.hpp"
 #include "tool/json_report.hpp"
@@ -32,7 +34,7 @@ void expect_members(const nlohmann::json& actual, const nlohmann::json& expected
 }
 
 nlohmann::json as_json(const standalone::Layout& layout) {
-  return nlohmann::json::parse(tool::json_of(layout).dump());
+  return nlohmann::json::parse(tool::json_member("", layout));
 }
 
 std::string name_of_case(const testing::TestParamInfo<ExampleCase>& info) {
