@@ -5,6 +5,7 @@
 
 #include <vltextstream/detection/fixed_stream.hpp>
 #include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/layout/binary_look.hpp>
 #include <vltextstream/layout/input_text.hpp>
 #include <vltextstream/layout/line_roles.hpp>
 #include <vltextstream/layout/sampled_table.hpp>
@@ -113,6 +114,7 @@ Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
   layout.line_ending = first_line_ending(sample, settings.options);
   layout.lines_sampled = strategy->lines().size();
   layout.characters_sampled = sample.length;
+  layout.looks_binary = looks_binary({sample.data, sample.length});
   return layout;
 }
 

@@ -121,6 +121,10 @@ struct VLTEXTSTREAM_EXPORT Layout {
 
   // On request: everything that was weighed.
   std::optional<detection::SelectionTrace> trace;
+
+  // Whether the sample holds so many control characters that the bytes are probably no text, but a
+  // program, a picture or an archive. The layout is the one of the text that they were read as.
+  bool looks_binary = false;
 };
 
 }  // namespace textio::standalone

@@ -174,6 +174,7 @@ void write_members(JsonWriter& json, const Layout& layout) {
   json.member("decided_by", or_null(layout.decided_by));
   json.key("trace");
   write_trace(json, layout.trace);
+  if (layout.looks_binary) json.member("looks_binary", true);
 }
 
 }  // namespace

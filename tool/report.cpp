@@ -302,6 +302,9 @@ std::string report(const std::string& file, const Layout& layout,
                    const std::vector<GivenOption>& given) {
   std::string out = printable(file) + "\n";
   fmt::format_to(Out(out), "  layout          {}{}\n", name_of(layout.mode), separators(layout));
+  if (layout.looks_binary) {
+    out += "  looks binary    control characters as no text has them; this is probably no table\n";
+  }
   for (const GivenOption& option : given) {
     const std::string values = option.is_json
                                    ? option.values.front()
