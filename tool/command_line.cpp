@@ -90,6 +90,14 @@ CLI::Option* declare_files(CLI::App& app, int argc) {
   return files->expected(std::max(argc, 1))->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
+// The function of CLI11 that looks up one option is noexcept, and allocates.
+bool is_flag_with_value(const CLI::App& app, const std::string& flag) {
+  return !app.get_options([&](const CLI::Option* option) {
+               return option->check_name(flag) && option->get_items_expected() > 0;
+             })
+              .empty();
+}
+
 // The arguments from the last to the first, as CLI11 wants them. It would take the argument after
 // "--flag=" for the value, so an empty value becomes an argument of its own.
 std::vector<std::string> reversed_arguments(const CLI::App& app,
@@ -101,8 +109,7 @@ std::vector<std::string> reversed_arguments(const CLI::App& app,
     const std::string flag = argument.substr(0, argument.find('='));
     const bool may_be_flag = !is_value && !only_files && argument.starts_with("--");
     only_files = only_files || (may_be_flag && argument == "--");
-    const CLI::Option* const option = may_be_flag ? app.get_option_no_throw(flag) : nullptr;
-    const bool takes_value = option != nullptr && option->get_items_expected() > 0;
+    const bool takes_value = may_be_flag && is_flag_with_value(app, flag);
     const bool has_empty_value = takes_value && argument.size() == flag.size() + 1;
     is_value = takes_value && argument == flag;
     arguments.push_back(has_empty_value ? flag : argument);
