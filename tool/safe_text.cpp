@@ -7,7 +7,7 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 constexpr std::string_view kReplacementUtf8 = "\xEF\xBF\xBD";
-constexpr std::string_view kEllipsisUtf8 = "\xE2\x80\xA6";
+constexpr std::string_view kEllipsis = "...";
 
 bool is_in(char32_t code, char32_t first, char32_t last) { return code >= first && code <= last; }
 
@@ -138,8 +138,8 @@ void write_printable(std::string_view text, std::FILE* file) noexcept {
 
 std::string shortened(std::string_view text) {
   if (length_of_start(text, kLongestEcho) == text.size()) return std::string(text);
-  std::string start(text.substr(0, length_of_start(text, kLongestEcho - 1)));
-  return start += kEllipsisUtf8;
+  std::string start(text.substr(0, length_of_start(text, kLongestEcho - kEllipsis.size())));
+  return start += kEllipsis;
 }
 
 std::string with_short_echoes(std::string message, const std::vector<std::string>& typed) {

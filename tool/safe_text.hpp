@@ -1,7 +1,7 @@
 // Text from strangers as it may be shown: file names, texts of files, arguments.
 //
 //   printable("red\x1B[31m")       // "red", U+FFFD, "[31m"
-//   shortened(hundred_x)           // 79 times "x" and U+2026
+//   shortened(hundred_x)           // 77 times "x" and "..."
 //
 // Units   sizes count characters, not bytes.
 // Errors  std::bad_alloc; no text is refused, for what is not well-formed is replaced.
@@ -44,7 +44,7 @@ void write_printable(std::string_view text, std::FILE* file) noexcept;
 
 inline constexpr std::size_t kLongestEcho = 80;
 
-// A text of more than kLongestEcho characters cut to this length, the last of them an ellipsis.
+// A text of more than kLongestEcho characters cut to this length, with an ellipsis at its end.
 std::string shortened(std::string_view text);
 
 // `message` with each of the texts in `typed` that it repeats shortened.

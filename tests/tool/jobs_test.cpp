@@ -206,6 +206,40 @@ TEST(ToolManyFiles, ReadPipesOneAfterTheOther) {
   EXPECT_THAT(result.out, HasSubstr(second + "\n  layout          delimited by bar\n"));
 }
 
+// The second file is written when the first answer has been read: a tool that keeps its answers
+// until the end would wait for ever.
+TEST(ToolManyFiles, AreAnsweredAsTheyCome) {
+  const TempFolder folder;
+  const std::string table = folder.file("t", "a;1\nb;2\n");
+  const std::string pipe = folder.path_of("pipe");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  for (const char* jobs : {"1", "2"}) {
+    const std::string script =
+        "\"$0\" --jobs " + std::string(jobs) +
+        " \"$1\" \"$2\" | while read -r line; do printf '%s\\n' \"$line\"; case $line in"
+        " *semicolon*) printf 'x|1\\ny|2\\n' > \"$2\";; esac; done; exit ${PIPESTATUS[0]}";
+    const CommandResult result = run_command(
+        "/usr/bin/timeout", {"20", "/bin/bash", "-c", script, VLTEXT_PROGRAM, table, pipe});
+    EXPECT_EQ(result.status, 0) << jobs;
+    EXPECT_THAT(result.out, HasSubstr("delimited by semicolon\n"));
+    EXPECT_THAT(result.out, HasSubstr("delimited by bar\n"));
+  }
+}
+
+// The last file has no end: a tool that goes on would read it for ever.
+TEST(ToolManyFiles, AreLeftWhenStandardOutputIsLost) {
+  const TempFolder folder;
+  const std::string table = folder.file("t", "a;1\nb;2\n");
+  for (const char* jobs : {"1", "4"}) {
+    const CommandResult result =
+        run_command("/usr/bin/timeout",
+                    {"20", "/bin/sh", "-c", "\"$0\" --jobs \"$1\" \"$2\" \"$3\" \"$4\" > /dev/full",
+                     VLTEXT_PROGRAM, jobs, table, folder.path_of("missing"), "/dev/zero"});
+    EXPECT_EQ(result.status, 2) << jobs;
+    EXPECT_EQ(result.err, "vltext: standard output: No space left on device\n");
+  }
+}
+
 // More than a pipe holds, so the tool is still writing when its reader is gone.
 TEST(ToolManyFiles, EndAsOneJobDoesWhenNobodyReadsTheAnswer) {
   const ManyFiles files;

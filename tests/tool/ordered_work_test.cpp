@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <limits>
@@ -203,6 +204,82 @@ TEST(WorkInOrder, EndsWhenAnAnswerCannotBeDelivered) {
       [](std::size_t) { return Answer{}; },
       [](std::size_t, const Answer&) -> bool { throw std::domain_error("lost"); }, do_nothing};
   EXPECT_THROW(work_in_order({1000, 4, {}}, steps), std::domain_error);
+}
+
+// Each answer is delivered before the task that comes kMostAhead after it is begun.
+TEST(WorkInOrder, WorksNoFurtherAheadThanItMay) {
+  std::atomic<std::size_t> delivered = 0;
+  for (const std::size_t threads : {1U, 2U, 8U}) {
+    delivered = 0;
+    const auto work = [&](std::size_t task) {
+      EXPECT_LT(task, delivered + kMostAhead);
+      return Answer{std::to_string(task), std::nullopt};
+    };
+    const auto deliver = [&](std::size_t task, const Answer& answer) {
+      EXPECT_EQ(answer.text, std::to_string(task));
+      EXPECT_EQ(task, delivered++);
+      return true;
+    };
+    work_in_order({500, threads, {7, 100, 101}}, {work, deliver, do_nothing});
+    EXPECT_EQ(delivered, 500U);
+  }
+}
+
+// The first is finished only when no thread may begin anything else.
+TEST(WorkInOrder, HoldsNoMoreTextThanItMay) {
+  constexpr std::size_t kSize = kMostWaitingBytes / 4;
+  std::mutex mutex;
+  std::size_t waiting = 0;
+  std::size_t most = 0;
+  const auto work = [&](std::size_t task) {
+    if (task == 0) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const std::lock_guard<std::mutex> lock(mutex);
+    most = std::max(most, waiting += kSize);
+    return Answer{std::string(kSize, 'x'), std::nullopt};
+  };
+  const auto deliver = [&](std::size_t, const Answer& answer) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    waiting -= answer.text.size();
+    return true;
+  };
+  work_in_order({60, 3, {}}, {work, deliver, do_nothing});
+  EXPECT_EQ(waiting, 0U);
+  EXPECT_GE(most, kMostWaitingBytes);
+  EXPECT_LE(most, kMostWaitingBytes + 3 * kSize);
+}
+
+// Task 9 waits until task 0 has been delivered.
+TEST(WorkInOrder, DeliversWhileOthersAreUnderWay) {
+  for (const std::size_t threads : {1U, 2U, 8U}) {
+    Gate first_delivered;
+    std::vector<std::string> texts;
+    const auto work = [&](std::size_t task) {
+      if (task == 9) first_delivered.wait();
+      return Answer{std::to_string(task), std::nullopt};
+    };
+    const auto deliver = [&](std::size_t task, const Answer& answer) {
+      if (task == 0) first_delivered.open();
+      texts.push_back(answer.text);
+      return true;
+    };
+    work_in_order({10, threads, {}}, {work, deliver, do_nothing});
+    EXPECT_EQ(texts, texts_up_to(10));
+  }
+}
+
+TEST(WorkInOrder, BeginsNothingMoreWhenTold) {
+  for (const std::size_t threads : {1U, 2U, 8U}) {
+    std::atomic<std::size_t> begun = 0;
+    std::size_t delivered = 0;
+    const auto work = [&](std::size_t) {
+      ++begun;
+      return Answer{};
+    };
+    work_in_order({1000, threads, {}},
+                  {work, [&](std::size_t, const Answer&) { return ++delivered < 3; }, do_nothing});
+    EXPECT_EQ(delivered, 3U);
+    EXPECT_LE(begun, 3 + kMostAhead);
+  }
 }
 
 TEST(WorkInOrder, PassesTextAndProblemOn) {
