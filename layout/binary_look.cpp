@@ -15,7 +15,7 @@ constexpr std::uint32_t bits(std::initializer_list<unsigned> codes) {
 }
 
 // What texts hold: white space; backspace and escape, which printers and terminals obey; separators
-// of fields and lists (1 to 3, 28 to 31); and 26, which stands for a character that was folded.
+// of fields and lists (1 to 3, 28 to 31); and 26, which replaces a character that was folded.
 constexpr std::uint32_t kTextControls =
     bits({'\t', '\n', '\v', '\f', '\r', '\b', 27, 1, 2, 3, 28, 29, 30, 31, 26});
 

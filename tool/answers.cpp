@@ -166,11 +166,17 @@ std::size_t threads_for(const Arguments& arguments) {
       {limit_of(RLIMIT_NOFILE), std::min(limit_of(RLIMIT_AS), limit_of(RLIMIT_DATA))});
 }
 
+// One thread needs no list.
 WorkPlan plan_of(const Arguments& arguments) {
-  WorkPlan plan = {arguments.files.size(), threads_for(arguments), {}};
+  const std::size_t num_files = arguments.files.size();
+  WorkPlan plan = {num_files, threads_for(arguments), {}};
   if (plan.num_threads == 1) return plan;
-  for (std::size_t i = 0; i < plan.num_tasks; ++i) {
-    if (may_be_used_up(arguments.files[i])) plan.one_by_one.push_back(i);
+  try {
+    for (std::size_t i = 0; i < num_files; ++i) {
+      if (may_be_used_up(arguments.files[i])) plan.one_by_one.push_back(i);
+    }
+  } catch (const std::bad_alloc&) {
+    return {num_files, 1, {}};
   }
   return plan;
 }

@@ -151,7 +151,7 @@ class Crew {
     return outcome;
   }
 
-  // The threads stay idle meanwhile, because the turn does not end.
+  // The threads stay idle until the turn ends.
   Outcome outcome_alone(std::size_t task) {
     wait_until([this] { return is_idle(); });
     Outcome outcome = outcome_of(steps_, task);
@@ -160,7 +160,7 @@ class Crew {
     return outcome;
   }
 
-  // Reports now and then how many are finished meanwhile.
+  // Reports the progress while it waits.
   template <typename Condition>
   void wait_until(const Condition& is_so) {
     std::unique_lock<std::mutex> lock(mutex_);

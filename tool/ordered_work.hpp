@@ -58,7 +58,7 @@ struct WorkSteps {
   // In the order of the tasks. Returns whether to go on; otherwise no other task is begun.
   std::function<bool(std::size_t task, const Answer&)> deliver;
 
-  // Now and then; never fewer than before.
+  // Called at irregular times; the number never falls.
   std::function<void(std::size_t num_finished)> finished;
 };
 

@@ -25,13 +25,14 @@ struct Utf8Character {
 // The character that `bytes` begins with; it must not be empty.
 Utf8Character first_character(std::string_view bytes);
 
-// The character of `text` at `pos`, which is moved past it. A lone surrogate stands for itself.
+// The character of `text` at `pos`, which is moved past it; for a lone surrogate, its own code.
 char32_t next_character(std::u16string_view text, std::size_t& pos);
 
 void append_utf8(std::string& out, char32_t code);
 
-// What a terminal might obey, what would turn the text around it, and what nobody can see: control
-// characters, line separators, marks of writing direction, invisible characters, tags, surrogates.
+// A character that a terminal might obey, that would turn the text around it, or that is invisible:
+// control characters, line separators, marks of writing direction, zero-width characters, soft
+// hyphens, tags; and surrogates, which are no characters.
 bool is_unprintable(char32_t code);
 
 // The text in UTF-8, each unprintable character and each ill-formed byte as U+FFFD. A character

@@ -26,7 +26,7 @@ namespace {
 
 using Numbers = std::vector<std::size_t>;
 
-// A gate that threads wait at until somebody opens it.
+// Threads wait at the gate until it is opened.
 class Gate {
  public:
   void open() {
@@ -171,7 +171,7 @@ TEST(WorkInOrder, WorksOneByOneInOrderOnTasksThatShare) {
   }
 }
 
-// A task that shares waits for a gate that one without opens.
+// A task that shares something waits for a gate that a task of the threads opens.
 TEST(WorkInOrder, DoesNotLetTasksThatShareKeepTheOthersWaiting) {
   Gate gate;
   const auto work = [&](std::size_t task) {
@@ -310,7 +310,7 @@ const LackCase kLackCases[] = {
     {"Exception", Told::by_exception},
 };
 
-// Tasks of which some lack memory at their first tries. The first four meet, so that none of them
+// Some tasks lack memory at their first tries. The first four wait for each other, so none of them
 // is alone.
 class WorkThatLacksMemory : public testing::TestWithParam<LackCase> {
  protected:
@@ -382,7 +382,7 @@ TEST_P(WorkThatLacksMemory, IsDoneOnceByOneThread) {
 INSTANTIATE_TEST_SUITE_P(Table, WorkThatLacksMemory, testing::ValuesIn(kLackCases),
                          testing_support::ByRule());
 
-// A pipe cannot be read a second time, so it is read when it has all the memory.
+// A pipe cannot be read a second time, so it is read while no other task takes memory.
 TEST(WorkInOrder, WorksOnceAndAloneOnTasksThatShare) {
   std::atomic<int> under_way = 0;
   std::atomic<int> tries = 0;

@@ -19,7 +19,7 @@ using testing_support::TempFolder;
 
 using Words = std::vector<std::string>;
 
-// Two lines of so many delimiters.
+// Two lines of `width` delimiters.
 std::string file_of_width(const TempFolder& folder, std::size_t width) {
   const std::string line(width, ';');
   return folder.file("wide", line + '\n' + line + '\n');

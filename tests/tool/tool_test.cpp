@@ -1,4 +1,4 @@
-// The tool as a user meets it: what it prints, what it refuses, how it ends.
+// The tool as its users see it: what it prints, what it refuses, how it ends.
 #include <string>
 
 #include <gmock/gmock.h>
@@ -100,7 +100,7 @@ TEST_F(Tool, GoesOnAfterAFileThatFails) {
 struct RefusalCase {
   const char* rule;
   std::vector<std::string> arguments;
-  std::string message;  // part of what stands on standard error
+  std::string message;  // a part of standard error
 };
 std::ostream& operator<<(std::ostream& out, const RefusalCase& row) { return out << row.rule; }
 
@@ -136,7 +136,7 @@ TEST_P(ToolRefusal, SaysWhatAndWhyAndPrintsNothing) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, ToolRefusal, testing::ValuesIn(kRefusals), ByRule());
 
-// The superuser reads everything, so the program is started as somebody else then.
+// The superuser can read everything, so the program runs as another user then.
 TEST_F(Tool, SaysWhenAFileIsNotReadable) {
   const std::string path = folder_.file("secret.csv", "1,2\n");
   ASSERT_EQ(chmod(path.c_str(), 0), 0);
@@ -168,7 +168,7 @@ TEST_F(Tool, PrintsNothingThatCommandsTheTerminal) {
   EXPECT_THAT(result.err, Not(HasSubstr("\x1B")));
 }
 
-// What nobody sees could make two names look alike.
+// Invisible characters could make two names look the same.
 TEST_F(Tool, PrintsNothingThatIsInvisible) {
   const std::string hidden =
       "\xE2\x80\x8B\xEF\xBB\xBF\xE2\x81\xA0\xE1\xA0\x8E\xC2\xAD\xE2\x81\xAA\xF3\xA0\x80\xA1";
@@ -244,7 +244,7 @@ TEST_F(Tool, RepeatsAPathThatMayBeOpenedAsAWhole) {
   EXPECT_EQ(vltext({path}).err, "vltext: cannot open '" + path + "': No such file or directory\n");
 }
 
-// In JSON it is escaped, and the text is the same to whoever parses it.
+// In JSON it is escaped, so a parser gets the same text.
 TEST_F(Tool, PrintsNothingThatCommandsTheTerminalAsJson) {
   const std::string path = folder_.file("red\x1B[31m\x7F.csv",
                                         "a\x1B]0;\x08!,c\xC2\x9B,\xE2\x80\xAE\xE2\x81\xA6"
@@ -262,7 +262,7 @@ TEST_F(Tool, PrintsNothingThatCommandsTheTerminalAsJson) {
                                                   "d\xC3\xA9"}));
 }
 
-// Halves of a pair look like bytes that are no text.
+// Each half of its pair of surrogates looks like a byte that is no UTF-8.
 TEST_F(Tool, PrintsAPathOfAllPlanesAsJson) {
   const std::string path = folder_.file("\xF0\x9F\x92\x80.csv", "1,2\n3,4\n");
   EXPECT_EQ(nlohmann::json::parse(vltext({"--json", path}).out)["files"][0]["file"], path);
@@ -323,7 +323,7 @@ TEST_P(ToolLostOutput, IsAFailure) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, ToolLostOutput, testing::ValuesIn(kLostOutputs), ByRule());
 
-// Names that the parser of the command line might take for something else.
+// Names that the command line parser might take for something else.
 struct FileNameCase {
   const char* rule;
   std::string name;
@@ -357,7 +357,7 @@ TEST_P(ToolFileName, IsTakenAsItStands) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, ToolFileName, testing::ValuesIn(kFileNames), ByRule());
 
-// Bytes that are no text of their encoding.
+// Bytes that are ill-formed in their encoding.
 struct IllFormedCase {
   const char* rule;
   std::string encoding;
@@ -401,7 +401,7 @@ TEST_F(Tool, TellsItsVersionAndItsOptions) {
   }
 }
 
-// Inputs that hold no table at all: an answer, no crash.
+// Inputs without any table get an answer, too.
 struct OddInput {
   const char* rule;
   std::string bytes;
