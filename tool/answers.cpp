@@ -213,6 +213,7 @@ Answer answer_for(const std::string& file, const Arguments& arguments) {
 int answer_files(const Arguments& arguments, const Streams& streams) {
   const auto write_progress = [&](std::string_view line) {
     std::fwrite(line.data(), 1, line.size(), streams.err);
+    std::fflush(streams.err);
   };
   ProgressLine progress(arguments.files.size(), {wants_progress(arguments, streams),
                                                  std::chrono::steady_clock::now, write_progress});

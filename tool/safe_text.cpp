@@ -68,7 +68,7 @@ Utf8Character first_character(std::string_view bytes) {
   if (rest.count == 0) return {kReplacement, 1, false};
   char32_t code = bits_of_lead(lead, rest.count);
   for (std::size_t i = 1; i <= rest.count; ++i) {
-    const auto byte = i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0;
+    const unsigned byte = i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U;
     const bool fits = i == 1 ? byte >= rest.low && byte <= rest.high : (byte & 0xC0) == 0x80;
     if (!fits) return {kReplacement, i, false};
     code = (code << 6) | (byte & 0x3FU);
