@@ -8,7 +8,9 @@
 #include <cstring>
 #include <exception>
 #include <limits>
+#include <memory>
 #include <new>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -26,8 +28,11 @@
 namespace textio::tool {
 namespace {
 
+using standalone::Layout;
+
 constexpr std::size_t kMostJobs = 256;
-constexpr std::size_t kLongestPath = 4096;  // bytes; the system opens no longer one
+constexpr std::size_t kLargeLayout = 262'144;  // bytes
+constexpr std::size_t kLongestPath = 4096;     // bytes; the system opens no longer one
 
 // ---------------------------------------------------------------------------------------------
 // Messages
@@ -86,7 +91,7 @@ class AnswerWriter {
     if (answer.lacked_memory) return report_lack_of_memory(file);
     if (answer.problem) return report_problem(*answer.problem);
     try {
-      return write_text(answer.text);
+      return answer.layout ? write_layout(file, *answer.layout) : write_text(answer.text);
     } catch (const std::bad_alloc&) {
       return report_lack_of_memory(file);
     }
@@ -113,6 +118,19 @@ class AnswerWriter {
     complain_of_memory(file, streams_.err);
     status_ = kFailed;
     return true;
+  }
+
+  // A part that is not written is lost, and so are those after it.
+  bool write_layout(const std::string& file, const Layout& layout) {
+    bool is_begun = false;
+    bool is_written = true;
+    write_json_member(file, layout, [&](std::string& part) {
+      if (is_written)
+        is_written = is_begun ? keep(write_out(part, "", streams_)) : write_text(part);
+      is_begun = true;
+      part.clear();
+    });
+    return is_written;
   }
 
   // The opening of the document is written with its first file.
@@ -188,11 +206,25 @@ bool wants_progress(const Arguments& arguments, const Streams& streams) {
   return !arguments.no_progress && is_terminal(streams.err) && !is_terminal(streams.out);
 }
 
+// The memory of what grows with the file.
+std::size_t size_of(const Layout& layout) {
+  return layout.lines.size() * sizeof(standalone::LineRun) +
+         layout.classes.size() * sizeof(DatatypeCode) +
+         (layout.names.size() + layout.units.size()) * sizeof(std::u16string);
+}
+
+// As text, or as the layout if that takes less memory: each line of the JSON takes some dozen bytes.
+Answer json_answer(const std::string& file, Layout layout) {
+  const std::size_t size = size_of(layout);
+  if (size < kLargeLayout) return {json_member(file, layout), std::nullopt};
+  return {{}, std::nullopt, false, std::make_shared<const Layout>(std::move(layout)), size};
+}
+
 Answer try_to_answer(const std::string& file, const Arguments& arguments) {
   try {
-    const standalone::Layout layout = standalone::detect_layout(file, arguments.settings);
-    return {arguments.json ? json_member(file, layout) : report(file, layout, arguments.given),
-            std::nullopt};
+    Layout layout = standalone::detect_layout(file, arguments.settings);
+    if (arguments.json) return json_answer(file, std::move(layout));
+    return {report(file, layout, arguments.given), std::nullopt};
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& error) {
@@ -206,7 +238,7 @@ Answer answer_for(const std::string& file, const Arguments& arguments) {
   try {
     return try_to_answer(file, arguments);
   } catch (const std::bad_alloc&) {
-    return {{}, std::nullopt, true};
+    return {{}, std::nullopt, true, nullptr};
   }
 }
 

@@ -144,7 +144,11 @@ void write_given(JsonWriter& json, const GivenOption& option) {
   json.end_object();
 }
 
-void write_members(JsonWriter& json, const Layout& layout) {
+constexpr std::size_t kFileDepth = 2;  // within the list of the files
+
+void write_members(JsonWriter& json, const std::string& file, const Layout& layout) {
+  json.begin_object();
+  json.member("file", file);
   json.member("mode", name_of(layout.mode));
   json.member("delimiters", layout.delimiters);
   json.member("widths", layout.widths);
@@ -175,6 +179,7 @@ void write_members(JsonWriter& json, const Layout& layout) {
   json.key("trace");
   write_trace(json, layout.trace);
   if (layout.looks_binary) json.member("looks_binary", true);
+  json.end_object();
 }
 
 }  // namespace
@@ -195,14 +200,18 @@ std::string json_opening(const standalone::DetectSettings& settings,
 }
 
 std::string json_member(const std::string& file, const Layout& layout) {
-  constexpr std::size_t kDepth = 2;  // within the list of the files
   std::string text;
-  JsonWriter json(text, kDepth);
-  json.begin_object();
-  json.member("file", file);
-  write_members(json, layout);
-  json.end_object();
+  JsonWriter json(text, kFileDepth);
+  write_members(json, file, layout);
   return text;
+}
+
+void write_json_member(const std::string& file, const Layout& layout,
+                       const JsonWriter::Empty& empty) {
+  std::string text;
+  JsonWriter json(text, kFileDepth, empty);
+  write_members(json, file, layout);
+  empty(text);
 }
 
 }  // namespace textio::tool

@@ -10,6 +10,7 @@
 
 #include <vltextstream/layout/detect_layout.hpp>
 
+#include "tool/json_writer.hpp"
 #include "tool/option_flags.hpp"
 
 namespace textio::tool {
@@ -27,5 +28,10 @@ std::string json_opening(const standalone::DetectSettings& settings,
 
 // The name of a file, and the members of its layout under their own names and in their order.
 std::string json_member(const std::string& file, const standalone::Layout& layout);
+
+// The same in parts: `empty` is called with a text whenever there are JsonWriter::kFullAt bytes, and
+// with the last of them. Nothing is allocated after the first call.
+void write_json_member(const std::string& file, const standalone::Layout& layout,
+                       const JsonWriter::Empty& empty);
 
 }  // namespace textio::tool

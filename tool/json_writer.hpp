@@ -11,13 +11,17 @@
 //
 // Text    in UTF-8. What is_unprintable() says of a character, it is escaped. What is ill-formed
 //         becomes U+FFFD, one for all bytes that could have begun a character.
-// Memory  nothing but `out`, which grows; what was written is not kept anywhere else.
+// Memory  nothing but `out`. With a function to empty it, `out` keeps the size kFullAt that it is
+//         given, and no allocation is made.
 // Errors  std::bad_alloc. The caller balances begin and end, and writes a key before each value of
 //         an object.
 #pragma once
 
+#include <array>
+#include <charconv>
 #include <concepts>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,8 +31,13 @@ namespace textio::tool {
 
 class JsonWriter {
  public:
+  static constexpr std::size_t kFullAt = 65'536;
+
+  // Takes what was written so far away from the text, and leaves it empty.
+  using Empty = std::function<void(std::string&)>;
+
   // Appends to `out`. With a depth the text is a part of a document, from this indentation on.
-  explicit JsonWriter(std::string& out, std::size_t depth = 0) : out_(out), depth_(depth) {}
+  explicit JsonWriter(std::string& out, std::size_t depth = 0, Empty empty = {});
 
   void begin_object() { begin('{'); }
   void end_object() { end('}'); }
@@ -46,8 +55,10 @@ class JsonWriter {
 
   template <std::integral Number>
   requires(!std::same_as<Number, bool>) void value(Number number) {
+    std::array<char, 24> digits{};
+    const char* const end = std::to_chars(digits.begin(), digits.end(), number).ptr;
     begin_value();
-    out_ += std::to_string(number);
+    append({digits.begin(), end});
   }
 
   // With the fewest digits that are read as the same number; null for what is not finite.
@@ -84,10 +95,14 @@ class JsonWriter {
   void end(char bracket);
   void begin_value();
   void begin_line();
-  void append_text(std::string_view utf8);
+  void indent();
+  void append(std::string_view piece);
+  void append_utf8(std::string_view utf8);
+  void append_character(char32_t code, std::string_view utf8);
 
   std::string& out_;
   std::size_t depth_;
+  Empty empty_;
   bool is_first_ = true;  // no value yet in the innermost object or array
   bool is_open_ = false;  // within any object or array of this writer
   bool follows_key_ = false;

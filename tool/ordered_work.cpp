@@ -38,7 +38,7 @@ Outcome outcome_of(const WorkSteps& steps, std::size_t task) noexcept {
   try {
     return {steps.work(task), nullptr};
   } catch (const std::bad_alloc&) {
-    return {{{}, std::nullopt, true}, nullptr};
+    return {{{}, std::nullopt, true, nullptr}, nullptr};
   } catch (...) {
     return {{}, std::current_exception()};
   }
@@ -111,7 +111,7 @@ class Crew {
     const std::lock_guard<std::mutex> lock(mutex_);
     --num_under_way_;
     if (!outcome.answer.lacked_memory) ++num_finished_;
-    waiting_bytes_ += outcome.answer.text.size();
+    waiting_bytes_ += outcome.answer.held_bytes();
     slot_of(task) = std::move(outcome);
     if (++num_unseen_ >= kTasksToWakeFor || is_idle()) settled_.notify_one();
   }
@@ -147,7 +147,7 @@ class Crew {
     std::optional<Outcome>& slot = slot_of(task);
     Outcome outcome = std::move(*slot);
     slot.reset();
-    waiting_bytes_ -= outcome.answer.text.size();
+    waiting_bytes_ -= outcome.answer.held_bytes();
     return outcome;
   }
 

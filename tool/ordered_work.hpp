@@ -21,19 +21,28 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include <vltextstream/layout/layout.hpp>
+
 namespace textio::tool {
 
-// The result for one file: a text, or the reason why there is none.
+// The result for one file: a text or its layout, or the reason why there is none.
 struct Answer {
   std::string text;
   std::optional<std::string> problem;
 
   // There was no memory, not even for the description of the problem.
   bool lacked_memory = false;
+
+  // In place of a text that would be long: what it is written from when its turn comes.
+  std::shared_ptr<const standalone::Layout> layout = nullptr;
+  std::size_t layout_bytes = 0;
+
+  std::size_t held_bytes() const { return text.size() + layout_bytes; }
 };
 
 struct WorkPlan {
@@ -48,7 +57,7 @@ struct WorkPlan {
 };
 
 // A task is begun only if it is among the next kMostAhead from the one whose turn it is, and only
-// while the finished answers that wait are shorter than kMostWaitingBytes in total.
+// while the finished answers that wait hold less than kMostWaitingBytes in total.
 inline constexpr std::size_t kMostAhead = 64;
 inline constexpr std::size_t kMostWaitingBytes = 16'777'216;
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -16,6 +17,7 @@
 #include "support/failing_allocator.hpp"
 #include "support/rule_name.hpp"
 #include "support/temp_folder.hpp"
+#include "tool/json_report.hpp"
 #include "tool/progress_line.hpp"
 
 namespace textio::tool {
@@ -183,6 +185,25 @@ TEST(AnswerFor, SaysThatItLackedMemoryUntilItsEnd) {
       }
     }
   }
+}
+
+// Otherwise half a member could be printed.
+TEST(WriteJsonMember, AllocatesNothingOnceItHasBegun) {
+  if (!allocations_can_fail()) return;
+  standalone::Layout layout;
+  layout.names.assign(20'000, u"level \x1B \xD83D\xDC80");
+  layout.lines.assign(20'000, {standalone::LineRole::data, 1, 2, 2});
+  layout.trace.emplace().candidates.resize(3);
+  layout.encoding_confidence = 1.0 / 3;
+  std::size_t num_parts = 0;
+  std::optional<AllocationFault> fault;
+  write_json_member("a name of more characters than fit into a string", layout,
+                    [&](std::string& part) {
+                      if (++num_parts == 1) fault.emplace(1, FaultKind::from_then_on);
+                      part.clear();
+                    });
+  EXPECT_FALSE(fault->was_met());
+  EXPECT_GT(num_parts, 10U);
 }
 
 TEST(ProgressLineWithoutMemory, IsNotShown) {

@@ -47,7 +47,15 @@ TEST(ToolPeak, OfTheWidestFileIsBounded) {
   EXPECT_LE(peak_of({"--json", "--explain", file}), 200U);
 }
 
-// The answers of all of them are 136 MB.
+// Every second line is blank, so the JSON names each line: 370 MB.
+TEST(ToolPeak, OfTheLongestAnswerIsBounded) {
+  const TempFolder folder;
+  std::string text;
+  for (std::size_t i = 0; i < 1'398'000; ++i) text += "1\n\n";
+  EXPECT_LE(peak_of({"--json", "--lines", "4000000", folder.file("t", text)}), 400U);
+}
+
+// The JSON of all of them is 136 MB.
 TEST(ToolPeak, DoesNotGrowWithTheNumberOfWideFiles) {
   const TempFolder folder;
   const std::string file = file_of_width(folder, 200'000);
@@ -57,7 +65,7 @@ TEST(ToolPeak, DoesNotGrowWithTheNumberOfWideFiles) {
   }
 }
 
-// The answers of all of them are 80 MB.
+// The JSON of all of them is 40 MB.
 TEST(ToolPeak, DoesNotGrowWithTheNumberOfSmallFiles) {
   const TempFolder folder;
   const std::string file = folder.file("t", "a,b,c\n1,2,3\n4,5,6\n");

@@ -96,6 +96,30 @@ TEST(JsonReport, IsSafeUtf8WhateverItRepeats) {
   }));
 }
 
+std::string in_parts(const std::string& file, const Layout& layout) {
+  std::string all;
+  write_json_member(file, layout, [&](std::string& part) {
+    EXPECT_LE(part.size(), JsonWriter::kFullAt);
+    all += part;
+    part.clear();
+  });
+  return all;
+}
+
+TEST(JsonReport, IsTheSameInParts) {
+  EXPECT_TRUE(rc::check([] {
+    const std::string file = random_bytes();
+    const Layout layout = random_layout();
+    RC_ASSERT(in_parts(file, layout) == json_member(file, layout));
+  }));
+  Layout large;
+  large.names.assign(20'000, u"level \x1B \xD83D\xDC80");
+  large.names.push_back(std::u16string(200'000, u'x'));
+  large.classes.assign(20'000, DatatypeCode::number);
+  large.lines.assign(20'000, {standalone::LineRole::data, 1, 2, 2});
+  EXPECT_EQ(in_parts("f", large), json_member("f", large));
+}
+
 TEST(Report, ShowsADelimiterOutsideTheBasicPlane) {
   Layout layout;
   layout.mode = standalone::LayoutMode::delimited;
