@@ -21,16 +21,16 @@ constexpr std::string_view kReplacementUtf8 = "\xEF\xBF\xBD";
 class Piece {
  public:
   template <typename... Values>
-  explicit Piece(fmt::format_string<Values...> format, Values&&... values)
-      : size_(
-            fmt::format_to_n(chars_.begin(), chars_.size(), format, std::forward<Values>(values)...)
-                .size) {}
+  explicit Piece(fmt::format_string<Values...> format, Values&&... values) {
+    char* const begin = chars_.data();
+    size_ = fmt::format_to_n(begin, chars_.size(), format, std::forward<Values>(values)...).size;
+  }
 
   std::string_view view() const { return {chars_.data(), size_}; }
 
  private:
   std::array<char, 32> chars_{};
-  std::size_t size_;
+  std::size_t size_ = 0;
 };
 
 std::string_view short_escape_of(char32_t code) {
