@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -69,7 +70,7 @@ class SampleStore {
 
  private:
   DrawnSample draw(Strategy& strategy, std::size_t most_texts,
-                   const std::vector<SampleRun>* blank_runs);
+                   std::span<const BlankRun> blank_runs);
 
   const Field text_;
   const unsigned long num_lines_;
@@ -79,7 +80,7 @@ class SampleStore {
   // As many as the last sample had. All strategies find about as many lines in one text, so that a
   // list of this length seldom grows or has room to give back.
   std::size_t likely_lines_ = 16'384;
-  std::vector<SampleRun> blank_runs_;
+  std::vector<BlankRun> blank_runs_;
   std::u16string blank_units_;
 };
 

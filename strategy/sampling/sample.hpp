@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include <vltextstream/host/export.hpp>
@@ -18,22 +19,21 @@ namespace textio {
 
 // What a line turns out to be when it is sampled. Blank lines are kept as empty fields, comments are
 // left out.
-enum class SampleLineKind { text, blank, comment };
+enum class SampleLineKind : std::uint32_t { text, blank, comment };
 
-// Lines of one kind, directly after one another.
+// Lines of one kind, directly after one another. There may be millions of these.
 struct VLTEXTSTREAM_EXPORT SampleRun {
   SampleLineKind kind = SampleLineKind::text;
 
-  // How many lines these are, and the number of sampled lines before them.
-  std::size_t num_lines = 0;
-  std::size_t first_line = 0;
+  // How many lines these are; more than fit are another run.
+  std::uint32_t num_lines = 0;
 
-  // The number of text lines before them.
+  // The number of sampled lines before them, and of text lines among these.
+  std::size_t first_line = 0;
   std::size_t first_text = 0;
 
-  // Where the first of them starts, and where the line after the last one starts.
+  // Where the first of them starts.
   std::size_t begin = 0;
-  std::size_t end = 0;
 };
 
 struct VLTEXTSTREAM_EXPORT Sample {
