@@ -3,8 +3,8 @@
 //   strategy.populate_fields(text, 100);
 //   for (const SampleRun& run : strategy.sample().runs) ...   // 3 comments, 97 lines, 1 blank ...
 //
-// Units      positions count code units of the text, lines count sampled lines from 0. A comment is
-//            no sampled line.
+// Units      positions count code units of the text; lines count sampled lines from 0. A comment is
+//            not a sampled line.
 // Ownership  `text` is a view of the text that was sampled.
 #pragma once
 
@@ -16,22 +16,22 @@
 
 namespace textio {
 
-// What a line turns out to be when it is sampled. Blank lines are kept as empty fields, comments are
-// left out.
+// The kind of a line, found by sampling. Blank lines are kept as empty fields; comments are left
+// out.
 enum class SampleLineKind { text, blank, comment };
 
-// Lines of one kind, directly after one another.
+// Consecutive lines of one kind.
 struct VLTEXTSTREAM_EXPORT SampleRun {
   SampleLineKind kind = SampleLineKind::text;
 
-  // How many lines these are, and the number of sampled lines before them.
+  // The number of lines in the run, and the number of sampled lines before it.
   std::size_t num_lines = 0;
   std::size_t first_line = 0;
 
-  // The number of text lines before them.
+  // The number of text lines before the run.
   std::size_t first_text = 0;
 
-  // Where the first of them starts, and where the line after the last one starts.
+  // The start of the run's first line, and the start of the line after its last.
   std::size_t begin = 0;
   std::size_t end = 0;
 };
@@ -39,10 +39,10 @@ struct VLTEXTSTREAM_EXPORT SampleRun {
 struct VLTEXTSTREAM_EXPORT Sample {
   Field text;
 
-  // All lines that were looked at, in order.
+  // All lines that were examined, in order.
   std::vector<SampleRun> runs;
 
-  // Where sampling stopped: the next line would start here.
+  // Where sampling stopped: the start of the next line.
   std::size_t end = 0;
 
   // Whether more text after the end of `text` could have changed the sample.

@@ -7,7 +7,7 @@
 namespace textio {
 namespace {
 
-// This many code units are compared at each position of a text without an index.
+// At most this many code units are compared at each position of a text without an index.
 constexpr std::size_t kFewUnits = 32;
 
 bool is_large_set(const DelimiterSet& set) {
@@ -19,7 +19,7 @@ bool is_large_set(const DelimiterSet& set) {
   return false;
 }
 
-// Markers are short: a plain loop is faster than a comparison that prepares for long ones.
+// Markers are short: a plain loop is faster than a library comparison with its fixed overhead.
 bool starts_with(std::u16string_view text, std::u16string_view marker) {
   if (marker.size() > text.size()) return false;
   std::size_t same = 0;
