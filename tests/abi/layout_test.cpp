@@ -60,7 +60,7 @@ void expect_in_order(std::size_t begin, const std::vector<Member>& members) {
 }
 
 // Where the members of a class begin that has virtual operations.
-constexpr std::size_t kBehindTable = sizeof(void*);
+constexpr std::size_t kAfterTable = sizeof(void*);
 
 TEST(MemberOrder, OfTheOptionsRecord) {
   using parser::options;
@@ -112,7 +112,7 @@ TEST(MemberOrder, OfTheDelimiterSet) {
 }
 
 TEST(MemberOrder, OfFields) {
-  expect_in_order(kBehindTable, {MEMBER(Field, data), MEMBER(Field, length)});
+  expect_in_order(kAfterTable, {MEMBER(Field, data), MEMBER(Field, length)});
   expect_in_order(sizeof(Field),
                   {MEMBER(MutableField, owns_storage), MEMBER(MutableField, inline_storage),
                    MEMBER(MutableField, storage)});
@@ -178,7 +178,7 @@ class OwnStrategy : public LineReaderStrategy {
   }
 };
 
-TEST(MemberOrder, OfTheStrategy) { expect_in_order(kBehindTable, OwnStrategy::members()); }
+TEST(MemberOrder, OfTheStrategy) { expect_in_order(kAfterTable, OwnStrategy::members()); }
 
 // --- virtual operations ------------------------------------------------------------------------
 
@@ -303,7 +303,7 @@ TEST(SlotOrder, OfTheErrors) {
   EXPECT_EQ(slot_of(&MessageIdentifiedError::identifier), 2U);
   EXPECT_EQ(slot_of(&MessageIdentifiedError::arguments), 3U);
   expect_destructor_at<OwnError>(0);
-  // Behind what() of std::exception.
+  // After what() of std::exception.
   EXPECT_EQ(slot_of(&options::UnknownParameter::identifier), 3U);
   EXPECT_EQ(slot_of(&options::UnknownParameter::arguments), 4U);
   EXPECT_EQ(slot_of(&options::UnknownParameter::what), 2U);

@@ -46,7 +46,7 @@ TEST(SmallWorld, GivesEachTextOnce) {
 }
 
 // The blocks of the vector code have 64 units.
-TEST(TextsAcrossBlocks, HaveTheBorderBehindTheirSecondUnit) {
+TEST(TextsAcrossBlocks, CrossABlockAfterTheirSecondUnit) {
   const Series comma_a_quote = {2, 0, 4};
   const std::vector<std::u16string> texts = texts_across_blocks(comma_a_quote);
   ASSERT_EQ(texts.size(), 2U);
@@ -73,7 +73,7 @@ TEST(SmallWorld, FallsIntoPartsWithoutRemainder) {
   EXPECT_EQ(seen, all);
 }
 
-TEST(SmallWorld, TellsTheFirstSeriesThatDiffers) {
+TEST(SmallWorld, ReportsTheFirstSeriesThatDiffers) {
   const auto is_wrong = [](const Series& series) {
     return series.size() == 2 && series[1] == 1 ? std::string("wrong") : std::string();
   };

@@ -200,7 +200,7 @@ TEST_P(ReadFaults, EndTheTextAlsoWhenTheyPass) {
   }
 }
 
-TEST_P(ReadFaults, AreLeftBehindByASkipToTheStart) {
+TEST_P(ReadFaults, AreClearedByASkipToTheStart) {
   const TextCase& row = GetParam();
   const std::string bytes = bytes_of(row);
   for (std::size_t place = 1; place <= bytes.size(); ++place) {
@@ -273,17 +273,17 @@ std::ostream& operator<<(std::ostream& out, const PlaceCase& row) { return out <
 
 const PlaceCase kPlaceCases[] = {
     {"AtTheStart", 0},
-    {"BehindOneByte", 1},
+    {"AfterOneByte", 1},
     {"InTheBufferOfTheFile", 4096},
     {"BeforeTheChunkIsFull", kChunkBytes - 1},
-    {"BehindAChunk", kChunkBytes},
-    {"BehindAChunkAndAByte", kChunkBytes + 1},
-    {"BehindTwoChunks", 2 * kChunkBytes},
+    {"AfterAChunk", kChunkBytes},
+    {"AfterAChunkAndAByte", kChunkBytes + 1},
+    {"AfterTwoChunks", 2 * kChunkBytes},
     {"BeforeTheBufferIsFull", kBufferUnits - 1},
-    {"BehindABuffer", kBufferUnits},
-    {"BehindABufferAndAByte", kBufferUnits + 1},
-    {"BehindTwoBuffers", 2 * kBufferUnits},
-    {"BehindThreeBuffersAndAByte", 3 * kBufferUnits + 1},
+    {"AfterABuffer", kBufferUnits},
+    {"AfterABufferAndAByte", kBufferUnits + 1},
+    {"AfterTwoBuffers", 2 * kBufferUnits},
+    {"AfterThreeBuffersAndAByte", 3 * kBufferUnits + 1},
 };
 
 class ReadFaultsOfALongText : public testing::TestWithParam<PlaceCase> {
@@ -396,7 +396,7 @@ TEST(SeekFaults, EndTheText) {
   EXPECT_NE(source.read_error(), 0);
 }
 
-TEST(SeekFaults, AreLeftBehindByASeekThatSucceeds) {
+TEST(SeekFaults, AreClearedByASeekThatSucceeds) {
   FaultyDevice device("abcdef");
   FileTextSource source;
   source.init_stream(device.open(), "UTF-8");

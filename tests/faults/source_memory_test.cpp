@@ -233,12 +233,12 @@ void sample(TextStream& stream) { get_fixed_stream(stream, {u"<no such line endi
 
 const StreamCase kStreamCases[] = {
     {"LookingAhead", 0, 0, look_ahead, 0},
-    {"LookingAheadBehindAnAdvance", 0, 100'000, look_ahead, 0},
+    {"LookingAheadAfterAnAdvance", 0, 100'000, look_ahead, 0},
     {"SearchingToTheEnd", 0, 0, search, 0},
     {"Matching", 0, 0, match, 0},
     {"MovingWithinTheBuffer", 0, 0, compact, 131'000},
     {"Skipping", 0, 0, skip, 300'000},
-    {"SkippingBehindAnAdvance", 0, 100'000, skip, 300'000},
+    {"SkippingAfterAnAdvance", 0, 100'000, skip, 300'000},
     {"SkippingToTheEnd", 0, 0, skip_to_the_end, 2'000'000},
     {"CuttingBack", 599'999, 0, cut_back, 786'000},
     {"SkippingAndCuttingBack", 599'999, 0, skip_and_cut_back, 800'000},

@@ -352,11 +352,11 @@ struct UnquoteCase {
 std::ostream& operator<<(std::ostream& out, const UnquoteCase& row) { return out << row.rule; }
 
 const UnquoteCase kUnquoteCases[] = {
-    {"BehindBlanks", u"  \"a text that is longer than a field keeps inside itself\"",
+    {"AfterBlanks", u"  \"a text that is longer than a field keeps inside itself\"",
      u"  a text that is longer than a field keeps inside itself"},
     {"DoubledQuotes", u"\"a text with \"\"doubled\"\" quotes, longer than a field keeps\"",
      u"a text with \"doubled\" quotes, longer than a field keeps"},
-    {"TextBehindTheClosingQuote", u"\"a text with more of it\" behind the closing quote",
+    {"TextAfterTheClosingQuote", u"\"a text with more of it\" behind the closing quote",
      u"a text with more of it behind the closing quote"},
 };
 

@@ -743,7 +743,7 @@ const UnquoteCase kUnquoteCases[] = {
     {"Pair", u"\"42\"", u"42"},
     {"AfterWhiteSpace", u" \t\"42\"", u" \t42"},
     {"Doubled", u"\"4\"\"2\"", u"4\"2"},
-    {"TextBehindTheQuoteStays", u"\"a\"b\"c\"", u"ab\"c\""},
+    {"TextAfterTheQuoteStays", u"\"a\"b\"c\"", u"ab\"c\""},
     {"UnterminatedLosesItsLastUnit", u"\"abc", u"ab"},
     {"LoneQuote", u"\"", u""},
     {"TwoQuotes", u"\"\"", u""},
@@ -915,7 +915,7 @@ const HeaderCase kHeaderCases[] = {
     // but three of four is more than two thirds.
     {"MoreThanTwoThirdsFallsBack", {1, 0, 1, 0}, 0, true, 0},
     // k = 2; 1, 9/2, 3 capped: the second is the largest, and 2 of 3 is not more than two thirds.
-    {"ExactlyTwoThirdsStands", {1, 3, 0}, 0, true, 2},
+    {"ExactlyTwoThirdsIsKept", {1, 3, 0}, 0, true, 2},
     // k = 5 after the trailing zeros, three zeros among them are more than 5 / 2; with k = 4 they
     // are still more than 2; with k = 3 two are more than 1; with k = 2 one is not more than 1.
     // Running sums 1,1,1,1,2,2,2 give 1, 1/2, 1/3, 1/4, 4/5, ...: 0.5 at the first is the largest.
@@ -991,7 +991,7 @@ const ValuationCase kValuationCases[] = {
     {"PreambleAndOneDataLine", Options(), u"x\n1,2\n", 1, 0.5, 0.0, 2, 2, 2, {kEmpty, kEmpty}},
     // One entry in the list: the first line of two fields ends the header, given or not.
     {"ShortListDetected", Options(), u"1,2\n", 0, kInf, kInf, 1, 2, 1, {kEmpty}},
-    {"ShortListBehindAnEmptyLine", Options(), u"\n1,2\n", 1, kInf, kInf, 2, 2, 1, {kEmpty}},
+    {"ShortListAfterAnEmptyLine", Options(), u"\n1,2\n", 1, kInf, kInf, 2, 2, 1, {kEmpty}},
     {"ShortListOverridesGivenHeader",
      with_header_lines(3),
      u"1,2\nx\ny\n",
@@ -1093,7 +1093,7 @@ TEST(ReferenceValueHeader, CountsTheEmptyLineOfThePreamble) {
   EXPECT_EQ(sample.valuation.num_variables, 3U);
 }
 
-TEST(ReferenceValueHeader, IsGivenUpWhenTheDataBehindItVariesTooMuch) {
+TEST(ReferenceValueHeader, IsGivenUpWhenTheDataAfterItVariesTooMuch) {
   std::u16string text;
   for (const std::size_t count : Counts{22, 2, 2, 10, 2, 2, 2}) {
     for (std::size_t i = 1; i < count; ++i) text += u"0,";
@@ -1103,7 +1103,7 @@ TEST(ReferenceValueHeader, IsGivenUpWhenTheDataBehindItVariesTooMuch) {
                                         std::nullopt, true, kNever);
   // The list is 20,0,0,8,0,0,0. Four entries are left without the trailing zeros; the sums 20,20,
   // 20,28,... give 400,200,400/3,196,784/5,...; smoothed 200,-400/3,-388/3,about 102: one header
-  // line. Behind it the mean is 8/6, more than 1: back to the first line, where it is 28/7.
+  // line. After it the mean is 8/6, more than 1: back to the first line, where it is 28/7.
   EXPECT_EQ(sample.header_lines, 0U);
   EXPECT_EQ(sample.valuation.total_variation, 4.0);
   EXPECT_EQ(sample.valuation.data_variation, 4.0);
@@ -1455,7 +1455,7 @@ const LengthCase kLengthCases[] = {
     {"Short", u"abc", {u"\n"}, 8, 3},
     {"ExactlyTheLimit", u"abcd\nfgh", {u"\n"}, 8, 8},
     {"OneMoreCutsAfterTheLastEnding", u"abcd\nfghi", {u"\n"}, 8, 5},
-    {"EndingBehindTheLimitDoesNotCount", u"a\ncdefgh\n", {u"\n"}, 8, 2},
+    {"EndingAfterTheLimitDoesNotCount", u"a\ncdefgh\n", {u"\n"}, 8, 2},
     {"NoEndingInTheLimit", u"abcdefghi\n", {u"\n"}, 8, 0},
     {"CutAfterTheFirstUnitOfAPair", u"abc\r\nfghi", {u"\r\n"}, 8, 4},
     {"CutAtTheLineFeedOfAPair", u"abc\r\nfghi", {u"\r\n", u"\n"}, 8, 5},

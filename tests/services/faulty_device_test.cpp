@@ -142,13 +142,13 @@ constexpr std::size_t kHeadBytes = 65'536;
 
 const PlaceCase kPlaceCases[] = {
     {"BeforeTheChunkIsFull", 65'534},
-    {"BehindAChunk", 65'535},
-    {"BehindTheHead", kHeadBytes},
-    {"BehindTheHeadAndAByte", kHeadBytes + 1},
+    {"AfterAChunk", 65'535},
+    {"AfterTheHead", kHeadBytes},
+    {"AfterTheHeadAndAByte", kHeadBytes + 1},
     {"BeforeTheBufferIsFull", TextStream::kBufferUnits - 1},
-    {"BehindABuffer", TextStream::kBufferUnits},
-    {"BehindABufferAndAByte", TextStream::kBufferUnits + 1},
-    {"BehindTwoBuffers", 2 * TextStream::kBufferUnits},
+    {"AfterABuffer", TextStream::kBufferUnits},
+    {"AfterABufferAndAByte", TextStream::kBufferUnits + 1},
+    {"AfterTwoBuffers", 2 * TextStream::kBufferUnits},
     {"AtTheEnd", 3 * TextStream::kBufferUnits},
 };
 

@@ -207,7 +207,7 @@ TEST_P(ThrowingService, OfErrorsPassesAndLeavesTheRecord) {
   }
 }
 
-TEST_P(ThrowingService, OfErrorsIsToldOfAnOddNumber) {
+TEST_P(ThrowingService, OfErrorsReceivesAnOddNumber) {
   error_channel = {0, 1, GetParam().thrown};
   const standalone::Array name = make_array(u"IsFile");
   const hxArray* args[] = {name.get()};
