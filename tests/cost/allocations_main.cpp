@@ -1,9 +1,9 @@
-// How many blocks of memory a whole detection asks for, of all libraries.
+// How many memory blocks a whole detection allocates, in all libraries.
 //   allocations_main PER_CANDIDATE BESIDES SHAPE...
-// Fails where the first 100 lines of a file take more than PER_CANDIDATE blocks for each candidate
-// and BESIDES blocks in all, or all lines of 4,194,304 units more than two further blocks for each
-// time that the number of lines doubles: lists double, but nothing is asked for a line or a field.
-// See bench/memory_count.hpp for what counts.
+// Fails if the first 100 lines of a file take more than PER_CANDIDATE blocks for each candidate and
+// BESIDES blocks in all. Also fails if all lines of 4,194,304 code units take more than two further
+// blocks each time that the number of lines doubles: lists double, but nothing is allocated for a
+// line or a field. bench/memory_count.hpp says what counts.
 #include <bit>
 #include <cstddef>
 #include <cstdlib>
@@ -34,7 +34,7 @@ struct Cost {
   std::size_t lines;
 };
 
-// The trace that tells the candidates is not asked for in the detection that counts.
+// The counted detection does not request the trace, which lists the candidates.
 Cost cost_of_detection(const std::string& path, unsigned long num_lines) {
   DetectSettings settings;
   settings.num_lines = num_lines;

@@ -1,5 +1,5 @@
-// The series are numbered as the positive numbers are written with the digits 1 to `letters`, the
-// empty series being 0: each series has one number, and a longer one has a larger number.
+// The series are numbered in bijective base `letters`, with the digits 1 to `letters`; the empty
+// series is 0. Each series has one number, and a longer series has a larger number.
 #include "differential/small_worlds.hpp"
 
 #include <algorithm>
@@ -11,12 +11,13 @@
 namespace textio::differential {
 namespace {
 
-// One of the columns has no width, and lines of more than three units start over.
+// One of the columns has no width, and lines of more than three code units start again at the
+// first.
 const std::vector<unsigned long> kWidths = {1, 0, 2};
 
 constexpr std::size_t kNotKnown = SIZE_MAX;
 
-// So many units of a text across blocks lie in front of the border.
+// The number of code units before the border, of a text across blocks.
 constexpr std::size_t kBeforeBorder = 2;
 
 std::string under_heading(const std::string& heading, const std::string& difference) {
@@ -35,7 +36,7 @@ std::string difference_with(const std::u16string& text, const Choices& choices) 
 }
 
 std::string difference_in_counts(const Series& counts, Choices choices) {
-  choices.line_endings = {u"\n"};  // the only one there is
+  choices.line_endings = {u"\n"};  // the only one
   return under_heading(heading(choices), difference_in_scores(counts, choices));
 }
 

@@ -1,5 +1,5 @@
-// That a small world holds every series, and that the comparisons tell what is wrong: the reference
-// is told other choices than the library, or a record is changed.
+// Tests that a small world contains every series, and that the comparisons find what is wrong: the
+// reference gets other choices than the library, or a record is changed.
 #include "differential/small_worlds.hpp"
 
 #include <cmath>
@@ -45,7 +45,7 @@ TEST(SmallWorld, GivesEachTextOnce) {
   EXPECT_EQ(texts.size(), world.size());
 }
 
-// The blocks of the vector code have 64 units.
+// The blocks of the vector code have 64 code units.
 TEST(TextsAcrossBlocks, CrossABlockAfterTheirSecondUnit) {
   const Series comma_a_quote = {2, 0, 4};
   const std::vector<std::u16string> texts = texts_across_blocks(comma_a_quote);
@@ -88,7 +88,7 @@ TEST(SmallWorld, ReportsTheFirstSeriesThatDiffers) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// A wrong member of a record, by as little as can be.
+// A record with one wrong member, by the smallest possible difference.
 
 struct MemberCase {
   const char* rule;  // the member
@@ -128,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(Table, WrongMember, testing::ValuesIn(kMemberCases),
                          testing_support::ByRule());
 
 // ---------------------------------------------------------------------------------------------
-// A reference that is told something else, over a whole world.
+// A reference with other choices, over a whole world.
 
 Choices with_header_lines(std::size_t header_lines) {
   Choices choices;
@@ -137,7 +137,7 @@ Choices with_header_lines(std::size_t header_lines) {
 }
 
 // No header line is given, and one. That matters once there are two lines and a delimiter in the
-// second: "a" deviates from ",", and is data for the library alone.
+// second: "a" deviates from ",", and only the library takes it for data.
 TEST(WrongReference, IsFoundInADetection) {
   const auto compare = [](const Series& series) {
     return difference_in_detection(small_text(series), with_header_lines(0), with_header_lines(1));
@@ -148,7 +148,8 @@ TEST(WrongReference, IsFoundInADetection) {
   EXPECT_THAT(found->told, HasSubstr("winner header lines: library 0, reference 1\n"));
 }
 
-// "a" is a comment for the reference: it samples no line of that text, which is the first.
+// "a" is a comment for the reference, which samples no line of that text. It is the first
+// difference.
 TEST(WrongReference, IsFoundInAStrategy) {
   Choices with_comments;
   with_comments.comment_style = {u"a"};
@@ -162,7 +163,7 @@ TEST(WrongReference, IsFoundInAStrategy) {
   EXPECT_THAT(found->told, HasSubstr("fixed-width num_lines: library 1, reference 0\n"));
 }
 
-// For the reference alone three lines are header lines; the one behind them has a single field.
+// Only for the reference, three lines are header lines; the one after them has a single field.
 TEST(WrongReference, IsFoundInTheScores) {
   const std::string told =
       difference_in_scores({2, 1, 2, 1}, with_header_lines(0), with_header_lines(3));

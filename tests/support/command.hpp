@@ -1,4 +1,4 @@
-// Running a program as a user does: its arguments, what it prints, how it ends.
+// Runs a program as a user does: its arguments, what it prints, how it ends.
 #pragma once
 
 #include <string>
@@ -12,8 +12,7 @@ struct CommandResult {
   std::string err;
 };
 
-// Runs `program` (a path) with `arguments`; nothing of them is seen by a shell. `input` is what it
-// reads from standard input.
+// Runs `program` (a path) with `arguments`, without a shell. `input` is its standard input.
 CommandResult run_command(const std::string& program, const std::vector<std::string>& arguments,
                           const std::string& input = {});
 
