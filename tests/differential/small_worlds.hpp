@@ -47,8 +47,8 @@ struct Part {
 };
 
 struct FirstDifference {
-  std::uint64_t number;  // of the series
-  std::string told;      // what `compare` returned for it
+  std::uint64_t number;     // of the series
+  std::string description;  // what `compare` returned for it
 };
 
 // The first series of a part for which `compare` returns a difference.

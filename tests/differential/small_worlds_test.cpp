@@ -81,7 +81,7 @@ TEST(SmallWorld, ReportsTheFirstSeriesThatDiffers) {
   const auto found = first_difference(world, {}, is_wrong);
   ASSERT_TRUE(found);
   EXPECT_EQ(found->number, 5U);  // {0, 1}
-  EXPECT_EQ(found->told, "wrong");
+  EXPECT_EQ(found->description, "wrong");
   const auto found_in_part = first_difference(world, {0, 2}, is_wrong);
   ASSERT_TRUE(found_in_part);
   EXPECT_EQ(found_in_part->number, 8U);  // {1, 1}
@@ -145,7 +145,7 @@ TEST(WrongReference, IsFoundInADetection) {
   const auto found = first_difference(SmallWorld(kSmallAlphabetSize, 3), {}, compare);
   ASSERT_TRUE(found);
   EXPECT_EQ(small_text(SmallWorld(kSmallAlphabetSize, 3).series(found->number)), u"a\n,");
-  EXPECT_THAT(found->told, HasSubstr("winner header lines: library 0, reference 1\n"));
+  EXPECT_THAT(found->description, HasSubstr("winner header lines: library 0, reference 1\n"));
 }
 
 // "a" is a comment for the reference, which samples no line of that text. It is the first
@@ -159,16 +159,16 @@ TEST(WrongReference, IsFoundInAStrategy) {
   const auto found = first_difference(SmallWorld(kSmallAlphabetSize, 3), {}, compare);
   ASSERT_TRUE(found);
   EXPECT_EQ(found->number, 1U);
-  EXPECT_THAT(found->told, HasSubstr("line reader lines: library [0+1 ], reference []\n"));
-  EXPECT_THAT(found->told, HasSubstr("fixed-width num_lines: library 1, reference 0\n"));
+  EXPECT_THAT(found->description, HasSubstr("line reader lines: library [0+1 ], reference []\n"));
+  EXPECT_THAT(found->description, HasSubstr("fixed-width num_lines: library 1, reference 0\n"));
 }
 
 // Only for the reference, three lines are header lines; the one after them has a single field.
 TEST(WrongReference, IsFoundInTheScores) {
-  const std::string told =
+  const std::string differences =
       difference_in_scores({2, 1, 2, 1}, with_header_lines(0), with_header_lines(3));
-  EXPECT_THAT(told, HasSubstr("units header_lines: library 0, reference 3\n"));
-  EXPECT_THAT(told, HasSubstr("units num_variables: library 2, reference 1\n"));
+  EXPECT_THAT(differences, HasSubstr("units header_lines: library 0, reference 3\n"));
+  EXPECT_THAT(differences, HasSubstr("units num_variables: library 2, reference 1\n"));
 }
 
 }  // namespace

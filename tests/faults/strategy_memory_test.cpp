@@ -356,8 +356,8 @@ const UnquoteCase kUnquoteCases[] = {
      u"  a text that is longer than a field keeps inside itself"},
     {"DoubledQuotes", u"\"a text with \"\"doubled\"\" quotes, longer than a field keeps\"",
      u"a text with \"doubled\" quotes, longer than a field keeps"},
-    {"TextAfterTheClosingQuote", u"\"a text with more of it\" behind the closing quote",
-     u"a text with more of it behind the closing quote"},
+    {"TextAfterTheClosingQuote", u"\"a text with more of it\" after the closing quote",
+     u"a text with more of it after the closing quote"},
 };
 
 class Unquoting : public Attempt {
