@@ -1,6 +1,6 @@
-// Detections over texts that are traps for scans, in growing sizes: the time must grow as the size
-// does. The line at the end of each series gives the time per unit and how far the measured times
-// lie from it.
+// Detections over texts that are traps for scans, in growing sizes: the time must grow in
+// proportion to the size. The line at the end of each series gives the time per code unit and the
+// deviation of the measured times from it.
 #include <cstdint>
 #include <limits>
 #include <string>

@@ -13,8 +13,8 @@
 namespace textio::bench {
 namespace {
 
-// What a date check is asked in earnest: fields with a digit that are no number. A quarter of them
-// is written as in the locale that is named.
+// Typical inputs of a date check: fields with a digit that are not numbers. A quarter of them is
+// written in the style of the named locale.
 struct Fields {
   const char* name;
   const char16_t* locale;

@@ -1,6 +1,6 @@
-// The host's code converter alone: a full sample in the chunks that a file source hands over, by
-// the route that the encoding takes and by the one through ICU that any encoding can take; and the
-// making of a converter, which every file pays for.
+// The host's code converter by itself: a full sample in the chunks that a file source passes on,
+// with the decoder of the encoding and with ICU's, which can decode any encoding; and the
+// construction of a converter, which every file needs.
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -20,7 +20,7 @@ using standalone::TextDecoder;
 
 constexpr std::size_t kChunk = 65'535;
 
-// `units` has room for a unit of each byte.
+// `units` has room for one code unit per byte.
 void decode_all(TextDecoder& decoder, const std::string& bytes, std::vector<char16_t>& units) {
   decoder.reset(true);
   char16_t* out = units.data();

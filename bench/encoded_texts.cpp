@@ -12,7 +12,7 @@ namespace {
 
 bool is_letter(char16_t unit) { return unit >= u'a' && unit <= u'z'; }
 
-// A table of names and numbers with an accent on one in twenty characters; where that one is no
+// A table of names and numbers with an accent on one in twenty characters; if that one is not a
 // letter, on the next.
 std::u16string accented_table(std::size_t characters) {
   std::u16string text = names_table(characters);
@@ -59,7 +59,7 @@ std::string utf16le(std::size_t characters) {
   return utf16_bytes(accented_table(characters)).substr(2);
 }
 
-// Of the characters of these texts, each has the number that its byte has.
+// The characters of these texts have the same numbers as their bytes.
 std::string windows1252(std::size_t characters) { return ascii_bytes(accented_table(characters)); }
 
 std::string shift_jis(std::size_t characters) {

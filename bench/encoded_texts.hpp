@@ -1,4 +1,4 @@
-// Tables in several encodings: ASCII, letters with two bytes, Japanese.
+// Tables in several encodings: ASCII, letters of two bytes, Japanese.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ struct EncodedText {
   const char* name;
   const char* encoding;
 
-  // The bytes of a table of `characters` characters, or a little less where only whole lines fit.
+  // The bytes of a table of `characters` characters, or slightly fewer if only whole lines fit.
   std::string (*make)(std::size_t characters);
 };
 

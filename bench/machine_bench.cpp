@@ -1,4 +1,4 @@
-// What the machine itself can do, in the same units: the measure of all other figures.
+// What the machine itself can do, in the same units, as a reference for all other figures.
 #include <sys/mman.h>
 
 #include <cstdint>
@@ -19,7 +19,7 @@ namespace {
 constexpr std::size_t kBytes = kSampleUnits * sizeof(char16_t);  // a full sample in memory
 constexpr std::size_t kPage = 4096;
 
-// As large as a stream's buffer with a full sample in it: it grows in blocks.
+// As large as a stream's buffer that contains a full sample: it grows in blocks.
 constexpr std::size_t kBufferBytes = kBytes + 2 * TextStream::kBufferUnits * sizeof(char16_t);
 
 Step memory_copy() {
@@ -39,7 +39,7 @@ Step memory_read() {
           kBytes};
 }
 
-// Takes fresh memory from the system, writes to each page of it and gives it back.
+// Allocates new memory from the system, writes to each page of it and frees it.
 void touch_fresh_memory(bool huge_pages) {
   constexpr int kFresh = MAP_PRIVATE | MAP_ANONYMOUS;
   void* const memory = ::mmap(nullptr, kBufferBytes, PROT_READ | PROT_WRITE, kFresh, -1, 0);

@@ -9,8 +9,8 @@
 namespace textio::bench {
 namespace {
 
-// The step whose turn it is, kept from one repetition to the next: the texts take far longer to
-// make than most calls.
+// The step that is being measured. It is kept between repetitions, because making the texts takes
+// far longer than most calls.
 struct Turn {
   std::string name;
   Step step;

@@ -1,4 +1,4 @@
-// Steps to measure: one call, with all that it works on.
+// Steps to measure: one call, with all its data.
 //
 //   void add_all() {
 //     add_step("scan/find_one", [] {
@@ -8,9 +8,9 @@
 //   }
 //   int main(int argc, char** argv) { return textio::bench::run(argc, argv, add_all); }
 //
-// A step is prepared when its turn comes and called once with its memory being counted, then again
-// and again with nothing but the time being taken. Each repetition reports the time of one call,
-// the bytes per second and, among the counters, `allocations`, `peak_bytes` and the step's own.
+// A step is prepared when it is about to run. It is called once with its memory being counted, then
+// repeatedly with only the time being measured. Each repetition reports the time of one call, the
+// bytes per second and, among the counters, `allocations`, `peak_bytes` and the step's own.
 #pragma once
 
 #include <cstddef>
@@ -25,22 +25,22 @@
 namespace textio::bench {
 
 struct Step {
-  // Owns all that it works on, also where it only looks at it.
+  // Owns all its data, including data that it only reads.
   std::function<void()> call;
 
-  // What one call reads: the bytes of a file where it begins with one, else of the UTF-16 text.
+  // What one call reads: the bytes of a file if it reads one, otherwise those of the UTF-16 text.
   std::size_t bytes = 0;
 
-  // Facts to print beside the figures.
+  // Facts to print next to the figures.
   std::vector<std::pair<std::string, double>> notes = {};
 };
 
-// Of real time is what mostly happens in other processes.
+// Uses real time, for work that mostly happens in other processes.
 enum class Clock { cpu, real };
 
 void add_step(const std::string& name, std::function<Step()> prepare, Clock clock = Clock::cpu);
 
-// Hides from the compiler that nobody looks at a result.
+// Hides from the compiler that a result is not used.
 template <typename Result>
 void keep(const Result& result) {
   benchmark::DoNotOptimize(&result);
@@ -49,7 +49,7 @@ void keep(const Result& result) {
 
 inline std::size_t bytes_of(std::u16string_view text) { return text.size() * sizeof(char16_t); }
 
-// What main returns, after the steps that `add_all` adds have run as the arguments ask.
+// The return value of main, after the steps that `add_all` adds have run as the arguments say.
 int run(int argc, char** argv, void (*add_all)());
 
 }  // namespace textio::bench

@@ -1,5 +1,5 @@
-// The program's own malloc stands in front of the C library's for all libraries too. A block may be
-// older than the count that sees its end, so what is held can fall below zero.
+// The program's own malloc replaces the C library's, for all libraries as well. A block may have
+// been allocated before the count that sees it freed, so the balance can be negative.
 #include "bench/memory_count.hpp"
 
 #include <atomic>
@@ -61,7 +61,7 @@ VLT_IN_FRONT void free(void* block) {
   if (is_counting.load(std::memory_order_relaxed)) live -= size_of(block);
   __libc_free(block);
 }
-// Both blocks are there while the contents move, unless the block grows in its place.
+// Both blocks exist while the contents are moved, unless the block grows in place.
 VLT_IN_FRONT void* realloc(void* block, std::size_t size) {
   if (!is_counting.load(std::memory_order_relaxed)) return __libc_realloc(block, size);
   const std::ptrdiff_t before = size_of(block);

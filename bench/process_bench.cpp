@@ -1,9 +1,9 @@
-// The tool as a process of its own, beside the start of a trivial program. Times are those that
-// pass until the process has ended.
+// The tool as a separate process, next to the start of a trivial program. Times are measured until
+// the process has ended.
 //
-// `peak_bytes_of_process` is the most memory that the process had in use. What a child inherits
-// from this program until it becomes another one counts for it too, so this program stays small:
-// texts are written piece by piece. `jobs_refused` is 1 where the tool knows no --jobs.
+// `peak_bytes_of_process` is the most memory that the process had in use. It includes what a child
+// inherits from this program before it becomes another one, so this program stays small: texts are
+// written piece by piece. `jobs_refused` is 1 if the tool does not know --jobs.
 #include <fstream>
 #include <memory>
 #include <stdexcept>
@@ -24,7 +24,7 @@ constexpr std::size_t kSmallFileBytes = 10'000;
 constexpr std::size_t kLargeFileBytes = 100'000'000;
 constexpr std::size_t kPieceUnits = 65'536;
 
-// A program that is run again and again, and the folder with its files, if there is one.
+// A program that is run repeatedly, and the folder with its files, if there is one.
 Step program_step(const Arguments& arguments, std::size_t bytes,
                   const std::shared_ptr<TempFolder>& folder = nullptr) {
   const auto peak = static_cast<double>(run_program(arguments).peak_bytes);

@@ -172,7 +172,7 @@ HEAD, ALIGN = ["time", "least", "copies", "per second", "allocations", "peak"], 
 
 
 def cells(figure, copy):
-    # Where a search ends early there is no rate of what it was given.
+    # If a search ends early, a rate of its input is meaningless.
     rate = figure.bytes_per_second
     return [time_text(figure.median), time_text(figure.least), three_digits(figure.median / copy),
             bytes_text(rate) if rate and rate < 1e11 else "-", f"{figure.facts['allocations']:,.0f}",

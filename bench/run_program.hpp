@@ -1,4 +1,4 @@
-// A program as a process of its own.
+// Runs a program as a separate process.
 //
 //   const EndedProgram ended = run_program({"/usr/bin/sort", "names.txt"});
 //   ended.status;   // 0
@@ -14,15 +14,15 @@
 
 namespace textio::bench {
 
-// The path of the program, and what it is told.
+// The path of the program, and its arguments.
 using Arguments = std::vector<std::string>;
 
 struct EndedProgram {
-  int status;              // what it returned, -1 where a signal ended it
-  std::size_t peak_bytes;  // the most memory that it had in use
+  int status;              // its exit status, -1 if a signal ended it
+  std::size_t peak_bytes;  // the most memory in use
 };
 
-// What it writes is lost.
+// Its output is discarded.
 EndedProgram run_program(const Arguments& arguments);
 
 void run_or_throw(const Arguments& arguments);

@@ -1,5 +1,5 @@
-// A table is made line by line from the number of the line. Its measured values come from a mixing
-// function, so that no two lines are alike.
+// A table is made line by line from the line number. Its measured values come from a mixing
+// function, so that all lines differ.
 #include "bench/shapes.hpp"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 using Line = std::u16string (*)(std::size_t row);
 
-// As many whole lines as fit into `units`.
+// As many whole lines as fit into `units` code units.
 std::u16string lines_of(std::size_t units, Line line) {
   std::u16string text;
   text.reserve(units);
@@ -25,7 +25,7 @@ std::u16string lines_of(std::size_t units, Line line) {
   }
 }
 
-// `pattern` repeated, the last one cut off.
+// `pattern` repeated, with the last repetition cut off.
 std::u16string repeat(std::size_t units, std::u16string_view pattern) {
   std::u16string text;
   text.reserve(units + pattern.size());
@@ -40,7 +40,7 @@ std::u16string join(std::initializer_list<std::u16string_view> parts) {
   return text;
 }
 
-// A number below `limit` that depends on row and column.
+// A number below `limit` that depends on the row and the column.
 std::size_t value(std::size_t row, std::size_t column, std::size_t limit) {
   std::uint64_t mixed = (row + 1) * 0x9E3779B97F4A7C15U + (column + 1) * 0xBF58476D1CE4E5B9U;
   mixed ^= mixed >> 29;
@@ -132,7 +132,7 @@ std::u16string regular_line(std::size_t row) {
 
 std::u16string wide_line(std::size_t row) { return join({values(row, 200), u"\n"}); }
 
-// Fields that hold delimiters, doubled quotes and, in every eighth line, a line ending.
+// Fields that contain delimiters, doubled quotes and, in every eighth line, a line ending.
 std::u16string quoted_line(std::size_t row) {
   return join({u"\"", sentence(row, 0, 2), u", ", word(row, 2), u"\",\"", word(row, 3), u" \"\"",
                word(row, 4), u"\"\"\",", measured(row, 5), u",\"", sentence(row, 6, 3),
@@ -151,7 +151,8 @@ std::u16string aligned_line(std::size_t row) {
   return join({line, word(row, 8), digits(value(row, 9, 100000), 1), u"\n"});
 }
 
-// A column of one to three words makes the number of blanks useless; all lines have one length.
+// A column of one to three words makes the number of blanks useless; all lines have the same
+// length.
 std::u16string fixed_line(std::size_t row) {
   return join({digits(row % 100000, 5), u" ", padded(sentence(row, 1, 1 + value(row, 2, 3)), 20),
                digits(value(row, 3, 1000), 3), u" ", digits(value(row, 4, 1000000), 6), u"\n"});
@@ -203,14 +204,14 @@ std::u16string long_line(std::size_t units) {
   return text;
 }
 
-// The first code unit opens a field that is never closed.
+// The first code unit starts a field that is never closed.
 std::u16string open_quote(std::size_t units) {
   std::u16string text = lines_of(units - 1, narrow_line);
   text.insert(text.begin(), u'"');
   return text;
 }
 
-// A small table whose last line, which is classified first, holds one huge field.
+// A small table whose last line, which is classified first, has one huge field.
 std::u16string field_of_doubled_quotes(std::size_t units) {
   const std::u16string table = u"x,1\nx,2\nx,3\n";
   const std::u16string rest = u",4\n";

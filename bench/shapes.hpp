@@ -1,5 +1,5 @@
-// Texts of known shape to measure detections with. A text is the same in each run and on each
-// machine. All are ASCII, but for those with many first code units.
+// Texts of known shape for measuring detections. A text is the same in each run and on each
+// machine. All are ASCII, except those with many first code units.
 //
 // Units  a size counts UTF-16 code units.
 #pragma once
@@ -36,16 +36,16 @@ const std::vector<Shape>& option_shapes();
 // The shape `name` of any list, null if there is none.
 const Shape* find_shape(std::string_view name);
 
-// A table of names and numbers, with letters all over each line.
+// A table of names and numbers, with letters throughout each line.
 std::u16string names_table(std::size_t units);
 
 // A quoted field of `pairs` doubled quotes.
 std::u16string doubled_quotes(std::size_t pairs);
 
-// The bytes of a text of units below 256, one byte each.
+// The bytes of a text of code units below 256, one byte each.
 std::string ascii_bytes(std::u16string_view text);
 
-// The bytes of a text in UTF-16, little end first, with a byte-order mark.
+// The bytes of a text in UTF-16, little-endian, with a byte-order mark.
 std::string utf16_bytes(std::u16string_view text);
 
 }  // namespace textio::bench

@@ -1,9 +1,9 @@
-// The stages of a detection, each alone, over a full sample of 4,194,304 units where nothing else
-// is said: from the file to the sample, scans of a stream, a window that moves over a file, sampling
-// and cutting for each strategy, valuing, the classes of fields, header lines, candidates and
-// filters.
+// The stages of a detection, each by itself, over a full sample of 4,194,304 code units unless
+// stated otherwise: from the file to the sample, scans of a stream, a window that moves over a
+// file, sampling and cutting for each strategy, valuing, the classes of fields, header lines,
+// candidates and filters.
 //
-// Some are internal, so this program is linked from the library's objects.
+// Some stages are internal, so this program is linked from the library's objects.
 #include <algorithm>
 #include <limits>
 #include <memory>
@@ -38,7 +38,7 @@ using testing_support::TempFile;
 
 constexpr unsigned long kAllLines = std::numeric_limits<unsigned long>::max();
 
-// Options and a text. Whoever calls a strategy holds on to what it looks at.
+// Options and a text. The caller of a strategy must keep both alive.
 struct Subject {
   parser::options options;
   std::u16string text;
@@ -54,7 +54,7 @@ std::shared_ptr<Subject> subject_of(std::string_view shape) {
 
 // --- from a file to the sample -----------------------------------------------------------------
 
-// A little more than a sample, so that there is something to cut off.
+// Slightly more than a sample, so that there is something to cut off.
 constexpr std::size_t kFileUnits = kSampleUnits + 65'536;
 
 Step open_decode_cut(const EncodedText& text) {
@@ -72,7 +72,7 @@ Step open_decode_cut(const EncodedText& text) {
 
 // --- scans of a stream -------------------------------------------------------------------------
 
-// `scan` runs over a text of one and the same unit to its end.
+// `scan` runs over a text that repeats one code unit, to its end.
 template <typename Scan>
 void add_scan(const char* name, char16_t unit, Scan scan) {
   add_step(name, [unit, scan] {
@@ -214,8 +214,8 @@ Step classify(const ClassCase& row) {
           1000 * bytes_of(text)};
 }
 
-// The columns of a table as `row` cuts it. With `with_empty` there is nothing in the last of them,
-// so it is looked for down to the last line.
+// The columns of a table as `row` cuts it. With `with_empty` the last of them has only empty
+// fields, so the search for its class goes through all lines.
 Step classify_all_columns(const StrategyCase& row, bool with_empty) {
   const auto subject = subject_of(row.shape);
   const std::shared_ptr<Strategy> strategy = row.make(subject->options);
@@ -246,7 +246,7 @@ Step unquote_field() {
 
 constexpr std::size_t kLines = 100'000;
 
-// A header of twenty lines, then a stray line now and then.
+// A header of twenty lines, then an occasional irregular line.
 std::vector<std::size_t> field_counts() {
   std::vector<std::size_t> counts(kLines, 20);
   for (std::size_t i = 0; i < 20; ++i) counts[i] = 1 + i % 3;
@@ -311,7 +311,7 @@ constexpr FilterCase kFilters[] = {
 
 constexpr unsigned long kCandidates = 56;
 
-// As many valuations as there are candidate characters, all as good as each other.
+// As many valuations as there are candidate characters, all equally good.
 Selector::Valuations equal_valuations() {
   StrategyValuation score;
   score.total_variation = 0.0;

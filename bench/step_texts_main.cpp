@@ -1,4 +1,4 @@
-// Writes the files that steps_bench reads into a folder that is there: step_texts FOLDER.
+// Writes the files that steps_bench reads into an existing folder: step_texts FOLDER.
 #include <algorithm>
 #include <exception>
 #include <fstream>

@@ -1,6 +1,6 @@
 // What `scripts/bench-steps` measures of the commits that made something faster: a few figures that
-// each of them can give. The script compiles this file with the headers and the libraries of each,
-// so it keeps to what was public in all of them.
+// each of them can give. The script compiles this file with the headers and libraries of each
+// commit, so it uses only what was public in all of them.
 //
 //   steps_bench TEXTS TOOL [--benchmark_...]
 //
@@ -27,7 +27,7 @@ using standalone::DetectSettings;
 constexpr unsigned long kAllLines = std::numeric_limits<unsigned long>::max();
 constexpr std::size_t kTrapUnits = 16'384;
 
-// Where the texts and the tool are; set by main before anything is measured.
+// The paths of the texts and the tool; main sets them before anything is measured.
 struct Places {
   std::string texts;
   std::string tool;
@@ -45,7 +45,7 @@ std::string content_of(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Of ASCII, a unit for each byte.
+// For ASCII, one code unit per byte.
 std::u16string units_of(const std::string& bytes) { return {bytes.begin(), bytes.end()}; }
 
 Step open_decode_cut(const std::string& path) {
@@ -70,7 +70,7 @@ Step detect_file(const std::string& path, const DetectSettings& settings) {
   return {[path, settings] { keep(standalone::detect_layout(path, settings)); }};
 }
 
-// A delimiter half as long as the text, which it matches almost everywhere up to its last unit.
+// A delimiter half as long as the text, which matches almost everywhere up to its last code unit.
 Step detect_with_long_delimiter() {
   const auto text = std::make_shared<std::u16string>(kTrapUnits, u'a');
   DetectSettings settings;

@@ -1,2 +1,2 @@
-// The least that a program can do: what it costs to start one.
+// A program that does nothing: the cost of starting a program.
 int main() {}

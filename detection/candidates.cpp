@@ -1,7 +1,7 @@
-// A character of the sampled lines that is no part of words and numbers may separate fields. For
-// each such character one delimited candidate is built; for the space, also a space-aligned one,
-// which turns into a fixed-width one when all its data lines have one length and columns of blanks
-// run through them.
+// A character of the sampled lines that is not part of words or numbers may separate fields. Each
+// such character gives one delimited candidate. The space also gives a space-aligned candidate,
+// which becomes a fixed-width one if all its data lines have the same length and share columns of
+// blanks.
 #include <vltextstream/detection/candidates.hpp>
 
 #include <algorithm>
@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::size_t kAsciiCount = 128;
 
-// Besides the delimited candidate: a space-aligned one, and a fixed-width one made of it.
+// Besides the delimited candidate: a space-aligned one, and a fixed-width one made from it.
 constexpr std::size_t kMoreForTheSpace = 2;
 
 constexpr std::u16string_view kNeverDelimiters = u"@-.\"$'+\r\n\x1A";
@@ -31,11 +31,11 @@ bool is_word_char(char16_t unit) {
          (unit >= u'0' && unit <= u'9');
 }
 
-// Of the ASCII characters.
+// For ASCII characters only.
 bool may_delimit(char16_t unit) { return !is_word_char(unit) && !contains(kNeverDelimiters, unit); }
 
-// The lines in the middle, where header and trailer do not reach; of a few lines, all but the
-// first.
+// The lines in the middle, away from header and trailer; if there are only a few lines, all except
+// the first.
 struct Range {
   std::size_t first;
   std::size_t last;
@@ -45,7 +45,7 @@ Range lines_to_scan(std::size_t n) {
   return {n == 1 ? std::size_t{0} : std::size_t{1}, n};
 }
 
-// Collects the characters that may delimit, each the first time that it is met.
+// Collects the characters that may delimit, each one where it first appears.
 class NewCandidateChars {
  public:
   NewCandidateChars() {
@@ -73,13 +73,13 @@ class NewCandidateChars {
   std::u16string found_;
 };
 
-// The last `count` sampled lines, none of which is blank.
+// The last `count` sampled lines. None of them may be blank.
 std::span<const Field> last_texts(const DrawnSample& sample, std::size_t count) {
   return std::span(sample.texts).last(count);
 }
 
-// A place stays blank while every line so far has a space there; text after such a place begins a
-// column. uint16_t cannot alias, so both loops vectorise.
+// A position stays blank while every line so far has a space there. A column begins where text
+// follows such a position. uint16_t cannot alias, so both loops vectorise.
 class BlankPlaces {
  public:
   explicit BlankPlaces(std::size_t width) : is_blank_(width, 1) {}
@@ -119,7 +119,7 @@ CandidateTrace trace_of(Strategy& strategy, CandidateFate fate) {
   return trace;
 }
 
-// Whether the lines from `begin` on are as long as the first one: none of them is blank.
+// Whether the lines from `begin` on are as long as the first one, so that none of them is blank.
 bool all_as_long_as_the_first(const DrawnSample& sample, std::size_t begin) {
   const std::size_t length = sample.line(0).length;
   const auto is_other = [&](const SampleRun& run) {
@@ -148,7 +148,7 @@ class CandidateBuilder {
   }
 
  private:
-  // Counts, judges, and classifies only what is kept or traced.
+  // Counts and judges every candidate; classifies only those that are kept or traced.
   void add_delimited(char16_t delimiter) {
     const auto strategy = std::make_shared<DelimitedStrategy>(input_.options, delimiter);
     DrawnSample sample = shares_blank_lines(delimiter) ? samples_.draw_past_blanks(*strategy)
@@ -170,14 +170,14 @@ class CandidateBuilder {
         valued(aligned, aligned_shares_blank_lines() ? samples_.draw_past_blanks(*aligned)
                                                      : samples_.draw(*aligned));
     const DrawnSample& sample = candidate.sample;
-    // Without a data line, or with nothing but blanks in them, there are no columns to find.
+    // Without a data line, or with only blanks in the data lines, there are no columns to find.
     const bool has_data =
         sample.size() > 1 && aligned->header_lines() < sample.size() && sample.line(0).length > 0;
     if (has_data && all_as_long_as_the_first(sample, aligned->header_lines())) {
       add_aligned_or_fixed(std::move(candidate));
       return;
     }
-    // A valuation may override header lines that are given, and with them how much is sampled.
+    // A valuation may override given header lines, and this changes the size of the sample.
     const bool are_settled = aligned->header_lines() == header_lines_before;
     if (!input_.options.detect_header_lines && !are_settled) {
       candidate.sample = samples_.draw(*aligned);
@@ -187,7 +187,7 @@ class CandidateBuilder {
     if (fate == CandidateFate::kept) keep(std::move(candidate));
   }
 
-  // The data lines of `aligned` have one length.
+  // The data lines of `aligned` have the same length.
   void add_aligned_or_fixed(Candidate aligned) {
     const StrategyValuation& score = aligned.strategy->valuation();
     const DrawnSample& sample = aligned.sample;
@@ -240,7 +240,7 @@ class CandidateBuilder {
            });
   }
 
-  // A reading with one column is kept when the caller has settled the number of variables.
+  // A candidate with one column is kept if the caller has fixed the number of variables.
   CandidateFate judge(const StrategyValuation& score) const {
     const bool several_columns = score.modal_field_count > 1;
     const bool caller_wants_it = !input_.options.detect_num_variables && score.num_lines > 1;
@@ -298,9 +298,9 @@ std::vector<unsigned long> find_column_widths(std::span<const Field> data_lines,
   const double deviation = mean_deviation(counts, get_modified_median(counts, 0));
   if (deviation > variation || counts.back() > most_columns) return {};
 
-  // The blanks in front of a text are part of its column, so a column ends where blanks begin.
+  // The blanks before a text are part of its column, so a column ends where blanks begin.
   std::vector<unsigned long> widths;
-  widths.reserve(counts.back() + 1);  // blanks at the end are a column, too
+  widths.reserve(counts.back() + 1);  // blanks at the end are a column as well
   std::size_t begin = 0;
   for (std::size_t j = 1; j < width; ++j) {
     if (blank[j - 1] || !blank[j]) continue;

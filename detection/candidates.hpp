@@ -1,4 +1,4 @@
-// The strategies that are worth comparing for a sample.
+// The strategies that are compared for a sample.
 #pragma once
 
 #include <span>
@@ -18,21 +18,22 @@ using Candidates = std::vector<Candidate>;
 // `lines` are the sampled lines; empty ones do not count.
 std::u16string find_candidate_chars(const std::vector<Field>& lines);
 
-// What candidates are made from.
+// The input for building candidates.
 struct CandidateInput {
   const parser::options& options;
-  unsigned long header_lines;  // if the caller has settled them
+  unsigned long header_lines;  // used if the caller has fixed them
   SampleStore& samples;
 };
 
-// The candidates for `chars`, which are distinct, in their order; each has been valued, and its
-// sample has been put away. What was built, kept and refused is added to `trace`, if there is one.
+// The candidates for `chars`, which must be distinct, in the same order. Each one has been scored,
+// and its sample has been put away. If there is a `trace`, all built, kept and refused candidates
+// are added to it.
 Candidates build_candidates(const std::u16string& chars, const CandidateInput& input,
                             SelectionTrace* trace);
 
-// The column widths that fit lines with these texts: a column begins with the blanks that precede its
-// text on all lines. Nothing if the lines have more columns in the end than `most_columns`, or vary
-// by more than `variation`.
+// The column widths that fit lines with these texts. A column begins with the blanks that precede
+// its text on all lines. Empty if the lines have more than `most_columns` columns in the end, or
+// vary by more than `variation`.
 std::vector<unsigned long> find_column_widths(std::span<const Field> data_lines, std::size_t width,
                                               double variation, std::size_t most_columns);
 

@@ -1,5 +1,6 @@
-// Each filter finds the best survivor, the earliest one on ties, and keeps those that come up to
-// it. All comparisons are exact, and a comparison with NaN keeps nobody, which keeps everybody.
+// Each filter finds the best survivor, the earliest one on ties, and keeps those that are as good.
+// All comparisons are exact. A comparison with NaN keeps no survivor, and then the filter keeps all
+// of them.
 #include <algorithm>
 #include <iterator>
 
@@ -12,7 +13,7 @@ namespace {
 using Survivors = StrategySelector::Survivors;
 using Valuations = StrategySelector::Valuations;
 
-// Ranks below this belong to the characters of the priority list.
+// Ranks below this are those of the characters of the priority list.
 constexpr auto kPriorityCount = static_cast<double>(kDelimiterPriority.size());
 
 template <typename Criterion>
@@ -24,7 +25,7 @@ Survivors keep_if_any(const Survivors& survivors, Criterion meets) {
   return kept;
 }
 
-// The earliest survivor that no other one beats; `survivors` is not empty.
+// The earliest survivor that no other one beats. `survivors` must not be empty.
 template <typename Better>
 unsigned long best_of(const Survivors& survivors, Better better) {
   unsigned long best = survivors.front();
@@ -36,7 +37,8 @@ unsigned long best_of(const Survivors& survivors, Better better) {
 
 std::int32_t as_signed(std::uint32_t count) { return static_cast<std::int32_t>(count); }
 
-// A date with a time says most about a cut, then dates, then numbers; text says least.
+// A date with a time is the strongest sign of a correct cut, followed by dates and numbers. Text is
+// the weakest.
 double class_value(const StrategyValuation& v) {
   const auto text_columns =
       as_signed(v.typed_columns - v.numeric_columns - v.date_columns - v.datetime_columns);
@@ -48,7 +50,7 @@ double share_of_typed_columns(const StrategyValuation& v) {
   return static_cast<double>(as_signed(v.typed_columns)) / static_cast<double>(v.num_variables);
 }
 
-// Those whose `value` equals the largest.
+// The survivors whose `value` is the largest.
 template <typename Value>
 Survivors keep_largest(const Survivors& survivors, Value value) {
   if (survivors.empty()) return survivors;

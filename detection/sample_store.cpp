@@ -10,11 +10,11 @@
 namespace textio::detection {
 namespace {
 
-// Shorter runs are passed over faster than they are looked up.
+// Skipping a shorter run is faster than looking it up.
 constexpr std::size_t kManyBlanks = 8;
 
-// What a fixed-width strategy cuts depends on what it has cut before. A sample that was drawn after
-// the valuation is not the one that its counts are of.
+// The fields that a fixed-width strategy cuts depend on what it has cut before. Its counts would
+// not match a sample that is drawn after the valuation.
 bool can_be_drawn_again(const Candidate& candidate) {
   return candidate.strategy->mode() != Strategy::kFixedWidth &&
          candidate.counts.size() == candidate.sample.size();
@@ -71,7 +71,7 @@ void SampleStore::put_away(Candidate& candidate) {
   candidate.counts = {};
 }
 
-// With the same limit, the sample ends where it ended before.
+// The limit is the same, so the sample ends at the same place.
 void SampleStore::bring_back(Candidate& candidate) {
   if (!candidate.most_texts) return;
   candidate.sample = draw(*candidate.strategy, *candidate.most_texts, {});

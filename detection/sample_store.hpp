@@ -5,12 +5,12 @@
 //   samples.put_away(candidate);       // candidate.sample may be empty from here on ...
 //   samples.bring_back(candidate);     // ... to here
 //
-// A sample may have as many lines as its text has code units, and there may be 57 candidates. The
-// sample of a candidate that waits for the end of the selection is dropped when the ones before hold
-// too many lines; the winner's is then drawn again.
+// A sample may have as many lines as its text has code units, and there may be 57 candidates. While
+// a candidate waits for the end of the selection, its sample is dropped if the samples before it
+// have too many lines. The winner's sample is then drawn again.
 //
 // Ownership  refers to the text.
-// Errors     std::bad_alloc passes, and what the host throws.
+// Errors     std::bad_alloc and what the host throws are passed on.
 #pragma once
 
 #include <cstddef>
@@ -27,32 +27,34 @@
 
 namespace textio::detection {
 
-// A strategy, its sample of the text, and the number of fields on each line as it was valued.
+// A strategy, its sample of the text, and the number of fields on each line, as used for its score.
 struct Candidate {
   std::shared_ptr<Strategy> strategy;
   DrawnSample sample;
   LineCounts counts;
 
-  // How many text lines a sample that was dropped could have; none for one that is still here.
+  // The largest number of text lines that a dropped sample could have; none for a sample that is
+  // kept.
   std::optional<std::size_t> most_texts = std::nullopt;
 };
 
-// A strategy that is valued by `sample`.
+// A strategy that is scored with `sample`.
 Candidate valued(std::shared_ptr<Strategy> strategy, DrawnSample sample);
 
 class SampleStore {
  public:
-  // The most text lines in samples that have been put away, unless fewer are given.
+  // The largest number of text lines in all samples that have been put away, unless a smaller one
+  // is given.
   static constexpr std::size_t kMostLines = 2'097'152;
 
   SampleStore(const Field& text, unsigned long num_lines, std::size_t most_lines = kMostLines)
       : text_(text), num_lines_(num_lines), room_(most_lines) {}
 
-  // A sample of the text: of as many data lines as the selection looks at, or of `num_lines`.
+  // A sample of the text, with as many data lines as the selection examines or with `num_lines`.
   DrawnSample draw(Strategy& strategy) { return draw(strategy, num_lines_); }
   DrawnSample draw(Strategy& strategy, unsigned long num_lines);
 
-  // The same for a strategy to which the blank lines of the remembered sample are blank lines, too.
+  // The same, for a strategy that has the same blank lines as the remembered sample.
   DrawnSample draw_past_blanks(Strategy& strategy);
   void remember_blanks(const DrawnSample& sample);
 
@@ -74,11 +76,11 @@ class SampleStore {
 
   const Field text_;
   const unsigned long num_lines_;
-  std::size_t room_;  // for this many text lines more
+  std::size_t room_;  // for this many more text lines
   bool reached_end_ = false;
 
-  // As many as the last sample had. All strategies find about as many lines in one text, so that a
-  // list of this length seldom grows or has room to give back.
+  // The number of lines of the last sample. All strategies find about the same number of lines in
+  // one text, so a list of this length rarely has to grow or shrink.
   std::size_t likely_lines_ = 16'384;
   std::vector<BlankRun> blank_runs_;
   std::u16string blank_units_;

@@ -1,11 +1,11 @@
-// SelectionTrace: how a selection came to its answer.
+// SelectionTrace: how a selection reached its result.
 //
 //   detection::SelectionTrace trace;
 //   auto winner = selector.pick_strategy(text, 100, trace);
 //   for (const auto& candidate : trace.candidates) ...
 //
-// A plain record without views: it stays valid when the text, the options and the strategies are
-// gone. Tracing never changes the outcome.
+// A plain record without views: it stays valid after the text, the options and the strategies have
+// been destroyed. Tracing never changes the result.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,7 @@
 
 namespace textio::detection {
 
-// What became of a candidate when it was built.
+// The outcome for one candidate when it was built.
 enum class CandidateFate {
   kept,
   irregular,        // refused: its data lines deviate by one field or more on average
@@ -35,10 +35,10 @@ enum class SelectionEnd {
   empty_sample,      // no line was sampled: the line reader
   whole_line_dates,  // each line as a whole is a date: the single-column fallback
   unresolved_tie,    // several candidates passed all filters: the single-column fallback
-  given              // there was none: the caller gave the delimiters or the widths
+  given              // there was no selection: the caller gave the delimiters or the widths
 };
 
-// The name of the enumerator with hyphens, such as "made-fixed-width"; empty for any other number.
+// The name of the enumerator with hyphens, such as "made-fixed-width"; empty for any other value.
 VLTEXTSTREAM_EXPORT std::string_view to_string(CandidateFate fate);
 VLTEXTSTREAM_EXPORT std::string_view to_string(SelectionEnd end);
 
@@ -58,23 +58,24 @@ struct VLTEXTSTREAM_EXPORT SelectionTrace {
   // The characters for which candidates were built, in order.
   std::u16string candidate_chars;
 
-  // All candidates that were built, in order, the refused ones included.
+  // All candidates that were built, in order, including the refused ones.
   std::vector<CandidateTrace> candidates;
 
-  // The filters that ran, in order. Their survivors count the kept candidates only, from 0.
+  // The filters that ran, in order. Their survivors are numbered from 0 among the kept candidates.
   std::vector<FilterTrace> filters;
 
   SelectionEnd end = SelectionEnd::no_candidate;
 
-  // Whether a sample reached the end of the text: only then could more text have changed the answer.
+  // Whether a sample reached the end of the text. Only then could more text have changed the
+  // result.
   bool reached_end = false;
 };
 
-// How a selection ended, without its way there.
+// How a selection ended, without the steps that led there.
 struct VLTEXTSTREAM_EXPORT SelectionOutcome {
   SelectionEnd end = SelectionEnd::no_candidate;
 
-  // The name of the filter that left a single candidate, a constant text; empty if none did.
+  // The name of the filter that left a single candidate, a constant string; empty if none did.
   std::string_view decided_by;
 
   // As in SelectionTrace.

@@ -1,5 +1,5 @@
-// The cascade of a selection: dates as a whole, no sample, no candidate, one candidate, and then
-// the filters one after the other until one candidate is left.
+// The steps of a selection: whole-line dates, no sample, no candidate, one candidate, and then the
+// filters one after the other until one candidate is left.
 #include <vltextstream/detection/strategy_selector.hpp>
 
 #include <iterator>
@@ -14,7 +14,7 @@
 namespace textio::detection {
 namespace {
 
-// A strategy that brings the options record it was made from.
+// A strategy that owns the options record it was made from.
 struct SingleColumn {
   explicit SingleColumn(const parser::options& given)
       : options(with_one_column(given)), strategy(options) {}
@@ -32,7 +32,7 @@ struct SingleColumn {
   DelimitedStrategy strategy;
 };
 
-// One step of the cascade; one of the two filters is set.
+// One step of the filter sequence; one of the two pointers is set.
 struct FilterStep {
   using Survivors = StrategySelector::Survivors;
   using Valuations = StrategySelector::Valuations;
@@ -71,7 +71,7 @@ StrategySelector::StrategySelector(const parser::options& options)
 StrategySelector::~StrategySelector() = default;
 StrategySelector::StrategySelector(const StrategySelector&) = default;
 
-// What can fail comes first, so that a selector which cannot be assigned to stays as it is.
+// The copies, which can fail, come first: if one fails, the selector is unchanged.
 StrategySelector& StrategySelector::operator=(const StrategySelector& other) {
   if (this == &other) return *this;
   std::vector<std::u16string> delimiters = other.delimiters_;
@@ -163,7 +163,7 @@ std::shared_ptr<Strategy> StrategySelector::pick(SampleStore& samples, Selection
   return single_column(samples);
 }
 
-// Runs the filters in their order until one candidate is left.
+// Runs the filters in order until one candidate is left.
 StrategySelector::Survivors StrategySelector::reduce(
     const std::vector<std::shared_ptr<Strategy>>& candidates, SelectionOutcome& outcome,
     SelectionTrace* trace) const {

@@ -7,13 +7,13 @@
 //
 // A detection takes these steps:
 //
-//  1. Sample     a LineReaderStrategy samples the lines. If each line is a date as a whole, the text
+//  1. Sample     a LineReaderStrategy samples the lines. If each line as a whole is a date, the text
 //                has a single column; if there is no line, the line reader wins
 //                (strategy/sampling/sampler.hpp).
 //  2. Characters the characters of the middle lines that could separate fields are collected
 //                (find_candidate_chars in detection/candidates.hpp).
 //  3. Candidates for each character a DelimitedStrategy; for the space also a SpaceAlignedStrategy,
-//                which may turn into a FixedWidthStrategy (build_candidates).
+//                which may become a FixedWidthStrategy (build_candidates).
 //  4. Score      each candidate samples the text; the numbers of fields on its lines are scored
 //                (scoring/count_score.hpp). An irregular candidate is refused here.
 //  5. Classes    the columns of the others are classified (scoring/datatype_inspection.hpp).
@@ -21,11 +21,12 @@
 //                candidate is left.
 //
 // Units      line budgets and header lines count lines; see strategy/strategy.hpp.
-// Ownership  the options record must outlive the selector and every strategy it returns; the text
+// Ownership  the options record must outlive the selector and every strategy it returns. The text
 //            must outlive every use of the returned strategy's lines and fields.
-// Errors     none of its own; std::bad_alloc passes.
-// Cost       each candidate samples the text once or twice and is valued once; filters are free.
-// Threads    one thread at a time; selectors that share an options record are independent.
+// Errors     none of its own; std::bad_alloc is passed on.
+// Cost       each candidate samples the text once or twice and is scored once; the cost of the
+//            filters is negligible.
+// Threads    one thread at a time. Selectors that share an options record are independent.
 #pragma once
 
 #include <memory>
@@ -54,27 +55,27 @@ class VLTEXTSTREAM_EXPORT StrategySelector {
   StrategySelector(const StrategySelector&);
   StrategySelector& operator=(const StrategySelector&);
 
-  // The strategy that fits the first `num_lines` data lines of `text` best, populated and valued;
-  // never null. Without a candidate that is the line reader. When each line is a date, or the
-  // filters leave several candidates, it is a comma-delimited strategy for a single column, which
-  // brings its own options and has not been valued.
+  // The strategy that best fits the first `num_lines` data lines of `text`, populated and scored;
+  // never null. If there is no candidate, the result is the line reader. If each line is a date, or
+  // the filters leave several candidates, the result is a comma-delimited strategy for a single
+  // column, which owns its options and has not been scored.
   std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines) const;
 
-  // The same, and fills in how the answer was found; what `trace` held before is lost.
+  // The same, and records how the result was found; the previous contents of `trace` are lost.
   std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines,
                                           SelectionTrace& trace) const;
 
-  // The same, and fills in how the selection ended. This is cheaper: the columns of refused
-  // candidates are not classified.
+  // The same, and reports how the selection ended. This is cheaper than a trace: the columns of
+  // refused candidates are not classified.
   std::shared_ptr<Strategy> pick_strategy(const Field& text, unsigned long num_lines,
                                           SelectionOutcome& outcome) const;
 
-  // What the options held when the selector was made; a detection does not change it.
+  // The values of the options when the selector was made; a detection does not change them.
   const std::vector<std::u16string>& delimiters() const { return delimiters_; }
   unsigned long header_lines() const { return header_lines_; }
 
-  // The filters. Each returns those of `survivors`, in their order, whose valuation meets its
-  // criterion, or all of them when none does.
+  // The filters. Each returns the `survivors`, in order, whose valuation meets its criterion, or
+  // all of them if none does.
 
   // The number of variables is the one that the options give.
   Survivors reduce_by_numvariables(const Survivors& survivors, const Valuations& valuations) const;
@@ -85,11 +86,11 @@ class VLTEXTSTREAM_EXPORT StrategySelector {
   // The data lines deviate hardly more than those of the most regular survivor.
   Survivors reduce_by_variation(const Survivors& survivors, const Valuations& valuations) const;
 
-  // The column classes are worth as much as the best survivor's.
+  // The column classes are worth as much as those of the best survivor.
   Survivors reduce_by_class_value(const Survivors& survivors, const Valuations& valuations) const;
 
-  // Perfectly regular with the fewest header lines; for detected header lines only, and only when
-  // the first survivor is perfectly regular.
+  // Perfectly regular, with the fewest header lines. Applies only to detected header lines, and
+  // only if the first survivor is perfectly regular.
   Survivors reduce_by_header_lines(const Survivors& survivors, const Valuations& valuations,
                                    const std::vector<std::shared_ptr<Strategy>>& candidates) const;
 

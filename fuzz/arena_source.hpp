@@ -1,7 +1,7 @@
-// ArenaSource: a scripted source whose buffer lies in one half of a block that is made once. Every
-// resize moves it to the other half, and what does not belong to it is poisoned for the sanitizer.
-// So any use of other bounds is seen, as with ExactBufferManager, but the system is not asked for
-// memory each time. One source at a time.
+// ArenaSource: a scripted source whose buffer is in one half of a block that is allocated once.
+// Every resize moves it to the other half, and memory outside the buffer is poisoned for the
+// sanitizer. So any access outside the bounds is reported, as with ExactBufferManager, but without
+// an allocation each time. One source at a time.
 #pragma once
 
 #include <algorithm>
@@ -48,7 +48,7 @@ class ArenaBufferManager : public BufferManager {
   testing_support::FailingCall& failing() { return failing_; }
 
  private:
-  // Poisoned but for the buffer of the one manager that is alive.
+  // Poisoned except for the buffer of the one manager that exists.
   static char16_t* halves() {
     static const std::unique_ptr<char16_t[]> units = [] {
       auto block = std::make_unique<char16_t[]>(2 * kHalfUnits);

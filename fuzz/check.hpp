@@ -1,4 +1,4 @@
-// What a fuzz target says before it aborts: which property failed, and where two answers part.
+// What a fuzz target prints before it aborts: which property failed, and where two results differ.
 #pragma once
 
 #include <algorithm>
@@ -28,7 +28,7 @@ void require_equal(const char* what, Number got, Number expected) {
   fail(std::string(what) + ": " + std::to_string(got) + ", expected " + std::to_string(expected));
 }
 
-// `difference` tells what differs, nothing when nothing does.
+// `difference` describes the difference; empty if there is none.
 inline void require_no_difference(const std::string& difference) {
   if (!difference.empty()) fail(difference);
 }

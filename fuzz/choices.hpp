@@ -1,10 +1,10 @@
-// The choices of a caller, made from the first bytes of an input; the text stands behind them.
+// The choices of a caller, made from the first bytes of an input; the text follows them.
 //
 //   const TextInput input(data, size);
 //   difference_in_detection(input.text(), input.choices());
 //
-// All bytes 0 are the defaults. The number of bytes is fixed, so that a mutator can change text and
-// choices apart from each other.
+// If all bytes are 0, the choices are the defaults. The number of bytes is fixed, so that a mutator
+// can change the text and the choices separately.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ inline constexpr std::size_t kChoiceBytes = 16;
 
 using Texts = std::vector<std::u16string>;
 
-// Places among the choice bytes.
+// Positions of the choice bytes.
 enum ChoiceByte : std::size_t {
   kNumLinesByte,
   kHeaderLinesByte,
@@ -61,7 +61,7 @@ class TextInput {
   std::string_view bytes() const { return bytes_; }
   std::u16string text() const { return text_of_bytes(bytes_); }
 
-  // What is left of the choice bytes, for choices that only one target makes.
+  // The rest of the choice bytes, for choices that only one target makes.
   Input more() const { return Input(more_); }
 
  private:

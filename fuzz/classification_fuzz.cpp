@@ -32,7 +32,7 @@ std::u16string unquoted(const ExactText& text, const std::u16string& whitespace)
   return {field.data, field.length};
 }
 
-// In a block of its own, and as a part of a text that goes on.
+// In a separate block, and as a part of a longer text.
 void check_field(const std::u16string& text, const std::u16string& whitespace) {
   const ExactText exact(text);
   const std::uint16_t expected = reference::classify(text, whitespace, is_datetime);
@@ -62,7 +62,7 @@ std::u16string quoted(const std::u16string& text) {
   return out + u'"';
 }
 
-// Quotes around a text, doubled inside, are taken off again.
+// Quotes around a text with doubled quotes inside are removed again.
 void check_quoting(const std::u16string& text, const std::u16string& whitespace) {
   if (whitespace.find(u'"') != whitespace.npos) return;
   require_same_text("quoted and unquoted", unquoted(ExactText(quoted(text)), whitespace), text);

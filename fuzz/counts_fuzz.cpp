@@ -29,7 +29,7 @@ void require_same_numbers(const char* what, const Counts& got, const Counts& exp
   for (std::size_t i = 0; i < got.size(); ++i) require_equal(what, got[i], expected[i]);
 }
 
-// Bit for bit: infinities, negative zero and all.
+// Bit for bit, including infinities and negative zero.
 void require_same_double(const char* what, double got, double expected) {
   if (std::bit_cast<std::uint64_t>(got) == std::bit_cast<std::uint64_t>(expected)) return;
   fail(std::string(what) + ": " + std::to_string(got) + ", expected " + std::to_string(expected));
@@ -58,7 +58,7 @@ struct Case {
   std::int32_t modal;
   bool cap;
   bool is_given;
-  bool is_valued;  // one in four: it takes many times as long as the rest
+  bool is_valued;  // one in four, because it takes many times as long as the rest
   Counts counts;
 };
 
@@ -97,7 +97,7 @@ void check_header_lines(const Case& drawn) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// The counts as a text: one unit for each field, or fields between commas.
+// The counts as a text: one code unit for each field, or fields between commas.
 
 std::u16string with_commas(const Counts& counts) {
   std::u16string text;

@@ -1,4 +1,4 @@
-// Decoding: whatever the chunks and the room, the same units, from the converter and from a file.
+// Decoding gives the same code units for any chunks and room, from the converter and from a file.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -22,7 +22,7 @@ struct Step {
   std::size_t room;
 };
 
-// How bytes are handed over: steps that are taken in turn.
+// How the bytes are passed on: step sizes that are used in turn.
 struct Feeding {
   explicit Feeding(Input& input) {
     for (Step& step : steps) step = {1 + input.below(9), input.below(5)};
@@ -58,7 +58,7 @@ Answer convert(StreamCodeConverter& converter, std::string_view bytes, std::size
   return {{output.get(), static_cast<std::size_t>(out - output.get())}, must_reset};
 }
 
-// What is held back after the last bytes; a converter with room for it comes to its end.
+// The rest after the last bytes: with enough room, a converter delivers all of its text.
 std::u16string ending(StreamCodeConverter& converter, std::size_t most) {
   std::u16string text;
   for (std::size_t call = 0; call <= most + 1; ++call) {
@@ -98,7 +98,7 @@ std::u16string in_steps(StreamCodeConverter& converter, std::string_view bytes,
   return text + ending(converter, most_units(bytes));
 }
 
-// The units without the second halves of pairs.
+// The code units without the second halves of surrogate pairs.
 std::u16string first_halves(std::u16string text) {
   std::erase_if(text, [](char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; });
   return text;
@@ -122,7 +122,7 @@ void check_steps(const Encoding& encoding, std::string_view bytes, const Feeding
                 ill_formed);
 }
 
-// What a converter that keeps nothing has said of the first `cut` bytes is all they say.
+// If the converter keeps nothing after the first `cut` bytes, their text is complete.
 void check_has_more(const Encoding& encoding, std::string_view bytes, std::size_t cut) {
   StreamCodeConverter converter(encoding.name, true);
   const std::string_view head = bytes.substr(0, cut);
@@ -144,7 +144,7 @@ void check_reset_in_the_middle(const Encoding& encoding, std::string_view bytes,
 // ---------------------------------------------------------------------------------------------
 // Files
 
-// Reads on until a fill delivers less than it was asked for.
+// Reads until a fill delivers less than was requested.
 std::u16string in_fills(FileTextSource& source, Input sizes) {
   std::u16string text;
   for (;;) {

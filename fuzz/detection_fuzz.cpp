@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const TextInput input(data, size);
   const std::u16string text = input.text();
   require_no_difference(textio::differential::difference_in_detection(text, input.choices()));
-  const bool is_also_traced = text.size() % 4 == 0;  // one input in four: it takes as long again
+  const bool is_also_traced = text.size() % 4 == 0;  // one in four: it doubles the time
   if (is_also_traced) check_tracing(text, input.choices());
   return 0;
 }

@@ -3,7 +3,7 @@
 
 namespace textio::fuzz {
 
-// An encoding without state between characters can be read on from any of them.
+// If an encoding has no state between characters, reading can continue at any of them.
 struct Encoding {
   const char* name;
   bool is_stateless = true;

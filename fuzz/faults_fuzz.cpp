@@ -1,8 +1,8 @@
-// A whole detection from a stream in which an allocation or a read fails: what comes out is
-// std::bad_alloc or FileError, nothing is lost, no stream stays open, and the next detection gives
-// the undisturbed answer.
+// A whole detection from a stream in which an allocation or a read fails. The result is
+// std::bad_alloc or FileError, nothing is leaked, no stream stays open, and the next detection
+// gives the undisturbed result.
 //
-// The program has operators new of its own, which count and can fail, and opens its own streams.
+// The program defines operators new that count and can fail, and opens the streams itself.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -23,7 +23,7 @@
 namespace textio::fuzz {
 namespace {
 
-// Of this thread: the fuzzer has others.
+// For this thread only: the fuzzer has others.
 struct Allocations {
   std::size_t asked = 0;
   long alive = 0;
@@ -35,8 +35,8 @@ thread_local Allocations allocations;
 void* allocate(std::size_t size) noexcept {
   Allocations& own = allocations;
   ++own.asked;
-  const bool is_behind = own.all_after_it && own.asked > own.failing;
-  if (own.failing != 0 && (own.asked == own.failing || is_behind)) return nullptr;
+  const bool is_later = own.all_after_it && own.asked > own.failing;
+  if (own.failing != 0 && (own.asked == own.failing || is_later)) return nullptr;
   void* const block = std::malloc(size == 0 ? 1 : size);
   if (block != nullptr) ++own.alive;
   return block;
@@ -55,13 +55,13 @@ void release(void* block) noexcept {
 
 const char* const kEncodings[] = {"UTF-8", "UTF-16", "Shift_JIS", "GB18030"};
 
-// What open_file opens.
+// The streams that open_file returns.
 MemoryFile* served_file = nullptr;
 
 }  // namespace
 }  // namespace textio::fuzz
 
-// All of them are replaced, so that no block goes from one pair of operators to another.
+// All of them are replaced, so that no block passes from one pair of operators to another.
 void* operator new(std::size_t size) { return textio::fuzz::allocate_or_throw(size); }
 void* operator new[](std::size_t size) { return textio::fuzz::allocate_or_throw(size); }
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
@@ -90,13 +90,13 @@ namespace {
 
 struct Outcome {
   enum Kind { answer, no_memory, no_file } kind;
-  std::string text;  // of the answer
+  std::string text;  // of the result
   std::size_t allocations;
   std::size_t reads;
 };
 
-// A detection, after which the number of living allocations and of open streams must be what it
-// was. Anything but the two documented exceptions passes, and ends the fuzzer.
+// A detection, after which the numbers of living allocations and of open streams must be as before.
+// Any exception other than the two documented ones passes, and ends the fuzzer.
 Outcome detect(MemoryFile& file, const standalone::DetectSettings& settings) {
   static const std::string path = "a file in memory";
   served_file = &file;
@@ -133,8 +133,8 @@ void fail_allocation(std::size_t nth, bool all_after_it) {
   allocations.all_after_it = all_after_it;
 }
 
-// The host keeps what it made once; that is no leak. Whatever the first detection of all keeps is
-// there before any is counted.
+// The host keeps what it initialised once, which is no leak. What the first detection keeps exists
+// before any is counted.
 void warm_up() {
   standalone::DetectSettings settings;
   MemoryFile file("a,2024-03-01 10:00,\"x\"\nb,2024-03-02 11:00,\xE9\n", 0);
@@ -172,14 +172,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     file.fail_read(nth, all_after_it);
     const Outcome disturbed = detect(file, settings);
     require(disturbed.kind != Outcome::no_memory, "a failed read is no lack of memory");
-    require(!all_after_it || disturbed.kind == Outcome::no_file, "a file that fails is told");
+    require(!all_after_it || disturbed.kind == Outcome::no_file, "a file that fails is reported");
     file.fail_read(0, false);
   } else {
     const std::size_t nth = 1 + place % undisturbed.allocations;
     fail_allocation(nth, all_after_it);
     const Outcome disturbed = detect(file, settings);
     require(disturbed.kind != Outcome::no_file, "lack of memory is no failed read");
-    require(!all_after_it || disturbed.kind == Outcome::no_memory, "lack of memory is told");
+    require(!all_after_it || disturbed.kind == Outcome::no_memory, "lack of memory is reported");
     if (disturbed.kind == Outcome::answer) {
       check_same_answer("answer in spite of a failed allocation", disturbed, undisturbed);
     }

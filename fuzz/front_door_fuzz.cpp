@@ -80,11 +80,11 @@ void check_separators(const Layout& layout) {
 void check_names(const Layout& layout) {
   const bool has_names = layout.names_source == NamesSource::last_header_line ||
                          layout.names_source == NamesSource::line_after_header;
-  require(layout.names_line.has_value() == has_names, "names that are found stand in a line");
+  require(layout.names_line.has_value() == has_names, "names that are found are on a line");
   require_equal<std::size_t>("names", layout.names.size(), has_names ? layout.num_variables : 0);
   require_equal<std::size_t>("units", layout.units.size(),
                              layout.units_line ? layout.num_variables : 0);
-  require(!layout.units_line || has_names, "units stand beside names");
+  require(!layout.units_line || has_names, "units are next to names");
   require(layout.units_line != layout.names_line || !has_names, "units have a line of their own");
   require(!layout.names_reason.empty(), "a reason is given");
   require_equal("classes", layout.classes.size(), layout.num_variables);
@@ -142,7 +142,7 @@ void check_layout(const Layout& layout, const DetectSettings& settings) {
 // ---------------------------------------------------------------------------------------------
 // Texts and files
 
-// Nothing when the settings were refused, which widths of 0 and encodings can be.
+// Empty if the settings were refused, which can happen for widths of 0 and for encodings.
 template <typename Source>
 std::optional<Layout> layout_of(const Source& source, const DetectSettings& settings) {
   try {
@@ -196,7 +196,7 @@ void check_encoding(const Layout& layout, const DetectSettings& settings) {
   require(!is_given || layout.encoding_confidence == 1.0, "a given encoding is sure");
 }
 
-// The layout of a file as far as a detection shows it; the error when it cannot be read.
+// The layout of a file as far as a detection shows it; the error if the file cannot be read.
 std::string front_of(const std::string& path) {
   try {
     const Layout layout = standalone::detect_layout(path);
@@ -219,7 +219,7 @@ std::string front_of(std::string_view bytes) {
   }
 }
 
-// The same bytes as well-formed UTF-8, read as a file and as a text.
+// The same bytes as well-formed UTF-8, read from a file and as a text.
 void check_file(std::string_view bytes, const DetectSettings& settings) {
   static const FileInMemory file;
   const std::optional<Layout> found = layout_of(file.holding(bytes), settings);

@@ -1,11 +1,11 @@
-// Input: a fuzz target's bytes, read from the front as choices; what is left is its text.
+// Input: a fuzz target's bytes. The first ones are read as choices; the rest is its text.
 //
 //   Input input(data, size);
 //   const std::size_t chunk = input.below(8);
 //   const std::u16string text = input.rest_as_text();
 //
-// Past the end every choice is 0, so a target gives 0 the plain meaning. A byte is one unit of a
-// text: below 0x80 itself, from there on one of the units that some rule of the library names.
+// Past the end every choice is 0, so a target gives 0 the ordinary meaning. A byte is one code unit
+// of a text: below 0x80 the same value, above that a code unit that some rule of the library names.
 #pragma once
 
 #include <algorithm>
@@ -19,8 +19,8 @@
 
 namespace textio::fuzz {
 
-// End mark, folded character, byte-order mark, halves of a pair, letters, blanks and separators
-// that are none here.
+// End mark, folded character, byte-order mark, surrogates, letters, and blanks and separators that
+// have no special meaning here.
 inline constexpr char16_t kSpecialUnits[] = {0xFFFF, 0x001A, 0xFEFF, 0xD83D, 0xDE00, 0x00A0,
                                              0x00E9, 0x2028, 0x3000, 0xFF0C, 0x20AC, 0x4E2D,
                                              0xFFFD, 0x0085, 0x012C, 0xFFFE};
@@ -61,7 +61,7 @@ class Input {
     return value;
   }
 
-  // A small number, or one at an edge of its type.
+  // A small number, or one at the edge of its type.
   std::size_t count() {
     constexpr auto kMost = std::numeric_limits<std::size_t>::max();
     constexpr std::size_t kEdges[] = {100,         1000,          65'536,    0x7FFF'FFFF,
@@ -84,11 +84,11 @@ class Input {
   }
   std::string_view rest() { return take(bytes_.size()); }
 
-  // Up to `most` units; the next byte says how many.
+  // Up to `most` code units; the next byte gives the number.
   std::u16string text(std::size_t most) { return text_of_bytes(take(below(most + 1))); }
   std::u16string rest_as_text() { return text_of_bytes(rest()); }
 
-  // Up to three texts of up to three units.
+  // Up to three texts of up to three code units.
   std::vector<std::u16string> short_texts() {
     std::vector<std::u16string> texts(below(4));
     for (std::u16string& item : texts) item = text(3);

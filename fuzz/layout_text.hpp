@@ -8,7 +8,7 @@
 
 namespace textio::fuzz {
 
-// Where the encoding came from is left out: files and texts differ in it.
+// Leaves out where the encoding came from, which differs between files and texts.
 inline std::string describe(standalone::Layout layout) {
   layout.encoding.clear();
   layout.encoding_found = standalone::EncodingFound::none;

@@ -1,6 +1,6 @@
 // Writes the seeds of all fuzz targets: make_corpus FOLDER EXAMPLES_FOLDER. A seed is the choices
-// of its target, byte by byte, and a text behind them; where a choice is 0 it is the plain one. The
-// same seeds come out everywhere.
+// of its target, byte by byte, followed by a text; a choice of 0 is the ordinary one. The seeds are
+// the same on every machine.
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
@@ -49,7 +49,7 @@ class Seeds {
 };
 
 void make_decoding(Seeds seeds) {
-  // Characters of each length and marks, as the encodings have them.
+  // Characters of each length and byte-order marks, in the form of each encoding.
   const std::string samples[] = {
       "\xEF\xBB\xBF"
       "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80,\n\xC3\x28\xF0\x9F"s,
@@ -75,7 +75,7 @@ void make_decoding(Seeds seeds) {
 
 void make_text_stream(Seeds seeds) {
   const std::string own = "ab 12,\n\"x\xC0y\"\n\naB;9"s;
-  // All calls at one distance: kind, distance (its kind and its size), unit, set.
+  // All calls at one distance: kind, distance (its kind and its size), code unit, set.
   const auto calls = [](std::size_t distance_kind, std::size_t distance, std::size_t failures) {
     std::string bytes;
     for (std::size_t kind = 0; kind < 13; ++kind) {
@@ -85,7 +85,7 @@ void make_text_stream(Seeds seeds) {
     }
     return bytes;
   };
-  // Texts of several blocks take long: they come with few of the distances.
+  // Texts of several blocks take long, so they are combined with only a few of the distances.
   const auto add = [&](std::size_t length_kind, std::size_t distance_kind) {
     const std::string text = byte(length_kind) + byte(own.size()) + own;
     const std::string more = length_kind == 0 ? "" : "\1\1\1";
@@ -226,8 +226,8 @@ std::vector<std::string> texts_of_files(const fs::path& folder) {
   return texts;
 }
 
-// Tables with the defaults, the examples, and tables with choices; `more` are choices that only the
-// target makes, in turn.
+// Tables with the defaults, the examples, and tables with choices. `more` are choices that only
+// this target makes, in turn.
 void make_tables(Seeds seeds, std::uint32_t seed, const std::vector<std::string>& examples,
                  const std::vector<std::string>& more) {
   TableMaker maker(seed);
@@ -254,8 +254,7 @@ void make_all(const fs::path& folder, const fs::path& examples_folder) {
   make_classification(Seeds(folder, "classification"));
   make_counts(Seeds(folder, "counts"));
   make_tables(Seeds(folder, "detection"), 1, examples, {""});
-  // Size of a read, read fault (3) or allocation, once or from there on, which one, trace,
-  // encoding.
+  // Size of a read, read fault (3) or allocation, once or from then on, which one, trace, encoding.
   make_tables(Seeds(folder, "faults"), 2, examples,
               {"\0\0\0\0\1"s, "\0\0\0\0\x20"s, "\0\0\1\0\x30"s, "\7\3\0\0\2"s, "\7\3\1\0\1"s,
                "\0\0\0\0\x60\1"s, "\0\0\0\1\0\0\1\1"s, "\0\0\1\0\x10\0\1\2"s});

@@ -1,11 +1,11 @@
-// MemoryFile: bytes in memory that are read as a C stream, in pieces of a chosen size, and that can
-// refuse to be read.
+// MemoryFile: bytes in memory that are read as a C stream, in pieces of a chosen size, and whose
+// reads can fail.
 //
 //   MemoryFile file("a,b\n1,2\n", 3);
 //   source.init_stream(file.open(), "UTF-8");       // reads three bytes at a time
 //   file.open_streams();                            // 1 until the source closes its stream
 //
-// Ownership  whoever opens a stream closes it; the bytes and the object must outlive it.
+// Ownership  the caller closes the stream that it opens; the bytes and the object must outlive it.
 #pragma once
 
 #include <algorithm>
@@ -21,7 +21,7 @@ namespace textio::fuzz {
 
 class MemoryFile {
  public:
-  // At most `piece` bytes come with a read; 0 means as many as were asked for.
+  // A read gives at most `piece` bytes; 0 means as many as requested.
   MemoryFile(std::string_view bytes, std::size_t piece) : bytes_(bytes), piece_(piece) {}
   MemoryFile(const MemoryFile&) = delete;
   MemoryFile& operator=(const MemoryFile&) = delete;
@@ -43,7 +43,7 @@ class MemoryFile {
     return ::fopencookie(this, "rb", calls);
   }
 
-  // The `nth` read from now on fails, counted from 1, or it and all after it; 0 means none.
+  // The `nth` read from now on fails, counted from 1, or it and all later ones; 0 means none.
   void fail_read(std::size_t nth, bool all_after_it) {
     failing_read_ = nth == 0 ? 0 : reads_ + nth;
     all_after_it_ = all_after_it;
@@ -55,8 +55,8 @@ class MemoryFile {
  private:
   ssize_t read(char* to, std::size_t most) {
     ++reads_;
-    const bool is_behind = all_after_it_ && reads_ > failing_read_;
-    if (failing_read_ != 0 && (reads_ == failing_read_ || is_behind)) {
+    const bool is_later = all_after_it_ && reads_ > failing_read_;
+    if (failing_read_ != 0 && (reads_ == failing_read_ || is_later)) {
       errno = EIO;
       return -1;
     }

@@ -1,4 +1,4 @@
-// Options by name: pairs of every kind of name and value are applied or refused, never half of one.
+// Options by name: pairs of every kind of name and value are applied or refused, never in part.
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -65,7 +65,7 @@ std::u16string name_from(Input& input) {
   std::u16string name = kind == 7 ? input.text(12) : std::u16string(input.one_of(kOptionNames));
   if (kind < 5) return name;
   for (char16_t& unit : name) {
-    if (unit < 0x80 && input.flag()) unit ^= 0x20;  // the other case of a letter
+    if (unit < 0x80 && input.flag()) unit ^= 0x20;  // changes the case of a letter
   }
   return name;
 }
@@ -143,7 +143,7 @@ void check_error(const std::string& error) {
   fail("an error of no documented kind: " + error);
 }
 
-// One after the other, up to the one that is refused; how many that were.
+// One after the other, up to the one that is refused. Returns how many were applied.
 std::size_t apply_singly(parser::options& record, Pairs pairs, std::string& error) {
   for (std::size_t i = 0; i < pairs.size(); ++i) {
     const std::string before = contents_of(record);
@@ -184,7 +184,7 @@ void check_odd_count(Pairs pairs) {
 }
 
 // The stand-alone front end gives the same record, and an error with the name and a sentence. Its
-// names are UTF-8, which has no halves of pairs.
+// names are UTF-8, which has no lone surrogates.
 void check_front_end(Pairs pairs) {
   std::vector<standalone::NameValue> options;
   std::vector<OptionPair> same_pairs;
@@ -199,7 +199,7 @@ void check_front_end(Pairs pairs) {
   try {
     standalone::apply_options(record, options);
   } catch (const standalone::OptionProblem& caught) {
-    require(caught.what()[0] != '\0', "a problem is told in a sentence");
+    require(caught.what()[0] != '\0', "a problem is reported in a sentence");
     const bool is_given = std::any_of(options.begin(), options.end(), [&](const auto& option) {
       return option.first == caught.option();
     });
@@ -211,7 +211,7 @@ void check_front_end(Pairs pairs) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// Values that come back as they were
+// Values that are read back unchanged
 
 std::u16string escaped(const std::u16string& text) {
   std::u16string out;

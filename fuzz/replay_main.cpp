@@ -1,5 +1,5 @@
-// Stands in for the fuzzer where there is none: runs a target over every file of the folders that
-// it is given. A file that fails is named first.
+// Replaces the fuzzer where there is none: runs a target over every file of the given folders. A
+// file that fails is named first.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -23,7 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// In a fixed order. A folder that is not there has no files.
+// In a fixed order. A folder that does not exist has no files.
 std::set<fs::path> files_of(const fs::path& folder) {
   std::set<fs::path> files;
   if (!fs::exists(folder)) return files;
@@ -33,7 +33,7 @@ std::set<fs::path> files_of(const fs::path& folder) {
   return files;
 }
 
-// Hands over a block of exactly the file's size.
+// Passes a block of exactly the file's size.
 void run(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
   const std::vector<char> bytes{std::istreambuf_iterator<char>(in), {}};

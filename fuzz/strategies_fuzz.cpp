@@ -1,5 +1,5 @@
-// The scans of the four strategies over any text with any choices: every extent moves on and stays
-// in the text, and is the one that the reference finds.
+// The scans of the four strategies over any text with any choices: every extent advances, stays in
+// the text, and is the one that the reference finds.
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -23,7 +23,7 @@ namespace {
 using reference::Mode;
 using testing_support::ExactText;
 
-// One strategy, and what the reference calls it.
+// One strategy, and its name in the reference.
 struct Subject {
   std::unique_ptr<Strategy> strategy;
   Mode mode;
@@ -93,7 +93,7 @@ void check_fields(const Subject& subject, const Field& line, const reference::Op
         field.field.length <= line.length - static_cast<std::size_t>(field.field.data - line.data);
     require(is_whole, "a field ends in its line");
     require(field.next <= line.length, "the next field begins in the line");
-    // Only columns of width 0 stand still, and not all of them have it.
+    // Only columns of width 0 do not advance, and not all of them have this width.
     standing_still = field.next > pos ? 0 : standing_still + 1;
     require(standing_still < std::max<std::size_t>(subject.widths.size(), 1), "fields move on");
     pos = field.next;
@@ -109,7 +109,7 @@ void check_scans(const Subject& subject, const ExactText& text, const reference:
                reference::get_line_extent(subject.mode, subject.delimiters, whole, plain, pos),
                text.field(), pos);
     require(line.next > pos, "lines move on");
-    // A cut sees the line in a block of its own: what stands behind it is not looked at.
+    // A cut gets the line in a separate block: it must not read the text after it.
     const ExactText alone({line.field.data, line.field.length});
     check_fields(subject, alone.field(), plain, next_column);
     subject.strategy->reset_fields();

@@ -1,5 +1,5 @@
-// A table has a kind of cell for each column, one delimiter and one line ending, and in front of it
-// what files have there; each of these is broken now and then.
+// A table has a kind of cell for each column, one delimiter and one line ending, and before it what
+// files often begin with. Each of these is occasionally broken.
 #include "fuzz/table_maker.hpp"
 
 #include <algorithm>
@@ -36,7 +36,7 @@ std::string joined(const std::vector<std::string>& lines, std::string_view endin
   return out;
 }
 
-// The text between line feeds; line endings of more bytes keep their other ones in the lines.
+// The text between line feeds. The other bytes of longer line endings stay in the lines.
 std::vector<std::string> lines_of(const std::string& table) {
   std::vector<std::string> lines;
   std::size_t begin = 0;
@@ -129,7 +129,7 @@ std::string TableMaker::table() {
   return out;
 }
 
-// The delimiter that the line seems to have, else a comma.
+// The delimiter that the line seems to have, otherwise a comma.
 char TableMaker::delimiter_in(const std::string& line) {
   const std::size_t place = line.find_first_of(",;\t|:# /");
   return place == line.npos ? ',' : line[place];

@@ -1,12 +1,12 @@
-// TableMaker: the bytes of inputs that hold tables, made up or changed as a whole, so that a fuzzer
-// does not have to find the grammar of tables first.
+// TableMaker: the bytes of inputs that contain tables, made or changed as a whole, so that a fuzzer
+// need not find the grammar of tables first.
 //
 //   TableMaker maker(seed);
 //   std::string choices = maker.choices();     // kChoiceBytes bytes
 //   std::string table = maker.table();         // rows and columns, a preamble, comments, ...
 //   maker.change(table);                       // another line, another delimiter, ...
 //
-// The same seed makes the same bytes everywhere.
+// Equal seeds make equal bytes on every machine.
 #pragma once
 
 #include <cstddef>
@@ -33,7 +33,7 @@ class TableMaker {
   // One change of the lines, the fields or the separators.
   void change(std::string& table);
 
-  // Single bytes put in, taken out and exchanged.
+  // Inserts, removes and exchanges single bytes.
   void add_noise(std::string& bytes);
 
  private:

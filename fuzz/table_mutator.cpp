@@ -1,5 +1,5 @@
-// The mutator of the targets whose inputs are choices and a text (see choices.hpp): now and then a
-// new table, mostly a change of the one there is, otherwise what the fuzzer does to any bytes.
+// The mutator of the targets whose inputs are choices and a text (see choices.hpp): occasionally a
+// new table, mostly a change of the present one, otherwise the fuzzer's own changes of bytes.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
 // Any sequence of calls of a TextStream, against a plain string, over a source that ends anywhere,
-// delivers its first block short and fails at chosen calls.
+// delivers a short first block and fails at chosen calls.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -25,7 +25,7 @@ using testing_support::ScriptedFailure;
 constexpr char16_t kEnd = TextStream::kEnd;
 constexpr std::size_t kBlock = TextStream::kBufferUnits;
 
-// The text from a position on, as a plain string has it.
+// The text from a position on, as a plain string gives it.
 class Model {
  public:
   explicit Model(std::u16string_view text) : text_(text) {}
@@ -55,7 +55,7 @@ class Model {
 // ---------------------------------------------------------------------------------------------
 // Texts
 
-// Runs of blanks, digits and letters of very different lengths, now and then an end mark.
+// Runs of blanks, digits and letters of very different lengths, with an occasional end mark.
 std::u16string long_runs() {
   std::mt19937 random(1);
   std::u16string text;
@@ -66,8 +66,8 @@ std::u16string long_runs() {
   return text;
 }
 
-// A text of the input's own units, which may stand in front of a longer one or at the end of a
-// block.
+// A text of the input's own code units, which may be at the start of a longer one or at the end of
+// a block.
 std::u16string text_from(Input& input) {
   static const std::u16string runs = long_runs();
   const std::size_t kind = input.byte();
@@ -88,7 +88,7 @@ std::u16string text_from(Input& input) {
 // ---------------------------------------------------------------------------------------------
 // Calls
 
-// Mostly close to the window, a block or the end of the text.
+// Mostly near the window, a block or the end of the text.
 std::size_t distance_from(Input& input, const Model& model) {
   const std::size_t kind = input.below(16);
   const std::size_t near = input.byte();
@@ -107,7 +107,7 @@ struct Call {
         distance(distance_from(input, model)),
         unit(unit_of(input.byte())),
         set(input.text(3)) {
-    // Looked for: what stands there, or something else.
+    // What is searched for: the text at that position, or something else.
     if (kind == 7 || kind == 8) {
       const std::size_t from = std::min(distance, model.left());
       wanted = model.rest().substr(from, input.byte() * (kind == 7 ? 1U : 300U));
@@ -176,7 +176,7 @@ void Call::make(TextStream& stream, Model& model) const {
                     is_alike);
     }
     case 9:
-      // The step within the loaded text, which a look ahead has loaded.
+      // The step within the loaded text, which a look-ahead has loaded.
       if (distance >= model.left()) return;
       expect("at", stream.at(distance), model.at(distance));
       stream.adjust_buffer(distance, 0);
@@ -194,13 +194,13 @@ void expect_same_window(const TextStream& stream, const Model& model) {
   }
 }
 
-// Whether memory holds the text up to the position of a call: a look so far ahead would end in the
-// allocation's exception. Moving on passes text over without keeping it.
+// Whether memory can hold the text up to the position of a call: a look-ahead that far would end in
+// the exception of the allocation. An advance skips text without keeping it.
 bool is_within_memory(const Call& call, const Model& model) {
   return call.kind > 9 || call.distance <= model.left() + 8 * kBlock;
 }
 
-// A call that fails leaves the stream as it was, and succeeds when it is made again.
+// A call that fails leaves the stream unchanged, and succeeds when it is repeated.
 void make_with_failures(const Call& call, ArenaSource& source, Input& input, TextStream& stream,
                         Model& model) {
   const std::uint8_t failures = input.byte();
@@ -226,7 +226,7 @@ void check_sample(const TextStream& stream, const Model& model, const Texts& lin
                     rest.substr(0, reference::sample_length(rest, line_endings)));
 }
 
-// Searches through a long text take long.
+// Searches in a long text take long.
 int most_calls(const std::u16string& text) { return text.size() < 1000 ? 40 : 10; }
 
 }  // namespace

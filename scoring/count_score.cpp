@@ -1,5 +1,5 @@
-// From the number of fields on each line follow the modal count, the deviations from it, the header
-// lines and the number of variables, in this order.
+// The numbers of fields per line determine, in this order, the modal count, the deviations from it,
+// the header lines and the number of variables.
 #include <vltextstream/scoring/count_score.hpp>
 
 #include <algorithm>
@@ -12,11 +12,11 @@
 namespace textio {
 namespace {
 
-// A deviation beyond one field per line on average is too much for the data.
+// The data lines may deviate by at most one field per line on average.
 constexpr double kMostVariation = 1.0;
 
-// The first line that may hold data: a header line has one field, a data line more. The number of
-// lines if there is none.
+// The first line that may hold data: a header line has one field, a data line has another number.
+// The number of lines if there is none.
 std::size_t first_unlike_header(const LineCounts& counts) {
   const std::vector<LineCounts::Run>& runs = counts.runs();
   const auto found = std::find_if(runs.begin(), runs.end(),
@@ -36,7 +36,7 @@ void find_header_lines(const std::vector<std::size_t>& diffs, std::size_t first,
                            : detection::get_header_lines(diffs, first, headers.are_space_separated);
 }
 
-// A table that varies too much after the header that was found has no header but its first lines.
+// If the data varies too much after the detected header, only the first lines count as the header.
 void doubt_header_lines(const std::vector<std::size_t>& diffs, std::size_t first,
                         CountScore& score) {
   if (score.valuation.data_variation > kMostVariation && first < *score.header_lines) {
@@ -49,7 +49,7 @@ void measure_deviations(const LineCounts& counts, const std::vector<std::size_t>
                         std::size_t first, const HeaderLines& headers, CountScore& score) {
   StrategyValuation& valuation = score.valuation;
   if (diffs.size() < 2) {
-    // Too little to judge by: given header lines are overridden as well.
+    // Too few lines to measure: given header lines are overridden as well.
     score.header_lines = std::max(skip_to_data(0, counts), first);
     return;
   }

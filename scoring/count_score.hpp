@@ -1,4 +1,4 @@
-// The score of a cut by the numbers of fields on its lines.
+// The score of a cut, derived from the numbers of fields on its lines.
 //
 //   const CountScore score = score_counts(counts, {std::nullopt, true}, {});
 //   score.valuation.modal_field_count;     // 5
@@ -15,31 +15,31 @@
 
 namespace textio {
 
-// What is known of the header lines before a cut is scored.
+// What is known about the header lines before a cut is scored.
 struct HeaderLines {
-  // The number that is given; none if nobody has given one.
+  // The number of header lines if it is given.
   std::optional<std::size_t> given;
 
-  // Whether scoring looks for the end of the header. If not, a given number stands, unless there are
-  // too few data lines to judge by.
+  // Whether scoring searches for the end of the header. If not, a given number is kept unless there
+  // are too few data lines to measure.
   bool are_to_be_found = true;
 
-  // Whether fields are separated by blanks. Text before such a table deviates wildly.
+  // Whether fields are separated by blanks. Text lines before such a table deviate strongly.
   bool are_space_separated = false;
 };
 
 struct CountScore {
-  // The valuation, complete but for the classes of the columns.
+  // The valuation, complete except for the classes of the columns.
   StrategyValuation valuation;
 
-  // The number of header lines that follows; none if nothing decides it.
+  // The resulting number of header lines; none if nothing determines it.
   std::optional<std::size_t> header_lines;
 
   // Whether there are columns to classify.
   bool has_columns = false;
 };
 
-// Scores `counts`. What cannot be measured keeps its value in `unmeasured`.
+// Scores `counts`. Values that cannot be measured are taken from `unmeasured`.
 CountScore score_counts(const LineCounts& counts, const HeaderLines& headers,
                         const StrategyValuation& unmeasured);
 

@@ -10,7 +10,7 @@
 namespace textio {
 namespace {
 
-// The part of `field` that may be read: a field that starts in `text` ends with it at the latest.
+// The part of `field` that may be read: a field that starts in `text` must not extend past its end.
 Field readable_part(const Field& field, const Field& text) {
   const std::less_equal<const char16_t*> not_after;
   const char16_t* const text_end = text.data + text.length;
@@ -41,7 +41,7 @@ LineCounts counts_of(const FieldArray& array) {
   return counts;
 }
 
-// The classes of the columns, as far as lines have been inspected.
+// The classes of the columns for the lines inspected so far.
 class OpenColumns {
  public:
   explicit OpenColumns(const InspectionScope& scope)
@@ -68,7 +68,7 @@ class OpenColumns {
 
 }  // namespace
 
-// Upwards from the last line, so that the header and what follows it matter least.
+// Starts at the last line, so that the header and the lines after it matter least.
 std::vector<DatatypeCode> classify_columns(const LineCounts& counts, LineFields& lines,
                                            const InspectionScope& scope) {
   OpenColumns columns(scope);

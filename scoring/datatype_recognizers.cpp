@@ -1,5 +1,5 @@
-// The order of the questions in `classify_text` is what counts: a text without a digit is text, so
-// that a column of "NaN" is not numeric, and a number is never asked whether it is a date.
+// The order of the tests in `classify_text` matters. A text without a digit is text, so a column of
+// "NaN" is not numeric. A number is never tested for being a date.
 #include <vltextstream/scoring/datatype_recognizers.hpp>
 
 #include <algorithm>
@@ -36,7 +36,7 @@ bool is_nan_or_inf(View three) {
   return equals(u"NAN") || equals(u"INF");
 }
 
-// The end of the real literal that starts at `start`, 0 when there is none.
+// The end of the real literal that starts at `start`; 0 if there is none.
 std::size_t scan_real(View text, std::size_t start) {
   if (start > text.size()) return 0;
   const std::size_t digits = has_unit(text, start, u"+-") ? start + 1 : start;
@@ -58,11 +58,11 @@ std::size_t split_complex(View text) {
   if (n == 0 || !contains(u"ij", text.back())) return n;
   const std::size_t real_end = scan_real(text, 0);
   if (real_end == n - 1) return 0;
-  // The unit between the parts, normally a sign, is stepped over whatever it is.
+  // The code unit between the parts is normally a sign, but any code unit is skipped.
   return scan_real(text, real_end + 1) == n - 1 ? real_end : n;
 }
 
-// A clock value of two groups, "hh:mm"; is_duration asks for three.
+// A clock value of two groups, "hh:mm". is_duration needs three groups.
 bool is_hours_and_minutes(View text) {
   return text.size() == 5 && is_digit(text[0]) && is_digit(text[1]) && text[2] == u':' &&
          is_digit(text[3]) && is_digit(text[4]);
@@ -104,8 +104,9 @@ void reduce_to_value(MutableField& field, const std::u16string& whitespace) {
   trim(field, whitespace);
 }
 
-// Makes single quotes of the doubled ones from `i` on and removes the first quote that is not
-// doubled; without one the last unit goes, as if the closing quote stood there. One pass, in place.
+// Replaces doubled quotes from `i` on by single ones and removes the first quote that is not
+// doubled. Without such a quote the last code unit is removed, as if it were the closing quote. One
+// pass, in place.
 void drop_closing_quote(MutableField& field, std::size_t i) {
   char16_t* const units = field.own_storage();
   const std::size_t n = field.length;
@@ -152,7 +153,7 @@ void unquote(MutableField& field, const std::u16string& whitespace) {
   const std::size_t open = find_first_not_of(field, 0, whitespace);
   if (open >= field.length || field.data[open] != u'"') return;
 
-  // The copy that can fail comes first: a field that cannot be copied stays as it is.
+  // The copy, which can fail, comes first: if it fails, the field is unchanged.
   const std::size_t close = view_of(field).find(u'"', open + 1);
   const bool closes_inside = close != View::npos && close + 1 < field.length;
   if (open > 0 || closes_inside) field.own_storage();

@@ -1,7 +1,7 @@
-// Header lines stand at the top and deviate, data lines agree. The squared running mean of the
-// deviations, scaled by length, rises over the header and falls after it; where it bends most
-// sharply the header ends. Long runs without deviation are cut off first, and an answer that takes
-// most of the file for a header is not believed.
+// Header lines come first and deviate; data lines agree. The squared running mean of the
+// deviations, scaled by length, rises over the header and falls after it, and the header ends where
+// it bends most sharply. Long runs without deviation are cut off first. A result that makes most of
+// the file a header is rejected.
 #include <vltextstream/scoring/header_lines.hpp>
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 namespace textio::detection {
 namespace {
 
-// Deviations summed up, those after the first at most `cap` each.
+// The running sums of the deviations. Those after the first count at most `cap` each.
 std::vector<double> running_sums(const std::vector<std::size_t>& d, bool cap_deviations) {
   std::vector<double> sums(d.size());
   sums[0] = static_cast<double>(d[0]);
@@ -25,7 +25,7 @@ std::size_t zeros_among_first(const std::vector<std::size_t>& d, std::size_t cou
   return static_cast<std::size_t>(std::count(d.begin(), end, 0U));
 }
 
-// The squared running mean times the number of entries it is taken over.
+// The squared running mean, multiplied by the number of entries in the mean.
 void to_scaled_square_means(std::vector<double>& sums) {
   for (std::size_t i = 0; i < sums.size(); ++i) {
     sums[i] = (sums[i] / static_cast<double>(i + 1)) * sums[i];
@@ -50,12 +50,12 @@ std::size_t get_header_lines(const std::vector<std::size_t>& d, std::size_t firs
   if (n < 2) return first;
   if (n == 2) return d[0] != d[1] ? 1 : 0;
 
-  // The first k entries are candidates; the last of all never is.
+  // The first k entries are candidates; the last entry of all never is.
   std::size_t k = n - 1;
   while (k > first && d[k - 1] == 0) --k;
   if (k <= first) return first;
 
-  // Not more than half of the candidates may agree with the modal count.
+  // At most half of the candidates may agree with the modal count.
   std::size_t zeros = zeros_among_first(d, k);
   while (k > first && zeros > k / 2) zeros -= d[--k] == 0 ? 1 : 0;
   if (k <= first) return first;

@@ -4,7 +4,7 @@
 //   counts.add(3);           // a line with three fields
 //   counts.add(0, 1'000);    // a thousand blank lines
 //
-// Lines with equal numbers that follow one another are kept once: a sample may hold millions of
+// Consecutive lines with the same number are stored once, because a sample may have millions of
 // blank lines.
 //
 // Units  lines are numbered from 0.
@@ -27,7 +27,7 @@ class LineCounts {
   LineCounts() = default;
   explicit LineCounts(const std::vector<std::size_t>& counts);
 
-  // Makes room for `runs` runs.
+  // Reserves room for `runs` runs.
   void reserve(std::size_t runs) { runs_.reserve(runs); }
 
   // Appends `num_lines` lines with `fields` fields each.
@@ -38,12 +38,12 @@ class LineCounts {
 
   const std::vector<Run>& runs() const { return runs_; }
 
-  // The line after the last of run `k`.
+  // The number of the line after the last one of run `k`.
   std::size_t end_of(std::size_t k) const {
     return k + 1 < runs_.size() ? runs_[k + 1].first : size_;
   }
 
-  // The number of the run that holds `line`, the number of runs if no line has that number.
+  // The number of the run that contains `line`; the number of runs if the line does not exist.
   std::size_t run_at(std::size_t line) const;
 
   // The number of fields on `line`, which must exist. Logarithmic in the number of runs.

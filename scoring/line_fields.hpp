@@ -1,4 +1,4 @@
-// LineFields: the fields of the sampled lines, which a classification asks for line by line.
+// LineFields: the fields of the sampled lines. A classification requests them line by line.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +20,7 @@ class LineFields {
   ~LineFields() = default;
 };
 
-// As for a FieldArray; `counts` has the number of fields on each line.
+// As the overload for a FieldArray. `counts` has the number of fields on each line.
 std::vector<DatatypeCode> classify_columns(const LineCounts& counts, LineFields& lines,
                                            const InspectionScope& scope);
 

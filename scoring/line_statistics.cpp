@@ -8,7 +8,7 @@
 namespace textio {
 namespace {
 
-// From this number of lines on, a few lines with several fields do not make a table.
+// With this many lines or more, a few lines with several fields do not make a table.
 constexpr std::size_t kManyLines = 11;
 
 std::size_t abs_diff(std::size_t a, std::size_t b) { return a > b ? a - b : b - a; }
@@ -133,8 +133,9 @@ std::size_t skip_to_data(std::size_t h, const std::vector<std::size_t>& empty_li
   return first_line_with_several(LineCounts(line_counts), h);
 }
 
-// Every line of a blank run that starts at `h` or before it moves `h` on, and so brings in the next
-// line of the run. A number that wraps around becomes 0, before the rest of the run.
+// Every line of a blank run that starts at or before `h` advances `h` by one, which brings the next
+// line of the run into range. A position that wraps around continues from 0, before the rest of the
+// run.
 std::size_t skip_to_data(std::size_t h, const LineCounts& line_counts) {
   const std::vector<LineCounts::Run>& runs = line_counts.runs();
   for (std::size_t k = 0; k < runs.size() && runs[k].first <= h; ++k) {

@@ -1,6 +1,6 @@
-// StrategyValuation: the score card of one strategy.
+// StrategyValuation: the scores of one strategy.
 //
-// Infinity in the two variations and in `priors_rank` means "not measured": it loses every
+// Infinity in the two variations and in `priors_rank` means "not measured". It loses every
 // comparison in which smaller is better.
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace textio {
 
-// A plain record; the order of its members is part of the interface.
+// A plain record. The order of its members is part of the interface.
 struct VLTEXTSTREAM_EXPORT StrategyValuation {
   static constexpr double kNotMeasured = std::numeric_limits<double>::infinity();
 
@@ -19,27 +19,27 @@ struct VLTEXTSTREAM_EXPORT StrategyValuation {
   // the last one with that count.
   double total_variation = kNotMeasured;
 
-  // The same mean, taken from the end of the header lines on.
+  // The same mean, over the lines after the header lines.
   double data_variation = kNotMeasured;
 
-  // Sampled lines, header lines and empty lines included.
+  // Number of sampled lines, including header lines and empty lines.
   std::uint64_t num_lines = 0;
 
   // The usual number of fields of a line.
   std::int32_t modal_field_count = 1;
 
-  // The largest number of fields of any line after the header lines.
+  // The largest number of fields on a line after the header lines.
   std::uint64_t num_variables = 1;
 
-  // Columns with any class but empty; of these, those with dates or clock values, those with
-  // numbers, those with date and time together.
+  // The number of columns with a class other than empty and, of these, the numbers of columns with
+  // dates or clock values, with numbers, and with a date and a time.
   std::uint32_t typed_columns = 0;
   std::uint32_t date_columns = 0;
   std::uint32_t numeric_columns = 0;
   std::uint32_t datetime_columns = 0;
 
-  // What speaks for the strategy before any text is seen; smaller is better. Delimited by one
-  // character: its place in the priority list (comma 0, tab 1, semicolon 2, space 3; any other
+  // How plausible the strategy is before any text is read; smaller is better. Delimited by one
+  // character: its position in the priority list (comma 0, tab 1, semicolon 2, space 3; any other
   // character 2^64). Space-aligned: 3.5.
   double priors_rank = kNotMeasured;
 };

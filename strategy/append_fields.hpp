@@ -8,16 +8,16 @@
 
 namespace textio {
 
-// Whether `field`, a field of `line`, ends where the line ends. A field may report more code units
-// than the line has.
+// Whether `field`, a field of `line`, ends where the line ends. A field may report a length beyond
+// the end of its line.
 inline bool ends_with(const Field& line, const Field& field) {
   const auto offset = static_cast<std::size_t>(field.data - line.data);
   return offset <= line.length && field.length == line.length - offset;
 }
 
-// Appends the fields of `line`: `next_field(pos)` is the extent of the one that starts at `pos`. Each
-// moves on: it holds a code unit, or a delimiter, or both. (Only columns of width 0 do not, and not
-// all columns have width 0.)
+// Appends the fields of `line`. `next_field(pos)` returns the extent of the field that starts at
+// `pos`. Each step advances: a field has a code unit, a delimiter or both. Columns of width 0 have
+// neither, but not all columns have width 0.
 template <typename NextField>
 void append_fields_of(const Field& line, std::vector<Field>& fields, NextField next_field) {
   std::size_t pos = 0;
@@ -28,8 +28,8 @@ void append_fields_of(const Field& line, std::vector<Field>& fields, NextField n
   };
   while (!ends_at(line, pos)) {
     take();
-    // A line that ends with a delimiter has one more, empty, field after it. By the same step, a
-    // line that is too short for its fixed widths has one field more.
+    // A line that ends with a delimiter has one more field after it, which is empty. The same step
+    // gives a line that is too short for its fixed widths one more field.
     if (ends_at(line, pos) && !ends_with(line, fields.back())) take();
   }
 }

@@ -11,13 +11,13 @@
 namespace textio {
 namespace {
 
-// A character that is not in the list gets the value of a failed search, 2^64: a rank far behind
-// all others, yet measured.
+// A character that is not in the list gets the result of a failed search, 2^64. This rank is after
+// all others, but it still counts as measured.
 double priors_rank_of(char16_t delimiter) {
   return static_cast<double>(kDelimiterPriority.find(delimiter));
 }
 
-// Of a set with a single character nothing but that character counts.
+// A set of a single character consists of that character; its list of texts is not used.
 std::vector<std::u16string> delimiters_of(const DelimiterSet& set) {
   if (set.is_single_char) return {std::u16string(1, *set.single_char)};
   return set.strings;
@@ -32,9 +32,9 @@ class DelimitedLines final : public LineCursor {
  public:
   DelimitedLines(const FieldRules& rules, const Field& text) : fields_(rules, text) {}
 
-  // A line is made of whole fields, so that a line ending inside quotes does not end it. A field
-  // that consumed nothing stopped at a line ending or at the end of the text, so every pass moves
-  // on. A delimiter at the end of the text has one more, empty, field after it.
+  // A line consists of whole fields, so a line ending inside quotes does not end it. A field that
+  // consumed nothing stopped at a line ending or at the end of the text, so every pass advances. A
+  // delimiter at the end of the text has one more field after it, which is empty.
   SplitLine line_at(std::size_t start) override {
     const Field& text = fields_.text();
     std::size_t num_fields = 0;

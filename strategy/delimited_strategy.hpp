@@ -2,9 +2,9 @@
 //
 //   DelimitedStrategy strategy(options, u';');
 //
-// Every delimiter closes a field: two in a row enclose an empty one, and white space beside a
-// delimiter belongs to the field. A quoted field may hold delimiters and line endings, so one
-// sampled line may be several lines of the file.
+// Every delimiter closes a field, so two in a row enclose an empty field. White space next to a
+// delimiter belongs to the field. A quoted field may contain delimiters and line endings, so one
+// sampled line may span several lines of the file.
 #pragma once
 
 #include <memory>
@@ -19,10 +19,10 @@ namespace textio {
 
 class VLTEXTSTREAM_EXPORT DelimitedStrategy : public Strategy {
  public:
-  // Of two delimiters that match, the earlier in the list wins.
+  // If two delimiters match at one position, the earlier one in the list wins.
   DelimitedStrategy(const parser::options& options, const std::vector<std::u16string>& delimiters);
 
-  // Separated by the delimiters of the options.
+  // Uses the delimiters of the options.
   explicit DelimitedStrategy(const parser::options& options);
 
   DelimitedStrategy(const parser::options& options, char16_t delimiter);
@@ -32,10 +32,10 @@ class VLTEXTSTREAM_EXPORT DelimitedStrategy : public Strategy {
   FieldExtent get_line_extent(const Field& text, unsigned long start) const override;
   FieldExtent get_next_field(const Field& line, unsigned long start) override;
 
-  // The delimiters; owned by the strategy, never null.
+  // The delimiters. Owned by the strategy, never null.
   const DelimiterSet* delimiter() const { return tokenizer_.delimiters_.get(); }
 
-  // The delimiters as texts, in the order in which they are tried.
+  // The delimiters as strings, in the order in which they are tried.
   std::vector<std::u16string> delimiters() const;
 
  private:

@@ -1,5 +1,5 @@
-// The one-character delimiters that are plausible before any text is seen, best first. A strategy's
-// prior rank is the place of its delimiter in this list.
+// The single-character delimiters that are plausible before any text is read, best first. The prior
+// rank of a strategy is the position of its delimiter in this list.
 #pragma once
 
 #include <string_view>

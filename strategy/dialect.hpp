@@ -20,7 +20,7 @@ namespace textio {
 // The four ways to separate fields; the numbers are those of Strategy::mode().
 enum class LayoutMode { delimited = 0, space_aligned = 1, fixed_width = 2, line_reader = 3 };
 
-// "delimited", "space-aligned", "fixed-width", "line-reader"; empty for any other number.
+// "delimited", "space-aligned", "fixed-width" or "line-reader"; empty for any other value.
 VLTEXTSTREAM_EXPORT std::string_view to_string(LayoutMode mode);
 
 struct VLTEXTSTREAM_EXPORT Dialect {
@@ -36,13 +36,13 @@ struct VLTEXTSTREAM_EXPORT Dialect {
 };
 
 // "delimited by comma", "delimited by \"::\" or tab", "fixed-width, widths 3, 5", "space-aligned",
-// "line-reader". The result is printable UTF-8 whatever the delimiters hold.
+// "line-reader". The result is printable UTF-8, whatever the delimiters contain.
 VLTEXTSTREAM_EXPORT std::string to_string(const Dialect& dialect);
 VLTEXTSTREAM_EXPORT std::ostream& operator<<(std::ostream& out, const Dialect& dialect);
 
 // A delimiter or line ending as people write it: "comma", "tab", "\"::\"", "\"\\r\\n\"". The result
-// is printable UTF-8: control characters are escaped, and what is invisible, changes the direction
-// of writing or is ill-formed becomes U+FFFD.
+// is printable UTF-8: control characters are escaped; ill-formed bytes, invisible characters and
+// characters that change the writing direction become U+FFFD.
 VLTEXTSTREAM_EXPORT std::string marker_name(std::string_view marker);
 
 }  // namespace textio

@@ -1,11 +1,11 @@
-// Field: a view of UTF-16 text that somebody else owns.
+// Field: a view of UTF-16 text that another object owns.
 //
-//   Field field(text.data(), 3);       // the first three units of `text`
+//   Field field(text.data(), 3);       // the first three code units of `text`
 //
-// Units      `length` counts UTF-16 code units, one per character of the text.
-// Ownership  points into the buffer of a text stream, into the text handed to a strategy, or at an
-//            empty constant. A field from a stream is valid until the stream is advanced or loads
-//            more text.
+// Units      `length` counts UTF-16 code units. A text stream has one for each character.
+// Ownership  points into the buffer of a text stream, into the text that a strategy was given, or
+//            to an empty constant. A field from a stream is valid until the stream advances or
+//            loads more text.
 #pragma once
 
 #include <cstddef>
@@ -28,14 +28,14 @@ class VLTEXTSTREAM_EXPORT Field {
   std::size_t length = 0;
 };
 
-// The field of an empty line: length 0, `data` not null. One object, alive until the program ends.
+// The field of an empty line: length 0, `data` not null. A single object with static lifetime.
 VLTEXTSTREAM_EXPORT const Field& empty_field();
 
-// MutableField: a field whose text can be rewritten without touching what it was a view of.
+// MutableField: a field whose text can be modified without changing the text that it viewed.
 //
-// Ownership  a view until `own_storage` copies the text into the object: texts shorter than
-//            `kInlineUnits` units into the object itself, longer ones into a block it owns.
-// Errors     own_storage throws std::bad_alloc and then leaves the field as it was.
+// Ownership  a view until `own_storage` copies the text: into the object itself if it is shorter
+//            than `kInlineUnits` code units, otherwise into a block that the object owns.
+// Errors     own_storage throws std::bad_alloc and leaves the field unchanged.
 class VLTEXTSTREAM_EXPORT MutableField : public Field {
  public:
   static constexpr std::size_t kInlineUnits = 32;
@@ -45,7 +45,8 @@ class VLTEXTSTREAM_EXPORT MutableField : public Field {
   MutableField& operator=(const MutableField&) = delete;
   ~MutableField() override;
 
-  // Copies the text, once, and returns where it can be written; `data` points there from now on.
+  // Copies the text on the first call. Returns the writable copy, which `data` points to from then
+  // on.
   char16_t* own_storage();
 
   bool owns_storage = false;
@@ -53,9 +54,9 @@ class VLTEXTSTREAM_EXPORT MutableField : public Field {
   char16_t* storage = inline_storage;
 };
 
-// What one step of a scan found: a field, and the index at which the next step starts. `next`
-// counts units from the start of the scanned text; a consumed line ending or delimiter lies
-// between the field's end and it.
+// The result of one scanning step: a field, and the position at which the next step starts. `next`
+// counts code units from the start of the scanned text. A consumed line ending or delimiter is
+// between the end of the field and `next`.
 struct FieldExtent {
   Field field;
   std::size_t next = 0;

@@ -8,14 +8,14 @@
 
 namespace textio {
 
-// Line k consists of the fields from counts[k - 1] (0 for the first line) up to, not including,
-// counts[k]; an empty line repeats the total before it.
+// Line k consists of the fields from counts[k - 1] (0 for the first line) up to, but not including,
+// counts[k]. An empty line repeats the total before it.
 class VLTEXTSTREAM_EXPORT FieldArray {
  public:
-  // All fields, line after line, each line's fields from left to right.
+  // All fields, line by line, each line from left to right.
   std::vector<Field> fields;
 
-  // One running total of fields per line.
+  // For each line, the total number of fields up to its end.
   std::vector<std::size_t> counts;
 };
 

@@ -1,10 +1,10 @@
-// FieldCursor: walks over the fields of a text that may be quoted.
+// FieldCursor: finds the fields of a text that may be quoted, one after the other.
 //
 //   FieldCursor fields(rules, text);
-//   FieldEnd field = fields.end_of_field(0);      // the next one starts at field.next
+//   FieldEnd field = fields.end_of_field(0);      // the next field starts at field.next
 //
-// Ownership  refers to the rules and the text, which must not change while the cursor is at it.
-// Cost       remembers what it saw of the text, so that all fields together are linear.
+// Ownership  refers to the rules and the text, which must not change while the cursor uses them.
+// Cost       remembers what it has searched, so all fields of a text together take linear time.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,8 @@
 
 namespace textio {
 
-// Where a field ends, and where the next one starts: after the delimiter if one ended the field.
+// Where a field ends and where the next one starts: after the delimiter, if a delimiter ended the
+// field.
 struct FieldEnd {
   std::size_t end;
   std::size_t next;
@@ -35,7 +36,7 @@ class FieldCursor {
 
   const Field& text() const { return text_; }
 
-  // Goes on with another text.
+  // Continues with another text.
   void move_to(const Field& text) {
     text_ = text;
     stops_.move_to(text);
@@ -44,8 +45,8 @@ class FieldCursor {
     line_endings_.move_to(text);
   }
 
-  // The end of the field that starts at `pos`. Always inlined: it is most of the work of its
-  // callers.
+  // The end of the field that starts at `pos`. Always inlined: callers spend most of their time
+  // here.
   [[gnu::always_inline]] FieldEnd end_of_field(std::size_t pos) {
     if (pos >= text_.length) return {pos, pos};
     std::size_t i = skip_quoted(text_, pos, rules_.quote, quotes_);
@@ -58,7 +59,7 @@ class FieldCursor {
     return {i, i};
   }
 
-  // The length of the line ending at `i`, 0 if there is none.
+  // The length of the line ending at `i`; 0 if there is none.
   std::size_t line_ending_at(std::size_t i) { return line_endings_.length_at(i); }
   MarkerSearch& line_endings() { return line_endings_; }
 

@@ -17,7 +17,7 @@ std::u16string make_stop_chars(const std::vector<std::u16string>& a,
   for (const std::u16string& marker : b) units.push_back(first_unit(marker));
   std::sort(units.begin(), units.end());
   units.erase(std::unique(units.begin(), units.end()), units.end());
-  units.shrink_to_fit();  // of many markers few may begin differently
+  units.shrink_to_fit();  // many markers may share a few first code units
   return units;
 }
 

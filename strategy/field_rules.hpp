@@ -1,6 +1,6 @@
-// FieldRules: what ends a field, prepared for scans.
+// FieldRules: what ends a field, prepared for scanning.
 //
-// Ownership  shares the marker sets; immutable, so that all scans of a strategy share one.
+// Ownership  shares the marker sets. Immutable, so all scans of a strategy share one object.
 #pragma once
 
 #include <memory>
@@ -25,13 +25,13 @@ struct FieldRules {
 
   char16_t quote;
   CodeUnitSet quotes;
-  CodeUnitSet stops;  // what a delimiter or a line ending may begin with
+  CodeUnitSet stops;  // the code units that a delimiter or a line ending may begin with
   MarkerMatcher delimiters;
   MarkerMatcher line_endings;
 };
 
-// The distinct first code units of all markers of both lists, ascending. An empty marker counts as
-// one that begins with U+0000.
+// The distinct first code units of all markers of both lists, in ascending order. An empty marker
+// counts as U+0000.
 std::u16string make_stop_chars(const std::vector<std::u16string>& a,
                                const std::vector<std::u16string>& b);
 

@@ -1,7 +1,7 @@
 // FieldTokenizer: finds the end of a field that may be quoted.
 //
-// Fields are separated by the delimiters. A field that starts with the quote character runs at
-// least to the closing quote, whatever comes between, and keeps its quotes; a doubled quote does not
+// Fields are separated by the delimiters. A field that starts with the quote character extends at
+// least to the closing quote, whatever is between, and keeps its quotes. A doubled quote does not
 // close it.
 #pragma once
 
@@ -22,18 +22,18 @@ struct VLTEXTSTREAM_EXPORT FieldTokenizer {
   FieldTokenizer(const std::vector<std::u16string>& delimiters,
                  const std::vector<std::u16string>& line_endings);
 
-  // The field of `text` that starts at `pos`. `next` is after the delimiter if one ended the field;
-  // at a line ending, a U+FFFF or the end of the text it is where the field ends.
+  // The field of `text` that starts at `pos`. `next` is after the delimiter if a delimiter ended
+  // the field. At a line ending, a U+FFFF or the end of the text, `next` is where the field ends.
   FieldExtent tokenize(const Field& text, std::size_t pos) const;
 
   char16_t quote_ = u'"';
   std::shared_ptr<const DelimiterSet> delimiters_;
   std::shared_ptr<const DelimiterSet> line_endings_;
 
-  // The code units at which a scan must look closer, ascending.
+  // The code units at which a scan has to look more closely, in ascending order.
   std::u16string stop_chars_;
 
-  // The same, prepared for scans.
+  // The rules prepared for scanning.
   std::shared_ptr<const FieldRules> rules_;
 };
 

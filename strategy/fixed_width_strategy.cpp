@@ -23,7 +23,7 @@ struct FixedWidthRules {
 
   std::vector<std::size_t> widths;
   MarkerMatcher line_endings;
-  CodeUnitSet stops;  // what a line ending may begin with
+  CodeUnitSet stops;  // the code units that a line ending may begin with
 };
 
 namespace {
@@ -46,8 +46,8 @@ class FixedWidthLines final : public LineCursor {
   FixedWidthLines(const FixedWidthRules& rules, const Field& text)
       : text_(text), stops_(text, rules.stops), line_endings_(rules.line_endings, text) {}
 
-  // A line ending may be anywhere, and a U+FFFF in the text does not end the line: one is seen past
-  // the end of the text, too, and a line ending may consist of it.
+  // A line ending may be anywhere. A U+FFFF in the text does not end the line: a read past the end
+  // of the text gives the same value, and a line ending may consist of it.
   SplitLine line_at(std::size_t start) override {
     for (std::size_t i = start; i <= text_.length; ++i) {
       i = stops_.next(i);
@@ -68,8 +68,8 @@ class FixedWidthLines final : public LineCursor {
   MarkerSearch line_endings_;
 };
 
-// Every field moves to the next column, also where no text is left, and a line does not start at the
-// first: the numbers of fields per line follow from this.
+// Every field advances to the next column, even where no text is left, and a line does not start at
+// the first column. The numbers of fields per line depend on this.
 class FixedWidthCutter final : public FieldCutter {
  public:
   explicit FixedWidthCutter(const std::vector<std::size_t>& widths) : widths_(widths) {}

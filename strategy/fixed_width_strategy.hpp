@@ -1,12 +1,12 @@
-// FixedWidthStrategy: every field occupies a fixed number of characters.
+// FixedWidthStrategy: every field has a fixed number of characters.
 //
 //   FixedWidthStrategy strategy(options, {8, 10, 12});
 //
 // A field reports the full width of its column even where the line is shorter. The column index
-// runs on from line to line: a line with one field more shifts the widths of all lines after it.
+// continues from line to line: a line with one field more shifts the widths of all lines after it.
 //
-// Errors  the constructor throws std::invalid_argument if the list of widths is empty or sums to 0:
-//         no scan would ever move on.
+// Errors  the constructor throws std::invalid_argument if the list of widths is empty or its sum is
+//         0: no scan would ever advance.
 #pragma once
 
 #include <cstddef>
@@ -30,7 +30,7 @@ class VLTEXTSTREAM_EXPORT FixedWidthStrategy : public Strategy {
   FieldExtent get_line_extent(const Field& text, unsigned long start) const override;
   FieldExtent get_next_field(const Field& line, unsigned long start) override;
 
-  // The column widths in code units; lives as long as the strategy.
+  // The column widths in code units. Valid as long as the strategy exists.
   const std::vector<std::size_t>& widths() const { return widths_; }
 
  private:

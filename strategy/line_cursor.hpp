@@ -1,16 +1,17 @@
-// LineCursor: walks over the lines of one text as a strategy finds them.
+// LineCursor: finds the lines of one text, one after the other, with the rules of a strategy.
 //
 //   const std::unique_ptr<LineCursor> lines = strategy.lines_of(text);
 //   const SplitLine first = lines->line_at(0);
 //   const SplitLine second = lines->line_at(first.extent.next);
 //
-// A line is what Strategy::get_line_extent finds. The cursor remembers what it saw of the text.
+// The lines are those that Strategy::get_line_extent finds. The cursor remembers what it has
+// searched.
 //
 // Units      positions count code units.
-// Ownership  refers to the strategy and the text; the text must not change while the cursor lives.
+// Ownership  refers to the strategy and the text. The text must not change while the cursor exists.
 // Errors     std::bad_alloc, and what a strategy from outside the library throws.
-// Cost       all lines of the text together: linear in the text and the markers. Moving forward is
-//            cheap; a line elsewhere costs what get_line_extent costs.
+// Cost       all lines of the text together take time linear in the text and the markers. Moving
+//            forward is cheap; a line elsewhere costs as much as get_line_extent.
 #pragma once
 
 #include <cstddef>
@@ -23,15 +24,15 @@ namespace textio {
 struct SplitLine {
   FieldExtent extent;
 
-  // The number of fields, where finding the line counts them: not for fixed widths and strategies
-  // from outside the library. Not meaningful for an empty line.
+  // The number of fields, if finding the line counts them. Fixed widths and strategies from outside
+  // the library do not count. Not meaningful for an empty line.
   std::size_t num_fields = 0;
 };
 
-// Lines that are nothing but their line endings, one directly after the other.
+// Consecutive lines that consist of a line ending only.
 struct EmptyLines {
   std::size_t count = 0;
-  std::size_t next = 0;  // where the line after them starts
+  std::size_t next = 0;  // the start of the line after them
 };
 
 class VLTEXTSTREAM_EXPORT LineCursor {
@@ -41,12 +42,12 @@ class VLTEXTSTREAM_EXPORT LineCursor {
   LineCursor& operator=(const LineCursor&) = delete;
   virtual ~LineCursor();
 
-  // The line that starts at `start`, without its line ending. At a U+FFFF or the end of the text it
-  // is empty, and the next one starts where it does.
+  // The line that starts at `start`, without its line ending. At a U+FFFF or the end of the text
+  // the line is empty, and the next line starts at the same position.
   virtual SplitLine line_at(std::size_t start) = 0;
 
-  // Empty lines from `start` on, at most `most`. More may follow: this is a fast way past many
-  // empty lines, not a test for one.
+  // At most `most` empty lines from `start` on. More may follow: this passes many empty lines
+  // quickly, and is no test for one.
   virtual EmptyLines empty_lines_at(std::size_t start, std::size_t most);
 };
 

@@ -16,7 +16,7 @@ struct WholeLineRules {
                  std::shared_ptr<const DelimiterSet> line_ending_set)
       : stops(stop_chars), line_endings(std::move(line_ending_set)) {}
 
-  CodeUnitSet stops;  // what a line ending may begin with
+  CodeUnitSet stops;  // the code units that a line ending may begin with
   MarkerMatcher line_endings;
 };
 

@@ -1,4 +1,4 @@
-// LineReaderStrategy: the text has no columns, every line is one field.
+// LineReaderStrategy: the text has no columns; every line is one field.
 #pragma once
 
 #include <memory>

@@ -1,5 +1,5 @@
-// What the splitters of separated fields share: delimited and space-aligned ones differ in where a
-// line ends and where the next field starts.
+// The common part of the splitters of separated fields. Delimited and space-aligned splitters
+// differ in where a line ends and where the next field starts.
 #pragma once
 
 #include <algorithm>
@@ -29,8 +29,8 @@ class SeparatedCutter final : public FieldCutter {
     fields_.move_to(line);
     append_fields_of(line, fields, [&](std::size_t pos) {
       const FieldExtent extent = kFieldAt(fields_, pos);
-      const bool stands_still = extent.next == pos && !ends_at(line, pos);
-      if (stands_still) throw std::invalid_argument("a line to be cut holds a line ending");
+      const bool is_stuck = extent.next == pos && !ends_at(line, pos);
+      if (is_stuck) throw std::invalid_argument("a line to be cut holds a line ending");
       return extent;
     });
     return column;

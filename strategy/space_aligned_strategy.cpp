@@ -26,8 +26,8 @@ class SpaceAlignedLines final : public LineCursor {
  public:
   SpaceAlignedLines(const FieldRules& rules, const Field& text) : fields_(rules, text) {}
 
-  // As for delimited text, with the blanks after a field as one separator. A field that nothing
-  // follows, no blank and no line ending, stopped at the end of the text.
+  // As for delimited text, with the blanks after a field as one separator. A field that neither a
+  // blank nor a line ending follows stopped at the end of the text.
   SplitLine line_at(std::size_t start) override {
     const Field& text = fields_.text();
     const std::size_t line_start = find_first_not_of(text, start, kBlankChars);

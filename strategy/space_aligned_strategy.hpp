@@ -1,7 +1,7 @@
 // SpaceAlignedStrategy: fields are separated by runs of spaces and tabs, and may be quoted.
 //
-// Blanks at the start of a line are not part of it. Blanks at its end are, and open one more,
-// empty field.
+// Blanks at the start of a line are not part of it. Blanks at its end are, and one more field,
+// which is empty, follows them.
 #pragma once
 
 #include <memory>

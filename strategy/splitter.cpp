@@ -23,17 +23,17 @@ class OperationLines final : public LineCursor {
   const Field text_;
 };
 
-// More fields of no width than any table has.
+// No table has this many consecutive fields without width.
 constexpr std::size_t kMostIdleFields = 65'536;
 
-// The strategy has its own idea of a column.
+// The strategy keeps track of columns itself.
 class OperationCutter final : public FieldCutter {
  public:
   explicit OperationCutter(Strategy& strategy) : strategy_(strategy) {}
 
   std::size_t append_fields(const Field& line, std::size_t /*column*/,
                             std::vector<Field>& fields) override {
-    std::size_t idle = 0;  // fields in a row that did not move on
+    std::size_t idle = 0;  // consecutive fields that did not advance
     append_fields_of(line, fields, [&](std::size_t pos) {
       const FieldExtent extent = strategy_.get_next_field(line, pos);
       idle = extent.next > pos ? 0 : idle + 1;

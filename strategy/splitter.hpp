@@ -1,4 +1,4 @@
-// Splitter: how one strategy cuts a text into lines, and lines into fields.
+// Splitter: how one strategy splits a text into lines, and lines into fields.
 //
 //   const std::shared_ptr<const Splitter> splitter = strategy.splitter();
 //   const std::unique_ptr<LineCursor> lines = splitter->lines_of(text);
@@ -6,14 +6,15 @@
 //   const std::unique_ptr<FieldCutter> cutter = splitter->field_cutter();
 //   cutter->append_fields(first.extent.field, 0, fields);
 //
-// Each of the library's strategies has a splitter of its own, beside the strategy in its source. A
-// strategy from outside the library has one that asks its virtual operations.
+// Each strategy of the library has its own splitter, in the source file of the strategy. The
+// splitter of a strategy from outside the library calls its virtual operations.
 //
-// Ownership  cursors and cutters refer to the splitter and to the text they are at, which must not
-//            change meanwhile. The splitter of a strategy from outside refers to the strategy.
+// Ownership  cursors and cutters refer to the splitter and to their text, which must not change
+//            meanwhile. The splitter of a strategy from outside refers to the strategy.
 // Errors     std::bad_alloc, and what a strategy from outside throws.
-// Cost       what a cursor or cutter remembers of a text is lost when it goes. All lines of one
-//            cursor are linear in the text and the markers, and so are all fields of one cutter.
+// Cost       what a cursor or cutter remembers of a text is lost when it is destroyed. All lines of
+//            one cursor together are linear in the text and the markers; so are all fields of one
+//            cutter.
 #pragma once
 
 #include <cstddef>
@@ -37,9 +38,9 @@ class FieldCutter {
   FieldCutter& operator=(const FieldCutter&) = delete;
   virtual ~FieldCutter() = default;
 
-  // Appends the fields of `line`, of which the first is in column `column`, and returns the column
-  // that the next line starts in. Columns matter to fixed widths alone. When it throws, some fields
-  // may have been appended.
+  // Appends the fields of `line`, the first of which is in column `column`. Returns the column in
+  // which the next line starts. Columns matter only for fixed widths. If it throws, some fields may
+  // have been appended.
   virtual std::size_t append_fields(const Field& line, std::size_t column,
                                     std::vector<Field>& fields) = 0;
 };
@@ -53,27 +54,27 @@ class Splitter {
 
   virtual Dialect dialect() const = 0;
 
-  // Whether line cursors count the fields of the lines they find.
+  // Whether line cursors count the fields of the lines that they find.
   virtual bool counts_fields() const = 0;
 
   // Whether cutting a line a second time gives the same fields.
   virtual bool is_repeatable() const { return true; }
 
-  // The number of columns that repeat, 1 if columns do not matter.
+  // The number of columns after which the widths repeat; 1 if columns do not matter.
   virtual std::size_t num_columns() const { return 1; }
 
-  // The number of code units past a position that may decide what is found at it.
+  // How many code units after a position may affect what is found at it.
   virtual std::size_t longest_marker() const = 0;
 
   virtual std::unique_ptr<LineCursor> lines_of(const Field& text) const = 0;
   virtual std::unique_ptr<FieldCutter> field_cutter() const = 0;
 };
 
-// Both ask the virtual operations of `strategy`, which must outlive them.
+// Both call the virtual operations of `strategy`, which must outlive them.
 std::shared_ptr<const Splitter> splitter_by_operations(Strategy& strategy);
 std::unique_ptr<LineCursor> lines_by_operations(const Strategy& strategy, const Field& text);
 
-// As LineCursor::empty_lines_at, for lines that end with the next line ending unless they start with
+// As LineCursor::empty_lines_at, for lines that end at the next line ending unless they start with
 // one of `openers`.
 EmptyLines empty_lines_from(std::size_t start, std::size_t most, const Field& text,
                             MarkerSearch& line_endings, std::u16string_view openers);

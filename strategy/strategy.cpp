@@ -47,7 +47,7 @@ Strategy::~Strategy() = default;
 
 void Strategy::reset_fields() {}
 
-// The copies that can fail come first.
+// The copies, which can fail, come first.
 void Strategy::reset_whitespace(const std::u16string& whitespace) {
   std::u16string of_text = whitespace;
   std::u16string of_quoted = whitespace;
@@ -73,8 +73,8 @@ void Strategy::split_by(std::shared_ptr<const Splitter> splitter, const std::typ
   column_ = column;
 }
 
-// Null for a class from outside the library, whatever it derives from. This is the one place that
-// asks for the class of a strategy.
+// Null for a class from outside the library, whatever it derives from. Only this function asks for
+// the class of a strategy.
 const Splitter* Strategy::own_splitter() const {
   const bool is_own = own_class_ != nullptr && typeid(*this) == *own_class_;
   return is_own ? own_splitter_.get() : nullptr;
@@ -105,7 +105,7 @@ DrawnSample Strategy::draw(const Field& text, const SampleLimits& limits) {
   return draw_sample(text, *splitter(), {text_format_, options_->comment_style}, limits);
 }
 
-// The sample before is kept until the new one is there, and its copy.
+// The previous sample is kept until the new one and its copy exist.
 std::vector<Field> Strategy::populate_fields(const Field& text, unsigned long num_lines) {
   DrawnSample sample = draw(text, {most_texts(num_lines)});
   std::vector<Field> lines = sample.take_lines();
@@ -127,7 +127,7 @@ void Strategy::keep(DrawnSample&& sample, const LineCounts& counts) {
 // ---------------------------------------------------------------------------------------------
 // Cutting
 
-// When `cut` throws, the next field is in the column where it was.
+// If `cut` throws, the column of the next field is restored.
 template <typename Cut>
 void Strategy::cut_or_restore(Cut cut) {
   const std::size_t column = next_column();

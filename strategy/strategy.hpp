@@ -1,20 +1,22 @@
-// Strategy: one hypothesis about how the lines of a text are cut into fields.
+// Strategy: one hypothesis about how the lines of a text are split into fields.
 //
 //   DelimitedStrategy commas(options, u',');
 //   commas.populate_fields(Field(text.data(), text.size()), 100);
 //   const StrategyValuation& score = commas.valuation();
 //
-// A strategy is made from options, samples the first lines of one text, cuts them into fields and
-// values the cut once. It keeps no text: its lines and fields are views of the text it was given.
+// A strategy is made from options. It samples the first lines of one text, cuts them into fields
+// and scores the result once. It keeps no text: its lines and fields are views of the text it was
+// given.
 //
-// Units      positions and lengths count UTF-16 code units; lines are sampled lines, numbered from 0.
+// Units      positions and lengths count UTF-16 code units; lines are sampled lines, numbered from
+//            0.
 // Ownership  made with new and shared through shared_ptr<Strategy>. The options record must outlive
-//            the strategy; the text must outlive every use of its lines.
-// Errors     none of its own; std::bad_alloc passes, and what the host throws; the strategy is then
-//            what it was before the call.
-// Cost       sampling, cutting and valuing are linear in the sampled text and the markers together,
+//            the strategy. The text must outlive every use of its lines.
+// Errors     none of its own. std::bad_alloc and what the host throws are passed on; the strategy
+//            is then in the state before the call.
+// Cost       sampling, cutting and scoring are linear in the sampled text and the markers together,
 //            and so is each single step.
-// Threads    one thread at a time, the const operations included.
+// Threads    one thread at a time, also for const operations.
 #pragma once
 
 #include <cstddef>
@@ -45,29 +47,29 @@ struct DrawnSample;
 struct InspectionScope;
 struct SampleLimits;
 
-// What is taken off the ends of a piece of text before it is treated as a value.
+// What is removed from the ends of a piece of text before it is treated as a value.
 struct VLTEXTSTREAM_EXPORT ValueFormat {
-  // Characters trimmed at the ends; not engaged means no trimming.
+  // Characters trimmed at the ends; nothing is trimmed if it has no value.
   std::optional<std::u16string> whitespace = u" \b\t";
 
-  // Quote character whose enclosing pair is removed.
+  // The quote character; an enclosing pair of it is removed.
   std::optional<char16_t> quote;
 
-  // Prefixes (first list) and suffixes (second list) to strip.
+  // Prefixes (first list) and suffixes (second list) to remove.
   std::optional<std::pair<std::vector<std::u16string>, std::vector<std::u16string>>> affixes;
 };
 
-// How a whole line is cleaned before it is tested for being empty or a comment.
+// How a whole line is cleaned before the tests for empty lines and comments.
 struct VLTEXTSTREAM_EXPORT FieldFormat : ValueFormat {
   enum class Trim { both = 0, none = 1, leading = 2, trailing = 3 };
 
-  // Affixes are compared exactly; otherwise 'a' to 'z' equal 'A' to 'Z'.
+  // Whether affixes are compared exactly. Otherwise 'a' to 'z' equal 'A' to 'Z'.
   bool case_sensitive = false;
 
-  // Receives unquoted text; the cleaned text may point into it.
+  // Receives unquoted text. The cleaned text may point into it.
   std::u16string unquoted;
 
-  // Replaces the text of an empty line; empty means that nothing does.
+  // Replaces the text of an empty line. Empty means no replacement.
   std::u16string empty_text;
 
   Trim trim = Trim::both;
@@ -85,10 +87,10 @@ struct VLTEXTSTREAM_EXPORT NumberFormat : ValueFormat {
 // The order of the virtual operations and of the members is part of the interface.
 class VLTEXTSTREAM_EXPORT Strategy {
  public:
-  // The codes that mode() returns.
+  // The values that mode() returns.
   enum Mode { kDelimited = 0, kSpaceAligned = 1, kFixedWidth = 2, kLineReader = 3 };
 
-  // Stands for header lines that are to be detected.
+  // Means that the header lines are to be detected.
   static constexpr std::size_t kUnknownHeaderLines = std::numeric_limits<std::size_t>::max();
 
   explicit Strategy(const parser::options& options);
@@ -98,18 +100,19 @@ class VLTEXTSTREAM_EXPORT Strategy {
 
   virtual int mode() const = 0;
 
-  // The line of `text` that starts at `start`, without its line ending, and where the next starts.
+  // The line of `text` that starts at `start`, without its line ending, and the start of the next
+  // line.
   virtual FieldExtent get_line_extent(const Field& text, unsigned long start) const = 0;
 
-  // The field of `line` that starts at `start`, and where the next starts.
+  // The field of `line` that starts at `start`, and the start of the next field.
   virtual FieldExtent get_next_field(const Field& line, unsigned long start) = 0;
 
   // Called after the last field of each line.
   virtual void reset_fields();
 
-  // Samples the lines of `text` until `num_lines` of them, beyond the header lines if their number
-  // is given, are neither empty nor comments. Keeps these and the empty ones, the latter as
-  // empty_field(), and returns a copy of what it keeps.
+  // Samples the lines of `text` until `num_lines` of them are neither empty nor comments, not
+  // counting the header lines if their number is given. Keeps these lines and the empty ones, the
+  // latter as empty_field(), and returns a copy of what it keeps.
   std::vector<Field> populate_fields(const Field& text, unsigned long num_lines);
 
   // Cuts every sampled line into fields.
@@ -118,34 +121,34 @@ class VLTEXTSTREAM_EXPORT Strategy {
   // The lines of a text, one after the other. The strategy must outlive the cursor.
   std::unique_ptr<LineCursor> lines_of(const Field& text) const;
 
-  // Appends the fields of one line to `fields`, all or none. A fixed-width strategy goes on with the
-  // column after that of the last field it cut. std::invalid_argument if the line holds a line
-  // ending at which one of its fields would end.
+  // Appends the fields of one line to `fields`, all or none. A fixed-width strategy continues with
+  // the column after that of the last field it cut. Throws std::invalid_argument if the line
+  // contains a line ending at which a field would end.
   void cut_line(const Field& line, std::vector<Field>& fields);
 
-  // The fields of one line on its own: a fixed-width strategy starts at its first column, and stays
-  // at the column it is at. A strategy from outside the library does what cut_line does.
+  // The fields of a single line. A fixed-width strategy starts at its first column, and its current
+  // column does not change. A strategy from outside the library does the same as in cut_line.
   std::vector<Field> fields_of(const Field& line);
 
-  // The scores of the cut; computed by the first call, which also settles the header lines if
-  // they are to be detected.
+  // The scores of the cut. The first call computes them; it also settles the header lines if they
+  // are to be detected.
   const StrategyValuation& valuation();
 
   // Classifies the columns of `fields` and adds their numbers to the scores.
   void inspect_datatypes(const FieldArray& fields);
 
-  // The class of each column of `fields`, given the header lines, the modal field count and the
-  // number of variables that the strategy has now; see scoring/datatype_inspection.hpp.
+  // The class of each column of `fields`, for the current header lines, modal field count and
+  // number of variables of the strategy; see scoring/datatype_inspection.hpp.
   std::vector<DatatypeCode> classify_columns(const FieldArray& fields) const;
 
-  // The classes that the last inspection found; none before, and none for a sample in which each
-  // line has one field while the header lines are to be detected.
+  // The classes that the last inspection found. Empty before the first one, and for a sample in
+  // which each line has one field while the header lines are to be detected.
   const std::vector<DatatypeCode>& column_classes() const { return column_classes_; }
 
-  // The number of fields on each sampled line, as the valuation found it; none before.
+  // The number of fields on each sampled line, as the valuation found it; empty before.
   const std::vector<std::size_t>& field_counts() const { return field_counts_; }
 
-  // Statistics over the numbers of fields per line; see scoring/line_statistics.hpp. They read the
+  // Statistics over the numbers of fields per line; see scoring/line_statistics.hpp. They use the
   // modal field count and the header lines of the strategy.
   double get_total_variation(const std::vector<std::size_t>& diffs) const;
   double get_data_variation(const std::vector<std::size_t>& diffs) const;
@@ -154,23 +157,24 @@ class VLTEXTSTREAM_EXPORT Strategy {
   std::size_t get_modified_median(const std::vector<std::size_t>& line_counts,
                                   std::size_t first) const;
 
-  // Settles the header lines from the deviations when they are not known yet.
+  // Settles the header lines from the deviations if they are not known yet.
   void calculate_headerlines(const std::vector<std::size_t>& diffs, std::size_t first);
 
-  // The number of header lines; kUnknownHeaderLines in both directions.
+  // The number of header lines. kUnknownHeaderLines means "not known" as an argument and as a
+  // result.
   void header_lines(unsigned long n);
   unsigned long header_lines() const { return header_lines_; }
 
-  // -1 until the strategy has been valued.
+  // -1 before the valuation.
   long num_variables() const;
 
   // Sets the white space of the three formats.
   void reset_whitespace(const std::u16string& whitespace);
 
-  // The lines of the last populate_fields; valid until the next one.
+  // The lines of the last populate_fields(); valid until the next call.
   const std::vector<Field>& lines() const { return lines_; }
 
-  // What the last populate_fields found out about its text.
+  // What the last populate_fields() found out about its text.
   const Sample& sample() const { return sample_; }
 
   // The runs of the sample, which has none from now on: there may be millions.
@@ -181,20 +185,20 @@ class VLTEXTSTREAM_EXPORT Strategy {
 
   // --- for the library itself; not exported ------------------------------------------------------
 
-  // How this strategy splits text. The virtual operations of a class from outside the library are
-  // asked, whatever that class derives from: they may override.
+  // How this strategy splits text. For a class from outside the library the virtual operations are
+  // called, whatever it derives from, because it may override them.
   VLTEXTSTREAM_LOCAL std::shared_ptr<const Splitter> splitter();
 
-  // The column of the next field, 0 if columns do not matter.
+  // The column of the next field; 0 if columns do not matter.
   VLTEXTSTREAM_LOCAL std::size_t next_column() const { return column_ ? *column_ : 0; }
 
-  // The text lines that a sample of `num_lines` data lines has at most: header lines whose number is
-  // given come on top.
+  // The largest number of text lines in a sample of `num_lines` data lines: header lines are added
+  // if their number is given.
   VLTEXTSTREAM_LOCAL std::size_t most_texts(unsigned long num_lines) const;
 
   VLTEXTSTREAM_LOCAL DrawnSample draw(const Field& text, const SampleLimits& limits);
 
-  // Keeps a sample and, if it has been valued, the number of fields on each line.
+  // Stores a sample and, if it has been valued, the number of fields on each line.
   VLTEXTSTREAM_LOCAL void keep(DrawnSample&& sample, const LineCounts& counts);
 
   // The steps of a valuation; see strategy/sampling/trial.hpp.
@@ -204,8 +208,8 @@ class VLTEXTSTREAM_EXPORT Strategy {
                                  std::size_t column) noexcept;
 
  protected:
-  // Called by the constructors of the library's strategies. `column` is the member that holds the
-  // column of the next field, if there is one.
+  // Called by the constructors of the library's strategies. `column` is the member that has the
+  // column of the next field; null if there is none.
   VLTEXTSTREAM_LOCAL void split_by(std::shared_ptr<const Splitter> splitter,
                                    const std::type_info& own_class, std::size_t* column = nullptr);
 
@@ -220,8 +224,8 @@ class VLTEXTSTREAM_EXPORT Strategy {
   bool space_separated_ = false;
   bool header_lines_auto_;
 
-  // The text of the last populate_fields. A field may report more code units than its line has, but
-  // nothing past the end of this text is read.
+  // The text of the last populate_fields(). A field may report more code units than its line has,
+  // but nothing past the end of this text is read.
   Field text_;
 
  private:

@@ -1,5 +1,5 @@
-// A sequence is well-formed when its length fits its value: the smallest value of each length rules
-// out overlong forms, so no table of second bytes is needed.
+// A sequence is well-formed if its length fits its value. Overlong forms are rejected by the
+// smallest value of each length, so no table of second bytes is needed.
 #include <vltextstream/strategy/utf8.hpp>
 
 namespace textio {
@@ -28,7 +28,7 @@ constexpr Range kUnprintable[] = {
 
 bool is_in(Range range, char32_t c) { return c >= range.first && c <= range.last; }
 
-// The number of bytes that a lead byte announces; 0 when it is none.
+// The number of bytes that a lead byte announces; 0 if it is not a lead byte.
 std::size_t length_announced(unsigned char lead) {
   if (lead < 0x80) return 1;
   if (lead < 0xC0) return 0;

@@ -1,4 +1,4 @@
-// UTF-8 without another library. What is ill-formed becomes U+FFFD.
+// UTF-8 without another library. Ill-formed input becomes U+FFFD.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@ namespace textio {
 
 inline constexpr char32_t kReplacement = 0xFFFD;
 
-// The first code point of a text, and the length of its code units.
+// The first code point of a text, and its length in code units.
 struct CodePoint {
   char32_t value;
   std::size_t length;
@@ -17,7 +17,7 @@ struct CodePoint {
 
 constexpr bool is_surrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
 
-// `text` must not be empty. An unpaired surrogate is one U+FFFD.
+// `text` must not be empty. An unpaired surrogate gives one U+FFFD.
 inline CodePoint first_code_point(std::u16string_view text) {
   const char32_t lead = text[0];
   if (!is_surrogate(lead)) return {lead, 1};
@@ -47,7 +47,7 @@ inline void append_utf8(std::string& out, char32_t code_point) {
   }
 }
 
-// Surrogate pairs are joined; an unpaired surrogate becomes U+FFFD.
+// Surrogate pairs are joined. An unpaired surrogate becomes U+FFFD.
 inline std::string to_utf8_lossy(std::u16string_view text) {
   std::string utf8;
   while (!text.empty()) {
@@ -58,11 +58,12 @@ inline std::string to_utf8_lossy(std::u16string_view text) {
   return utf8;
 }
 
-// The code points of UTF-8; each byte that is not part of a well-formed sequence is one U+FFFD.
+// The code points of UTF-8 text. Each byte that is not part of a well-formed sequence gives one
+// U+FFFD.
 std::u32string code_points_of(std::string_view utf8);
 
-// Whether a code point has no visible form of its own, could command a terminal, or changes the
-// direction of the text around it: controls, line separators, direction marks and invisible format
+// Whether a code point has no visible form, could control a terminal, or changes the direction of
+// the text around it: control characters, line separators, direction marks and invisible format
 // characters.
 bool is_unprintable(char32_t code_point);
 

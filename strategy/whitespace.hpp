@@ -1,4 +1,4 @@
-// What a strategy takes out of the characters that are trimmed: a separator is no white space.
+// Removes the separator of a strategy from the characters that are trimmed: it is not white space.
 #pragma once
 
 #include <algorithm>
@@ -6,8 +6,8 @@
 
 namespace textio {
 
-// Takes every `unit` out of `chars` by moving the later characters forward without shortening the
-// text: the last places keep the characters that were there. So a unit in the last place stays.
+// Removes every `unit` from `chars` by moving the later characters forward, without shortening the
+// text. The last positions keep their old characters, so a `unit` in the last position remains.
 inline void remove_in_place(std::u16string& chars, char16_t unit) {
   (void)std::remove(chars.begin(), chars.end(), unit);
 }

@@ -29,8 +29,8 @@ bool equal(View a, View b, bool case_sensitive) {
                     [](char16_t x, char16_t y) { return fold_ascii(x) == fold_ascii(y); });
 }
 
-// Takes the first matching prefix and the first matching suffix off the text. Both are looked for in
-// the whole text: where they overlap, nothing is left.
+// Removes the first matching prefix and the first matching suffix. Both are searched for in the
+// whole text; if they overlap, nothing is left.
 View strip_affixes(View text, const FieldFormat& format) {
   if (!format.affixes || format.trim == FieldFormat::Trim::none) return text;
   std::size_t begin = 0;

@@ -1,4 +1,4 @@
-// Cleaning of a line before it is tested for being empty or a comment.
+// Cleaning of a line before the tests for empty lines and comments.
 #pragma once
 
 #include <vltextstream/strategy/field.hpp>
@@ -6,8 +6,8 @@
 
 namespace textio {
 
-// The line without white space and affixes at its ends and without quotes, as `format` says. The
-// result points into the line or into the format's `unquoted` buffer; it is valid until the next
+// The line without quotes, and without white space and affixes at its ends, as `format` says. The
+// result points into the line or into the format's `unquoted` buffer. It is valid until the next
 // cleaning with the same format.
 Field clean_line(const Field& line, FieldFormat& format);
 

@@ -3,8 +3,8 @@
 //   strategy.populate_fields(text, 100);
 //   for (const SampleRun& run : strategy.sample().runs) ...   // 3 comments, 97 lines, 1 blank ...
 //
-// Units      positions count code units of the text, lines count sampled lines from 0. A comment is
-//            no sampled line.
+// Units      positions count code units of the text; lines count sampled lines from 0. A comment is
+//            not a sampled line.
 // Ownership  `text` is a view of the text that was sampled.
 #pragma once
 
@@ -39,10 +39,10 @@ struct VLTEXTSTREAM_EXPORT SampleRun {
 struct VLTEXTSTREAM_EXPORT Sample {
   Field text;
 
-  // All lines that were looked at, in order.
+  // All lines that were examined, in order.
   std::vector<SampleRun> runs;
 
-  // Where sampling stopped: the next line would start here.
+  // Where sampling stopped: the start of the next line.
   std::size_t end = 0;
 
   // Whether more text after the end of `text` could have changed the sample.

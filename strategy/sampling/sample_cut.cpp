@@ -1,6 +1,6 @@
 // A list of all fields of a large sample takes many times the memory of its text, and most of it is
-// never read: a classification looks at a few lines. So fields are counted, and those of the few
-// lines are cut a second time.
+// never read: classification examines only a few lines. So fields are counted first, and the fields
+// of those few lines are cut again.
 #include <vltextstream/strategy/sampling/sample_cut.hpp>
 
 namespace textio {
@@ -22,7 +22,8 @@ FieldCutter& SampleCut::cutter() {
   return *cutter_;
 }
 
-// A strategy from outside is told of the end of each line, the blank ones too.
+// A strategy from outside gets a reset_fields() call at the end of each line, including blank
+// lines.
 void SampleCut::count_all(Strategy& strategy) {
   const bool keeps_all = !splitter_->is_repeatable();
   for (const SampleRun& run : sample_.found.runs) {

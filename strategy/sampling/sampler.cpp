@@ -1,5 +1,5 @@
-// One pass over the lines. Blank lines may come by the million, so they are passed over in groups:
-// where they are known from another strategy, and where they are nothing but their line endings.
+// One pass over the lines. There may be millions of blank lines, so they are skipped in groups
+// where another strategy has already found them, and where they consist of a line ending only.
 #include <vltextstream/strategy/sampling/sampler.hpp>
 
 #include <algorithm>
@@ -14,21 +14,21 @@
 namespace textio {
 namespace {
 
-// Whether a line whose cleaned text is `text` is a comment. Only the start marker counts: what a
-// block comment encloses is dropped line by line, where a line begins with the marker itself.
+// Whether a line with the cleaned text `text` is a comment. Only the start marker counts: a line
+// inside a block comment is dropped only if it begins with the marker itself.
 bool is_comment(const Field& text, const std::vector<std::u16string>& comment_style) {
   return !comment_style.empty() && !comment_style[0].empty() &&
          view_of(text).substr(0, comment_style[0].size()) == comment_style[0];
 }
 
-// The text that replaces an empty line, if there is one.
+// The text that replaces an empty line, if the format has one.
 Field or_replacement(const Field& cleaned, const FieldFormat& format) {
   const std::u16string& replacement = format.empty_text;
   return cleaned.length > 0 ? cleaned : Field(replacement.data(), replacement.size());
 }
 
-// Whether a line that is not cleaned yet is surely a text. Nothing is taken off most lines but white
-// space, and few begin with it.
+// Whether a line is certainly text before it is cleaned. Cleaning removes only white space from
+// most lines, and few begin with white space.
 bool is_surely_text(const Field& line, const LineTest& test) {
   const FieldFormat& format = test.format;
   const bool is_only_trimmed = !format.affixes && !format.quote && test.comment_style.empty();
@@ -43,7 +43,7 @@ SampleLineKind kind_of(const Field& line, const LineTest& test) {
   return is_comment(cleaned, test.comment_style) ? SampleLineKind::comment : SampleLineKind::text;
 }
 
-// A table seldom has more runs of lines of one kind, or of lines with equal numbers of fields.
+// A table seldom has more runs of lines of one kind, or of lines with the same number of fields.
 constexpr std::size_t kUsualRuns = 16;
 constexpr std::size_t kUsualCounts = 128;
 
@@ -70,7 +70,7 @@ class Sampler {
     if (splitter.counts_fields()) sample_.counts.reserve(std::min(room, kUsualCounts));
   }
 
-  // Every line ends after its start while there is text: it holds a code unit, or a line ending, or
+  // While there is text, every line ends after its start: it has a code unit, a line ending or
   // both. So the loop ends.
   DrawnSample draw() {
     while (!ends_at(text_, pos_) && sample_.texts.size() < limits_.num_texts && room() > 0) {
@@ -108,7 +108,7 @@ class Sampler {
         line.extent.field.length > 0 ? line.num_fields : 0);
   }
 
-  // Nothing replaces empty lines, or the line before would not have been blank.
+  // Nothing replaces empty lines here; otherwise the previous line would not have been blank.
   void take_empty_lines() {
     const EmptyLines more = lines_->empty_lines_at(pos_, room());
     if (more.count > 0) add(SampleLineKind::blank, more.count, more.next);
@@ -122,7 +122,7 @@ class Sampler {
     return true;
   }
 
-  // Goes on to `next`, after `num_lines` lines of one kind.
+  // Advances to `next`, after `num_lines` lines of one kind.
   void add(SampleLineKind kind, std::size_t num_lines, std::size_t next,
            std::size_t num_fields = 0) {
     add_run(sample_.found.runs, {kind, 0, size_, num_texts_, pos_}, num_lines);
@@ -143,7 +143,7 @@ class Sampler {
     return std::move(sample_);
   }
 
-  // What follows this many code units after a line cannot change it.
+  // Text this many code units after a line or further cannot change it.
   std::size_t reach() const { return splitter_.longest_marker(); }
 
   const Field text_;
@@ -158,8 +158,8 @@ class Sampler {
   std::size_t num_texts_ = 0;
 };
 
-// The run that holds sampled line `index`: the last that begins there or before. Comments before a
-// line begin at its number, too, and come before it.
+// The run that contains sampled line `index`: the last run that begins at it or before it. Comments
+// directly before a line begin at the same number, and come earlier in the list.
 const SampleRun& run_of(const std::vector<SampleRun>& runs, std::size_t index) {
   const auto after =
       std::upper_bound(runs.begin(), runs.end(), index,

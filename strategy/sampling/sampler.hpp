@@ -5,11 +5,11 @@
 //   sample.line(7);                   // any sampled line
 //
 // A sample may have as many lines as its text has code units, most of them blank. Blank lines are
-// counted in runs, not listed.
+// counted in runs instead of listed.
 //
-// Ownership  a sample holds views of its text.
+// Ownership  a sample has views of its text.
 // Errors     std::bad_alloc, and what a strategy from outside the library throws.
-// Cost       linear in the text that is looked at and the markers.
+// Cost       linear in the text that is examined and the markers.
 #pragma once
 
 #include <cstddef>
@@ -28,29 +28,29 @@ namespace textio {
 struct DrawnSample {
   Sample found;
 
-  // The lines of kind text, in order.
+  // The text lines, in order.
   std::vector<Field> texts;
 
   // The number of fields on each sampled line, if the splitter counts them.
   LineCounts counts;
 
-  // How many text lines it could have had.
+  // The largest number of text lines that the sample was allowed to have.
   std::size_t most_texts = 0;
 
-  // The number of sampled lines: texts and blank lines.
+  // The number of sampled lines: text lines and blank lines.
   std::size_t size() const;
 
   bool has_counts() const { return counts.size() == size(); }
 
-  // Sampled line `index`, which must exist; an empty field for a blank line. Logarithmic in the
+  // Sampled line `index`, which must exist. A blank line gives an empty field. Logarithmic in the
   // number of runs.
   const Field& line(std::size_t index) const;
 
-  // All sampled lines. Takes the texts of this object.
+  // All sampled lines. Moves the texts out of this object.
   std::vector<Field> take_lines();
 };
 
-// What a line is compared with to find out its kind. The format's buffer is written to.
+// What decides the kind of a line. The format's buffer is written to.
 struct LineTest {
   FieldFormat& format;
   const std::vector<std::u16string>& comment_style;
@@ -66,10 +66,10 @@ struct BlankRun {
 struct SampleLimits {
   static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 
-  // The most text lines.
+  // The largest number of text lines.
   std::size_t num_texts;
 
-  // The most lines in all, and how many there are likely to be.
+  // The largest number of lines in all, and the number that is likely.
   std::size_t num_lines = kNoLimit;
   std::size_t likely_lines = 16'384;
 

@@ -1,14 +1,14 @@
-// Trial: a strategy tried on a sample.
+// Trial: one strategy tried on a sample.
 //
 //   Trial trial(strategy, sample);
 //   if (is_promising(trial.score().valuation)) trial.settle();
 //
-// The lines are counted and scored once; the columns are classified only if the trial is settled.
-// Until then the strategy stays as it is.
+// The fields of the lines are counted and scored once. The columns are classified only when the
+// trial is settled; until then the strategy does not change.
 //
 // Ownership  refers to the strategy and the sample.
-// Errors     std::bad_alloc, and what the host or a strategy from outside throws; the strategy is
-//            then what it was before.
+// Errors     std::bad_alloc, and what the host or a strategy from outside throws. The strategy is
+//            then unchanged.
 #pragma once
 
 #include <vltextstream/scoring/count_score.hpp>
@@ -21,14 +21,14 @@ namespace textio {
 
 class Trial {
  public:
-  // Takes the numbers of fields out of the sample.
+  // Moves the numbers of fields out of the sample.
   Trial(Strategy& strategy, DrawnSample& sample);
 
   const LineCounts& counts() const { return cut_.counts(); }
   LineCounts take_counts() { return cut_.take_counts(); }
   const CountScore& score() const { return score_; }
 
-  // Classifies the columns and makes the scores those of the strategy.
+  // Classifies the columns, and stores the scores in the strategy.
   void settle();
 
  private:

@@ -1,6 +1,6 @@
-// The part between HWY_BEFORE_NAMESPACE and HWY_AFTER_NAMESPACE is compiled once for each kind of
-// vectors, in a namespace of its own. Which one runs is decided here and not by the library that
-// comes with these headers, so that ours needs no other at run time.
+// The part between HWY_BEFORE_NAMESPACE and HWY_AFTER_NAMESPACE is compiled once per vector
+// instruction set, each time in its own namespace. This file chooses the one that runs; the Highway
+// library's own dispatch would be a run-time dependency.
 #include <vltextstream/strategy/search/code_unit_finder.hpp>
 
 #include <algorithm>
@@ -14,10 +14,10 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "strategy/search/code_unit_finder.cpp"
 #include <hwy/foreach_target.h>
-// Must come behind foreach_target.h.
+// Must come after foreach_target.h.
 #include <hwy/highway.h>
 
-// Without vectors the plain loop is what runs.
+// Without vector instructions only the plain loop below is used.
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
 HWY_BEFORE_NAMESPACE();
 namespace textio::HWY_NAMESPACE {
@@ -26,10 +26,10 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr std::size_t kBlock = CodeUnitFinder::kBlockUnits;
 
-// A bit for each of the 64 units at `block` that is one of `units`.
+// A mask of the 64 code units at `block`: a bit is set where the code unit is one of `units`.
 template <std::size_t kCount>
 std::uint64_t places_in(const char16_t* block, const char16_t* units) {
-  const hn::CappedTag<std::uint16_t, kBlock> d;  // of eight units at least: they fill whole bytes
+  const hn::CappedTag<std::uint16_t, kBlock> d;  // at least eight lanes: they fill whole bytes
   const auto* const in = reinterpret_cast<const std::uint16_t*>(block);
   std::uint64_t places = 0;
   for (std::size_t i = 0; i < kBlock; i += hn::Lanes(d)) {
@@ -47,7 +47,7 @@ std::uint64_t places_in(const char16_t* block, const char16_t* units) {
   return places;
 }
 
-// The last block is not full: nothing behind the text may be read.
+// The last block is not full, and nothing after the text may be read.
 template <std::size_t kCount>
 std::uint64_t places_in_last(const char16_t* block, std::size_t rest, const char16_t* units) {
   char16_t last[kBlock] = {};
@@ -117,7 +117,7 @@ std::size_t plain_find_blocks(const char16_t* text, std::size_t length, std::siz
   return block;
 }
 
-// What the compiler may make use of where it compiles for such vectors.
+// Whether the processor has every feature that the compiler assumes for this instruction set.
 bool are_all_there(std::initializer_list<bool> features) {
   return std::find(features.begin(), features.end(), false) == features.end();
 }
@@ -186,7 +186,7 @@ const SearchKernel& use_search_kernel(const SearchKernel& kernel) {
 CodeUnitFinder::CodeUnitFinder(const Field& text, const CodeUnitSet& set)
     : kernel_(chosen_kernel()), set_(&set), text_(text.data), length_(text.length) {}
 
-// Searches as many blocks as hold what was asked for so far: a text may be a short line.
+// The number of blocks searched ahead grows with the requests, because a text may be a short line.
 std::size_t CodeUnitFinder::next_outside(std::size_t i) {
   if (set_->is_empty() || i >= length_) return length_;
   if (!set_->is_list()) return next_in_table(i);
@@ -208,8 +208,8 @@ std::size_t CodeUnitFinder::next_in_table(std::size_t i) const {
   return i;
 }
 
-// The first place from `i` on in the blocks that were looked at, the text's length when there is
-// none or the block of `i` was not.
+// The first match at or after `i` in the blocks that were searched. The length of the text if there
+// is none, or if the block of `i` was not searched.
 std::size_t CodeUnitFinder::next_within(std::size_t i) const {
   std::size_t k = i / kBlockUnits - first_block_;
   if (k >= num_blocks_) return length_;

@@ -2,14 +2,14 @@
 //
 //   const CodeUnitSet ends(u"\n\r");
 //   CodeUnitFinder finder(text, ends);
-//   std::size_t end = finder.next(0);    // of the first one, text.length if there is none
+//   std::size_t end = finder.next(0);    // the first match; text.length if there is none
 //
-// For a list, compares blocks of 64 code units with the widest vectors of the machine and remembers
-// the result: asking for one position after the other is cheap.
+// For a set that is a list, compares blocks of 64 code units with the widest vector instructions of
+// the machine and remembers the result, so asking for consecutive positions is cheap.
 //
-// Ownership  refers to the text and the set; neither may change while the finder lives.
-// Cost       a few nanoseconds for each position and each block; a large set is looked up code unit
-//            by code unit. Never reads past the end of the text.
+// Ownership  refers to the text and the set; neither may change while the finder exists.
+// Cost       a few nanoseconds for each position and each block. A set that is a table is looked up
+//            for each code unit. Never reads past the end of the text.
 #pragma once
 
 #include <bit>
@@ -22,24 +22,25 @@
 
 namespace textio {
 
-// One way to search a text, for one kind of vectors. All give the same answers.
+// One implementation of the search, for one vector instruction set. All give the same results.
 struct SearchKernel {
   const char* name;
 
-  // The number of the first block of 64 code units, from `block` on, that holds one of the `count`
-  // code units at `units`. `places` receives a word for this block and each of the `num_blocks` - 1
-  // after it, with a bit for each match. Without a match: the number of the last block, and no bit.
-  // `units` has room for CodeUnitSet::kMostListed, the last one repeated.
+  // Returns the number of the first block of 64 code units, at or after `block`, that contains one
+  // of the `count` code units at `units`. `places` receives a word with a bit for each match, for
+  // this block and for each of the `num_blocks` - 1 blocks after it. Without a match: returns the
+  // number of the last block and sets no bit. `units` has CodeUnitSet::kMostListed elements; the
+  // last one of the list is repeated in the rest.
   std::size_t (*find_blocks)(const char16_t* text, std::size_t length, std::size_t block,
                              const char16_t* units, std::size_t count, std::uint64_t* places,
                              std::size_t num_blocks);
 };
 
-// The kernels that this machine can run, the fastest first; the last is the plain loop.
+// The kernels that this machine can run, fastest first. The last one is the plain loop.
 std::span<const SearchKernel> search_kernels();
 
-// Makes finders that are constructed from now on, in all threads, search by `kernel`: for tests.
-// Returns the kernel used until now.
+// For tests: finders that are constructed from now on, in all threads, use `kernel`. Returns the
+// previous kernel.
 const SearchKernel& use_search_kernel(const SearchKernel& kernel);
 
 class CodeUnitFinder {
@@ -49,15 +50,15 @@ class CodeUnitFinder {
   CodeUnitFinder(const Field& text, const CodeUnitSet& set);
   CodeUnitFinder(const Field& text, CodeUnitSet&& set) = delete;
 
-  // Goes on with another text.
+  // Continues with another text.
   void move_to(const Field& text) {
     text_ = text.data;
     length_ = text.length;
     num_blocks_ = 0;
   }
 
-  // The first position from `i` on whose code unit is in the set, the text's length if there is
-  // none.
+  // The first position at or after `i` whose code unit is in the set; the length of the text if
+  // there is none.
   std::size_t next(std::size_t i) {
     const std::size_t block = i / kBlockUnits - first_block_;
     const std::uint64_t rest = block < num_blocks_ ? places_[block] >> (i % kBlockUnits) : 0;

@@ -3,11 +3,11 @@
 //   const CodeUnitSet ends(u"\n\r");
 //   ends.contains(u'\n');            // true
 //
-// A set of at most kMostListed code units is a list, which vector code searches for. A larger one is
-// a table of bits. The constructor decides, and nobody else asks.
+// A set of at most kMostListed code units is a list, which vector code searches for. A larger set
+// is a table of bits. Only the constructor makes this decision.
 //
 // Cost     a list takes no allocation, a table 8 KB. Copies share the table.
-// Threads  may be read by any number of threads.
+// Threads  any number of threads may read a set.
 #pragma once
 
 #include <bitset>
@@ -24,7 +24,7 @@ class CodeUnitSet {
 
   CodeUnitSet() = default;
 
-  // `units` in any order; repeated ones count once only if they are more than kMostListed.
+  // `units` in any order. Duplicates count towards kMostListed.
   explicit CodeUnitSet(std::u16string_view units);
 
   // Most separators are below U+0040: these are looked up in one word.
@@ -35,8 +35,8 @@ class CodeUnitSet {
 
   bool is_empty() const { return num_listed_ == 0 && !table_; }
 
-  // Whether the set is a list. `listed` has room for kMostListed code units; the last of the
-  // `num_listed` is repeated in the rest.
+  // Whether the set is a list. `listed` has kMostListed elements; the last of the `num_listed` is
+  // repeated in the rest.
   bool is_list() const { return !table_; }
   const char16_t* listed() const { return listed_; }
   std::size_t num_listed() const { return num_listed_; }

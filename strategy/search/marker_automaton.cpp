@@ -1,10 +1,10 @@
-// An automaton of Aho and Corasick over the reversed markers, which reads the text from its end. At
-// each place its node is the longest end of a marker that the text goes on with from there, and so
-// it knows all markers that begin at that place.
+// An Aho-Corasick automaton over the reversed markers, which reads the text from its end. At each
+// position its node is the longest suffix of a marker that the text continues with from there, so
+// all markers that begin at that position are known.
 //
-// The reversed markers are sorted, so that the nodes can be numbered level by level without any
-// table: the children of a node lie beside each other and are found by bisection. Nothing depends
-// on hashes, which a text could be made to collide in.
+// The reversed markers are sorted, so the nodes can be numbered level by level without a table: the
+// children of a node are adjacent and are found by bisection. Nothing depends on hashes, for which
+// a text could be made to collide.
 #include <vltextstream/strategy/search/marker_automaton.hpp>
 
 #include <algorithm>
@@ -14,13 +14,13 @@ namespace {
 
 constexpr std::uint32_t kNoMarker = std::numeric_limits<std::uint32_t>::max();
 
-// The unit `depth` places before the end of `marker`.
+// The code unit `depth` positions before the end of `marker`.
 char16_t unit_at(std::u16string_view marker, std::size_t depth) {
   return marker[marker.size() - 1 - depth];
 }
 
-// The numbers of the markers, ascending by their reversed texts and then by number. A sort that
-// merges compares each marker once per level, whatever they look like.
+// The numbers of the markers, ordered by their reversed texts and then by number. A merge sort
+// compares each marker once per level, whatever the markers contain.
 std::vector<std::uint32_t> sort_reversed(const std::vector<std::u16string_view>& markers) {
   std::vector<std::uint32_t> order(markers.size());
   for (std::size_t k = 0; k < order.size(); ++k) order[k] = static_cast<std::uint32_t>(k);
@@ -34,7 +34,7 @@ std::vector<std::uint32_t> sort_reversed(const std::vector<std::u16string_view>&
 }  // namespace
 
 MarkerAutomaton::MarkerAutomaton(const std::vector<std::u16string_view>& markers) {
-  std::size_t most_nodes = 2;  // the root, and what ends the list
+  std::size_t most_nodes = 2;  // the root, and the sentinel at the end
   lengths_.reserve(markers.size());
   for (const std::u16string_view marker : markers) {
     lengths_.push_back(static_cast<std::uint32_t>(marker.size()));
@@ -45,9 +45,9 @@ MarkerAutomaton::MarkerAutomaton(const std::vector<std::u16string_view>& markers
   make_fallbacks();
 }
 
-// The markers below a node are a range of the sorted ones. Those that end at the node come first
-// and the rest falls into one range for each child. A last node without text ends the children of
-// the one before.
+// The markers below a node are a range of the sorted ones. Those that end at the node come first;
+// the rest is divided into one range per child. A sentinel node without text ends the children of
+// the last real node.
 void MarkerAutomaton::make_nodes(const std::vector<std::u16string_view>& markers) {
   struct Range {
     std::size_t begin;
@@ -84,7 +84,7 @@ void MarkerAutomaton::make_nodes(const std::vector<std::u16string_view>& markers
   nodes_.push_back({static_cast<NodeId>(nodes_.size()), 0, kNoMarker, 0});
 }
 
-// Parents come before their children, and so do all shorter texts.
+// Parents come before their children, and shorter texts before longer ones.
 void MarkerAutomaton::make_fallbacks() {
   for (NodeId node = 0; node + 1 < nodes_.size(); ++node) {
     for (NodeId k = nodes_[node].first_child; k < nodes_[node + 1].first_child; ++k) {
@@ -95,7 +95,7 @@ void MarkerAutomaton::make_fallbacks() {
   }
 }
 
-// 0 when there is none: the root is nobody's child.
+// 0 if there is none: the root is no node's child.
 MarkerAutomaton::NodeId MarkerAutomaton::child(NodeId node, char16_t unit) const {
   NodeId begin = nodes_[node].first_child;
   const NodeId last = nodes_[node + 1].first_child;
@@ -111,8 +111,8 @@ MarkerAutomaton::NodeId MarkerAutomaton::child(NodeId node, char16_t unit) const
   return begin < last && nodes_[begin].unit == unit ? begin : 0;
 }
 
-// Every fallback is shorter, and a step lengthens the text by one unit at most: over a whole text
-// there are no more fallbacks than steps.
+// Every fallback is shorter, and a step lengthens the text by at most one code unit. So over a
+// whole text there are no more fallbacks than steps.
 MarkerAutomaton::NodeId MarkerAutomaton::step(NodeId node, char16_t unit) const {
   for (;;) {
     if (const NodeId next = child(node, unit)) return next;

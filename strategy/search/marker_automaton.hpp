@@ -5,10 +5,11 @@
 //
 // Units      lengths count UTF-16 code units.
 // Ownership  keeps no view of the markers.
-// Errors     std::bad_alloc; of run() too, which leaves `lengths` valid but unspecified.
-// Cost       made in O(units of all markers), run in O(units of the text), both times the logarithm
-//            of the number of markers at most; 16 bytes per unit of the markers are kept.
-// Threads    may be run by any number of threads once it is made.
+// Errors     std::bad_alloc. If run() throws it, `lengths` is valid but unspecified.
+// Cost       construction is linear in the code units of all markers, run() in those of the text,
+//            each times at most the logarithm of the number of markers. Keeps 16 bytes per code
+//            unit of the markers.
+// Threads    any number of threads may call run() once the object is constructed.
 #pragma once
 
 #include <cstddef>
@@ -23,24 +24,25 @@ namespace textio {
 
 class MarkerAutomaton {
  public:
-  // The most units that all markers may have together.
+  // The largest number of code units that all markers may have together.
   static constexpr std::size_t kMostUnits = std::numeric_limits<std::uint32_t>::max() - 2;
 
-  // `markers` in the order in which they are tried; none is empty.
+  // `markers` in the order in which they are tried. None may be empty.
   explicit MarkerAutomaton(const std::vector<std::u16string_view>& markers);
 
-  // Sets lengths[i] to the length of the first marker in the list that stands at `i` of `text`, 0
-  // when none does.
+  // Sets lengths[i] to the length of the first marker in the list that matches at `i` of `text`; 0
+  // if none does.
   void run(const Field& text, std::vector<std::uint32_t>& lengths) const;
 
  private:
   using NodeId = std::uint32_t;
 
-  // A node stands for the end of a marker, its last units. The children of node k are those from
-  // its `first_child` up to, not including, that of node k + 1; their units ascend.
+  // A node represents a suffix of a marker. The children of node k are the nodes from its
+  // `first_child` up to, but not including, the `first_child` of node k + 1, in ascending order of
+  // their code units.
   struct Node {
     NodeId first_child = 0;
-    NodeId fallback = 0;       // the longest shorter end that the node's text begins with
+    NodeId fallback = 0;       // the longest shorter suffix that the node's text begins with
     std::uint32_t marker = 0;  // the first in the list that the node's text begins with
     char16_t unit = 0;
   };

@@ -6,7 +6,7 @@
 namespace textio {
 namespace {
 
-// This many code units are compared at each position of a text without an index.
+// At most this many code units are compared at each position of a text without an index.
 constexpr std::size_t kFewUnits = 32;
 
 bool is_large_set(const DelimiterSet& set) {

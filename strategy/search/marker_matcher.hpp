@@ -3,13 +3,13 @@
 //   const MarkerMatcher endings(get_or_create_delim({u"\r\n", u"\n"}));
 //   endings.length_at(text, 5);      // 2 at u"\r\n", 1 at a line feed alone, otherwise 0
 //
-// Of two markers that match, the earlier in the list wins. A marker must fit into the text. An empty
-// marker ends the search: those after it never match.
+// If two markers match, the earlier one in the list wins. A marker must fit into the text. An empty
+// marker ends the search: the markers after it never match.
 //
 // Ownership  shares the set.
-// Cost       compares the markers one by one. A walk over a text asks a MarkerSearch instead, whose
-//            questions together are linear in the text and the markers.
-// Threads    immutable: may be asked by any number of threads.
+// Cost       compares the markers one by one. Code that scans a whole text uses a MarkerSearch,
+//            whose lookups together are linear in the text and the markers.
+// Threads    immutable: any number of threads may use it.
 #pragma once
 
 #include <cstddef>
@@ -25,20 +25,20 @@ class MarkerMatcher {
  public:
   explicit MarkerMatcher(std::shared_ptr<const DelimiterSet> set);
 
-  // The length of the first marker that matches at `i`, 0 if none does.
+  // The length of the first marker that matches at `i`; 0 if none does.
   std::size_t length_at(const Field& text, std::size_t i) const {
     const char16_t unit = code_unit_at(text, i);
     if (set_->is_single_char) return unit == *set_->single_char ? 1 : 0;
     return first_units_.contains(unit) ? compare_at(text, i) : 0;
   }
 
-  // Whether a marker begins with `unit`; not for a set of a single character.
+  // Whether a marker begins with `unit`. Not for a set of a single character.
   bool may_begin_with(char16_t unit) const { return first_units_.contains(unit); }
 
   // Whether comparing all markers takes more than a few code units.
   bool is_large() const { return is_large_; }
 
-  // The code units of the longest marker.
+  // The length of the longest marker in code units.
   std::size_t longest() const;
 
   const DelimiterSet& set() const { return *set_; }

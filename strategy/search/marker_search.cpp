@@ -1,5 +1,5 @@
-// Comparisons are counted. An index costs at most twice the cheaper of the two ways, and ordinary
-// texts never have one made.
+// Comparisons are counted. An index is made once they have cost as much as the index would, so the
+// total is at most twice the cheaper of the two ways. Ordinary texts never need an index.
 #include <vltextstream/strategy/search/marker_search.hpp>
 
 #include <algorithm>
@@ -12,11 +12,11 @@
 namespace textio {
 namespace {
 
-// The number of code units that are compared in the time that putting one into an index takes.
+// The number of code units that can be compared in the time that adding one to an index takes.
 constexpr std::size_t kComparisonsPerUnit = 8;
 
-// The markers that can match at all: none after an empty one does, nor one whose first code unit the
-// set does not list.
+// The markers that can match at all: not those after an empty marker, nor those whose first code
+// unit is missing from the set's list.
 std::vector<std::u16string_view> usable_markers(const MarkerMatcher& matcher) {
   std::vector<std::u16string_view> markers;
   for (const std::u16string& marker : matcher.set().strings) {
@@ -35,9 +35,9 @@ std::size_t common_prefix(std::u16string_view a, std::u16string_view b) {
 }  // namespace
 
 struct MarkerSearch::Index {
-  std::size_t compared = 0;  // code units, one by one
+  std::size_t compared = 0;  // number of code units
   std::size_t allowed = 0;
-  bool fits = true;  // into the numbers of an automaton
+  bool fits = true;  // whether the markers fit into the numbers of an automaton
   bool is_made = false;
   std::unique_ptr<const MarkerAutomaton> automaton;
   std::vector<std::uint32_t> lengths;

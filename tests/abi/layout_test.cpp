@@ -1,6 +1,6 @@
-// The layout that linked programs rely on: data members in the order of their declaration, one
-// right behind the other, and virtual operations at their places in the table. The order is written
-// out a second time here, so that whoever changes it has to say so twice.
+// The layout that linked programs rely on: data members in the order of their declaration, without
+// gaps, and virtual operations at fixed positions in the table. The order is repeated here, so that
+// a change has to be made twice.
 //
 // The places of virtual operations are those of the Itanium C++ ABI on x86-64: an object begins
 // with a pointer to its table, a pointer to a virtual member function holds 1 + the byte offset of
@@ -29,8 +29,8 @@
 #include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
-// offsetof of classes with virtual operations or bases is up to the compiler: g++ and clang both
-// have it, as long as no base is virtual.
+// offsetof for classes with virtual operations or bases depends on the compiler. g++ and clang both
+// support it, unless a base is virtual.
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 
 namespace textio {
@@ -48,8 +48,8 @@ struct Member {
 #define MEMBER(type, name) \
   Member { #name, offsetof(type, name), sizeof(type::name), alignof(decltype(type::name)) }
 
-// The first of `members` stands at `begin`, each other one at the first place behind the one before
-// where its alignment lets it stand.
+// The first of `members` is at `begin`, and each other one at the first position after the previous
+// one that its alignment allows.
 void expect_in_order(std::size_t begin, const std::vector<Member>& members) {
   std::size_t end = begin;
   for (const Member& member : members) {
@@ -59,8 +59,8 @@ void expect_in_order(std::size_t begin, const std::vector<Member>& members) {
   }
 }
 
-// Where the members of a class begin that has virtual operations.
-constexpr std::size_t kBehindTable = sizeof(void*);
+// The position of the first member in a class with virtual operations.
+constexpr std::size_t kAfterTable = sizeof(void*);
 
 TEST(MemberOrder, OfTheOptionsRecord) {
   using parser::options;
@@ -112,7 +112,7 @@ TEST(MemberOrder, OfTheDelimiterSet) {
 }
 
 TEST(MemberOrder, OfFields) {
-  expect_in_order(kBehindTable, {MEMBER(Field, data), MEMBER(Field, length)});
+  expect_in_order(kAfterTable, {MEMBER(Field, data), MEMBER(Field, length)});
   expect_in_order(sizeof(Field),
                   {MEMBER(MutableField, owns_storage), MEMBER(MutableField, inline_storage),
                    MEMBER(MutableField, storage)});
@@ -157,7 +157,7 @@ TEST(MemberOrder, OfTheTraces) {
                       MEMBER(SelectionTrace, reached_end)});
 }
 
-// What a derived strategy of somebody else reaches.
+// The members that a derived strategy outside the library can use.
 class OwnStrategy : public LineReaderStrategy {
  public:
   using LineReaderStrategy::LineReaderStrategy;
@@ -178,11 +178,11 @@ class OwnStrategy : public LineReaderStrategy {
   }
 };
 
-TEST(MemberOrder, OfTheStrategy) { expect_in_order(kBehindTable, OwnStrategy::members()); }
+TEST(MemberOrder, OfTheStrategy) { expect_in_order(kAfterTable, OwnStrategy::members()); }
 
 // --- virtual operations ------------------------------------------------------------------------
 
-// The slot that a call through `operation` takes; fails when the operation is not virtual.
+// The slot that a call through `operation` uses. Fails if the operation is not virtual.
 template <typename Operation>
 std::size_t slot_of(Operation operation) {
   std::size_t words[2] = {};
@@ -208,7 +208,8 @@ class Destroyed : public Base {
   int& count_;
 };
 
-// Calls an operation without parameters by hand, as compiled code does: no declaration is asked.
+// Calls an operation without parameters through its slot, as compiled code does, without using its
+// declaration.
 #ifdef __clang__
 __attribute__((no_sanitize("undefined")))
 #endif
@@ -219,7 +220,7 @@ void call_slot(void* object, std::size_t slot) {
   table[slot](object);
 }
 
-// That the destructor of `Base` takes `slot` and the next one, the latter of which frees.
+// Checks that the destructor of `Base` has `slot` and the next one, and that the latter frees.
 template <typename Base, typename... Arguments>
 void expect_destructor_at(std::size_t slot, const Arguments&... arguments) {
   int count = 0;
@@ -303,7 +304,7 @@ TEST(SlotOrder, OfTheErrors) {
   EXPECT_EQ(slot_of(&MessageIdentifiedError::identifier), 2U);
   EXPECT_EQ(slot_of(&MessageIdentifiedError::arguments), 3U);
   expect_destructor_at<OwnError>(0);
-  // Behind what() of std::exception.
+  // After what() of std::exception.
   EXPECT_EQ(slot_of(&options::UnknownParameter::identifier), 3U);
   EXPECT_EQ(slot_of(&options::UnknownParameter::arguments), 4U);
   EXPECT_EQ(slot_of(&options::UnknownParameter::what), 2U);

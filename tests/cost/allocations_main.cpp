@@ -1,4 +1,4 @@
-// How many blocks of memory a whole detection asks for, of all libraries.
+// How many memory blocks a whole detection allocates, in all libraries.
 //   allocations_main PER_CANDIDATE BESIDES SHAPE...
 // Fails where the first 100 lines of a file take more than PER_CANDIDATE blocks for each candidate
 // and BESIDES blocks in all, or all lines of 4,194,304 units more than three further blocks for each
@@ -34,7 +34,7 @@ struct Cost {
   std::size_t lines;
 };
 
-// The trace that tells the candidates is not asked for in the detection that counts.
+// The counted detection does not request the trace, which lists the candidates.
 Cost cost_of_detection(const std::string& path, unsigned long num_lines) {
   DetectSettings settings;
   settings.num_lines = num_lines;

@@ -1,6 +1,6 @@
-// A selection asks for memory per candidate, never per line or per field. What grows with the text
-// are a few vectors that double their storage: ten times as many entries are four doublings more.
-// A whole detection is counted by allocations_main.cpp.
+// A selection allocates per candidate, never per line or per field. Only a few vectors grow with
+// the text, by doubling: ten times as many entries take four more doublings. allocations_main.cpp
+// counts a whole detection.
 #include <cstddef>
 #include <memory>
 #include <ostream>
@@ -23,20 +23,20 @@ using testing_support::ExactText;
 
 constexpr std::size_t kDoublingsForTenTimes = 4;
 
-// Per candidate: the runs of lines of one kind, and those of lines with as many fields. All other
-// lists are made as long as they will be.
+// Per candidate: the runs of lines of one kind, and those of lines with equal numbers of fields.
+// All other lists get their final length at once.
 constexpr std::size_t kVectorsThatGrowWithLines = 2;
 
-// Per candidate: the fields of a line whose number is not known before.
+// Per candidate: the fields of a line, whose number is not known in advance.
 constexpr std::size_t kVectorsThatGrowWithColumns = 1;
 
-// A strategy, its two sets of markers and its splitter, its sample, and the lists that value it.
+// A strategy, its two sets of markers and its splitter, its sample, and the lists for its score.
 constexpr std::size_t kPerStrategy = 17;
 
 // The lists of the candidates and of those that the filters keep; the empty lines of a hundred.
 constexpr std::size_t kPerSelection = 15;
 
-// A table of `columns` columns; `field` makes the text of one place, separator included.
+// A table of `columns` columns; `field` makes the text of one field, including the separator.
 using MakeField = std::u16string (*)(std::size_t row, std::size_t column);
 
 std::u16string table_of(MakeField field, std::size_t rows, std::size_t columns) {
@@ -66,17 +66,17 @@ std::u16string date(std::size_t row, std::size_t column) {
   return u"2024-03-0" + digit(1 + row % 9) + u" 10:00:0" + digit(column) + u";";
 }
 
-// One to three blanks behind each field.
+// One to three blanks after each field.
 std::u16string ragged(std::size_t row, std::size_t column) {
   return digit(row) + std::u16string(1 + (row * column) % 3, u' ');
 }
 
-// One or two words under each other, all lines of one length.
+// One or two words below each other; all lines have the same length.
 std::u16string fixed(std::size_t row, std::size_t column) {
   return (row * row + column) % 3 == 0 ? u"ab cd  " : u"abcde  ";
 }
 
-// In every second line a field is missing; an empty line stands before every third.
+// In every second line a field is missing; before every third there is an empty line.
 std::u16string irregular(std::size_t row, std::size_t column) {
   if (column == 0 && row % 3 == 0) return u"\n";
   return row % 2 == 0 && column == 1 ? u"" : digit(row) + u",";
@@ -158,8 +158,8 @@ TEST_P(DetectionAllocations, AreFewForEachCandidate) {
 
 INSTANTIATE_TEST_SUITE_P(Table, DetectionAllocations, testing::ValuesIn(kTableCases), ByRule());
 
-// Only the first sample is drawn without knowing how many lines the text has: beyond 16,384 of them
-// its two lists, the lines and the numbers of their fields, are doubled twice.
+// Only the first sample is drawn without knowing the number of lines in the text. Beyond 16,384 of
+// them its two lists, the lines and their numbers of fields, are doubled twice.
 TEST(DetectionAllocationsOfManyLines, GrowForTheFirstSampleAlone) {
   const Cost lines_16000 = cost_of_detection(quoted, 16'000, 1);
   const Cost lines_40000 = cost_of_detection(quoted, 40'000, 1);

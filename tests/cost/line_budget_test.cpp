@@ -1,4 +1,4 @@
-// Sampling looks at the lines of the budget and at no more.
+// Sampling reads the lines of the budget and no more.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -83,7 +83,7 @@ TEST_P(LineBudget, EndsTheSampling) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, LineBudget, testing::ValuesIn(kBudgetCases), ByRule());
 
-// A text of which only the beginning may be looked at: the rest lies in pages that nobody can read.
+// A text of which only the beginning may be read: the rest is in pages without read access.
 class GuardedText {
  public:
   explicit GuardedText(const std::u16string& readable)
@@ -103,7 +103,7 @@ class GuardedText {
   GuardedText& operator=(const GuardedText&) = delete;
   ~GuardedText() { ::munmap(memory_, bytes_); }
 
-  // All of it, with the part that must not be read.
+  // All of it, including the part that must not be read.
   Field field() const { return {static_cast<char16_t*>(memory_), bytes_ / sizeof(char16_t)}; }
 
  private:
@@ -130,7 +130,7 @@ const TableCase kTableCases[] = {
 
 class LineBudgetOfADetection : public testing::TestWithParam<TableCase> {};
 TEST_P(LineBudgetOfADetection, LeavesTheRestOfTheTextUntouched) {
-  // The line behind the budget is there, and part of the next ones.
+  // The line after the budget is present, and part of the next ones.
   const GuardedText text(repeat(GetParam().line, 101));
   const parser::options options;
   const detection::StrategySelector selector(options);

@@ -1,7 +1,6 @@
-// The most memory that a whole detection holds at a time.
+// The most memory that a whole detection has in use at a time.
 //   peak_main SHAPE UNITS LINES MOST_BYTES     LINES 0: all lines; fails beyond MOST_BYTES
-// The text is read from a file; the options are there before. See bench/memory_count.hpp for what
-// counts.
+// The text is read from a file; the options exist before. bench/memory_count.hpp says what counts.
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
@@ -22,14 +21,14 @@ namespace {
 
 constexpr std::size_t kForTheProgram = 500'000'000;  // libraries, the text, the options
 
-// One byte for each unit where that is possible.
+// One byte per code unit where that is possible.
 std::string bytes_of(const std::u16string& text) {
   const bool is_ascii =
       std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
   return is_ascii ? textio::bench::ascii_bytes(text) : textio::bench::utf16_bytes(text);
 }
 
-// Whoever wants far more than it may have is refused it, and does not take the machine's memory.
+// A detection that needs far more than it may use fails, instead of taking the machine's memory.
 void limit_memory(std::size_t bytes) {
   const rlimit limit = {bytes, bytes};
   if (::setrlimit(RLIMIT_AS, &limit) != 0) std::abort();

@@ -1,4 +1,4 @@
-// Candidate characters, column widths and the candidates that are built from them.
+// Candidate characters, column widths, and the candidates that are built from them.
 
 #include <cstddef>
 #include <limits>
@@ -38,7 +38,7 @@ using testing_support::widths_of;
 constexpr unsigned long kUnknown = std::numeric_limits<unsigned long>::max();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-// Lines of their own, each in a block of exactly its size; empty ones as a line reader keeps them.
+// Separate lines, each in a block of exactly its size; empty lines are as a line reader keeps them.
 class Lines {
  public:
   explicit Lines(const std::vector<std::u16string>& texts) {
@@ -68,7 +68,7 @@ const CharsCase kCharsCases[] = {
     {"OnlyEmptyLines", {u"", u"", u""}, u""},
     {"ALoneLineIsScanned", {u"a,b"}, u","},
     {"ALoneLineAmongEmptyOnesIsScanned", {u"", u"a,b", u""}, u","},
-    // From here on the first line may be a header and is passed over.
+    // From here on the first line may be a header and is skipped.
     {"OfTwoLinesTheSecond", {u"a,b", u"1;2"}, u";"},
     {"OfThreeLinesTheLastTwo", {u"a,b", u"1;2", u"3|4"}, u";|"},
     {"OfFiveLinesTheLastFour", {u"0,", u"1;", u"2|", u"3:", u"4#"}, u";|:#"},
@@ -125,27 +125,27 @@ struct WidthsCase {
 };
 std::ostream& operator<<(std::ostream& out, const WidthsCase& row) { return out << row.rule; }
 
-// A line counts 1 and one more for each place where text follows a column that is blank in it and
-// all lines before it. The blanks in front of a text belong to its column.
+// A line counts 1, and one more for each position where text follows a column that is blank in this
+// line and in all lines before it. The blanks before a text belong to its column.
 const WidthsCase kWidthsCases[] = {
-    {"BlanksBelongToTheColumnBehindThem", {u"ab  12", u"cd  34"}, 0, 2, {2, 4}},
+    {"BlanksBelongToTheColumnAfterThem", {u"ab  12", u"cd  34"}, 0, 2, {2, 4}},
     {"ASingleBlankIsEnough", {u"a b", u"c d"}, 0, 2, {1, 2}},
     {"OneLineIsEnough", {u"a bc d"}, 0, 3, {1, 3, 2}},
     {"ABlankInOneLineOnlyIsText", {u"a b cd", u"efg hi"}, 1, 2, {3, 3}},
-    // Blank in both are positions 4 and 5 alone.
+    // Only positions 4 and 5 are blank in both.
     {"OnlyWhatIsBlankInAllLines", {u"ab    12", u"cdef  34", u"gh    56"}, 0, 2, {4, 4}},
-    // Columns 0, 1 and 4 are blank: text follows twice, so each line counts 3, yet the widths
-    // change only in front of position 4.
+    // Columns 0, 1 and 4 are blank: text follows twice, so each line counts 3, but the widths
+    // change only before position 4.
     {"LeadingBlanksBelongToTheFirstColumn", {u"  ab 1", u"  cd 2"}, 0, 3, {4, 2}},
     {"LeadingBlanksAreCounted", {u"  ab 1", u"  cd 2"}, 0, 2, {}},
-    // No text follows the blanks: each line counts 1, yet there are two widths.
+    // No text follows the blanks: each line counts 1, but there are two widths.
     {"TrailingBlanksAreAColumn", {u"ab  ", u"cd  "}, 0, 1, {2, 2}},
     {"NoBlankIsOneColumn", {u"abc", u"def"}, 0, 1, {3}},
     {"OnlyBlanksAreOneColumn", {u"   ", u"   "}, 0, 1, {3}},
     {"OneUnitIsOneColumn", {u"x", u" "}, 0, 1, {1}},
     {"ATabIsText", {u"a\tb", u"c\td"}, 0, 1, {3}},
-    // Line 0 counts 2; the end of line 1 takes the blanks away, it counts 1: mean deviation 0.5.
-    {"BehindTheEndOfALineNothingIsBlank", {u"a  b", u"c"}, 0.5, 1, {4}},
+    // Line 0 counts 2; line 1 ends where the blanks are and counts 1: mean deviation 0.5.
+    {"AfterTheEndOfALineNothingIsBlank", {u"a  b", u"c"}, 0.5, 1, {4}},
     {"ANoBreakSpaceIsText", {u"a\u00a0b"}, 0, 1, {3}},
     // Line 0 counts 3, line 1 only 2: median 2, mean deviation 0.5.
     {"AVariationUpToTheLimit", {u"a b c", u"abc d"}, 0.5, 2, {3, 2}},
@@ -237,9 +237,9 @@ std::u16string times(std::size_t count, const std::u16string& line) {
   return text;
 }
 
-// Lines of 14 units: a name up to unit 11, a number in the last two. One name holds a blank, so
-// the space-aligned reading has 2, 2, 2, 3, 2 fields: median 2, mean deviation 0.2. One deviation
-// among five is no header. Only unit 11 is blank in all lines.
+// Lines of 14 code units: a name up to code unit 11, a number in the last two. One name has a
+// blank, so the space-aligned candidate has 2, 2, 2, 3, 2 fields: median 2, mean deviation 0.2. One
+// deviation among five is no header. Only code unit 11 is blank in all lines.
 const std::u16string kNames =
     u"Anna        12\n"
     u"Bartholomew 34\n"
@@ -247,7 +247,7 @@ const std::u16string kNames =
     u"Dan Xu      78\n"
     u"Eve         90\n";
 
-// The same with a last line of 13 units.
+// The same, with a last line of 13 code units.
 const std::u16string kNamesWithAShortLine =
     u"Anna        12\n"
     u"Bartholomew 34\n"
@@ -263,14 +263,14 @@ const BuildCase kBuildCases[] = {
      u"a,b;c;d\n1,2;3;4\n5,6;7;8\n",
      kUnknown,
      {delimited(u";", 0, 3), delimited(u",", 0, 2)}},
-    // A space that separates all lines alike makes both readings perfectly regular.
+    // A space that separates all lines equally makes both candidates perfectly regular.
     {"ASpaceMakesTwoCandidates",
      u" ",
      u"a b\nc d\ne f\n",
      kUnknown,
      {space_aligned(0, 2), delimited(u" ", 0, 2)}},
     // The blanks vary, so the single space finds 3, 2, 5 and 4 fields: median 3 (the lower middle
-    // one), whose last line is line 0: a single deviation measures nothing.
+    // one), and the last line with it is line 0. A single deviation measures nothing.
     {"RaggedBlanksAreAligned",
      u" ",
      u"a  b\nc d\ne    f\ng   h\n",
@@ -282,7 +282,7 @@ const BuildCase kBuildCases[] = {
      u"1,2\n3,4\n5,6\n7\n8,9\n",
      kUnknown,
      {delimited(u",", 0, 2)}},
-    // Fields 2, 1, 2, 2: the bend comes after the second line, and two lines of four may be header.
+    // Fields 2, 1, 2, 2: the bend is after the second line, and two lines of four may be header.
     {"ADeviationNearTheTopIsAHeader",
      u",",
      u"1,2\n3\n4,5\n6,7\n",
@@ -307,7 +307,7 @@ const BuildCase kBuildCases[] = {
      kNamesWithAShortLine,
      kUnknown,
      {space_aligned(0, 3)}},
-    // Detected: the names' line has the data's length and shows no deviation of its own. The
+    // Detected: the line of names has the length of the data and no deviation of its own. The
     // single space now finds 9, 9, 2, 10, 8, 10 fields: median 9, and up to the last line with 9
     // nothing deviates.
     {"ANamesLineOfTheSameLengthIsData",
@@ -315,52 +315,52 @@ const BuildCase kBuildCases[] = {
      u"Name        Nr\n" + kNames,
      kUnknown,
      {fixed_width({11, 3}, 0, 2), delimited(u" ", 0, 10)}},
-    // Given: it is not looked at again.
+    // Given: the line is not inspected again.
     {"AGivenHeaderLineStays",
      u" ",
      u"Name        Nr\n" + kNames,
      1,
      {fixed_width({11, 3}, 1, 2), delimited(u" ", 1, 10)}},
-    // The header line holds text at unit 11, but the columns come from the data lines. The single
-    // space finds 1, 9, 2, 10, 8, 10 fields: after the header line nothing deviates from 9.
+    // The header line has text at code unit 11, but the columns come from the data lines. The
+    // single space finds 1, 9, 2, 10, 8, 10 fields: after the header line nothing deviates from 9.
     {"AGivenHeaderLineHasNoColumns",
      u" ",
      u"Name,NameAndNr\n" + kNames,
      1,
      {fixed_width({11, 3}, 1, 2), delimited(u" ", 1, 10)}},
-    // The data lines agree with each other, but not with the line above them. The single space
+    // The data lines agree with each other, but not with the line before them. The single space
     // finds 11, 9, 2, 10, 8, 10 fields: the lower middle one is 9 again.
     {"AHeaderOfAnotherLengthKeepsTheReadingAligned",
      u" ",
      u"Name          Nr\n" + kNames,
      1,
      {space_aligned(1, 3), delimited(u" ", 1, 10)}},
-    // From the first line with two fields on there are eleven, two of them with two fields: fewer
-    // than a third, so that the aligned reading has one column and is not measured. Nothing stands
-    // against one column of 6 units, and the lines above have that length too.
+    // From the first line with two fields on there are eleven lines, two of them with two fields.
+    // This is less than a third, so the aligned candidate has one column and is not measured.
+    // Nothing prevents one column of 6 code units, and the lines before have that length as well.
     {"WordsOfOneLengthAreOneColumn",
      u" ",
      times(4, u"abcdef\n") + times(2, u"ab def\n") + times(9, u"abcdef\n"),
      kUnknown,
      {fixed_width({6}, 0, 1)}},
-    // The same with a longer line between the two words and the lines above: the first data line
-    // does not move up over it.
+    // The same with a longer line between the two words and the lines before: the first data line
+    // does not move up past it.
     {"HeaderLinesEndAtALineOfAnotherLength",
      u" ",
      u"abcdef\nabcdefgh\n" + times(2, u"ab def\n") + times(9, u"abcdef\n"),
      kUnknown,
      {fixed_width({6}, 2, 1)}},
-    // Two deviations and two header lines: nothing is left to measure, and the two data lines are
-    // one column of 5 units.
+    // Two deviations and two header lines: nothing is left to measure, and the two data lines form
+    // one column of 5 code units.
     {"HeaderLinesThatTakeAllDeviations",
      u" ",
      u"ab cd\nab cd\nabcde\nabcde\n",
      2,
      {fixed_width({5}, 2, 1)}},
 
-    // Header lines given beyond the sample.
+    // Given header lines beyond the sample.
     {"AsManyHeaderLinesAsLines", u" ", u"a b\nc d\n", 2, {}},
-    // A mean over less than nothing is a (negative) zero, which is regular.
+    // A mean over less than nothing is a (negative) zero, which counts as regular.
     {"MoreHeaderLinesThanLines",
      u" ,",
      u"a b,c\nd e,f\n",
@@ -429,7 +429,7 @@ TEST_P(BuildCandidates, TracesTheKeptOnesAsTheyAre) {
 
 INSTANTIATE_TEST_SUITE_P(Table, BuildCandidates, testing::ValuesIn(kBuildCases), ByRule());
 
-// One candidate each, unlike the table, with options of its own.
+// Unlike in the table, one candidate each, with its own options.
 class BuildOneCandidate : public testing::Test {
  protected:
   Strategies build(const std::u16string& chars, const ExactText& text,
@@ -443,8 +443,9 @@ class BuildOneCandidate : public testing::Test {
   SelectionTrace trace_;
 };
 
-TEST_F(BuildOneCandidate, TellsWhatBecameOfEach) {
-  // The single space finds 9, 2, 10, 8 and 10 fields: median 9, whose last line is the first.
+TEST_F(BuildOneCandidate, RecordsTheFateOfEach) {
+  // The single space finds 9, 2, 10, 8 and 10 fields: median 9, and the last line with it is the
+  // first.
   const ExactText text(kNames);
   build(u" ", text);
   ASSERT_EQ(trace_.candidates.size(), 3U);
@@ -464,7 +465,7 @@ TEST_F(BuildOneCandidate, TellsWhatBecameOfEach) {
   EXPECT_EQ(trace_.candidates[2].valuation.data_variation, kInfinity);
 }
 
-TEST_F(BuildOneCandidate, TellsOfASingleColumn) {
+TEST_F(BuildOneCandidate, RecordsASingleColumn) {
   const ExactText text(kNames);
   EXPECT_TRUE(build(u",", text).empty());
   ASSERT_EQ(trace_.candidates.size(), 1U);
@@ -473,7 +474,7 @@ TEST_F(BuildOneCandidate, TellsOfASingleColumn) {
   EXPECT_EQ(trace_.candidates[0].fate, CandidateFate::single_column);
 }
 
-TEST_F(BuildOneCandidate, TellsOfADeviationOfOne) {
+TEST_F(BuildOneCandidate, RecordsADeviationOfOne) {
   // Fields 2, 5, 2, 4, 2: deviations 0, 3, 0, 2, 0: mean 1.
   options_.header_lines = 0;
   options_.detect_header_lines = false;
@@ -498,7 +499,7 @@ TEST_F(BuildOneCandidate, ValuesTheFixedWidthOne) {
 }
 
 TEST_F(BuildOneCandidate, FixedWidthSamplesWhatTheAlignedReadingSampled) {
-  // A budget of five lines, of six.
+  // A budget of five lines, out of six.
   const ExactText text(kNames + u"Fay Ng      11\n");
   const Strategies candidates = build(u" ", text, 5);
   ASSERT_EQ(candidates.size(), 1U);
@@ -507,7 +508,7 @@ TEST_F(BuildOneCandidate, FixedWidthSamplesWhatTheAlignedReadingSampled) {
 }
 
 TEST_F(BuildOneCandidate, RefusesOneColumnWithAFixedNumberOfVariablesToo) {
-  // One field on most lines: no deviation is measured, whatever the caller asks for.
+  // Most lines have one field: no deviation is measured, whatever the caller requests.
   options_.detect_num_variables = false;
   options_.num_variables = 1;
   const ExactText text(times(12, u"abc\n"));
@@ -517,7 +518,7 @@ TEST_F(BuildOneCandidate, RefusesOneColumnWithAFixedNumberOfVariablesToo) {
 }
 
 TEST_F(BuildOneCandidate, RefusesASingleLineWithAFixedNumberOfVariablesToo) {
-  // One line has nothing to deviate from.
+  // A single line has nothing to deviate from.
   options_.detect_num_variables = false;
   options_.num_variables = 2;
   const ExactText text(u"a,b\n");
@@ -527,7 +528,7 @@ TEST_F(BuildOneCandidate, RefusesASingleLineWithAFixedNumberOfVariablesToo) {
 }
 
 TEST_F(BuildOneCandidate, LeavesTheGivenNumberOfHeaderLinesToTheAlignedReading) {
-  // The caller knows the number of header lines, yet gives "not known": the aligned reading
+  // The caller fixes the number of header lines, but gives "not known": the aligned candidate
   // detects them. The title has one field, the data lines two; the title is longer.
   options_.detect_header_lines = false;
   options_.header_lines = kUnknown;
@@ -540,8 +541,8 @@ TEST_F(BuildOneCandidate, LeavesTheGivenNumberOfHeaderLinesToTheAlignedReading) 
 }
 
 TEST_F(BuildOneCandidate, NeverMakesColumnsOfBlankLines) {
-  // White space that holds no blank keeps blank lines; without their leading blanks they are all
-  // empty and of one length. The single space finds four fields in each.
+  // White space without the space character keeps blank lines. Without their leading blanks they
+  // are all empty and of equal length. The single space finds four fields in each.
   options_.whitespace = u"";
   const ExactText text(u"   \n   \n   \n");
   const Strategies candidates = build(u" ", text);

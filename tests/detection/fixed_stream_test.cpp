@@ -30,7 +30,7 @@ const Endings kUsual = {u"\r\n", u"\n", u"\r"};
 
 struct SampleCase {
   const char* rule;
-  std::size_t size;                                             // of a text of nothing but 'x'
+  std::size_t size;                                             // of a text of 'x' only
   std::vector<std::pair<std::size_t, std::u16string>> written;  // over it, at these positions
   Endings endings;
   std::size_t length;  // of the sample
@@ -44,7 +44,7 @@ std::u16string text_for(const SampleCase& row) {
 }
 
 const SampleCase kSampleCases[] = {
-    // Short texts are taken whole.
+    // Short texts are used completely.
     {"Empty", 0, {}, kUsual, 0},
     {"OneUnit", 1, {}, kUsual, 1},
     {"TwoUnits", 2, {}, kUsual, 2},
@@ -62,7 +62,7 @@ const SampleCase kSampleCases[] = {
     {"OneBelowTheLimit", kLimit - 1, {}, kUsual, kLimit - 1},
     {"TheLimit", kLimit, {{100, u"\n"}}, kUsual, kLimit},
 
-    // An end mark ends a short text, wherever it stands.
+    // An end mark ends a short text, wherever it is.
     {"EndMarkFirst", 10, {{0, u"\uffff"}}, kUsual, 0},
     {"EndMarkSecond", 10, {{1, u"\uffff"}}, kUsual, 1},
     {"EndMarkInTheMiddle", 10, {{4, u"\uffff"}}, kUsual, 4},
@@ -79,7 +79,7 @@ const SampleCase kSampleCases[] = {
      kUsual,
      70},
 
-    // A long text is cut just after the start of its last line ending.
+    // A long text is cut directly after the start of its last line ending.
     {"CutAtTheLastLineFeed", 5'000'000, {{100, u"\n"}, {4'194'200, u"\n"}}, kUsual, 4'194'201},
     {"NoLineEnding", 5'000'000, {}, {u"\n"}, 0},
     {"OneUnitBeyondTheLimit", kLimit + 1, {{kLimit - 1, u"\n"}}, kUsual, kLimit},
@@ -132,14 +132,14 @@ const SampleCase kSampleCases[] = {
      {u"<p>", u"<end of the line of this text, of any>"},
      kLimit - 59},
     {"NoEndingsAtAll", kLimit + 9, {{kLimit - 30, u"\n"}}, {}, 0},
-    {"AnEmptyEndingBehindAnotherChangesNothing",
+    {"AnEmptyEndingAfterAnotherChangesNothing",
      kLimit + 9,
      {{kLimit - 30, u"\n"}},
      {u"\n", u""},
      kLimit - 29},
     {"AnEmptyEndingAloneEndsNoLine", kLimit + 9, {{kLimit - 30, u"\n"}}, {u""}, 0},
 
-    // An end mark within a long text is text: nothing looks for it there.
+    // An end mark in a long text is text: the sample is not searched for it.
     {"EndMarkBelowTheLimitOfALongText",
      kLimit + 9,
      {{1'000, u"\uffff"}, {kLimit - 500, u"\n"}, {kLimit - 400, u"\uffff"}},
@@ -243,8 +243,8 @@ TEST(FixedStream, CanBeTakenTwice) {
   EXPECT_EQ(first.data, second.data);
 }
 
-// One unit beyond the limit is asked for, at once: 4,194,305 units make a buffer of 4,194,304 and
-// of two blocks more.
+// One code unit more than the limit is requested, in one step: 4,194,305 code units make a buffer
+// of 4,194,304 and two more blocks.
 TEST(FixedStream, LoadsALongTextInOneStep) {
   ScriptedSource source(std::u16string(5'000'000, u'\n'));
   const TextStream stream(&source);

@@ -26,7 +26,7 @@ constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kUnlistedRank = 18446744073709551616.0;  // 2^64
 constexpr std::uint64_t kMostLines = std::numeric_limits<std::uint64_t>::max();
 
-// The count -1: counts have 32 bits and are read as signed.
+// The count -1: counts have 32 bits and are interpreted as signed.
 constexpr std::uint32_t kMinusOne = 0xFFFFFFFF;
 constexpr std::uint32_t kSmallest = 0x80000000;
 
@@ -155,8 +155,8 @@ INSTANTIATE_TEST_SUITE_P(Table, ReduceByDates, testing::ValuesIn(kDatesCases), B
 
 // -- variation ----------------------------------------------------------------------------------
 
-// The tolerance is a tenth of the smallest variation or a thousandth of the best's lines, whichever
-// is larger; only what is nearer than that stays.
+// The tolerance is a tenth of the smallest variation or a thousandth of the best candidate's lines,
+// whichever is larger. Only variations closer than that stay.
 const FilterCase kVariationCases[] = {
     // 0.001 * 100 lines = 0.1
     {"AThousandthOfTheLines",
@@ -166,7 +166,7 @@ const FilterCase kVariationCases[] = {
     // 0.1 * 2.0 = 0.2 is more than 0.01
     {"ATenthOfTheSmallest", {variation(2.0, 10), variation(2.15)}, {0, 1}, {0, 1}},
     {"BeyondATenthOfTheSmallest", {variation(2.0, 10), variation(2.5)}, {0, 1}, {0}},
-    // 0.001 * 1000 lines = 1, which 1.0 is not below
+    // 0.001 * 1000 lines = 1, and 1.0 is not less than that
     {"TheToleranceItselfIsTooMuch",
      {variation(0.0, 1000), variation(1.0), variation(0.999)},
      {0, 1, 2},
@@ -176,15 +176,15 @@ const FilterCase kVariationCases[] = {
      {variation(10.0), variation(11.0), variation(10.9)},
      {0, 1, 2},
      {0, 2}},
-    // 0.001 * 2000 = 2 beats 0.1 * 10 = 1
+    // 0.001 * 2000 = 2 is more than 0.1 * 10 = 1
     {"TheLargerToleranceCounts", {variation(10.0, 2000), variation(11.5)}, {0, 1}, {0, 1}},
-    // 0.1 * 2.0 = 0.2 beats 0.001 * 150 = 0.15
+    // 0.1 * 2.0 = 0.2 is more than 0.001 * 150 = 0.15
     {"TheLargerToleranceMayBeTheTenth", {variation(2.0, 150), variation(2.1875)}, {0, 1}, {0, 1}},
     {"TheBestMayStandAnywhere",
      {variation(3.0, 5), variation(0.5, 5), variation(0.5, 5), variation(0.1, 10)},
      {0, 1, 2, 3},
      {3}},
-    // Both are smallest; the lines of the first give the tolerance: 1, then 0.01.
+    // Both are smallest; the lines of the first determine the tolerance: 1, then 0.01.
     {"TheEarliestBestGivesTheLines",
      {variation(0.0, 1000), variation(0.0, 10), variation(0.5)},
      {0, 1, 2},
@@ -194,9 +194,9 @@ const FilterCase kVariationCases[] = {
      {0, 1, 2},
      {0, 1}},
     {"OnlyTheLinesOfTheBestCount", {variation(0.5, 10000), variation(0.0, 10)}, {0, 1}, {1}},
-    // Tolerance 0: not even the best is nearer than that.
+    // Tolerance 0: not even the best is closer than that.
     {"NoLinesAndNoVariationKeepsAll", {variation(0.0), variation(0.7)}, {0, 1}, {0, 1}},
-    // infinity - infinity is no number
+    // infinity - infinity is NaN
     {"NothingMeasuredKeepsAll", {variation(kInfinity, 9), variation(kInfinity, 9)}, {0, 1}, {0, 1}},
     {"NotMeasuredLoses", {variation(kInfinity, 9), variation(0.9, 9)}, {0, 1}, {1}},
     {"NotMeasuredLosesAgainstAnyTolerance",
@@ -204,7 +204,7 @@ const FilterCase kVariationCases[] = {
      {0, 1, 2},
      {0, 2}},
     {"MinusInfinityIsNearToNothing", {variation(1.0, 9), variation(-kInfinity, 9)}, {0, 1}, {0, 1}},
-    // Nothing is smaller than a NaN, and no difference to it is less than anything.
+    // Nothing is smaller than a NaN, and no difference from it is smaller than anything.
     {"ANanInFrontKeepsAll",
      {variation(kNan, 9), variation(0.0, 9), variation(5.0, 9)},
      {0, 1, 2},
@@ -279,12 +279,12 @@ const FilterCase kClassValueCases[] = {
     {"ANegativeCountLowersTheValue", {columns({.datetimes = kMinusOne}), columns({})}, {0, 1}, {1}},
     // 10 * 1 + (0 - 1) = 9 against 8 texts
     {"MoreDatesThanTypedColumns", {columns({.typed = 8}), columns({.dates = 1})}, {0, 1}, {1}},
-    // -2^31 - 1 wraps to 2^31 - 1; without the wrap the value would be the smallest of all.
+    // -2^31 - 1 wraps to 2^31 - 1; without wrapping the value would be the smallest of all.
     {"TheTextTermHas32Bits",
      {columns({.typed = kSmallest, .numbers = 1}), columns({.typed = 5})},
      {0, 1},
      {0}},
-    // 25 * (2^31 - 1) is out of reach of 32 bits, but not of a double.
+    // 25 * (2^31 - 1) does not fit into 32 bits, but into a double.
     {"TheProductsAreDoubles",
      {columns({.typed = 1}), columns({.typed = 0x7FFFFFFF, .datetimes = 0x7FFFFFFF})},
      {0, 1},
@@ -326,7 +326,7 @@ const HeaderLinesCase kHeaderLinesCases[] = {
     {"AnInfinityInFrontKeepsAll", true, {kInfinity, 0}, {2, 1}, {0, 1}, {0, 1}},
     {"NegativeZeroIsRegular", true, {-0.0, 0, -0.0}, {2, 1, 1}, {0, 1, 2}, {1, 2}},
     {"IrregularOnesAreDropped", true, {0, 0.25, 0}, {1, 1, 1}, {0, 1, 2}, {0, 2}},
-    // The fewest header lines, 0, belong to an irregular one: nobody has both.
+    // The fewest header lines, 0, belong to an irregular candidate: none has both.
     {"TheFewestOfAnIrregularOneKeepsAll", true, {0, 0.25, 0}, {1, 0, 2}, {0, 1, 2}, {0, 1, 2}},
     {"ANanFurtherBackIsDropped", true, {0, kNan}, {1, 1}, {0, 1}, {0}},
     {"NotKnownIsTheMost", true, {0, 0}, {kUnknown, 1000000}, {0, 1}, {1}},
@@ -376,7 +376,7 @@ const FilterCase kNonEmptyCases[] = {
     {"ComparesSharesNotCounts", {share(9, 10), share(1, 1)}, {0, 1}, {1}},
     {"EqualSharesOfDifferentCounts", {share(1, 2), share(3, 6), share(1, 3)}, {0, 1, 2}, {0, 1}},
     {"AllEmptyKeepsAll", {share(0, 2), share(0, 5)}, {0, 1}, {0, 1}},
-    // 0 / 0 is no number: nothing is larger, nothing equals it.
+    // 0 / 0 is NaN: nothing is larger, nothing equals it.
     {"ANanInFrontKeepsAll", {share(0, 0), share(2, 2), share(1, 2)}, {0, 1, 2}, {0, 1, 2}},
     {"ANanFurtherBackIsDropped", {share(1, 2), share(0, 0), share(1, 2)}, {0, 1, 2}, {0, 2}},
     {"AnInfiniteShareWins", {share(2, 2), share(1, 0), share(5, 0)}, {0, 1, 2}, {1, 2}},

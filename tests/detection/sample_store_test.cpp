@@ -85,7 +85,7 @@ class SampleKept : public testing::TestWithParam<KeptCase> {
     EXPECT_EQ(candidate.counts.to_vector(), GetParam().counts);
   }
 
-  // The number of text lines; there is always room for blank ones.
+  // The number of text lines; there is always room for blank lines.
   std::size_t num_texts() const {
     const Counts& counts = GetParam().counts;
     return counts.size() - static_cast<std::size_t>(std::count(counts.begin(), counts.end(), 0U));
@@ -132,7 +132,7 @@ TEST(SampleStorePutAway, KeepsTheSampleOfFixedWidths) {
   EXPECT_EQ(lines_of(candidate.sample), (Texts{u"aabb", u"ccdd"}));
 }
 
-// Its counts are those of another sample.
+// Its counts belong to another sample.
 TEST(SampleStorePutAway, KeepsASampleThatIsNewerThanTheValuation) {
   const parser::options options;
   const ExactText text(u"a,b\n1,2\n3,4\n");
@@ -159,9 +159,9 @@ TEST(SampleStorePutAway, CountsTheLinesOfAllThatItKept) {
   EXPECT_EQ(second.sample.size(), 2U);
 }
 
-// --- samples one after the other -----------------------------------------------------------------
+// --- consecutive samples -------------------------------------------------------------------------
 
-// To commas the text is one line, to the line reader six.
+// For commas the text is one line, for the line reader six.
 struct OrderCase {
   const char* rule;
   std::vector<std::shared_ptr<Strategy> (*)(const parser::options&)> order;
@@ -209,7 +209,7 @@ TEST(SampleStoreDraw, MakesRoomForAsManyLinesAsWereDrawnBefore) {
   EXPECT_EQ(second.texts.capacity(), 20'000U);
 }
 
-// The quote swallows all lines but the first.
+// The quoted field contains all lines except the first.
 TEST(SampleStoreDraw, TakesBackTheRoomForManyMoreLinesThanThereAre) {
   const parser::options options;
   const ExactText text(u"a\n\"\nb\nc\nd\ne\nf\n");
@@ -222,7 +222,7 @@ TEST(SampleStoreDraw, TakesBackTheRoomForManyMoreLinesThanThereAre) {
   EXPECT_EQ(second.texts.capacity(), 2U);
 }
 
-// --- blank lines that are known from another sample ----------------------------------------------
+// --- blank lines known from another sample -----------------------------------------------------
 
 struct BlankCase {
   const char* rule;
@@ -301,7 +301,7 @@ const EndCase kEndCases[] = {
     {"ALineEndingMayGoOn", u"a\nb\r", 2, true},
     {"OneCodeUnitIsLeft", u"a\nb\nc", 2, true},
     {"MoreIsLeftThanALineEnding", u"a\nb\nccc", 2, false},
-    {"AQuoteMayClose", u"a\n\"b\nccc", 2, false},  // to the line reader, this is no quote
+    {"AQuoteMayClose", u"a\n\"b\nccc", 2, false},  // for the line reader, this is not a quote
 };
 
 class ReachedEnd : public testing::TestWithParam<EndCase> {};

@@ -1,5 +1,4 @@
-// The record of a selection on its own; what a selection writes into it is tested with the
-// selector.
+// The record of a selection by itself. What a selection writes into it is tested with the selector.
 
 #include <vltextstream/detection/selection_trace.hpp>
 
@@ -49,7 +48,8 @@ TEST(SelectionTraceRecord, IsAPlainValue) {
   EXPECT_TRUE(std::is_nothrow_move_constructible_v<SelectionTrace>);
 }
 
-// The comma and the semicolon both cut a number and a text; the space, in no line, makes nothing.
+// The comma and the semicolon both separate a number and a text. The space occurs in no line and
+// gives nothing.
 const char16_t kTable[] = u"a;b,c\n1;2,3\n4;5,6\n";
 
 TEST(SelectionTraceRecord, OutlivesTextOptionsSelectorAndStrategies) {
@@ -80,7 +80,7 @@ TEST(SelectionTraceRecord, ACopyIsIndependent) {
   EXPECT_NE(describe(trace), before);
 }
 
-// --- words -------------------------------------------------------------------------------------
+// --- names -------------------------------------------------------------------------------------
 
 TEST(CandidateFateInWords, AreTheEnumerators) {
   EXPECT_EQ(to_string(CandidateFate::kept), "kept");

@@ -1,4 +1,5 @@
-// Whole selections: from a text and options to a strategy. Dates are those of the stand-alone host.
+// Whole selections: from a text and options to a strategy. The stand-alone host recognises the
+// dates.
 
 #include <vltextstream/detection/strategy_selector.hpp>
 
@@ -43,7 +44,7 @@ std::u16string times(std::size_t count, const std::u16string& line) {
   return text;
 }
 
-// What the caller settles beforehand.
+// What the caller fixes in advance.
 struct Given {
   bool header_lines_given = false;
   unsigned long header_lines = kUnknown;
@@ -95,9 +96,9 @@ struct Answer {
   std::vector<std::size_t> widths;
   unsigned long header_lines;
   long num_variables;
-  std::size_t num_lines;  // sampled
+  std::size_t num_lines;  // sampled lines
   SelectionEnd end;
-  std::string last_filter;  // that ran
+  std::string last_filter;  // the last filter that ran
 };
 
 std::string describe(const Answer& answer) {
@@ -120,7 +121,7 @@ Answer answer_of(const Strategy& winner, const SelectionTrace& trace) {
           trace.filters.empty() ? "" : trace.filters.back().name};
 }
 
-// A candidate that a filter left alone.
+// The only candidate that a filter kept.
 Answer survivor(std::u16string delimiter, unsigned long header, long columns, std::size_t lines,
                 std::string filter) {
   return {Strategy::kDelimited,          std::move(delimiter), {}, header, columns, lines,
@@ -147,7 +148,7 @@ Answer nothing_sampled() {
   return {Strategy::kLineReader, u"", {}, 0, 1, 0, SelectionEnd::empty_sample, ""};
 }
 
-// Not valued, so its number of variables is not known yet.
+// Not scored, so its number of variables is not known yet.
 Answer single_column_of_dates(std::size_t lines) {
   return {Strategy::kDelimited, u",", {}, 0, -1, lines, SelectionEnd::whole_line_dates, ""};
 }
@@ -165,7 +166,7 @@ struct PickCase {
 };
 std::ostream& operator<<(std::ostream& out, const PickCase& row) { return out << row.rule; }
 
-// Names with a blank in one of them; unit 11 alone is blank in all lines.
+// Names, one of which has a blank. Only code unit 11 is blank in all lines.
 const std::u16string kNames =
     u"Anna        12\n"
     u"Bartholomew 34\n"
@@ -179,14 +180,15 @@ const PickCase kPickCases[] = {
     {"NoTextGivesTheLineReader", u"", {}, nothing_sampled()},
     {"ATextThatIsOnlyAnEndMark", u"\uffff,", {}, nothing_sampled()},
     {"WordsAloneGiveTheLineReader", u"abc\ndef\n123\n", {}, line_reader(3)},
-    // The comma of the first of three lines is not looked at.
+    // The comma of the first of three lines is not examined.
     {"ADelimiterInTheFirstLineOnly", u"a,b\n12\n34\n", {}, line_reader(3)},
     // One line has one deviation, which measures nothing.
     {"ACandidateThatIsRefused", u"1,2\n", {}, line_reader(1)},
     {"TheOnlyCandidate", u"a,b\n1,2\n3,4\n", {}, only(u",", 0, 2, 3)},
     {"TheOnlyCandidateMayHaveAnUnlistedDelimiter", u"a|b\n1|2\n3|4\n", {}, only(u"|", 0, 2, 3)},
-    // The aligned reading has 2, 2, 2, 3, 2 fields, and all lines 14 units. The single space finds
-    // 9, 2, 10, 8, 10 fields: median 9, found last in the first line, so it is not measured.
+    // The aligned candidate has 2, 2, 2, 3, 2 fields, and all lines have 14 code units. The single
+    // space finds 9, 2, 10, 8, 10 fields: median 9, found last in the first line, so it is not
+    // measured.
     {"TheOnlyCandidateMayBeFixedWidth",
      kNames,
      {},
@@ -197,7 +199,7 @@ const PickCase kPickCases[] = {
      {},
      single_column_of_dates(2)},
     {"LinesThatAreClockValues", u"10:30\n11:45\n12:00\n", {}, single_column_of_dates(3)},
-    // Both split each line in two, a number and a text; neither delimiter is a listed one.
+    // Both split each line into a number and a text; neither delimiter is in the priority list.
     {"ATieOfUnlistedDelimiters", u"a|b#c\n1|2#3\n4|5#6\n", {}, single_column_of_a_tie(3)},
 
     // -- lines that are dates -------------------------------------------------------------------
@@ -211,19 +213,19 @@ const PickCase kPickCases[] = {
     {"BlankLinesBelowADate", u"2020-01-01\n2020-01-02\n\n  \n", {}, single_column_of_dates(4)},
     {"TheFallbackSamplesWithTheBudget", u"2020-01-01\n2020-01-02\n2020-01-03\n", budget(2),
      single_column_of_dates(2)},
-    // The line reader passes over no header line, and the fallback has none either.
+    // The line reader skips no header line, and the fallback has none either.
     {"GivenHeaderLinesDoNotReachTheFallback", u"2020-01-01\n2020-01-02\n2020-01-03\n",
      header_lines(2), single_column_of_dates(3)},
 
-    // -- what decides ---------------------------------------------------------------------------
+    // -- what decides -----------------------------------------------------------------------------
 
     {"TheGivenNumberOfVariables", u"a,b,c|d\n1,2,3|4\n5,6,7|8\n", variables(2),
      survivor(u"|", 0, 2, 3, "numvariables")},
     // Three numbers and a text are worth 7, a text and a number 4.
     {"ANumberOfVariablesThatNobodyHasDecidesNothing", u"a,b,c|d\n1,2,3|4\n5,6,7|8\n", variables(9),
      survivor(u",", 0, 3, 3, "class_value")},
-    // The bar finds a date in the first of its 2, 2, 2, 3, 2 fields; the comma, two fields in each
-    // line, finds none.
+    // The bar finds a date in the first of its 2, 2, 2, 3, 2 fields. The comma finds two fields in
+    // each line, but no date.
     {"DatesBeforeRegularity",
      u"when|x,y\n2020-01-01|1,2\n2020-01-02|3,4\n2020-01-03|5,6|z\n2020-01-04|7,8\n",
      {},
@@ -252,19 +254,19 @@ const PickCase kPickCases[] = {
      u"a|b\n1,2|3\n4,5|6\n7,8|9\n2,3|4\n",
      {},
      survivor(u"|", 0, 2, 5, "header_lines")},
-    // Worth 4 each: text and number at the bar, number, nothing and text at the comma.
+    // Worth 4 each: text and number for the bar; number, empty and text for the comma.
     {"FewerEmptyColumnsBeforePriors",
      u"a,b,c|d\n1,,x|7\n2,,y|8\n",
      {},
      survivor(u"|", 0, 2, 3, "non_empty")},
     {"PriorsLast", u"a;b,c\n1;2,3\n4;5,6\n", {}, survivor(u",", 0, 2, 3, "priors_rank")},
-    // The comma has one header line, the semicolon none, but given is given: both have 1.
+    // The comma has one header line, the semicolon none, but the number is given: both have 1.
     {"GivenHeaderLinesLeaveItToThePriors", u"a;b\n1,2;3\n4,5;6\n7,8;9\n2,3;4\n", header_lines(1),
      survivor(u",", 1, 2, 5, "priors_rank")},
     // 3 against 3.5
     {"SpaceBeforeSpaceAligned", u"ab c\nd e\nf g\n", {}, survivor(u" ", 0, 2, 3, "priors_rank")},
-    // The single space finds 2, 3, 2, 2, 2 fields and takes the first two lines for header lines;
-    // the aligned reading needs none.
+    // The single space finds 2, 3, 2, 2, 2 fields and makes the first two lines header lines. The
+    // aligned candidate needs none.
     {"RaggedBlanksAreAligned",
      u"a b\nc  d\ne f\ng h\ni j\n",
      {},
@@ -281,20 +283,20 @@ const PickCase kPickCases[] = {
      u"a  b\nc d\ne    f\ng   h\n",
      {},
      {Strategy::kSpaceAligned, u"", {}, 0, 2, 4, SelectionEnd::only_candidate, ""}},
-    // Two perfectly regular readings with two texts each: cut in front of unit 11 and at the
+    // Two perfectly regular candidates with two texts each: cut before code unit 11 and at the
     // comma. Fixed columns have no rank at all.
     {"FixedWidthHasNoPriors",
      u"Anna        ,ab\nBartholomew ,cd\nCid         ,ef\nDan Xu      ,gh\nEve         ,ij\n",
      {},
      survivor(u",", 0, 2, 5, "priors_rank")},
-    // The same with numbers: behind a comma they are numbers, with the comma in front of them
-    // they are text.
+    // The same with numbers: after a comma they are numbers; with the comma before them they are
+    // text.
     {"FixedWidthAgainstNumbers",
      u"Anna        ,12\nBartholomew ,34\nCid         ,56\nDan Xu      ,78\nEve         ,90\n",
      {},
      survivor(u",", 0, 2, 5, "class_value")},
-    // A bar in each name cuts two texts; the name as a whole and a number are worth more. The
-    // single space finds 7, 2, 10, 7, 10 fields, too different to be taken.
+    // A bar in each name makes two texts, but the name as a whole and a number are worth more. The
+    // single space finds 7, 2, 10, 7, 10 fields, which deviate too much.
     {"FixedWidthWins",
      u"Anna|x      12\nBarthol|mew 34\nC|d         56\nDan X|u     78\nE|e         90\n",
      {},
@@ -318,12 +320,12 @@ const PickCase kPickCases[] = {
        given.budget = 2;
        return given;
      }(),
-     // The line reader has two lines of its own and looks at the second.
+     // The line reader has two lines of its own and inspects the second.
      only(u",", 2, 2, 4)},
     // No data line is left: the deviations after the header lines are not measured.
     {"AsManyHeaderLinesAsLines", u"a b\nc d\n", header_lines(2), line_reader(2)},
     {"AsManyHeaderLinesAsDelimitedLines", u"a,b\nc,d\n", header_lines(2), line_reader(2)},
-    // One more: the mean over less than nothing is zero, and no column is seen.
+    // One more: the mean over less than nothing is zero, and no column is inspected.
     {"MoreHeaderLinesThanLines", u"a,b\nc,d\n", header_lines(3), only(u",", 3, 1, 2)},
     {"MoreHeaderLinesThanAlignedLines", u"a b\nc d\n", header_lines(3),
      survivor(u" ", 3, 1, 2, "priors_rank")},
@@ -338,7 +340,7 @@ const PickCase kPickCases[] = {
        return given;
      }(),
      only(u",", kUnknown - 1, 1, 3)},
-    // Given, but not known: it is still worked out from the deviations.
+    // Given, but not known: the number is still derived from the deviations.
     {"NotKnownGivenOnPurpose", u"a,b\n1,2\n3,4\n", header_lines(kUnknown), only(u",", 0, 2, 3)},
     {"NotKnownGivenOnPurposeWithATitle", u"title\na,b\n1,2\n3,4\n5,6\n", header_lines(kUnknown),
      only(u",", 1, 2, 5)},
@@ -367,8 +369,8 @@ const PickCase kPickCases[] = {
     {"OnlyLineEndsOfTwoUnits", u"\r\n\r\n", {}, line_reader(2)},
     {"BlankLinesOfOneLength", u"   \n   \n   \n", {}, line_reader(3)},
     {"BlankLinesOfManyLengths", u" \n\t\t\n   ", {}, line_reader(3)},
-    // The white space holds no blank: the lines are four empty fields each. Without their leading
-    // blanks they have no length, of which no columns are made.
+    // The white space does not include the space: the lines are four empty fields each. Without
+    // their leading blanks they have no length, so no columns are made.
     {"BlankLinesThatAreNotWhiteSpace", u"   \n   \n   \n", whitespace(u""), only(u" ", 0, 4, 3)},
     {"BlankLinesThatAreNotWhiteSpaceBelowGivenHeaderLines", u"   \n   \n   \n",
      [] {
@@ -402,7 +404,7 @@ class PickStrategy : public testing::TestWithParam<PickCase> {
   ExactText text_;
 };
 
-TEST_P(PickStrategy, GivesTheAnswerForItsReason) {
+TEST_P(PickStrategy, GivesTheExpectedResultForTheExpectedReason) {
   SelectionTrace trace;
   const auto winner = pick(trace);
   ASSERT_NE(winner, nullptr);
@@ -414,7 +416,7 @@ TEST_P(PickStrategy, GivesTheSameWithoutATrace) {
   EXPECT_EQ(describe(*pick()), describe(*pick(trace)));
 }
 
-TEST_P(PickStrategy, TellsHowItEndedWithoutATrace) {
+TEST_P(PickStrategy, ReportsHowItEndedWithoutATrace) {
   SelectionTrace trace;
   const auto traced = pick(trace);
   SelectionOutcome outcome{SelectionEnd::given, "left from before"};
@@ -426,14 +428,14 @@ TEST_P(PickStrategy, TellsHowItEndedWithoutATrace) {
   EXPECT_EQ(outcome.decided_by, is_decided ? trace.filters.back().name : "");
 }
 
-TEST_P(PickStrategy, GivesTheSameTwiceAndElsewhere) {
+TEST_P(PickStrategy, GivesTheSameTwiceAndAtAnotherAddress) {
   SelectionTrace first;
   SelectionTrace second;
   const std::string winner = describe(*pick(first));
   EXPECT_EQ(describe(*pick(second)), winner);
   EXPECT_EQ(describe(second), describe(first));
 
-  // A copy of the text at an odd place in a larger block.
+  // A copy of the text at an unaligned position in a larger block.
   const ExactText shifted(u"x" + GetParam().text);
   const Field copy(shifted.data() + 1, shifted.size() - 1);
   SelectionTrace third;
@@ -444,7 +446,7 @@ TEST_P(PickStrategy, GivesTheSameTwiceAndElsewhere) {
 }
 
 TEST_P(PickStrategy, ValuesEveryCandidate) {
-  // A candidate that was not valued would still have the number of lines 0.
+  // A candidate that was not scored would still have 0 as its number of lines.
   SelectionTrace trace;
   const auto winner = pick(trace);
   for (const auto& candidate : trace.candidates) EXPECT_GT(candidate.valuation.num_lines, 0U);
@@ -561,7 +563,8 @@ TEST(StrategySelectorWinner, SkipsComments) {
 
 class SingleColumn : public testing::TestWithParam<const char16_t*> {};
 
-// Lines that are dates, and a tie: everything but the text has gone when the strategy is used.
+// Lines that are dates, and a tie: everything except the text is destroyed before the strategy is
+// used.
 TEST_P(SingleColumn, OutlivesTheSelectorAndTheCallersRecord) {
   const ExactText text(GetParam());
   auto options = std::make_unique<parser::options>();
@@ -572,7 +575,7 @@ TEST_P(SingleColumn, OutlivesTheSelectorAndTheCallersRecord) {
   selector.reset();
   options.reset();
 
-  // The copy of the record has kept the line endings and the comment marker of the caller.
+  // The copy of the record keeps the line endings and the comment marker of the caller.
   EXPECT_EQ(winner->lines().size(), 3U);
   EXPECT_EQ(winner->populate_fields(text.field(), kBudget).size(), 3U);
   EXPECT_EQ(winner->populate_fields(text.field(), 2).size(), 2U);
@@ -603,7 +606,7 @@ TEST(SingleColumnRecord, IsACopy) {
   EXPECT_TRUE(options.detect_header_lines);
 }
 
-// Whoever reads the record finds everything settled.
+// All values of the returned record are final.
 TEST(SingleColumnRecord, SaysWhatTheStrategyDoes) {
   struct Open : Strategy {
     using Strategy::options_;
@@ -650,9 +653,9 @@ SelectionTrace trace_of(const std::u16string& text, const Given& given) {
   return trace;
 }
 
-TEST(PickStrategyTrace, TellsTheWholeStory) {
-  // Bar, comma and hash split each line in two; the exclamation mark stands in the last line alone
-  // and takes all lines above it for header lines.
+TEST(PickStrategyTrace, RecordsEveryStep) {
+  // Bar, comma and hash split each line in two. The exclamation mark is only in the last line, so
+  // all lines before it become header lines.
   const SelectionTrace trace = trace_of(u"a|b,c#d\n1|2,3#4\n5|6,7#8\n9|0,1#2!\n", {});
   EXPECT_EQ(trace.candidate_chars, u"|,#!");
 
@@ -689,8 +692,8 @@ TEST(PickStrategyTrace, TellsTheWholeStory) {
 }
 
 TEST(PickStrategyTrace, CountsTheKeptCandidatesOnly) {
-  // The hash finds 3, 2, 5, 4 fields: median 3, found last in the first line, measures nothing. The
-  // bar finds two texts, the comma a text and a number.
+  // The hash finds 3, 2, 5, 4 fields: median 3, found last in the first line, so nothing is
+  // measured. The bar finds two texts, the comma a text and a number.
   const SelectionTrace trace = trace_of(u"##|a,b\n#|1,2\n####|3,4\n###|5,6\n", {});
   EXPECT_EQ(trace.candidate_chars, u"#|,");
   ASSERT_EQ(trace.candidates.size(), 3U);
@@ -739,7 +742,7 @@ TEST(PickStrategyTrace, LosesWhatItHeldBefore) {
   EXPECT_EQ(trace.end, SelectionEnd::empty_sample);
 }
 
-TEST(PickStrategyTrace, KeepsTheRefusedOnesWhenNobodyIsLeft) {
+TEST(PickStrategyTrace, KeepsTheRefusedOnesWhenNoCandidateIsLeft) {
   const SelectionTrace trace = trace_of(u"1,2\n", {});
   EXPECT_EQ(trace.candidate_chars, u",");
   ASSERT_EQ(trace.candidates.size(), 1U);
@@ -748,7 +751,7 @@ TEST(PickStrategyTrace, KeepsTheRefusedOnesWhenNobodyIsLeft) {
   EXPECT_EQ(trace.end, SelectionEnd::no_candidate);
 }
 
-TEST(PickStrategyTrace, ShowsTheAlignedReadingBehindFixedWidths) {
+TEST(PickStrategyTrace, ShowsTheAlignedReadingAfterFixedWidths) {
   const SelectionTrace trace = trace_of(kNames, {});
   ASSERT_EQ(trace.candidates.size(), 3U);
   EXPECT_EQ(trace.candidates[0].dialect.mode, LayoutMode::space_aligned);
@@ -760,7 +763,7 @@ TEST(PickStrategyTrace, ShowsTheAlignedReadingBehindFixedWidths) {
   EXPECT_EQ(trace.candidates[2].fate, CandidateFate::irregular);
 }
 
-// -- texts that are no tables -------------------------------------------------------------------
+// -- texts that are not tables ------------------------------------------------------------------
 
 constexpr std::size_t kManyUnits = 20000;
 
@@ -781,8 +784,9 @@ std::u16string line_of_all_candidates() {
 }
 
 Answer all_candidates_answer() {
-  // The aligned reading is separated by the space and the tab: three texts are worth more than
-  // the two that each delimiter finds. All lines are alike and of one length, so it stays aligned.
+  // The aligned candidate is separated by the space and the tab: three texts are worth more than
+  // the two that each delimiter finds. All lines are equal and of the same length, so it stays
+  // aligned.
   return {Strategy::kSpaceAligned, u"", {}, 0, 3, kManyUnits / 114, SelectionEnd::single_survivor,
           "reduce_by_class_value"};
 }
@@ -790,21 +794,21 @@ Answer all_candidates_answer() {
 const PickCase kHostileCases[] = {
     {"OneLineOfOneWord", std::u16string(kManyUnits, u'x'), {}, line_reader(1)},
     {"OneLineOfDigits", std::u16string(kManyUnits, u'7'), {}, line_reader(1)},
-    // A single line measures nothing, however many fields it has.
+    // A single line measures nothing, whatever its number of fields.
     {"OneLineOfFields", times(kManyUnits / 2, u"1,"), {}, line_reader(1)},
     {"OneLineOfCommas", std::u16string(kManyUnits, u','), {}, line_reader(1)},
     {"OneLineOfColons", std::u16string(kManyUnits, u':'), {}, line_reader(1)},
     {"OneLineOfBlanksAndWords", times(kManyUnits / 2, u" x"), {}, line_reader(1)},
-    // A quote is no candidate.
+    // A quote is not a candidate.
     {"OnlyQuotes", std::u16string(kManyUnits, u'"'), {}, line_reader(1)},
     {"OnlyAnOddNumberOfQuotes", std::u16string(kManyUnits - 1, u'"'), {}, line_reader(1)},
     {"OnlyQuotesInLines", times(kManyUnits / 4, u"\"\"\"\n"), {}, line_reader(kBudget)},
-    // The comma sees one field in one line, the line reader its budget of lines.
+    // The comma sees one field in one line, the line reader as many lines as its budget allows.
     {"AnUnterminatedQuoteAtTheStart",
      u"\"" + times(kManyUnits / 4, u"1,2\n"),
      {},
      line_reader(kBudget)},
-    // Without a budget the last line is seen, too.
+    // Without a budget the last line is read as well.
     {"AnUnterminatedQuoteAtTheStartAndNoBudget", u"\"" + times(kManyUnits / 4, u"1,2\n"),
      budget(kUnknown), line_reader(kManyUnits / 4)},
     {"AllCandidateCharacters", times(kManyUnits / 114, line_of_all_candidates()), budget(kUnknown),
@@ -823,7 +827,7 @@ const PickCase kHostileCases[] = {
 };
 
 class PickStrategyOfHostileText : public testing::TestWithParam<PickCase> {};
-TEST_P(PickStrategyOfHostileText, EndsWithASaneAnswer) {
+TEST_P(PickStrategyOfHostileText, EndsWithAConsistentResult) {
   const PickCase& row = GetParam();
   const parser::options options = options_of(row.given);
   const ExactText text(row.text);

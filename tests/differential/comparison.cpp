@@ -27,7 +27,7 @@ bool is_datetime(const std::u16string& text) {
   return datetime::is_datetime(Field(text.data(), text.size()));
 }
 
-// Collects what differs, under the name of what is being compared.
+// Collects the differences, under the name of what is being compared.
 class Differences {
  public:
   void enter(const std::string& name) { name_ = name; }
@@ -36,7 +36,7 @@ class Differences {
   void compare(const char* what, const T& library, const T& plain) {
     if (!(library == plain)) add(what, show(library), show(plain));
   }
-  // Bit for bit: infinities, negative zero and all.
+  // Bit for bit, including infinities and negative zero.
   void compare(const char* what, double library, double plain) {
     if (std::bit_cast<std::uint64_t>(library) == std::bit_cast<std::uint64_t>(plain)) return;
     add(what, show(library), show(plain));
@@ -63,7 +63,7 @@ class Differences {
   static std::string show(Number number) requires std::is_arithmetic_v<Number> {
     return std::to_string(number);
   }
-  // With so many digits that numbers which differ look different.
+  // With enough digits that different numbers look different.
   static std::string show(double number) {
     char digits[32];
     std::snprintf(digits, sizeof digits, "%.17g", number);
@@ -117,14 +117,14 @@ void compare_valuations(Differences& differences, const StrategyValuation& libra
   differences.compare("priors_rank", library.priors_rank, plain.priors_rank);
 }
 
-// What a strategy of the reference is made of.
+// The inputs of a strategy of the reference.
 struct PlainStrategy {
   reference::Mode mode;
   std::vector<std::u16string> delimiters;
   std::vector<std::size_t> widths;
 };
 
-// The text, and what both sides are told about it.
+// The text, and the choices that both sides get.
 struct Task {
   const std::u16string& text;
   unsigned long num_lines;
@@ -224,7 +224,7 @@ std::string difference_in_scores(const std::vector<std::size_t>& counts, const C
   return difference_in_scores(counts, choices, choices);
 }
 
-// Columns of width 1 are the reference's way to make a field of each unit.
+// With columns of width 1 the reference makes each code unit a field.
 std::string difference_in_scores(const std::vector<std::size_t>& counts, const Choices& choices,
                                  const Choices& plain_choices) {
   using reference::Mode;

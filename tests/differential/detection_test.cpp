@@ -12,8 +12,8 @@
 namespace textio::differential {
 namespace {
 
-// The first difference that `compare` tells for a text of up to `longest` units over `alphabet`,
-// with that text; empty when there is none.
+// The first difference that `compare` finds for a text of up to `longest` code units over
+// `alphabet`, with that text; empty if there is none.
 template <typename Compare>
 std::string first_difference(const std::u16string& alphabet, std::size_t longest, Compare compare) {
   std::u16string text;

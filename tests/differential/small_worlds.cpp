@@ -1,5 +1,5 @@
-// The series are numbered as the positive numbers are written with the digits 1 to `letters`, the
-// empty series being 0: each series has one number, and a longer one has a larger number.
+// The series are numbered in bijective base `letters`, with the digits 1 to `letters`; the empty
+// series is 0. Each series has one number, and a longer series has a larger number.
 #include "differential/small_worlds.hpp"
 
 #include <algorithm>
@@ -11,12 +11,13 @@
 namespace textio::differential {
 namespace {
 
-// One of the columns has no width, and lines of more than three units start over.
+// One of the columns has no width, and lines of more than three code units start again at the
+// first.
 const std::vector<unsigned long> kWidths = {1, 0, 2};
 
 constexpr std::size_t kNotKnown = SIZE_MAX;
 
-// So many units of a text across blocks lie in front of the border.
+// The number of code units before the border, of a text across blocks.
 constexpr std::size_t kBeforeBorder = 2;
 
 std::string under_heading(const std::string& heading, const std::string& difference) {
@@ -35,7 +36,7 @@ std::string difference_with(const std::u16string& text, const Choices& choices) 
 }
 
 std::string difference_in_counts(const Series& counts, Choices choices) {
-  choices.line_endings = {u"\n"};  // the only one there is
+  choices.line_endings = {u"\n"};  // the only one
   return under_heading(heading(choices), difference_in_scores(counts, choices));
 }
 
@@ -46,14 +47,14 @@ Choices with_header_lines(std::size_t header_lines) {
 }
 
 std::string difference_in_text(const std::u16string& text, bool with_given) {
-  std::string told = difference_with(text, {});
+  std::string differences = difference_with(text, {});
   if (with_given) {
     for (const std::size_t header_lines :
          {std::size_t{0}, std::size_t{1}, std::size_t{2}, text.size() + 1}) {
-      told += difference_with(text, with_header_lines(header_lines));
+      differences += difference_with(text, with_header_lines(header_lines));
     }
   }
-  return under_heading("text \"" + testing_support::readable(text) + '"', told);
+  return under_heading("text \"" + testing_support::readable(text) + '"', differences);
 }
 
 }  // namespace
@@ -76,8 +77,8 @@ std::optional<FirstDifference> first_difference(
     const SmallWorld& world, const Part& part,
     const std::function<std::string(const Series&)>& compare) {
   for (std::uint64_t number = part.index; number < world.size(); number += part.count) {
-    std::string told = compare(world.series(number));
-    if (!told.empty()) return FirstDifference{number, std::move(told)};
+    std::string differences = compare(world.series(number));
+    if (!differences.empty()) return FirstDifference{number, std::move(differences)};
   }
   return std::nullopt;
 }
@@ -100,24 +101,24 @@ std::string difference_in_small_text(const Series& series, bool with_given) {
 }
 
 std::string difference_across_blocks(const Series& series, bool with_given) {
-  std::string told;
+  std::string differences;
   for (const std::u16string& text : texts_across_blocks(series)) {
-    told += difference_in_text(text, with_given);
+    differences += difference_in_text(text, with_given);
   }
-  return told;
+  return differences;
 }
 
 std::string difference_in_small_counts(const Series& counts, bool with_given) {
-  std::string told = difference_in_counts(counts, {});
+  std::string differences = difference_in_counts(counts, {});
   if (with_given) {
     for (std::size_t header_lines = 0; header_lines <= counts.size() + 1; ++header_lines) {
-      told += difference_in_counts(counts, with_header_lines(header_lines));
+      differences += difference_in_counts(counts, with_header_lines(header_lines));
     }
-    told += difference_in_counts(counts, with_header_lines(kNotKnown));
+    differences += difference_in_counts(counts, with_header_lines(kNotKnown));
   }
   std::string name = "fields per line";
   for (const std::size_t count : counts) name += ' ' + std::to_string(count);
-  return under_heading(name, told);
+  return under_heading(name, differences);
 }
 
 }  // namespace textio::differential

@@ -1,10 +1,10 @@
 // Small worlds: every short text and every short series of field counts, for the library and the
-// reference. What is true of all of them needs no luck with random ones.
+// reference. A result for all of them does not depend on luck with random ones.
 //
 //   const SmallWorld world(8, 6);      // 299,593 series of up to 6 of 8 letters
 //   const auto found = first_difference(world, {0, 2}, [](const Series& series) {...});
 //
-// A text is a series of units of kSmallAlphabet, numbers of fields are a series of their own.
+// A text is a series of code units of kSmallAlphabet; numbers of fields are a series by themselves.
 #pragma once
 
 #include <cstddef>
@@ -18,11 +18,11 @@ namespace textio::differential {
 
 using Series = std::vector<std::size_t>;
 
-// What the rules tell apart: letter, digit, delimiter, blank, quote, both line ends, end mark.
+// What the rules distinguish: letter, digit, delimiter, blank, quote, both line endings, end mark.
 inline constexpr char16_t kSmallAlphabet[] = u"a1, \"\n\r\uFFFF";
 inline constexpr std::size_t kSmallAlphabetSize = 8;
 
-// Lines of up to four fields: what differs by more than 2 from others is weighed differently.
+// Lines of up to four fields: a deviation of more than 2 counts differently.
 inline constexpr std::size_t kSmallCounts = 5;
 
 // All series of up to `longest` of the numbers 0 to `letters` - 1.
@@ -47,11 +47,11 @@ struct Part {
 };
 
 struct FirstDifference {
-  std::uint64_t number;  // of the series
-  std::string told;      // what `compare` told about it
+  std::uint64_t number;     // of the series
+  std::string description;  // what `compare` returned for it
 };
 
-// The first series of a part about which `compare` tells anything.
+// The first series of a part for which `compare` returns a difference.
 std::optional<FirstDifference> first_difference(
     const SmallWorld& world, const Part& part,
     const std::function<std::string(const Series&)>& compare);
@@ -59,18 +59,19 @@ std::optional<FirstDifference> first_difference(
 // The text of a series over kSmallAlphabet.
 std::u16string small_text(const Series& series);
 
-// The text behind one line of its own, so that its third unit begins a block of the vector code: as
-// the end of the whole, in a block that is not full, and in the middle, in a full one.
+// The text after a line of its own, so that its third code unit begins a block of the vector code:
+// once at the end of the text, in a block that is not full, and once in the middle, in a full one.
 std::vector<std::u16string> texts_across_blocks(const Series& series);
 
-// Where library and reference part over a small text, in each strategy and in the detection; when
-// `with_given` also with 0, 1, 2 and more header lines given than it has lines. Empty: nowhere.
+// The differences between library and reference over a small text, in each strategy and in the
+// detection. With `with_given` also with 0, 1, 2 and more given header lines than it has lines.
+// Empty if there are none.
 std::string difference_in_small_text(const Series& series, bool with_given);
 
 // The same for each of the texts across blocks.
 std::string difference_across_blocks(const Series& series, bool with_given);
 
-// The same for the scores of a series of field counts; the header lines given are then all numbers
+// The same for the scores of a series of field counts. The given header lines are then all numbers
 // up to one more than there are lines, and the one that means "not known".
 std::string difference_in_small_counts(const Series& counts, bool with_given);
 

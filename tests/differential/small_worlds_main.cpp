@@ -43,7 +43,7 @@ int run(const Kind& kind, std::size_t longest, std::size_t longest_given, const 
         return kind.compare(series, with_given);
       });
   if (difference) {
-    std::cout << "difference at number " << difference->number << ": " << difference->told;
+    std::cout << "difference at number " << difference->number << ": " << difference->description;
     return 1;
   }
   std::cout << kind.name << ": " << compared << " compared, " << compared_with_given

@@ -1,5 +1,5 @@
-// That a small world holds every series, and that the comparisons tell what is wrong: the reference
-// is told other choices than the library, or a record is changed.
+// Tests that a small world contains every series, and that the comparisons find what is wrong: the
+// reference gets other choices than the library, or a record is changed.
 #include "differential/small_worlds.hpp"
 
 #include <cmath>
@@ -45,8 +45,8 @@ TEST(SmallWorld, GivesEachTextOnce) {
   EXPECT_EQ(texts.size(), world.size());
 }
 
-// The blocks of the vector code have 64 units.
-TEST(TextsAcrossBlocks, HaveTheBorderBehindTheirSecondUnit) {
+// The blocks of the vector code have 64 code units.
+TEST(TextsAcrossBlocks, CrossABlockAfterTheirSecondUnit) {
   const Series comma_a_quote = {2, 0, 4};
   const std::vector<std::u16string> texts = texts_across_blocks(comma_a_quote);
   ASSERT_EQ(texts.size(), 2U);
@@ -73,7 +73,7 @@ TEST(SmallWorld, FallsIntoPartsWithoutRemainder) {
   EXPECT_EQ(seen, all);
 }
 
-TEST(SmallWorld, TellsTheFirstSeriesThatDiffers) {
+TEST(SmallWorld, ReportsTheFirstSeriesThatDiffers) {
   const auto is_wrong = [](const Series& series) {
     return series.size() == 2 && series[1] == 1 ? std::string("wrong") : std::string();
   };
@@ -81,14 +81,14 @@ TEST(SmallWorld, TellsTheFirstSeriesThatDiffers) {
   const auto found = first_difference(world, {}, is_wrong);
   ASSERT_TRUE(found);
   EXPECT_EQ(found->number, 5U);  // {0, 1}
-  EXPECT_EQ(found->told, "wrong");
+  EXPECT_EQ(found->description, "wrong");
   const auto found_in_part = first_difference(world, {0, 2}, is_wrong);
   ASSERT_TRUE(found_in_part);
   EXPECT_EQ(found_in_part->number, 8U);  // {1, 1}
 }
 
 // ---------------------------------------------------------------------------------------------
-// A wrong member of a record, by as little as can be.
+// A record with one wrong member, by the smallest possible difference.
 
 struct MemberCase {
   const char* rule;  // the member
@@ -128,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(Table, WrongMember, testing::ValuesIn(kMemberCases),
                          testing_support::ByRule());
 
 // ---------------------------------------------------------------------------------------------
-// A reference that is told something else, over a whole world.
+// A reference with other choices, over a whole world.
 
 Choices with_header_lines(std::size_t header_lines) {
   Choices choices;
@@ -137,7 +137,7 @@ Choices with_header_lines(std::size_t header_lines) {
 }
 
 // No header line is given, and one. That matters once there are two lines and a delimiter in the
-// second: "a" deviates from ",", and is data for the library alone.
+// second: "a" deviates from ",", and only the library takes it for data.
 TEST(WrongReference, IsFoundInADetection) {
   const auto compare = [](const Series& series) {
     return difference_in_detection(small_text(series), with_header_lines(0), with_header_lines(1));
@@ -145,10 +145,11 @@ TEST(WrongReference, IsFoundInADetection) {
   const auto found = first_difference(SmallWorld(kSmallAlphabetSize, 3), {}, compare);
   ASSERT_TRUE(found);
   EXPECT_EQ(small_text(SmallWorld(kSmallAlphabetSize, 3).series(found->number)), u"a\n,");
-  EXPECT_THAT(found->told, HasSubstr("winner header lines: library 0, reference 1\n"));
+  EXPECT_THAT(found->description, HasSubstr("winner header lines: library 0, reference 1\n"));
 }
 
-// "a" is a comment for the reference: it samples no line of that text, which is the first.
+// "a" is a comment for the reference, which samples no line of that text. It is the first
+// difference.
 TEST(WrongReference, IsFoundInAStrategy) {
   Choices with_comments;
   with_comments.comment_style = {u"a"};
@@ -158,16 +159,16 @@ TEST(WrongReference, IsFoundInAStrategy) {
   const auto found = first_difference(SmallWorld(kSmallAlphabetSize, 3), {}, compare);
   ASSERT_TRUE(found);
   EXPECT_EQ(found->number, 1U);
-  EXPECT_THAT(found->told, HasSubstr("line reader lines: library [0+1 ], reference []\n"));
-  EXPECT_THAT(found->told, HasSubstr("fixed-width num_lines: library 1, reference 0\n"));
+  EXPECT_THAT(found->description, HasSubstr("line reader lines: library [0+1 ], reference []\n"));
+  EXPECT_THAT(found->description, HasSubstr("fixed-width num_lines: library 1, reference 0\n"));
 }
 
-// For the reference alone three lines are header lines; the one behind them has a single field.
+// Only for the reference, three lines are header lines; the one after them has a single field.
 TEST(WrongReference, IsFoundInTheScores) {
-  const std::string told =
+  const std::string differences =
       difference_in_scores({2, 1, 2, 1}, with_header_lines(0), with_header_lines(3));
-  EXPECT_THAT(told, HasSubstr("units header_lines: library 0, reference 3\n"));
-  EXPECT_THAT(told, HasSubstr("units num_variables: library 2, reference 1\n"));
+  EXPECT_THAT(differences, HasSubstr("units header_lines: library 0, reference 3\n"));
+  EXPECT_THAT(differences, HasSubstr("units num_variables: library 2, reference 1\n"));
 }
 
 }  // namespace

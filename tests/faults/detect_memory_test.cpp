@@ -59,7 +59,7 @@ TEST(DetectMemory, RunsOutInPackedBytes) {
   expect_to_survive_failing_memory([] { return std::make_unique<FrontDetection>(true); });
 }
 
-// The message of a refusal is built in memory, too.
+// The message of a refusal is allocated, too.
 class RefusedKnown : public Attempt {
  public:
   void call() override {

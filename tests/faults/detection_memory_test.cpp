@@ -51,7 +51,7 @@ std::u16string times(std::size_t count, const std::u16string& piece) {
   return text;
 }
 
-// A quoted field with doubled quotes inside, longer than what a field keeps in itself.
+// A quoted field with doubled quotes inside, too long to be stored inside the field object.
 const std::u16string kLongQuoted =
     u"\"" + times(MutableField::kInlineUnits / 8 + 1, u"said \"\"x\"\" ") + u"\"";
 
@@ -196,7 +196,7 @@ TEST_P(SelectionMemory, IsThatOfTheEndInTheTable) {
 
 INSTANTIATE_TEST_SUITE_P(Table, SelectionMemory, testing::ValuesIn(kPickCases), ByRule());
 
-// A selector that could not become another one is still itself.
+// A selector whose assignment fails is unchanged.
 class SelectorAssignment : public Attempt {
  public:
   SelectorAssignment() : assigned_(few_), other_(many_) {}
@@ -205,7 +205,7 @@ class SelectorAssignment : public Attempt {
 
   std::string answer() override { return state(); }
 
-  // The options that a selector reads tell which of the two it is.
+  // The options that a selector reads show which of the two it is.
   std::string state() const override {
     const ExactText text(u"a;b,c\n1;2,3\n4;5,6\n");
     SelectionTrace trace;
@@ -272,7 +272,7 @@ class FileDetection : public Attempt {
 
 class LayoutMemory : public testing::TestWithParam<DetectionCase> {};
 
-// What lies before the layout is in the tests above.
+// The steps before the layout are covered by the tests above.
 TEST_P(LayoutMemory, RunsOutInATextDetection) {
   const auto make = [] { return std::make_unique<TextDetection>(GetParam()); };
   expect_to_survive(make, FaultKind::single);
@@ -287,7 +287,7 @@ TEST_P(LayoutMemory, IsThatOfTheEndInTheTable) {
 
 INSTANTIATE_TEST_SUITE_P(Table, LayoutMemory, testing::ValuesIn(all_cases()), ByRule());
 
-// What comes behind the sample is the same for a text and a file, so a few tables do.
+// The steps after the sample are the same for a text and a file, so a few tables are enough.
 const DetectionCase& case_of(const std::string& rule) {
   static const std::vector<DetectionCase> cases = all_cases();
   return *std::find_if(cases.begin(), cases.end(),
@@ -309,7 +309,7 @@ INSTANTIATE_TEST_SUITE_P(Table, FileMemory,
                          testing::Values("NoText", "OnlyCandidateWins", "GivenWidths"),
                          [](const auto& row) { return std::string(row.param); });
 
-// The message of the error is built in memory, too.
+// The message of the error is allocated, too.
 class MissingFile : public Attempt {
  public:
   void call() override {
@@ -337,7 +337,7 @@ TEST(MissingFileMemory, RunsOutWhileTheErrorIsMade) {
 
 // --- the sample ----------------------------------------------------------------------------------
 
-// A text of more than a sample, whose last whole line ends at unit kSampleUnits - 8.
+// A text longer than a sample, whose last whole line ends at code unit kSampleUnits - 8.
 class LongSample : public Attempt {
  public:
   explicit LongSample(const ExactText& text)

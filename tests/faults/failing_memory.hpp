@@ -1,10 +1,9 @@
-// One call, made again and again: its first allocation fails, its second, its third, until it gets
-// by without meeting a failure. Each time it is made on objects of their own, and then once more
-// without a failure.
+// One call, made repeatedly: its first allocation fails, then its second, its third, until no
+// allocation fails. Each time it is made on new objects, and then once more without a failure.
 //
-// What must hold whatever allocation fails: nothing but std::bad_alloc comes out, the objects of
-// the call show what they showed before, the call then gives the undisturbed answer, and no block
-// and no file is left over.
+// Whichever allocation fails, these must hold: only std::bad_alloc is thrown, the objects show the
+// same state as before, the call then gives the undisturbed result, and no block and no file is
+// leaked.
 #pragma once
 
 #include <algorithm>
@@ -21,7 +20,7 @@
 
 namespace textio::testing_support {
 
-// The objects of a call and the call itself.
+// The objects of a call, and the call itself.
 class Attempt {
  public:
   Attempt() = default;
@@ -31,13 +30,13 @@ class Attempt {
 
   virtual void call() = 0;
 
-  // What came of the call. May use up the objects.
+  // The result of the call. May use up the objects.
   virtual std::string answer() = 0;
 
-  // What the objects show, without a change to them.
+  // The visible state of the objects, which does not change.
   virtual std::string state() const { return {}; }
 
-  // What they may show after a failed call; `before` is what they showed before it.
+  // The visible states that are allowed after a failed call; `before` is the state before it.
   virtual void expect_state_after_failure(const std::string& before) const {
     EXPECT_EQ(state(), before);
   }
@@ -45,7 +44,7 @@ class Attempt {
 
 using MakeAttempt = std::function<std::unique_ptr<Attempt>()>;
 
-// The place where two long answers part, and what stands there.
+// The position at which two long results differ, and the text there.
 inline std::string difference(const std::string& answer, const std::string& expected) {
   const auto at = std::mismatch(answer.begin(), answer.end(), expected.begin(), expected.end());
   const auto place = static_cast<std::size_t>(at.first - answer.begin());
@@ -59,7 +58,7 @@ inline std::string undisturbed_answer(const MakeAttempt& make) {
   return attempt->answer();
 }
 
-// Makes the call; whether it ran out of memory.
+// Makes the call. Returns whether it ran out of memory.
 inline bool runs_out_of_memory(Attempt& attempt) {
   try {
     attempt.call();
@@ -69,8 +68,8 @@ inline bool runs_out_of_memory(Attempt& attempt) {
   return false;
 }
 
-// Makes the call with allocation `nth` failing; whether it got as far as that allocation. A call
-// that gets over the failure gives its full answer.
+// Makes the call with allocation `nth` failing. Returns whether that allocation was reached. A call
+// that survives the failure gives its full result.
 inline bool meets_failure(const MakeAttempt& make, std::size_t nth, FaultKind kind,
                           const std::string& expected) {
   const auto attempt = make();
@@ -93,7 +92,7 @@ inline bool meets_failure(const MakeAttempt& make, std::size_t nth, FaultKind ki
 
 inline void expect_to_survive(const MakeAttempt& make, FaultKind kind,
                               bool asks_for_memory = true) {
-  const std::string expected = undisturbed_answer(make);  // also makes what is made only once
+  const std::string expected = undisturbed_answer(make);  // also initialises what is made only once
   bool met = true;
   std::size_t nth = 0;
   while (met && !testing::Test::HasFailure()) {
@@ -107,7 +106,7 @@ inline void expect_to_survive(const MakeAttempt& make, FaultKind kind,
   EXPECT_EQ(nth > 1, asks_for_memory && allocations_can_fail());
 }
 
-// `asks_for_memory` says whether the call does so at all.
+// `asks_for_memory` says whether the call allocates at all.
 inline void expect_to_survive_failing_memory(const MakeAttempt& make, bool asks_for_memory = true) {
   expect_to_survive(make, FaultKind::single, asks_for_memory);
   expect_to_survive(make, FaultKind::from_then_on, asks_for_memory);

@@ -1,7 +1,7 @@
 // Options that run out of memory: each setter, each kind of error, and the calls of the host that
 // apply several options.
 //
-// A pair is applied as a whole or not at all, and the pairs behind the one that failed are not.
+// A pair is applied as a whole or not at all, and the pairs after a failed one are not applied.
 #include <algorithm>
 #include <cstddef>
 #include <memory>
@@ -34,7 +34,7 @@ using testing_support::expect_to_survive_failing_memory;
 using testing_support::OptionPair;
 using testing_support::unusual_record;
 
-// --- values that are taken -----------------------------------------------------------------------
+// --- accepted values -----------------------------------------------------------------------------
 
 struct OptionCase {
   const char* rule;  // the name of the option
@@ -42,7 +42,7 @@ struct OptionCase {
 };
 std::ostream& operator<<(std::ostream& out, const OptionCase& row) { return out << row.rule; }
 
-// Texts that fit into no small string.
+// Texts that do not fit into a small string.
 Array a_text() { return make_array(u"one text that fits into no small string"); }
 Array texts() {
   return make_cell({u"the first text\\t of several", u"", u"the second text of several"});
@@ -99,7 +99,7 @@ std::vector<OptionPair> pairs_around(const OptionCase& row) {
           {u"Whitespace", make_array(u"a third text that fits into no small string")}};
 }
 
-// What the record holds after the first 0, 1, ... pairs.
+// The record after the first 0, 1, ... pairs.
 std::vector<std::string> stages_of(const std::vector<OptionPair>& pairs) {
   parser::options record = unusual_record();
   std::vector<std::string> stages = {contents_of(record)};
@@ -153,7 +153,8 @@ TEST_P(OptionMemory, RunsOutInASetter) {
   expect_to_survive_failing_memory([] { return std::make_unique<Setting>(GetParam()); });
 }
 
-// The later the failure, the more pairs are there; the first failure comes before all of them.
+// The later the failure, the more pairs have been applied; the first failure comes before all of
+// them.
 TEST_P(OptionMemory, ThatLastsLongerAppliesMorePairs) {
   std::size_t applied_before = 0;
   for (std::size_t nth = 1;; ++nth) {
@@ -174,14 +175,14 @@ TEST_P(OptionMemory, ThatLastsLongerAppliesMorePairs) {
 
 INSTANTIATE_TEST_SUITE_P(Table, OptionMemory, testing::ValuesIn(kOptionCases), ByRule());
 
-// --- values that are refused ---------------------------------------------------------------------
+// --- refused values ------------------------------------------------------------------------------
 
 struct ErrorCase {
   const char* rule;
   const char16_t* name;
   Array (*value)();
 
-  // An error without arguments for an option with a short name does not.
+  // An error without arguments, for an option with a short name, does not.
   bool asks_for_memory = true;
 };
 std::ostream& operator<<(std::ostream& out, const ErrorCase& row) { return out << row.rule; }
@@ -199,7 +200,7 @@ const ErrorCase kErrorCases[] = {
     {"InvalidEscapeSequence", u"EndOfLine", [] { return make_array(u"a longer text with \\q"); }},
 };
 
-// Comes out as the whole error, or as std::bad_alloc. The record is left alone either way.
+// The result is the whole error or std::bad_alloc. The record is unchanged in both cases.
 class Refusal : public Attempt {
  public:
   explicit Refusal(const ErrorCase& row)
@@ -240,7 +241,7 @@ TEST_P(OptionErrorMemory, IsThatOfTheErrorInTheTable) {
   EXPECT_EQ(refusal.answer().find(std::string("VELLUM:textio:textio:") + GetParam().rule), 0U);
 }
 
-// The host makes a sentence of the error.
+// The host makes a sentence from the error.
 class HostRefusal : public Attempt {
  public:
   explicit HostRefusal(const ErrorCase& row) : record_(unusual_record()) {
@@ -293,7 +294,7 @@ TEST(SettingsMemory, RunsOut) {
   expect_to_survive_failing_memory([] { return std::make_unique<SettingsWithOptions>(); });
 }
 
-// Copying a record fails as a whole.
+// A copy of a record fails as a whole.
 class RecordCopy : public Attempt {
  public:
   void call() override { copy_ = std::make_unique<parser::options>(record_); }

@@ -1,7 +1,7 @@
-// Files that come short, fail, end early, or cannot seek.
+// Files with short reads, failures, early ends, or without seeking.
 //
-// However a device misbehaves, the text is the beginning of the true one; a failure is told by
-// read_error, and nothing that the device delivers behind it is taken for text.
+// Whatever the device does, the text is the beginning of the true one. read_error reports a
+// failure, and nothing that the device delivers after it becomes text.
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
@@ -36,7 +36,7 @@ constexpr std::size_t kBufferUnits = TextStream::kBufferUnits;
 
 // --- texts ---------------------------------------------------------------------------------------
 
-// A character as bytes and as the unit that it gives.
+// A character as bytes and as the code unit that it gives.
 struct Character {
   std::string bytes;
   char16_t unit;
@@ -73,7 +73,7 @@ std::string bytes_of(const TextCase& row) {
   return bytes;
 }
 
-// The units of the first `count` bytes; a character that is cut gives one U+FFFD.
+// The code units of the first `count` bytes. A character that is cut gives one U+FFFD.
 std::u16string units_of(const TextCase& row, std::size_t count) {
   std::u16string units;
   for (const Character& character : row.characters) {
@@ -86,7 +86,7 @@ std::u16string units_of(const TextCase& row, std::size_t count) {
 
 std::u16string units_of(const TextCase& row) { return units_of(row, bytes_of(row).size()); }
 
-// The text repeated to about `bytes` bytes.
+// The text, repeated to about `bytes` bytes.
 TextCase repeated(TextCase row, std::size_t bytes) {
   const std::vector<Character> once = row.characters;
   for (std::size_t length = bytes_of(row).size(), total = length; total < bytes; total += length) {
@@ -97,7 +97,7 @@ TextCase repeated(TextCase row, std::size_t bytes) {
 
 // --- reading -------------------------------------------------------------------------------------
 
-// Everything that fills of `units` units deliver, until one delivers nothing.
+// Everything that fills of `units` code units deliver, until one delivers nothing.
 std::u16string read_by_fills(FileTextSource& source, std::size_t units) {
   std::u16string text;
   std::u16string part(units, u'\0');
@@ -113,7 +113,7 @@ std::u16string read_by_stream(FileTextSource& source) {
   return {stream.window_begin(), length};
 }
 
-// What is left once the window has moved on by `step` again and again, and what it passed.
+// What is left after the window has moved by `step` repeatedly, and what it passed.
 std::u16string read_by_window(FileTextSource& source, unsigned long step) {
   TextStream stream(&source);
   std::u16string text;
@@ -182,7 +182,7 @@ TEST_P(ReadFaults, EndTheTextWhereverTheyStrike) {
   }
 }
 
-// What comes behind a failed read is no text, even when the device has recovered.
+// Bytes after a failed read are not text, even if the device has recovered.
 TEST_P(ReadFaults, EndTheTextAlsoWhenTheyPass) {
   const TextCase& row = GetParam();
   const std::string bytes = bytes_of(row);
@@ -200,7 +200,7 @@ TEST_P(ReadFaults, EndTheTextAlsoWhenTheyPass) {
   }
 }
 
-TEST_P(ReadFaults, AreLeftBehindByASkipToTheStart) {
+TEST_P(ReadFaults, AreClearedByASkipToTheStart) {
   const TextCase& row = GetParam();
   const std::string bytes = bytes_of(row);
   for (std::size_t place = 1; place <= bytes.size(); ++place) {
@@ -273,22 +273,22 @@ std::ostream& operator<<(std::ostream& out, const PlaceCase& row) { return out <
 
 const PlaceCase kPlaceCases[] = {
     {"AtTheStart", 0},
-    {"BehindOneByte", 1},
+    {"AfterOneByte", 1},
     {"InTheBufferOfTheFile", 4096},
     {"BeforeTheChunkIsFull", kChunkBytes - 1},
-    {"BehindAChunk", kChunkBytes},
-    {"BehindAChunkAndAByte", kChunkBytes + 1},
-    {"BehindTwoChunks", 2 * kChunkBytes},
+    {"AfterAChunk", kChunkBytes},
+    {"AfterAChunkAndAByte", kChunkBytes + 1},
+    {"AfterTwoChunks", 2 * kChunkBytes},
     {"BeforeTheBufferIsFull", kBufferUnits - 1},
-    {"BehindABuffer", kBufferUnits},
-    {"BehindABufferAndAByte", kBufferUnits + 1},
-    {"BehindTwoBuffers", 2 * kBufferUnits},
-    {"BehindThreeBuffersAndAByte", 3 * kBufferUnits + 1},
+    {"AfterABuffer", kBufferUnits},
+    {"AfterABufferAndAByte", kBufferUnits + 1},
+    {"AfterTwoBuffers", 2 * kBufferUnits},
+    {"AfterThreeBuffersAndAByte", 3 * kBufferUnits + 1},
 };
 
 class ReadFaultsOfALongText : public testing::TestWithParam<PlaceCase> {
  protected:
-  // Each place has a unit that tells it from its neighbours.
+  // Each position has a code unit that differs from its neighbours.
   static std::string long_bytes() {
     std::string bytes(4 * kBufferUnits, '\0');
     for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>('!' + i * 7 % 89);
@@ -325,7 +325,7 @@ TEST_P(ReadFaultsOfALongText, EndIt) {
   }
 }
 
-// A skip that meets the failure empties the window for good.
+// A skip that reaches the failure empties the window permanently.
 TEST_P(ReadFaultsOfALongText, EmptyAWindowThatSkipsOverThem) {
   FaultyDevice device(bytes_);
   device.fail_reads_at(GetParam().place, EIO, 1);
@@ -366,7 +366,7 @@ TEST(FileTextSourceReadError, StartsAfreshWithANewFile) {
   EXPECT_EQ(read_by_fills(source, 10), u"abcdef");
 }
 
-// An error that the stream brings along has nothing to do with the text.
+// An error flag that the stream already has does not concern the text.
 TEST(FileTextSourceReadError, ForgetsWhatFailedBeforeTheFileWasHandedOver) {
   FaultyDevice device("abcdef");
   device.fail_reads_at(0, EIO, 1);
@@ -381,8 +381,8 @@ TEST(FileTextSourceReadError, ForgetsWhatFailedBeforeTheFileWasHandedOver) {
 
 // --- seeks ---------------------------------------------------------------------------------------
 
-// The text has ended when the source cannot get to where it was sent: what follows where it stands
-// is some other text.
+// The text has ended if the source cannot reach the requested position: what follows its current
+// position is another text.
 TEST(SeekFaults, EndTheText) {
   FaultyDevice device("abcdef");
   FileTextSource source;
@@ -396,11 +396,11 @@ TEST(SeekFaults, EndTheText) {
   EXPECT_NE(source.read_error(), 0);
 }
 
-TEST(SeekFaults, AreLeftBehindByASeekThatSucceeds) {
+TEST(SeekFaults, AreClearedByASeekThatSucceeds) {
   FaultyDevice device("abcdef");
   FileTextSource source;
   source.init_stream(device.open(), "UTF-8");
-  EXPECT_EQ(source.skipFromPos(-5, 1), 0U);  // no file has such a place
+  EXPECT_EQ(source.skipFromPos(-5, 1), 0U);  // no file has such a position
   EXPECT_EQ(source.read_error(), EINVAL);
   EXPECT_EQ(read_by_fills(source, 10), u"");
   EXPECT_EQ(source.skipFromPos(2, 1), 1U);
@@ -408,8 +408,8 @@ TEST(SeekFaults, AreLeftBehindByASeekThatSucceeds) {
   EXPECT_EQ(source.read_error(), EINVAL);
 }
 
-// Telling the position is a seek as well. An input that cannot tell it is read on from where it
-// stands, like a pipe.
+// Reading the position is a seek as well. An input that cannot report it is read on from its
+// current position, like a pipe.
 TEST(SeekFaults, DoNotKeepATextFromBeingReadForwards) {
   std::string bytes(3 * kBufferUnits, 'x');
   for (std::size_t i = 0; i < bytes.size(); i += 10) bytes[i] = '\n';
@@ -424,8 +424,8 @@ TEST(SeekFaults, DoNotKeepATextFromBeingReadForwards) {
   }
 }
 
-// One seek fails, whichever it is: the text that is read is the beginning of the true one, or the
-// whole of it.
+// One seek fails, whichever it is: the text that is read is the beginning of the true one, or all
+// of it.
 TEST(SeekFaults, LeaveABeginningOfTheTextWhicheverSeekFails) {
   std::string bytes(4 * kBufferUnits, '\0');
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>('!' + i * 7 % 89);
@@ -447,10 +447,10 @@ TEST(SeekFaults, LeaveABeginningOfTheTextWhicheverSeekFails) {
   }
 }
 
-// --- a source that throws when it has moved on already -------------------------------------------
+// --- a source that throws after it has moved -----------------------------------------------------
 
-// Delivers a text of its own. A fill that fails has taken its units; the source may be unable to go
-// back to them, by not moving or by throwing.
+// Delivers a given text. A fill that fails has consumed its code units; the source may be unable to
+// go back to them, because it does not move or throws.
 class HastySource : public TextSource {
  public:
   enum class GoingBack { works, does_nothing, throws };
@@ -501,7 +501,7 @@ struct HastyCase {
   const char* rule;
   GoingBack going_back;
   Move move;
-  bool is_whole;  // what is read in the end
+  bool is_whole;  // of the text that is read in the end
 };
 std::ostream& operator<<(std::ostream& out, const HastyCase& row) { return out << row.rule; }
 

@@ -1,5 +1,5 @@
 // Sources and streams that run out of memory: while a file is opened, while a buffer grows, and
-// while the window moves on.
+// while the window advances.
 #include <algorithm>
 #include <cstddef>
 #include <memory>
@@ -112,7 +112,7 @@ TEST(FileTextSourceMemory, RunsOutInInitStreamByPath) {
       [&] { return std::make_unique<OpeningByPath>(standalone::from_utf8(path)); });
 }
 
-// The error names the encoding, in memory of its own.
+// The error names the encoding, in memory that is allocated for it.
 class OpeningWithUnknownEncoding : public Attempt {
  public:
   explicit OpeningWithUnknownEncoding(std::string encoding) : encoding_(std::move(encoding)) {}
@@ -133,14 +133,14 @@ class OpeningWithUnknownEncoding : public Attempt {
   std::string message_;
 };
 
-// Of a name this long no near one is looked for.
+// No similar name is searched for if the name is this long.
 TEST(FileTextSourceMemory, RunsOutWhileTheErrorIsMade) {
   const std::string encoding(200, 'x');
   expect_to_survive_failing_memory(
       [&] { return std::make_unique<OpeningWithUnknownEncoding>(encoding); });
 }
 
-// The search asks for memory thousands of times, over and over in the same way: a few of them do.
+// The search allocates thousands of times, always in the same way: a few failures are enough.
 TEST(FileTextSourceMemory, RunsOutWhileANearNameIsLookedFor) {
   const auto make = [] {
     return std::make_unique<OpeningWithUnknownEncoding>("an encoding that nobody knows");
@@ -156,7 +156,7 @@ TEST(FileTextSourceMemory, RunsOutWhileANearNameIsLookedFor) {
 
 // --- reading -------------------------------------------------------------------------------------
 
-// A byte that is ill-formed behind a full buffer leaves a unit that the converter keeps in memory.
+// An ill-formed byte after a full buffer leaves a code unit that the converter keeps in memory.
 class FillThatKeepsAUnit : public Attempt {
  public:
   FillThatKeepsAUnit() { source_.init_stream(device_.open(), "UTF-8"); }
@@ -212,8 +212,8 @@ TEST(FileStreamBufferManagerMemory, RunsOutInAResize) {
 
 struct StreamCase {
   const char* rule;
-  unsigned long loaded;    // looked ahead so far before the call
-  unsigned long advanced;  // then
+  unsigned long loaded;    // by an earlier look-ahead
+  unsigned long advanced;  // after that
   void (*call)(TextStream&);
   unsigned long moved;  // by the call
 };
@@ -233,12 +233,12 @@ void sample(TextStream& stream) { get_fixed_stream(stream, {u"<no such line endi
 
 const StreamCase kStreamCases[] = {
     {"LookingAhead", 0, 0, look_ahead, 0},
-    {"LookingAheadBehindAnAdvance", 0, 100'000, look_ahead, 0},
+    {"LookingAheadAfterAnAdvance", 0, 100'000, look_ahead, 0},
     {"SearchingToTheEnd", 0, 0, search, 0},
     {"Matching", 0, 0, match, 0},
     {"MovingWithinTheBuffer", 0, 0, compact, 131'000},
     {"Skipping", 0, 0, skip, 300'000},
-    {"SkippingBehindAnAdvance", 0, 100'000, skip, 300'000},
+    {"SkippingAfterAnAdvance", 0, 100'000, skip, 300'000},
     {"SkippingToTheEnd", 0, 0, skip_to_the_end, 2'000'000},
     {"CuttingBack", 599'999, 0, cut_back, 786'000},
     {"SkippingAndCuttingBack", 599'999, 0, skip_and_cut_back, 800'000},
@@ -259,7 +259,7 @@ class Reading : public Attempt {
 
   void call() override { row_.call(*stream_); }
 
-  // The text from the window on, further than any buffer reaches that a call has loaded.
+  // The text from the window on, further than any buffer that a call has loaded.
   std::string answer() override {
     const bool goes_on = stream_->at(kAnswerUnits - 1) != TextStream::kEnd;
     const unsigned long length =
@@ -268,7 +268,7 @@ class Reading : public Attempt {
     return {units.begin(), units.end()};
   }
 
-  // As much as is loaded in any case.
+  // The part that is loaded in any case.
   std::string state() const override {
     std::u16string units;
     for (unsigned long pos = 0; pos < 30'000; pos += 997) units.push_back(stream_->at(pos));
@@ -295,7 +295,7 @@ TEST_P(TextStreamMemory, RunsOut) {
 
 INSTANTIATE_TEST_SUITE_P(Table, TextStreamMemory, testing::ValuesIn(kStreamCases), ByRule());
 
-// The first block is loaded by the constructor.
+// The constructor loads the first block.
 class StreamConstruction : public Attempt {
  public:
   StreamConstruction() { source_.init_stream(device_.open(), "UTF-8"); }

@@ -41,7 +41,7 @@ using testing_support::text_of;
 
 using MakeStrategy = std::shared_ptr<Strategy> (*)(const parser::options&);
 
-// Lets the tests look inside.
+// Gives the tests access to the members.
 template <typename Kind>
 struct Open : Kind {
   using Kind::Kind;
@@ -70,7 +70,7 @@ const StrategyCase kStrategyCases[] = {
            options, std::vector<std::u16string>{u"a separator of length", u"::"});
      },
      u"a::b\n1::2\n\n3a separator of length4\n", u"5::6::7\n8::9::0\n"},
-    // Markers that nearly match everywhere, so that an index of the text is made.
+    // Partial matches of the markers everywhere, so that an index of the text is made.
     {"DelimitedByManyTexts",
      [](const parser::options& options) -> std::shared_ptr<Strategy> {
        std::vector<std::u16string> delimiters;
@@ -176,7 +176,7 @@ class Sampling : public Sampled {
 
 TEST_P(StrategyMemory, RunsOutWhileSampling) { expect_to_survive<Sampling>(); }
 
-// A sample that could not be replaced is the one that is valued.
+// If a sample could not be replaced, the old one is valued.
 class FailedSampling : public Sampled {
  public:
   explicit FailedSampling(const StrategyCase& row) : Sampled(row) {}
@@ -187,7 +187,7 @@ class FailedSampling : public Sampled {
 TEST_P(StrategyMemory, ThatRanOutWhileSamplingLeavesTheSampleToBeValued) {
   FailedSampling undisturbed(GetParam());
   const std::string expected = undisturbed.answer();
-  // The walk, the room for the lines, the runs, and the copy; giving back room is no failure.
+  // The cursor, the room for the lines, the runs, and the copy. Giving back room is no failure.
   std::size_t failures = 0;
   for (std::size_t nth = 1; nth <= 8; ++nth) {
     FailedSampling sampling(GetParam());
@@ -211,7 +211,7 @@ class Cutting : public Sampled {
   using Sampled::Sampled;
   void call() override { fields_ = strategy().get_fields_from_lines(); }
 
-  // The second cut goes on with the column at which the first one ended.
+  // The second cut continues with the column at which the first one ended.
   std::string answer() override {
     const Field* const first = strategy().lines().data();
     const std::string cut = relative(fields_, first->data);
@@ -232,7 +232,7 @@ class Cutting : public Sampled {
 
 TEST_P(StrategyMemory, RunsOutWhileCuttingTheSample) { expect_to_survive<Cutting>(); }
 
-// One line, behind fields that were there before.
+// One line, after fields that existed before.
 class CuttingALine : public Sampled {
  public:
   explicit CuttingALine(const StrategyCase& row) : Sampled(row) {
@@ -352,12 +352,12 @@ struct UnquoteCase {
 std::ostream& operator<<(std::ostream& out, const UnquoteCase& row) { return out << row.rule; }
 
 const UnquoteCase kUnquoteCases[] = {
-    {"BehindBlanks", u"  \"a text that is longer than a field keeps inside itself\"",
+    {"AfterBlanks", u"  \"a text that is longer than a field keeps inside itself\"",
      u"  a text that is longer than a field keeps inside itself"},
     {"DoubledQuotes", u"\"a text with \"\"doubled\"\" quotes, longer than a field keeps\"",
      u"a text with \"doubled\" quotes, longer than a field keeps"},
-    {"TextBehindTheClosingQuote", u"\"a text with more of it\" behind the closing quote",
-     u"a text with more of it behind the closing quote"},
+    {"TextAfterTheClosingQuote", u"\"a text with more of it\" after the closing quote",
+     u"a text with more of it after the closing quote"},
 };
 
 class Unquoting : public Attempt {

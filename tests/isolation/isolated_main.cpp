@@ -1,7 +1,7 @@
-// Detections and refused options with nothing but the library and a minimal host, for a test that
-// watches the system calls between two marks.
+// Detections and refused options with only the library and a minimal host, for a test that watches
+// the system calls between two marks.
 //   isolated_main FILE...
-// Prints what was found. A question for a variable of the environment ends the program.
+// Prints the results. Reading an environment variable ends the program.
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
@@ -12,7 +12,7 @@
 
 #include <vltextstream/vltextstream.hpp>
 
-// These stand in front of the C library's own, for the library and for libstdc++ as well.
+// These replace the functions of the C library, for the library and for libstdc++ as well.
 extern "C" {
 
 [[noreturn]] static void environment_was_read(const char* name) {

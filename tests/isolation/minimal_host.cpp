@@ -1,6 +1,6 @@
-// The least that the library asks of a host: files by their ASCII names, text in ISO 8859-1, no
-// dates and no arrays. It needs nothing but the C and C++ run-time libraries, so whatever else a
-// program with it does, the library does.
+// The least that the library needs from a host: files by their ASCII names, text in ISO 8859-1, no
+// dates and no arrays. It needs only the C and C++ run-time libraries, so everything else that a
+// program with it does is done by the library.
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
@@ -20,7 +20,8 @@ struct StreamCodeConverter::State {};
 StreamCodeConverter::StreamCodeConverter(const std::string& /*encoding*/, bool /*one_unit*/) {}
 StreamCodeConverter::~StreamCodeConverter() = default;
 
-// A byte is a unit, so the room for one unit per byte that the library leaves is enough.
+// A byte gives one code unit, so the room of one code unit per byte that the library leaves is
+// enough.
 bool StreamCodeConverter::convert(char16_t*& out, char16_t* out_end, const char*& in,
                                   const char* in_end, bool /*final*/) {
   while (in != in_end && out != out_end) *out++ = static_cast<unsigned char>(*in++);

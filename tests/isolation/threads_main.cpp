@@ -1,8 +1,8 @@
-// Eight threads that share all that may be shared, and that are the first to ask for it.
-//   threads_main DETECTIONS        so many in each thread; fails on a wrong answer
+// Eight threads that share everything that may be shared, and that make the first calls.
+//   threads_main DETECTIONS        this many in each thread; fails on a wrong result
 //
-// What is made by the first call that needs it is made here by eight first calls at once; nothing
-// may run before that would call first, so this is no GoogleTest program. These are all of the
+// Objects that the first call makes are made here by eight simultaneous first calls. Nothing may
+// run before that and make the first call, so this is not a GoogleTest program. These are all
 // function-local statics of the library and its host:
 //
 //   default_line_endings()    options/parser_options.cpp
@@ -60,7 +60,7 @@ const Input kInputs[] = {
     {u"abc\ndef\nghi\n", LayoutMode::line_reader, 1},
 };
 
-// What all threads read and none may change. Made from the calls that were first.
+// What all threads read and none may change. Made after the first calls.
 struct Shared {
   Shared() {
     settings.options.comment_style = {u"%"};
@@ -81,7 +81,7 @@ const standalone::Array kText = standalone::make_array(u"text");
 const void* first_line_endings() { return parser::default_line_endings().data(); }
 const void* first_empty_field() { return &empty_field(); }
 
-// Asked for the elements of another class, an array has none, of each kind.
+// For the elements of another class, an array returns none; for each kind.
 const void* first_empty_kinds() {
   expect(hxGetLogicals(kNumber.get()) == nullptr, "logicals of a number");
   expect(get_ustring(kNumber.get()).empty(), "text of a number");
@@ -97,7 +97,7 @@ const void* first_blank_delimiters() {
   return nullptr;
 }
 
-// A locale that nothing has asked for before.
+// A locale that has not been used before.
 const void* first_locale() {
   DetectSettings settings = shared->settings;
   settings.options.date_locale = u"fr_FR";
@@ -110,8 +110,9 @@ using FirstCall = const void* (*)();
 
 // --- threads -----------------------------------------------------------------------------------
 
-// Runs `work(0)` to `work(7)` side by side, none of them before all threads are there. They wait
-// for one another without synchronising: the sanitizer is to see none but the library's own.
+// Runs `work(0)` to `work(7)` in parallel. None begins before all threads exist. They wait for one
+// another without synchronising, so that the sanitizer sees only the synchronisation of the
+// library.
 template <typename Work>
 void side_by_side(Work work) {
   std::atomic<std::size_t> waiting = kThreads;
@@ -126,7 +127,7 @@ void side_by_side(Work work) {
   for (std::thread& thread : threads) thread.join();
 }
 
-// All threads find the same object.
+// All threads get the same object.
 void call_first(FirstCall first_call) {
   std::array<const void*, kThreads> found{};
   side_by_side([&](std::size_t thread) { found[thread] = first_call(); });

@@ -1,7 +1,7 @@
-// Every function below is one rule, its steps in the order in which they are to be taken. Texts are
-// copied freely; a line is cut out as a string of its own before its fields are scanned, so that no
-// scan of a line can see what lies behind it. Floating-point operations stand in the order in which
-// they are to be done, each rounded on its own; build without contraction (-ffp-contract=off).
+// Each function below is one rule, with its steps in their order. Texts are copied freely. A line
+// is copied into its own string before its fields are scanned, so that no scan of a line can read
+// the text after it. Floating-point operations are in their order, each rounded separately; build
+// without contraction (-ffp-contract=off).
 #include "reference/reference.hpp"
 
 #include <algorithm>
@@ -27,7 +27,7 @@ std::size_t saturating_add(std::size_t a, std::size_t b) {
 
 bool is_digit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
-// The part of the text that a span shows; what lies behind the end of the text is not there.
+// The part of the text that a span covers. Nothing after the end of the text is included.
 std::u16string read(const std::u16string& text, const Span& span) {
   if (span.length == 0 || span.begin >= text.size()) return std::u16string();
   return text.substr(span.begin, span.length);
@@ -41,8 +41,8 @@ std::u16string trim(const std::u16string& text, const std::u16string& whitespace
   return text.substr(begin, end - begin);
 }
 
-// Takes every c out of ws by moving the later units forward, without making ws shorter: the last
-// units stay as they were.
+// Removes every c from ws by moving the later code units forward, without shortening ws: the last
+// code units keep their values.
 std::u16string remove_in_place(std::u16string ws, char16_t c) {
   std::size_t to = 0;
   for (std::size_t from = 0; from < ws.size(); ++from) {
@@ -60,7 +60,7 @@ const std::vector<std::u16string>& blank_delimiters() {
 
 bool is_blank(char16_t c) { return c == u' ' || c == u'\t'; }
 
-// The index after the next quote behind `i`, or the end of the text when there is none.
+// The index after the next quote at or after `i`; the end of the text if there is none.
 std::size_t after_next_quote(const std::u16string& text, std::size_t i) {
   for (std::size_t k = i + 1; k < text.size(); ++k) {
     if (text.at(k) == u'"') return k + 1;
@@ -173,7 +173,7 @@ Extent delimited_line(const std::vector<std::u16string>& delimiters, const Optio
       if (m > 0) return extent(start, e, e + m);
       if (k >= n || unit_at(text, k) == kEndMark) return extent(start, k, k);
     }
-    if (k <= pos) throw std::logic_error("the scan of a line stands still");
+    if (k <= pos) throw std::logic_error("the scan of a line does not advance");
     pos = k;
   }
 }
@@ -206,12 +206,12 @@ Extent space_aligned_line(const Options& options, const std::u16string& text, st
       if (m > 0) return extent(s, e, e + m);
       if (q >= n || unit_at(text, q) == kEndMark) return extent(s, q, q);
     }
-    if (q <= p) throw std::logic_error("the scan of a line stands still");
+    if (q <= p) throw std::logic_error("the scan of a line does not advance");
     p = q;
   }
 }
 
-// Every index is tested, and an end mark inside the text does not stop the scan.
+// Every index is tested, and an end mark inside the text does not end the scan.
 Extent fixed_width_line(const Options& options, const std::u16string& text, std::size_t pos) {
   const std::size_t n = text.size();
   for (std::size_t i = pos; i <= n; ++i) {
@@ -221,7 +221,7 @@ Extent fixed_width_line(const Options& options, const std::u16string& text, std:
   return extent(pos, n, n);
 }
 
-// The column index moves on with every call, whatever is found.
+// The column index advances with every call, whatever is found.
 Extent fixed_width_field(const std::vector<std::size_t>& widths, const std::u16string& line,
                          std::size_t pos, std::size_t& next_column) {
   const std::size_t k = next_column;
@@ -284,7 +284,7 @@ std::u16string line_whitespace(Mode mode, const std::vector<std::u16string>& del
 
 namespace {
 
-// No literal at all.
+// No literal.
 constexpr std::size_t kNoLiteral = kNpos;
 
 char16_t to_upper(char16_t c) {
@@ -323,7 +323,7 @@ std::size_t scan_real(const std::u16string& text, std::size_t p) {
   return kNoLiteral;
 }
 
-// Where the imaginary part of a complex literal begins; the length when the text is not complex.
+// Where the imaginary part of a complex literal begins; the length if the text is not complex.
 std::size_t split_complex(const std::u16string& text) {
   const std::size_t n = text.size();
   if (n == 0) return n;
@@ -390,7 +390,7 @@ std::u16string unquote(const std::u16string& field, const std::u16string& whites
       return result;
     }
   }
-  // No closing quote: the last unit goes in its place.
+  // No closing quote: the last code unit is removed instead.
   if (!result.empty()) result.pop_back();
   return result;
 }
@@ -639,7 +639,7 @@ void Strategy::populate_fields(const std::u16string& text_in, std::size_t num_li
   std::size_t count = 0;
   while (pos < text.size() && unit_at(text, pos) != kEndMark && count < target) {
     const Extent line = get_line_extent(mode, delimiters, text, options, pos);
-    if (line.next <= pos) throw std::logic_error("the sampling of lines stands still");
+    if (line.next <= pos) throw std::logic_error("the sampling of lines does not advance");
     pos = line.next;
     const Span raw{line.begin, line.length};
     const std::u16string cleaned = trim(read(text, raw), whitespace);
@@ -679,9 +679,9 @@ void Strategy::get_fields_from_lines(std::vector<Span>& fields, std::vector<std:
           if (field_end != line.size()) take();
         }
         if (pos >= line.size() || unit_at(line, pos) == kEndMark) break;
-        // Only columns of width 0 stand still, and not all columns have width 0.
+        // Only columns of width 0 do not advance, and not all columns have width 0.
         if (calls_without_progress > widths.size()) {
-          throw std::logic_error("the cutting of a line stands still");
+          throw std::logic_error("the cutting of a line does not advance");
         }
       }
     }
@@ -750,7 +750,7 @@ void Strategy::value(const IsDatetime& is_datetime) {
   std::size_t first = 0;
   if (header_lines_auto) {
     while (first < n && line_counts.at(first) == 1) first += 1;
-    if (first == n) {  // no line at all, or one field on every line
+    if (first == n) {  // no line, or one field on every line
       header_lines = 0;
       return;
     }
@@ -787,8 +787,9 @@ void Strategy::value(const IsDatetime& is_datetime) {
   inspect_datatypes(fields, counts, is_datetime);
 }
 
-// What the strategy found. Asks a copy, so that the column index of the strategy stays. The cuts
-// start at column 0: a fixed-width strategy is populated once, and its first cut starts there.
+// The results of the strategy. Calls a copy, so that the column index of the strategy does not
+// change. The cuts start at column 0: a fixed-width strategy is populated once, and its first cut
+// starts there.
 Sample report(Strategy strategy) {
   Sample sample;
   sample.mode = strategy.mode;
@@ -850,7 +851,7 @@ std::u16string candidate_chars(const std::u16string& text, const std::vector<Spa
 
 namespace {
 
-// Samples and values the candidate, and says whether it shows a usable, regular table.
+// Samples and values the candidate. Returns whether it shows a usable, regular table.
 bool accept(Strategy& candidate, const std::u16string& text, const Options& options,
             std::size_t num_lines, const IsDatetime& is_datetime) {
   candidate.populate_fields(text, num_lines);
@@ -875,7 +876,7 @@ bool has_lines_of_one_length(const Strategy& s) {
   return true;
 }
 
-// The fixed-width strategy that a space-aligned one turns into, or that one itself.
+// The fixed-width strategy that a space-aligned one becomes, or the latter itself.
 Strategy convert_to_fixed_width(const Strategy& s, const std::u16string& text,
                                 const Options& options) {
   if (s.valuation.data_variation == 0.0) return s;
@@ -960,7 +961,7 @@ namespace {
 
 std::int32_t as_signed(std::uint32_t count) { return static_cast<std::int32_t>(count); }
 
-// No filter leaves nobody.
+// A filter that would keep no candidate keeps all.
 Survivors kept_or_all(const Survivors& kept, const Survivors& survivors) {
   return kept.empty() ? survivors : kept;
 }

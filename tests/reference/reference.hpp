@@ -1,7 +1,7 @@
-// The plain reference of the detection engine: the whole way from a text and the caller's options
-// to the detected layout, written out step by step and with every index checked. It is the judge
-// against which the library is compared; it shares no code with it and needs nothing but the
-// standard library. It is made to be read beside the rules, not to be fast.
+// The plain reference of the detection engine: all steps from a text and the caller's options to
+// the detected layout, written out one by one and with every index checked. The library is compared
+// with it. It shares no code with the library and needs only the standard library. It is made to be
+// easy to check, not to be fast.
 //
 //   reference::Options options;
 //   auto found = reference::detect(u"a,b\n1,2\n3,4\n", options, 100, is_datetime);
@@ -22,10 +22,10 @@
 
 namespace reference {
 
-// Marks the end of the valid text; also what a read past the end gives.
+// Marks the end of the valid text. A read past the end also gives this value.
 inline constexpr char16_t kEndMark = 0xFFFF;
 inline constexpr std::size_t kNpos = static_cast<std::size_t>(-1);
-// The number of header lines that stands for "not known".
+// The number of header lines that means "not known".
 inline constexpr std::size_t kUnknown = static_cast<std::size_t>(-1);
 
 // The classes of a column.
@@ -36,7 +36,7 @@ inline constexpr std::uint16_t kEmpty = 5;
 inline constexpr std::uint16_t kDate = 7;
 inline constexpr std::uint16_t kDuration = 8;
 
-// What detection reads of the caller's options, with the record's defaults.
+// The caller's options that a detection reads, with the defaults of the record.
 struct Options {
   std::vector<std::u16string> delimiters;
   std::vector<std::u16string> line_endings{u"\r\n", u"\n", u"\r"};
@@ -49,15 +49,15 @@ struct Options {
   bool detect_num_variables = true;
 };
 
-// A piece of the text. An empty line of a sample is {kNpos, 0}. The field of a fixed-width strategy
-// has the whole column width as its length, even where that passes the end of line or text.
+// A piece of the text. An empty line of a sample is {kNpos, 0}. A field of a fixed-width strategy
+// has the whole column width as its length, even if that passes the end of the line or of the text.
 struct Span {
   std::size_t begin = 0;
   std::size_t length = 0;
   friend bool operator==(const Span&, const Span&) = default;
 };
 
-// A piece that starts at `begin`, and the index at which the following scan starts.
+// A piece that starts at `begin`, and the index at which the next scan starts.
 struct Extent {
   std::size_t begin = 0;
   std::size_t length = 0;
@@ -80,7 +80,7 @@ struct Valuation {
 
 enum class Mode { delimited = 0, space_aligned = 1, fixed_width = 2, line_reader = 3 };
 
-// Whether a field's text is a date, with or without a time. What it throws counts as "no".
+// Whether a field's text is a date, with or without a time. An exception counts as "no".
 using IsDatetime = std::function<bool(const std::u16string&)>;
 
 // Everything one strategy found in a text.
@@ -100,8 +100,8 @@ struct Sample {
   // One class per variable; empty when no inspection was made (not valued, or valued early: no
   // line at all, or one field on each line while header lines are detected).
   std::vector<std::uint16_t> column_codes;
-  // A second cut right after the first. It differs from the first for a fixed-width strategy
-  // alone, whose column index runs on.
+  // A second cut directly after the first. It differs from the first only for a fixed-width
+  // strategy, whose column index continues.
   std::vector<Span> fields_again;
   std::vector<std::size_t> counts_again;
 };
@@ -109,8 +109,8 @@ struct Sample {
 // -- one strategy ------------------------------------------------------------------------------
 
 // One strategy of the given kind, populated with num_lines, then (if `value`) valued.
-// `header_lines`: nothing = what the options hold, else header_lines(n) is called before.
-// Delimiters are read for `delimited` only, widths for `fixed_width` only.
+// `header_lines`: if empty, that of the options; otherwise header_lines(n) is called first.
+// Delimiters are used only for `delimited`, widths only for `fixed_width`.
 Sample sample_strategy(Mode mode, const std::vector<std::u16string>& delimiters,
                        const std::vector<std::size_t>& widths, const std::u16string& text,
                        const Options& options, std::size_t num_lines,
@@ -121,8 +121,8 @@ Sample sample_strategy(Mode mode, const std::vector<std::u16string>& delimiters,
 Extent get_line_extent(Mode mode, const std::vector<std::u16string>& delimiters,
                        const std::u16string& text, const Options& options, std::size_t pos);
 
-// The field that starts at `pos` of the line. `next_column` is the running column index of the
-// fixed-width strategy and is moved on; the others leave it alone.
+// The field that starts at `pos` of the line. `next_column` is the column index of the fixed-width
+// strategy, which is advanced; the others do not change it.
 Extent get_next_field(Mode mode, const std::vector<std::u16string>& delimiters,
                       const std::vector<std::size_t>& widths, const std::u16string& line,
                       const Options& options, std::size_t pos, std::size_t& next_column);
@@ -131,11 +131,12 @@ Extent get_next_field(Mode mode, const std::vector<std::u16string>& delimiters,
 std::u16string line_whitespace(Mode mode, const std::vector<std::u16string>& delimiters,
                                const Options& options);
 
-// The length of the match of a list of markers at index i of a text; 0 is no match.
+// The length of the match of a list of markers at index i of a text; 0 if there is none.
 std::size_t match_markers(const std::vector<std::u16string>& markers, const std::u16string& text,
                           std::size_t i);
 
-// The distinct first units of all strings of both lists, ascending; an empty string gives U+0000.
+// The distinct first code units of all strings of both lists, ascending. An empty string gives
+// U+0000.
 std::u16string make_stop_chars(const std::vector<std::u16string>& a,
                                const std::vector<std::u16string>& b);
 
@@ -164,10 +165,10 @@ std::size_t get_header_lines(const std::vector<std::size_t>& d, std::size_t firs
 
 // -- detection ---------------------------------------------------------------------------------
 
-// The units that could separate fields, in order of first appearance.
+// The characters that could separate fields, in order of first appearance.
 std::u16string candidate_chars(const std::u16string& text, const std::vector<Span>& lines);
 
-// All candidates, in the order built, every one valued.
+// All candidates, in the order in which they are built, each of them valued.
 std::vector<Sample> build_candidates(const std::u16string& text,
                                      const std::vector<Span>& reader_lines, const Options& options,
                                      std::size_t selector_header_lines, std::size_t num_lines,
@@ -190,7 +191,7 @@ Survivors reduce_by_priors_rank(const Survivors& survivors, const Valuations& va
 struct Detection {
   Sample winner;
   std::vector<Sample> candidates;
-  // One entry per filter that ran, in the order run, and the names of these filters.
+  // One entry per filter that ran, in that order, and the names of these filters.
   std::vector<std::vector<std::size_t>> survivors_after_each_filter;
   bool single_column_fallback = false;
   bool line_reader = false;
@@ -199,7 +200,7 @@ struct Detection {
 Detection detect(const std::u16string& text, const Options& options, std::size_t num_lines,
                  const IsDatetime& is_datetime);
 
-// The length of the sample that is cut out of a whole text.
+// The length of the sample of a whole text.
 std::size_t sample_length(const std::u16string& whole_text,
                           const std::vector<std::u16string>& line_endings,
                           std::size_t limit = 4194304);

@@ -1,4 +1,4 @@
-// The reference judged by values worked out by hand, so that it can judge the library.
+// Tests the reference against values computed by hand, so that the library can be compared with it.
 #include "reference/reference.hpp"
 
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ using Counts = std::vector<std::size_t>;
 
 const IsDatetime kNever = [](const std::u16string&) { return false; };
 
-// "dddd-dd-dd", alone or followed by one blank and "dd:dd".
+// "dddd-dd-dd", by itself or followed by one blank and "dd:dd".
 bool iso_date(const std::u16string& text) {
   const std::u16string shape = u"dddd-dd-dd dd:dd";
   if (text.size() != 10 && text.size() != shape.size()) return false;
@@ -316,7 +316,7 @@ struct SampleCase {
   Options options;
   std::u16string text;
   Strings lines;   // an empty line of the sample is u""
-  Strings fields;  // as far as they can be read
+  Strings fields;  // the parts that can be read
   Counts counts;   // running totals
 };
 void PrintTo(const SampleCase& row, std::ostream* out) { *out << row.rule; }
@@ -532,7 +532,7 @@ const SampleCase kSampleCases[] = {
      {u"a"},
      {u"a"},
      {1}},
-    // The scan stops at the mark, and one more field is taken since the line goes on.
+    // The scan ends at the mark, and one more field is taken because the line continues.
     {"EndMarkInALineAddsAField",
      Mode::delimited,
      {u","},
@@ -624,7 +624,7 @@ const SampleCase kSampleCases[] = {
      {u"abc", u"def"},
      {2}},
     // "ab", "c" of width 3, the extra field of width 2; the next line starts with width 3. The
-    // fields that pass the end of their line read on into the text.
+    // fields that pass the end of their line include text after it.
     {"FixedColumnRunsOn",
      Mode::fixed_width,
      {},
@@ -743,7 +743,7 @@ const UnquoteCase kUnquoteCases[] = {
     {"Pair", u"\"42\"", u"42"},
     {"AfterWhiteSpace", u" \t\"42\"", u" \t42"},
     {"Doubled", u"\"4\"\"2\"", u"4\"2"},
-    {"TextBehindTheQuoteStays", u"\"a\"b\"c\"", u"ab\"c\""},
+    {"TextAfterTheQuoteStays", u"\"a\"b\"c\"", u"ab\"c\""},
     {"UnterminatedLosesItsLastUnit", u"\"abc", u"ab"},
     {"LoneQuote", u"\"", u""},
     {"TwoQuotes", u"\"\"", u""},
@@ -872,9 +872,9 @@ TEST(ReferenceNumberOfVariables, IsTheLargestFromTheHeaderLinesOn) {
 
 TEST(ReferenceSkipToData, MakesALineIndex) {
   EXPECT_EQ(skip_to_data(0, {}, {3, 3}), 0U);
-  EXPECT_EQ(skip_to_data(1, {1, 2}, {3, 0, 0, 3}), 3U);  // each empty line moves it on
+  EXPECT_EQ(skip_to_data(1, {1, 2}, {3, 0, 0, 3}), 3U);  // each empty line advances it
   EXPECT_EQ(skip_to_data(0, {1}, {3, 0, 3}), 0U);
-  EXPECT_EQ(skip_to_data(1, {}, {3, 1, 1, 2}), 3U);  // lines of one field are passed over
+  EXPECT_EQ(skip_to_data(1, {}, {3, 1, 1, 2}), 3U);  // lines of one field are skipped
   EXPECT_EQ(skip_to_data(0, {0}, {0, 1}), 2U);
   EXPECT_EQ(skip_to_data(5, {}, {3}), 5U);
 }
@@ -915,7 +915,7 @@ const HeaderCase kHeaderCases[] = {
     // but three of four is more than two thirds.
     {"MoreThanTwoThirdsFallsBack", {1, 0, 1, 0}, 0, true, 0},
     // k = 2; 1, 9/2, 3 capped: the second is the largest, and 2 of 3 is not more than two thirds.
-    {"ExactlyTwoThirdsStands", {1, 3, 0}, 0, true, 2},
+    {"ExactlyTwoThirdsIsKept", {1, 3, 0}, 0, true, 2},
     // k = 5 after the trailing zeros, three zeros among them are more than 5 / 2; with k = 4 they
     // are still more than 2; with k = 3 two are more than 1; with k = 2 one is not more than 1.
     // Running sums 1,1,1,1,2,2,2 give 1, 1/2, 1/3, 1/4, 4/5, ...: 0.5 at the first is the largest.
@@ -986,12 +986,12 @@ const ValuationCase kValuationCases[] = {
     {"OneFieldAndGivenHeader", with_header_lines(0), u"1\n2\n", 0, kInf, kInf, 2, 1, 1, {kNumber}},
     {"OnlyEmptyLines", Options(), u"\n\n", 0, kInf, kInf, 2, 1, 1, {kEmpty}},
     {"TwoLines", Options(), u"1,2\n3,4\n", 0, 0.0, 0.0, 2, 2, 2, {kNumber, kNumber}},
-    // The list is 1, 0; of two different entries the first is the header. Nothing lies behind the
-    // first line after it, so nothing is inspected.
+    // The list is 1, 0; of two different entries the first is the header. Nothing follows the first
+    // line after it, so nothing is inspected.
     {"PreambleAndOneDataLine", Options(), u"x\n1,2\n", 1, 0.5, 0.0, 2, 2, 2, {kEmpty, kEmpty}},
     // One entry in the list: the first line of two fields ends the header, given or not.
     {"ShortListDetected", Options(), u"1,2\n", 0, kInf, kInf, 1, 2, 1, {kEmpty}},
-    {"ShortListBehindAnEmptyLine", Options(), u"\n1,2\n", 1, kInf, kInf, 2, 2, 1, {kEmpty}},
+    {"ShortListAfterAnEmptyLine", Options(), u"\n1,2\n", 1, kInf, kInf, 2, 2, 1, {kEmpty}},
     {"ShortListOverridesGivenHeader",
      with_header_lines(3),
      u"1,2\nx\ny\n",
@@ -1093,7 +1093,7 @@ TEST(ReferenceValueHeader, CountsTheEmptyLineOfThePreamble) {
   EXPECT_EQ(sample.valuation.num_variables, 3U);
 }
 
-TEST(ReferenceValueHeader, IsGivenUpWhenTheDataBehindItVariesTooMuch) {
+TEST(ReferenceValueHeader, IsGivenUpWhenTheDataAfterItVariesTooMuch) {
   std::u16string text;
   for (const std::size_t count : Counts{22, 2, 2, 10, 2, 2, 2}) {
     for (std::size_t i = 1; i < count; ++i) text += u"0,";
@@ -1103,7 +1103,7 @@ TEST(ReferenceValueHeader, IsGivenUpWhenTheDataBehindItVariesTooMuch) {
                                         std::nullopt, true, kNever);
   // The list is 20,0,0,8,0,0,0. Four entries are left without the trailing zeros; the sums 20,20,
   // 20,28,... give 400,200,400/3,196,784/5,...; smoothed 200,-400/3,-388/3,about 102: one header
-  // line. Behind it the mean is 8/6, more than 1: back to the first line, where it is 28/7.
+  // line. After it the mean is 8/6, more than 1: back to the first line, where it is 28/7.
   EXPECT_EQ(sample.header_lines, 0U);
   EXPECT_EQ(sample.valuation.total_variation, 4.0);
   EXPECT_EQ(sample.valuation.data_variation, 4.0);
@@ -1166,8 +1166,8 @@ TEST(ReferenceCandidates, NoneForPlainWords) {
   EXPECT_TRUE(candidates_of(u"abc\ndef\n", Options()).empty());
 }
 
-// Read with blanks: 3, 2, 3, 2 fields, all lines 12 units long, variation 0.5, 3 variables. The
-// columns 8 and 9 stay blank throughout; the blanks at 4 in the first two lines do not last.
+// With blanks: 3, 2, 3, 2 fields, all lines 12 code units long, variation 0.5, 3 variables. The
+// columns 8 and 9 are blank in all lines; those at 4 only in the first two.
 constexpr const char16_t* kNames =
     u"John Doe  12\n"
     u"Ann       34\n"
@@ -1212,7 +1212,7 @@ TEST(ReferenceCandidates, RegularLinesOfOneLengthStaySpaceAligned) {
 }
 
 TEST(ReferenceCandidates, ColumnsAreCutBeforeBlanksThatLast) {
-  // Read with blanks: 3, 2, 3, 2 fields; only the columns 4 and 5 are blank in all lines.
+  // With blanks: 3, 2, 3, 2 fields; only the columns 4 and 5 are blank in all lines.
   const auto candidates = candidates_of(u"ab c  d\nabcc  d\na bc  d\nabcc  d\n", Options());
   ASSERT_FALSE(candidates.empty());
   EXPECT_EQ(candidates.at(0).mode, Mode::fixed_width);
@@ -1220,8 +1220,8 @@ TEST(ReferenceCandidates, ColumnsAreCutBeforeBlanksThatLast) {
 }
 
 TEST(ReferenceCandidates, DetectedHeaderLinesOfTheSameLengthAreTakenAsData) {
-  // Counts 1,3,2,3,2; the list 1,1,0,1,0 gives two header lines and a variation of 1/3 behind them.
-  // Both have 12 units, so that the columns are those of all five lines: no blank lasts.
+  // Counts 1,3,2,3,2; the list 1,1,0,1,0 gives two header lines and a variation of 1/3 after them.
+  // Both have 12 code units, so the columns are those of all five lines: none stays blank.
   const auto candidates = candidates_of(u"Names-Number\n" + std::u16string(kNames), Options());
   ASSERT_FALSE(candidates.empty());
   EXPECT_EQ(candidates.at(0).mode, Mode::fixed_width);
@@ -1240,8 +1240,8 @@ TEST(ReferenceCandidates, GivenHeaderLinesStayHeaderLines) {
 }
 
 TEST(ReferenceCandidates, TheConversionKeepsASpaceAlignedOneWithoutAskingAgain) {
-  // One quoted field on each line, all 5 units long. The column of blanks gives two columns, more
-  // than the one variable, so the space-aligned one is kept, unmeasured as it is.
+  // One quoted field on each line, all 5 code units long. The column of blanks gives two columns,
+  // more than the one variable, so the space-aligned candidate is kept although it is not measured.
   const auto candidates = candidates_of(u"\"a b\"\n\"c d\"\n\"e f\"\n", Options());
   ASSERT_EQ(candidates.size(), 1U);
   EXPECT_EQ(candidates.at(0).mode, Mode::space_aligned);
@@ -1254,8 +1254,8 @@ TEST(ReferenceCandidates, NoDataLineMeansNoConversion) {
 }
 
 TEST(ReferenceCandidates, BlankLinesMeanNoConversion) {
-  // Blanks are not white space here, so the reader hands the lines on; the space-aligned lines are
-  // all empty, and the single blank gives three fields on each.
+  // Blanks are not white space here, so the reader keeps the lines. The space-aligned lines are all
+  // empty, and the single blank gives three fields on each.
   const auto candidates = candidates_of(u"  \n  \n", options_with(u"\t"));
   ASSERT_EQ(candidates.size(), 1U);
   EXPECT_EQ(candidates.at(0).mode, Mode::delimited);
@@ -1336,7 +1336,7 @@ TEST(ReferenceFilters, KeepTheFewestHeaderLinesOfSteadyOnes) {
   EXPECT_EQ(reduce_by_header_lines({0, 1, 2, 3}, valuations, {2, 1, 1, 1}, false),
             (Survivors{0, 1, 2, 3}));
   EXPECT_EQ(reduce_by_header_lines({2, 3}, valuations, {2, 1, 1, 0}, true), (Survivors{2, 3}));
-  // The fewest header lines belong to an irregular one: nobody passes, so all stay.
+  // The fewest header lines belong to an irregular candidate: none passes, so all stay.
   EXPECT_EQ(reduce_by_header_lines({0, 2}, valuations, {2, 1, 1, 1}, true), (Survivors{0, 2}));
 }
 
@@ -1455,7 +1455,7 @@ const LengthCase kLengthCases[] = {
     {"Short", u"abc", {u"\n"}, 8, 3},
     {"ExactlyTheLimit", u"abcd\nfgh", {u"\n"}, 8, 8},
     {"OneMoreCutsAfterTheLastEnding", u"abcd\nfghi", {u"\n"}, 8, 5},
-    {"EndingBehindTheLimitDoesNotCount", u"a\ncdefgh\n", {u"\n"}, 8, 2},
+    {"EndingAfterTheLimitDoesNotCount", u"a\ncdefgh\n", {u"\n"}, 8, 2},
     {"NoEndingInTheLimit", u"abcdefghi\n", {u"\n"}, 8, 0},
     {"CutAfterTheFirstUnitOfAPair", u"abc\r\nfghi", {u"\r\n"}, 8, 4},
     {"CutAtTheLineFeedOfAPair", u"abc\r\nfghi", {u"\r\n", u"\n"}, 8, 5},

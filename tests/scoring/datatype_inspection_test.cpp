@@ -39,7 +39,7 @@ struct ColumnsCase {
 std::ostream& operator<<(std::ostream& out, const ColumnsCase& row) { return out << row.rule; }
 
 const ColumnsCase kColumnsCases[] = {
-    // which lines are looked at
+    // which lines are inspected
     {"NoLines", 0, 1, 1, {}, "empty"},
     {"TheFirstLineAfterTheHeaderIsNot", 0, 1, 1, {{u"1"}}, "empty"},
     {"TheSecondLineAfterTheHeaderIs", 0, 1, 1, {{u"name"}, {u"1"}}, "number"},
@@ -51,7 +51,7 @@ const ColumnsCase kColumnsCases[] = {
     {"AllButTheLargestHeaderLeavesNone", SIZE_MAX - 1, 1, 1, {{u"1"}, {u"2"}, {u"3"}}, "empty"},
     {"UnknownHeaderLeavesNone", SIZE_MAX, 1, 1, {{u"1"}, {u"2"}, {u"3"}}, "empty"},
 
-    // which field decides
+    // which field determines the class
     {"TheLowestFieldDecides", 0, 1, 1, {{u"n"}, {u"1"}, {u"12:30"}, {u"x"}}, "text"},
     {"EmptyFieldsDoNotDecide", 0, 1, 1, {{u"n"}, {u"x"}, {u"1"}, {u""}, {u" \t"}}, "number"},
     {"QuotedBlanksDoNotDecide", 0, 1, 1, {{u"n"}, {u"1"}, {u"\"\""}, {u"\" \""}}, "number"},
@@ -75,7 +75,7 @@ const ColumnsCase kColumnsCases[] = {
       {u"1", u"x", u"2024-03-01 12:00:00", u"", u"2024-03-01", u"1:02:03"}},
      "number text datetime empty date duration"},
 
-    // lines of another number of fields
+    // lines with another number of fields
     {"ShorterLinesArePassedOver", 0, 2, 2, {{u"a", u"b"}, {u"1", u"2"}, {u"x"}}, "number number"},
     {"EmptyLinesArePassedOver", 0, 2, 2, {{u"a", u"b"}, {u"1", u"2"}, {}, {}}, "number number"},
     {"ShorterLinesAloneLeaveNone", 0, 3, 3, {{u"a"}, {u"1", u"2"}, {u"3"}}, "empty empty empty"},
@@ -115,11 +115,12 @@ TEST(ClassifyColumnsScope, WhiteSpaceIsTheScopes) {
   EXPECT_EQ(names_of(classify_columns(table.array(), scope)), "number text");
 }
 
-// --- fields that report more units than there are ------------------------------------------------
+// --- fields that report more code units than there are -------------------------------------------
 
 class ClassifyColumnsBounds : public testing::Test {
  protected:
-  // The names and one line of one field, which starts at `start` and reports `length` units.
+  // The names, and one line with one field, which starts at `start` and reports `length` code
+  // units.
   std::string classify(const ExactText& text, std::size_t start, std::size_t length) {
     FieldArray fields;
     fields.fields = {Field(text.data(), 1), Field(text.data() + start, length)};
@@ -154,7 +155,7 @@ TEST_F(ClassifyColumnsBounds, FieldMayPassTheEndOfItsLineInsideTheText) {
   EXPECT_EQ(classify(ExactText(u"n\n42\nx"), 2, 4), "text");
 }
 
-TEST(ClassifyColumnsElsewhere, FieldOutsideTheTextIsTakenAtItsWord) {
+TEST(ClassifyColumnsElsewhere, FieldOutsideTheTextIsReadAtItsFullLength) {
   const ExactText text(u"n\n1");
   const ExactText elsewhere(u"12:34");
   FieldArray fields;
@@ -175,8 +176,8 @@ TEST(ClassifyColumnsElsewhere, TheSharedEmptyFieldIsEmpty) {
   EXPECT_EQ(names_of(classify_columns(fields, scope)), "empty");
 }
 
-// One column of 5 units. Each line of two gives two fields: the one that is reported with five
-// units, and the extra one behind it, since the line does not end with the first.
+// One column of 5 code units. Each line of two code units gives two fields: one that reports five,
+// and the extra one after it, since the line does not end with the first.
 TEST(FixedWidthInspection, NeverReadsPastTheText) {
   const ExactText text(u"12\n34\n56");
   parser::options options;
@@ -186,7 +187,7 @@ TEST(FixedWidthInspection, NeverReadsPastTheText) {
   EXPECT_EQ(score.modal_field_count, 2);
   EXPECT_EQ(score.num_variables, 2u);
   EXPECT_EQ(strategy.header_lines(), 0u);
-  // Last line: "56" and nothing. Line before it, second column: the line end and "56".
+  // Last line: "56" and an empty field. Line before it, second column: the line ending and "56".
   EXPECT_EQ(names_of(strategy.classify_columns(strategy.get_fields_from_lines())), "number text");
   EXPECT_EQ(score.typed_columns, 2u);
   EXPECT_EQ(score.numeric_columns, 1u);

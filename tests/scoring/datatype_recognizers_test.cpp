@@ -86,7 +86,7 @@ const AnswerCase kNumberCases[] = {
     {"DigitsOfOtherScripts", u"\u0661\u0662", false},
     {"FullwidthDigit", u"\uFF11", false},
     {"MathematicalMinus", u"\u22125", false},
-    // names of values
+    // special values
     {"SmallNan", u"nan", true},
     {"MixedNan", u"NaN", true},
     {"CapitalNan", u"NAN", true},
@@ -302,8 +302,8 @@ const UnquoteCase kUnquoteCases[] = {
     {"TextAfterTwoQuotesStays", kBlanks, u"\"\"a", u"a"},
     {"TextAndAQuoteAfterTwoQuotesStay", kBlanks, u"\"\"a\"", u"a\""},
     {"DoubledAndThenTextAfterTheClosingQuote", kBlanks, u"\"a\"\"\"b", u"a\"b"},
-    {"TextAfterTheClosingQuoteBehindBlanks", kBlanks, u"\t\"a\"b", u"\tab"},
-    // not closed: the last unit goes as if it were the closing quote
+    {"TextAfterTheClosingQuoteAndBlanks", kBlanks, u"\t\"a\"b", u"\tab"},
+    // not closed: the last code unit is removed as if it were the closing quote
     {"UnterminatedLosesItsLastUnit", kBlanks, u"\"abc", u"ab"},
     {"UnterminatedOfOneUnitLosesIt", kBlanks, u"\"a", u""},
     {"UnterminatedAfterBlanksLosesItsLastUnit", kBlanks, u"  \"abc", u"  ab"},
@@ -313,7 +313,7 @@ const UnquoteCase kUnquoteCases[] = {
     {"FiveQuotesLoseTheLastKeptOne", kBlanks, u"\"\"\"\"\"", u"\""},
     {"DoubledAtTheEndLosesTheKeptOne", kBlanks, u"\"a\"\"", u"a"},
     {"DoubledAndThenUnterminated", kBlanks, u"\"a\"\"bc", u"a\"b"},
-    // around the size of the storage inside a working field, 32 units
+    // around the size of the storage inside a working field, 32 code units
     {"ThirtyOneUnitsEnclosed", kBlanks, u"\"" + run_of(29) + u"\"", run_of(29)},
     {"ThirtyTwoUnitsEnclosed", kBlanks, u"\"" + run_of(30) + u"\"", run_of(30)},
     {"ThirtyThreeUnitsEnclosed", kBlanks, u"\"" + run_of(31) + u"\"", run_of(31)},
@@ -324,9 +324,9 @@ const UnquoteCase kUnquoteCases[] = {
     {"ThirtyTwoUnitsDoubled", kBlanks, u"\"" + run_of(27) + u"\"\"b\"", run_of(27) + u"\"b"},
     {"ThirtyThreeUnitsDoubled", kBlanks, u"\"" + run_of(28) + u"\"\"b\"", run_of(28) + u"\"b"},
     {"ThirtyFourUnitsDoubled", kBlanks, u"\"" + run_of(29) + u"\"\"b\"", run_of(29) + u"\"b"},
-    {"ThirtyOneUnitsWithTextBehind", kBlanks, u"\"" + run_of(27) + u"\"xy", run_of(27) + u"xy"},
-    {"ThirtyTwoUnitsWithTextBehind", kBlanks, u"\"" + run_of(27) + u"\"xyz", run_of(27) + u"xyz"},
-    {"ThirtyThreeUnitsWithTextBehind", kBlanks, u"\"" + run_of(28) + u"\"xyz", run_of(28) + u"xyz"},
+    {"ThirtyOneUnitsWithTextAfter", kBlanks, u"\"" + run_of(27) + u"\"xy", run_of(27) + u"xy"},
+    {"ThirtyTwoUnitsWithTextAfter", kBlanks, u"\"" + run_of(27) + u"\"xyz", run_of(27) + u"xyz"},
+    {"ThirtyThreeUnitsWithTextAfter", kBlanks, u"\"" + run_of(28) + u"\"xyz", run_of(28) + u"xyz"},
     {"ThirtyThreeUnitsUnterminated", kBlanks, u"\"" + run_of(32), run_of(31)},
 };
 
@@ -385,7 +385,7 @@ TEST(UnquoteStorage, LongTextsAreRewrittenInABlock) {
   EXPECT_NE(field.storage, field.inline_storage);
 }
 
-// A scan that moves the rest of the text for each pair would move 10^12 units here.
+// A scan that moves the rest of the text for each pair would move 10^12 code units here.
 TEST(UnquoteCost, AMillionDoubledQuotesArePassedOnce) {
   constexpr std::size_t kPairs = 1'000'000;
   const ExactText text(u"\"" + repeated(u"\"\"", kPairs) + u"\"");
@@ -396,7 +396,7 @@ TEST(UnquoteCost, AMillionDoubledQuotesArePassedOnce) {
             std::u16string_view::npos);
 }
 
-TEST(UnquoteCost, AMillionDoubledQuotesBehindABlankArePassedOnce) {
+TEST(UnquoteCost, AMillionDoubledQuotesAfterABlankArePassedOnce) {
   constexpr std::size_t kPairs = 1'000'000;
   const ExactText text(u" \"" + repeated(u"\"\"", kPairs) + u"\"end");
   MutableField field(text.field());
@@ -424,7 +424,7 @@ TEST(SafeIsDatetime, GivesTheAnswerOfTheHost) {
   EXPECT_FALSE(safe_is_datetime(word.field()));
 }
 
-// --- the ladder ----------------------------------------------------------------------------------
+// --- the order of the tests ----------------------------------------------------------------------
 
 struct ClassCase {
   const char* rule;
@@ -446,7 +446,7 @@ const ClassCase kClassCases[] = {
     {"UnterminatedBlanks", kBlanks, u"\"  ", DatatypeCode::empty},
     {"UnterminatedOfOneDigit", kBlanks, u"\"4", DatatypeCode::empty},
     {"OtherWhiteSpaceAlone", u"_x", u"_x_", DatatypeCode::empty},
-    // no digit: text before anything else is tried
+    // no digit: text, before anything else is tested
     {"Word", kBlanks, u"hello", DatatypeCode::text},
     {"FourQuotesLeaveOne", kBlanks, u"\"\"\"\"", DatatypeCode::text},
     {"NanHasNoDigit", kBlanks, u"NaN", DatatypeCode::text},
@@ -488,10 +488,10 @@ const ClassCase kClassCases[] = {
     {"TimeThenDate", kBlanks, u"12:00:00 2024-03-01", DatatypeCode::datetime},
     {"TimeSeveralBlanksDate", kBlanks, u"12:00:00   2024-03-01", DatatypeCode::datetime},
     {"FractionThenDate", kBlanks, u"12:00:00.25 2024-03-01", DatatypeCode::datetime},
-    // the host takes neither of these for a date as a whole
+    // the host accepts neither of these as a date as a whole
     {"DateThenAClockValueBeyondTheDay", kBlanks, u"2024-03-01 99:99:99", DatatypeCode::datetime},
     {"AClockValueBeyondTheDayThenDate", kBlanks, u"99:99:99 2024-03-01", DatatypeCode::datetime},
-    // nothing fits
+    // nothing matches
     {"OneDigitOfMinutes", kBlanks, u"12:3", DatatypeCode::text},
     {"OneDigitOfHours", kBlanks, u"1:234", DatatypeCode::text},
     {"ThreeDigitsOfHours", kBlanks, u"123:4", DatatypeCode::text},
@@ -506,9 +506,9 @@ const ClassCase kClassCases[] = {
     {"TimeAndWord", kBlanks, u"12:00:00 noon", DatatypeCode::text},
     {"TwoTimes", kBlanks, u"12:00:00 13:00:00", DatatypeCode::text},
     {"SingleQuotes", kBlanks, u"'42'", DatatypeCode::text},
-    {"UnitBehindTheNumber", kBlanks, u"42 km", DatatypeCode::text},
-    {"TextBehindTheClosingQuote", kBlanks, u"\"42\"x", DatatypeCode::text},
-    // white space without the blank
+    {"MeasurementUnitAfterTheNumber", kBlanks, u"42 km", DatatypeCode::text},
+    {"TextAfterTheClosingQuote", kBlanks, u"\"42\"x", DatatypeCode::text},
+    // white space that does not include the space
     {"LeadingBlankThatIsNoWhiteSpace", u"\t", u" 42", DatatypeCode::text},
     {"TrailingBlankThatIsNoWhiteSpace", u"", u"42 ", DatatypeCode::text},
     {"BlankBeforeAClockValue", u"", u" 12:00:00", DatatypeCode::text},

@@ -59,13 +59,13 @@ struct HeaderCase {
   const char* rule;
   Series diffs;
   std::size_t first;
-  std::size_t uncapped;  // the answer without capping
-  std::size_t capped;    // and with it
+  std::size_t uncapped;  // the result without capping
+  std::size_t capped;    // the result with capping
 };
 std::ostream& operator<<(std::ostream& out, const HeaderCase& row) { return out << row.rule; }
 
-// C is the running sum of the deviations, Q = C / length * C, S its smoothed series, of which the
-// comments show the candidates 0..k-1.
+// C is the running sum of the deviations, Q = C / length * C, S the smoothed series. The comments
+// show S for the candidates 0..k-1.
 const HeaderCase kHeaderCases[] = {
     // short lists
     {"EmptyListGivesTheFallback", {}, 4, 4, 4},
@@ -77,7 +77,7 @@ const HeaderCase kHeaderCases[] = {
     {"TwoEqualEntriesWhateverTheFallback", {5, 5}, 7, 0, 0},
     {"TwoDifferentEntriesWhateverTheFallback", {5, 0}, 7, 1, 1},
 
-    // nothing left to choose from
+    // no candidate is left
     {"FallbackAtTheLastEntry", {2, 2, 0}, 2, 2, 2},
     {"FallbackPastTheList", {2, 2, 0}, 9, 9, 9},
     {"UnknownFallback", {2, 2, 0}, SIZE_MAX, SIZE_MAX, SIZE_MAX},
@@ -97,7 +97,7 @@ const HeaderCase kHeaderCases[] = {
     // Q 9 4.5; S 4.5: k = 1
     {"OneHeaderLine", {3, 0, 0, 0}, 0, 1, 1},
 
-    // C 1 2 3 .. 9, Q the same; S -1 0 0 0 0 0 0 0: of equal ones the earliest, k = 2
+    // C 1 2 3 .. 9, Q the same; S -1 0 0 0 0 0 0 0: the earliest of equal ones, k = 2
     {"EarliestOfEqualPeaks", {1, 1, 1, 1, 1, 1, 1, 1, 1}, 0, 2, 2},
     // C 1 2 3 53, Q 1 2 3 702.25; S -1 0 -695: k = 2; the last entry itself would win
     // capped: C 1 2 3 5, Q 1 2 3 6.25; S -1 0 -2.25: k = 2
@@ -110,30 +110,30 @@ const HeaderCase kHeaderCases[] = {
     // Q 4 8 12 9; S -4 0 7, the same with and without
     {"TwoIsNotCapped", {2, 2, 2, 0, 0, 0, 0, 0}, 0, 3, 3},
 
-    // more than half zeros: k comes down from 5 over 4 and 3 to 2 (zeros 3 > 2, 3 > 2, 2 > 1,
-    // 1 = 1); Q 1 0.5 0.3; S 0.5 -0.3: k = 1. Without the guard S[4] = 23 would win.
+    // more than half zeros: k goes down from 5 over 4 and 3 to 2 (zeros 3 > 2, 3 > 2, 2 > 1, 1 =
+    // 1); Q 1 0.5 0.3; S 0.5 -0.3: k = 1. Without the guard S[4] = 23 would be the largest.
     {"ZeroGuardCutsTheCandidates", {1, 0, 0, 0, 9, 0, 0, 0, 0}, 0, 1, 1},
     {"ZeroGuardStopsAtTheFallback", {1, 0, 0, 0, 9, 0, 0, 0, 0}, 2, 2, 2},
     {"ZeroGuardTakesOneStepDownToTheFallback", {1, 0, 0, 0, 9, 0, 0, 0, 0}, 4, 4, 4},
-    // three of the six candidates are zeros, not more than half: all six stay;
-    // C 0 0 5 10 10 17 17, Q 0 0 8.3 25 20 48.2 41.3; S 0 -8.3 -8.3 21.7 -33.2 35.0: k = 6
+    // three of the six candidates are zeros, which is not more than half: all six stay; C 0 0 5 10
+    // 10 17 17, Q 0 0 8.3 25 20 48.2 41.3; S 0 -8.3 -8.3 21.7 -33.2 35.0: k = 6
     // capped: C 0 0 2 4 4 6 6, Q 0 0 1.3 4 3.2 6 5.1; S 0 -1.3 -1.3 3.5 -3.6 3.7: k = 6
     {"HalfZerosPassTheGuard", {0, 0, 5, 5, 0, 7, 0, 0, 0, 0, 0, 0}, 0, 6, 6},
     // zeros 1 2 2 3 4: k = 5 has 4 > 2, 4 has 3 > 2, 3 has 2 > 1, 2 has 2 > 1, 1 has 1 > 0: k = 0
     {"ZeroGuardReachesZero", {0, 0, 2, 0, 0, 3, 0, 0}, 0, 0, 0},
     {"DeviationInTheMiddle", {0, 0, 2, 0, 0}, 0, 0, 0},
 
-    // the peak (index 0, as in LateDeviationDoesNotMatter) lies before the fallback: k = 3 is
-    // pulled back over the zeros to 1, past the fallback itself
+    // the peak (index 0, as in LateDeviationDoesNotMatter) is before the fallback: k = 3 moves back
+    // over the zeros to 1, past the fallback itself
     {"PullBackPassesTheFallback", {5, 0, 0, 1, 0, 0, 0, 0, 0, 0}, 3, 1, 1},
     {"PullBackByOne", {5, 0, 0, 1, 0, 0, 0, 0, 0, 0}, 2, 1, 1},
     // C 9 10 11 12, Q 81 50 40.3 36 28.8; S 31 -21.3 -5.3 2.9: k = 1, raised to the fallback
     {"PeakBeforeTheFallbackIsRaised", {9, 1, 1, 1, 0, 0, 0, 0, 0, 0}, 2, 2, 2},
     {"PeakWithoutAFallbackIsNot", {9, 1, 1, 1, 0, 0, 0, 0, 0, 0}, 0, 1, 1},
-    // Q 16 32 48 36 as above, the peak beyond the fallback stands
-    {"PeakBehindTheFallbackStands", {4, 4, 4, 0, 0, 0, 0, 0, 0}, 2, 3, 3},
-    // C 0 0 1 2 .. 8, Q 0 0 .33 1 1.8 2.67 3.57 4.5 5.44 6.4; S 0 -.33 -.33 -.13 -.07 and on up to
-    // -.01: k = 1, pulled back to 0
+    // Q 16 32 48 36 as above; the peak after the fallback is kept
+    {"PeakAfterTheFallbackIsKept", {4, 4, 4, 0, 0, 0, 0, 0, 0}, 2, 3, 3},
+    // C 0 0 1 2 .. 8, Q 0 0 .33 1 1.8 2.67 3.57 4.5 5.44 6.4; S 0 -.33 -.33 -.13 -.07 and rising to
+    // -.01: k = 1, moved back to 0
     {"PullBackReachesZero", {0, 0, 1, 1, 1, 1, 1, 1, 1, 1}, 0, 0, 0},
     {"PullBackReachesZeroFromTheFallback", {0, 0, 1, 1, 1, 1, 1, 1, 1, 1}, 2, 0, 0},
 
@@ -141,7 +141,7 @@ const HeaderCase kHeaderCases[] = {
     {"ThreeOfFourAreTooMany", {4, 4, 4, 0}, 0, 0, 0},
     {"ThreeOfFiveAreNot", {4, 4, 4, 0, 0}, 0, 3, 3},
     {"TwoOfThreeAreExactlyTwoThirds", {2, 1, 0}, 0, 2, 2},
-    // the fallback is the answer, not what is left of the estimate; Q as above, k = 3
+    // the fallback is the result, not the rest of the estimate; Q as above, k = 3
     {"TooManyGiveTheFallback", {4, 4, 4, 0}, 1, 1, 1},
 };
 
@@ -155,9 +155,9 @@ TEST_P(GetHeaderLines, FindsTheSharpestBendOfCappedDeviations) {
 INSTANTIATE_TEST_SUITE_P(Table, GetHeaderLines, testing::ValuesIn(kHeaderCases),
                          testing_support::ByRule());
 
-// --- the member of the strategy ------------------------------------------------------------------
+// --- the member function of the strategy ---------------------------------------------------------
 
-// As in CappingSparesTheFirstEntry: 3 as they are, 1 when capped.
+// As in CappingSparesTheFirstEntry: 3 without capping, 1 with capping.
 const Series kCapMatters = {9, 3, 9, 0, 0, 0, 0, 0, 0, 0};
 
 class CalculateHeaderlines : public testing::Test {

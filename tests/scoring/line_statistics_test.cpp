@@ -23,7 +23,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 using Series = std::vector<std::size_t>;
 
-// `head` followed by `count` times `value`.
+// `head` followed by `count` copies of `value`.
 Series with_run(Series head, std::size_t count, std::size_t value) {
   head.insert(head.end(), count, value);
   return head;
@@ -59,11 +59,11 @@ const MedianCase kMedianCases[] = {
     {"EvenNumberGivesTheLowerMiddle", {5, 2, 4, 3}, 0, 3},
     {"TwoGiveTheSmaller", {9, 4}, 0, 4},
     {"OrderDoesNotMatter", {2, 9, 2, 9, 9}, 0, 9},
-    // fewer than eleven lines with fields: a single one that has two decides
+    // fewer than eleven lines with fields: a single line with two fields decides
     {"OneOfTenDecides", with_run({5}, 9, 1), 0, 5},
     {"OneOfTenAtTheEndDecides", joined(with_run({}, 9, 1), {5}), 0, 5},
     {"TwoOfTenGiveTheSmaller", with_run({7, 4}, 8, 1), 0, 4},
-    // from eleven lines on a third (rounded down) of them must have two fields
+    // with eleven lines or more, a third of them (rounded down) must have two fields
     {"OneOfElevenIsTooFew", with_run({5}, 10, 1), 0, 1},
     {"TwoOfElevenAreTooFew", with_run({4, 4}, 9, 1), 0, 1},
     {"ThreeOfElevenSuffice", with_run({4, 4, 4}, 8, 1), 0, 4},
@@ -78,7 +78,7 @@ const MedianCase kMedianCases[] = {
     // empty lines are not counted among the eleven
     {"EmptyLinesKeepOneOfTenDeciding", joined(with_run({5}, 9, 1), with_run({}, 20, 0)), 0, 5},
     {"EmptyLinesDoNotSaveOneOfEleven", joined(with_run({5}, 10, 1), with_run({}, 20, 0)), 0, 1},
-    // neither are lines before the start
+    // nor are lines before the start
     {"LinesBeforeTheStartAreNotCounted", joined(with_run({}, 10, 1), {1, 5}), 2, 5},
     {"AllFieldsOfElevenLines", joined(with_run({}, 5, 2), with_run({}, 6, 8)), 0, 8},
     {"AllFieldsOfTwelveLinesGiveTheLower", joined(with_run({}, 6, 2), with_run({}, 6, 8)), 0, 2},
@@ -148,13 +148,13 @@ struct DataVariationCase {
   const char* rule;
   Series diffs;
   std::size_t header_lines;
-  double variation;  // its sign counts
+  double variation;  // its sign matters
 };
 std::ostream& operator<<(std::ostream& out, const DataVariationCase& row) {
   return out << row.rule;
 }
 
-// The total variation in force; no mean of any of the lists.
+// The stored total variation. It is the mean of none of the lists.
 constexpr double kStored = 7.25;
 
 const DataVariationCase kDataVariationCases[] = {
@@ -170,7 +170,7 @@ const DataVariationCase kDataVariationCases[] = {
 };
 
 class DataVariation : public testing::TestWithParam<DataVariationCase> {};
-TEST_P(DataVariation, IsTheMeanBehindTheHeader) {
+TEST_P(DataVariation, IsTheMeanAfterTheHeader) {
   const double variation = get_data_variation(GetParam().diffs, GetParam().header_lines, kStored);
   EXPECT_EQ(variation, GetParam().variation);
   EXPECT_EQ(std::signbit(variation), std::signbit(GetParam().variation));
@@ -201,7 +201,7 @@ const VariablesCase kVariablesCases[] = {
 };
 
 class NumberOfVariables : public testing::TestWithParam<VariablesCase> {};
-TEST_P(NumberOfVariables, IsTheLargestCountBehindTheHeader) {
+TEST_P(NumberOfVariables, IsTheLargestCountAfterTheHeader) {
   EXPECT_EQ(get_number_of_variables(GetParam().counts, GetParam().header_lines),
             GetParam().variables);
 }
@@ -232,11 +232,11 @@ const SkipCase kSkipCases[] = {
     {"AShiftMayReachTheNextEmptyLine", 0, {0, 1, 2}, {0, 0, 0, 3}, 3},
     {"EmptyLinesAndThenSingleFields", 2, {1}, {1, 0, 1, 1, 3}, 4},
     {"EmptyLineAmongSingleFieldsIsPassed", 0, {1}, {1, 0, 1, 2}, 3},
-    {"NoDataEndsBehindTheLines", 0, {}, {1, 1, 1}, 3},
-    {"EmptyLinesAloneEndBehindTheLines", 0, {0, 1}, {0, 0}, 2},
-    {"PositionBehindTheLinesStays", 3, {}, {3, 3, 3}, 3},
-    {"PositionFarBehindTheLinesStays", 10, {}, {3, 3, 3}, 10},
-    {"PositionBehindTheLinesIsStillShifted", 3, {1}, {3, 0, 3}, 4},
+    {"NoDataGivesTheNumberOfLines", 0, {}, {1, 1, 1}, 3},
+    {"EmptyLinesAloneGiveTheNumberOfLines", 0, {0, 1}, {0, 0}, 2},
+    {"PositionAfterTheLinesIsKept", 3, {}, {3, 3, 3}, 3},
+    {"PositionFarAfterTheLinesIsKept", 10, {}, {3, 3, 3}, 10},
+    {"PositionAfterTheLinesIsStillShifted", 3, {1}, {3, 0, 3}, 4},
     {"LargestPositionStays", SIZE_MAX, {}, {3, 3}, SIZE_MAX},
     {"LargestPositionIsNotShifted", SIZE_MAX, {0}, {0, 3}, SIZE_MAX},
 };
@@ -249,7 +249,7 @@ TEST_P(SkipToData, FindsTheLineOfAPosition) {
 INSTANTIATE_TEST_SUITE_P(Table, SkipToData, testing::ValuesIn(kSkipCases),
                          testing_support::ByRule());
 
-// --- the members of the strategy -----------------------------------------------------------------
+// --- the member functions of the strategy --------------------------------------------------------
 
 TEST(StrategyStatistics, ReadTheScoresAndTheHeaderOfTheStrategy) {
   parser::options options;

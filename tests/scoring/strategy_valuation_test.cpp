@@ -98,10 +98,10 @@ TEST(StrategyValuationRecord, CopiesAllMembers) {
 
 struct SeriesCase {
   const char* rule;
-  Series counts;  // the fields are "x", so every column that is inspected is text
+  Series counts;  // the fields are "x", so every inspected column is text
   std::optional<std::size_t> given;
   double total_variation;
-  double data_variation;  // its sign counts
+  double data_variation;  // its sign matters
   std::int32_t modal_field_count;
   std::size_t header_lines;
   std::uint64_t num_variables;
@@ -112,10 +112,10 @@ std::ostream& operator<<(std::ostream& out, const SeriesCase& row) { return out 
 const auto kDetect = std::nullopt;
 const double kInf = kInfinity;
 
-// The comments show the deviations d. In the detection of header lines, C, Q and S stand for the
-// running sum, the sum scaled by the mean and the smoothed series.
+// The comments show the deviations d. For the detection of header lines, C, Q and S are the running
+// sum, the sum times the mean, and the smoothed series.
 const SeriesCase kSeriesCases[] = {
-    // header lines detected: no second field anywhere
+    // header lines detected: no line has a second field
     {"NoLines", {}, kDetect, kInf, kInf, 1, 0, 1, 0},
     {"OneLineOfOneField", {1}, kDetect, kInf, kInf, 1, 0, 1, 0},
     {"OneFieldOnEveryLineIsNotInspected", {1, 1, 1}, kDetect, kInf, kInf, 1, 0, 1, 0},
@@ -125,35 +125,36 @@ const SeriesCase kSeriesCases[] = {
     {"OneFieldAndAnEmptyLineAtTheEnd", {1, 1, 0}, kDetect, kInf, kInf, 1, 2, 1, 0},
 
     // the plain cases
-    // d 2 2 0 0 0; nothing but zeros behind the first line with more fields, so that one starts
+    // d 2 2 0 0 0; only zeros after the first line with more fields, so the data starts with that
+    // one
     {"TwoTitleLines", {1, 1, 3, 3, 3}, kDetect, 0.8, 0.0, 3, 2, 3, 3},
     // d 0 0 0 0
     {"EmptyLineInTheData", {3, 3, 3, 0, 3}, kDetect, 0.0, 0.0, 3, 0, 3, 3},
     {"EveryLineAgrees", {2, 2, 2}, kDetect, 0.0, 0.0, 2, 0, 2, 2},
-    // d 0 0 0 0; the last line is left out
+    // d 0 0 0 0; the last line is not included
     {"ShortLineAtTheEnd", {3, 3, 3, 3, 1}, kDetect, 0.0, 0.0, 3, 0, 3, 3},
-    // d 0 0 0; the last line is left out of the deviations, but it counts for the variables
+    // d 0 0 0; the last line is not included in the deviations, but counts for the variables
     {"LongLineAtTheEnd", {3, 3, 3, 5}, kDetect, 0.0, 0.0, 3, 0, 5, 5},
-    // d 0 0 2 0 0; more than half zeros, back to the first line
+    // d 0 0 2 0 0; more than half zeros, so back to the first line
     {"ShortLineInTheData", {3, 3, 1, 3, 3}, kDetect, 0.4, 0.4, 3, 0, 3, 3},
     // d 2 3 0 0 0 0 0 0; Q 4 12.5 8.3; S -8.5 12.7
     {"TitleLinesWithDelimiters", {2, 1, 4, 4, 4, 4, 4, 4}, kDetect, 0.625, 0.0, 4, 2, 4, 4},
-    // d 2 0 0 0 without the empty lines: one header line among the others, which is line 1;
-    // behind it is an empty one
+    // d 2 0 0 0 without the empty lines: one header line among the others, which is line 1; an
+    // empty line follows it
     {"EmptyLinesAboveTheData", {0, 1, 0, 3, 3, 3}, kDetect, 0.5, 0.0, 3, 3, 3, 3},
     // d 2 2 0 0 0 0 0 0 without the empty line; Q 4 8 5.3; S -4 6.7: two header lines among the
     // others, which are the lines 0 and 2
     {"EmptyLineAmongLongHeaderLines", {5, 0, 5, 3, 3, 3, 3, 3, 3}, kDetect, 0.5, 0.0, 3, 3, 3, 3},
-    // d 9 2 0 0 0 0 0 0; Q 81 60.5 40.3; S 20.5 -0.3: one header line. The line of one field
-    // behind it is passed afterwards, when the variation is already computed from it.
-    {"OneFieldBehindTheHeader", {12, 1, 3, 3, 3, 3, 3, 3}, kDetect, 1.375, 2.0 / 7.0, 3, 2, 3, 3},
+    // d 9 2 0 0 0 0 0 0; Q 81 60.5 40.3; S 20.5 -0.3: one header line. The line of one field after
+    // it is skipped later, when the variation has already been computed.
+    {"OneFieldAfterTheHeader", {12, 1, 3, 3, 3, 3, 3, 3}, kDetect, 1.375, 2.0 / 7.0, 3, 2, 3, 3},
 
     // few lines
     {"OneLine", {3}, kDetect, kInf, kInf, 3, 0, 1, 0},
     {"TwoLinesTheLaterAlone", {0, 4}, kDetect, kInf, kInf, 4, 1, 1, 0},
     // d 0; the second line has too few fields to be inspected
     {"TwoLinesTheFirstWithMore", {4, 1}, kDetect, kInf, kInf, 4, 0, 1, 0},
-    // d 0, for 3 is the lower of the two; of the second line one position is inspected
+    // d 0, because 3 is the lower of the two; one position of the second line is inspected
     {"TwoLinesTheFirstWithFewer", {3, 9}, kDetect, kInf, kInf, 3, 0, 1, 1},
     // d 3 0: two entries that differ
     {"TitleAndOneLine", {1, 4}, kDetect, 1.5, 0.0, 4, 1, 4, 0},
@@ -163,23 +164,23 @@ const SeriesCase kSeriesCases[] = {
     {"TwoTitleLinesAndOneLine", {1, 1, 4}, kDetect, 2.0, 0.0, 4, 2, 4, 0},
 
     // around eleven lines
-    // d 0 0: the lines of one field follow the last modal one
+    // d 0 0: the lines of one field come after the last modal one
     {"TwoOfTenLines", {4, 4, 1, 1, 1, 1, 1, 1, 1, 1}, kDetect, 0.0, 0.0, 4, 0, 4, 4},
     {"TwoOfElevenLines", {4, 4, 1, 1, 1, 1, 1, 1, 1, 1, 1}, kDetect, kInf, kInf, 1, 0, 1, 1},
     {"ThreeOfElevenLines", {4, 4, 4, 1, 1, 1, 1, 1, 1, 1, 1}, kDetect, 0.0, 0.0, 4, 0, 4, 4},
     {"ThreeOfTwelveLines", {4, 4, 4, 1, 1, 1, 1, 1, 1, 1, 1, 1}, kDetect, kInf, kInf, 1, 0, 1, 1},
-    // d 3 nine times, 0 0; only the two lines from the first with more fields on are counted
+    // d 3 nine times, 0 0; only the two lines from the first one with more fields on are counted
     {"NineTitleLines", {1, 1, 1, 1, 1, 1, 1, 1, 1, 4, 4}, kDetect, 27.0 / 11.0, 0.0, 4, 9, 4, 4},
 
-    // a variation of more than 1 behind the detected header gives up the header
+    // a variation of more than 1 after the detected header discards the header
     // d 20 4 0 0 4 0 4 0; Q 400 288 192 144 156.8 130.7 146.3 128; S 112 -16 -48 -60.8 38.9 -41.7
-    // 33.9: one header line with 12 / 7 behind it
+    // 33.9: one header line with 12 / 7 after it
     {"VariationAboveOne", {30, 14, 10, 10, 14, 10, 14, 10}, kDetect, 4.0, 4.0, 10, 0, 30, 14},
     // d 20 4 0 0 3 0 0 0; five candidates, Q 400 288 192 144 145.8 121.5; S 112 -16 -48 -49.8 26.1:
-    // one header line with 7 / 7 behind it
+    // one header line with 7 / 7 after it
     {"VariationOfExactlyOne", {30, 14, 10, 10, 13, 10, 10, 10}, kDetect, 3.375, 1.0, 10, 1, 14, 13},
-    // d 2 2 6 0 6 0 6 0; the peak is at the last candidate, 7 of 8, too many: the first line with
-    // more fields starts and stays
+    // d 2 2 6 0 6 0 6 0; the peak is at the last candidate, 7 of 8, which is too many: the first
+    // line with more fields is the fallback and is kept
     {"VariationAboveOneFromTheFirstLine", {1, 1, 9, 3, 9, 3, 9, 3}, kDetect, 2.75, 3.0, 3, 2, 9, 9},
 
     // header lines given; d 2 2 0 0 0
@@ -192,7 +193,7 @@ const SeriesCase kSeriesCases[] = {
     {"GivenMoreThanAnyFileHas", {1, 1, 3, 3, 3}, SIZE_MAX - 1, 0.8, -0.0, 3, SIZE_MAX - 1, 1, 0},
     // d 0 0 0
     {"GivenOneOfEqualLines", {3, 3, 3}, 1, 0.0, 0.0, 3, 1, 3, 3},
-    // d 3 0 0 0; the empty line is not passed
+    // d 3 0 0 0; the empty line is not skipped
     {"GivenHeaderIsNotMoved", {1, 0, 4, 4, 4}, 1, 0.75, 0.0, 4, 1, 4, 4},
     // d as in VariationAboveOne
     {"GivenHeaderIsNotGivenUp",
@@ -212,7 +213,7 @@ const SeriesCase kSeriesCases[] = {
     // all lines are counted when the header is given: two of eleven
     {"GivenNineTitleLines", {1, 1, 1, 1, 1, 1, 1, 1, 1, 4, 4}, 9, kInf, kInf, 1, 9, 1, 1},
 
-    // a list of one deviation puts given header lines aside
+    // a list of one deviation overrides given header lines
     {"OneDeviationOverridesTheGivenTwo", {3, 1, 1}, 2, kInf, kInf, 3, 0, 1, 0},
     {"OneDeviationOverridesTheGivenFour", {3}, 4, kInf, kInf, 3, 0, 1, 0},
     {"OneDeviationOverridesTheGivenOne", {3, 5}, 1, kInf, kInf, 3, 0, 1, 1},
@@ -260,8 +261,8 @@ TEST(ValuationHeaderLines, GivenByTheOptionsAreKept) {
   EXPECT_EQ(strategy.header_lines(), 1u);
 }
 
-// Not to be detected, yet not known: the detector is asked with line 0 as its fallback, and what it
-// says is not moved. d 2 2 0 0 0; Q 4 8 5.3; S -4 6.7: two.
+// Not to be detected, but not known: the detector runs with line 0 as its fallback, and its result
+// is not moved. d 2 2 0 0 0; Q 4 8 5.3; S -4 6.7: two.
 TEST(ValuationHeaderLines, UnknownOnesAreEstimatedWithoutBeingDetected) {
   const ExactText text(text_of_counts({1, 1, 3, 3, 3}, u'x'));
   parser::options options;
@@ -287,7 +288,7 @@ TEST(ValuationHeaderLines, UnknownOnesOfASingleColumnStayUnknownWithoutBeingDete
   EXPECT_EQ(strategy.header_lines(), SIZE_MAX);
 }
 
-// A number that is known is no longer estimated; it is still moved to a line with data.
+// A known number is not estimated; it is still moved to a line with data.
 TEST(ValuationHeaderLines, KnownOnesThatAreToBeDetectedAreOnlyMoved) {
   const ExactText text(text_of_counts({3, 0, 3, 3, 4, 3}, u'x'));  // d 0 0 0 1 0
   parser::options options;
@@ -301,9 +302,9 @@ TEST(ValuationHeaderLines, KnownOnesThatAreToBeDetectedAreOnlyMoved) {
   EXPECT_EQ(strategy.header_lines(), 2u);
 }
 
-// d 9 3 9 0 0 0 0 0 0 0: three header lines, or one when deviations count as 2 at most. As one,
-// what follows has (3 + 9) / 9 > 1, so that the first line with more than one field takes its
-// place.
+// d 9 3 9 0 0 0 0 0 0 0: three header lines, or one if deviations are capped at 2. With one, the
+// variation after it is (3 + 9) / 9 > 1, so the first line with more than one field is used
+// instead.
 TEST(ValuationHeaderLines, DeviationsAreCappedWhereBlanksSeparate) {
   const ExactText text(text_of_counts({11, 5, 11, 2, 2, 2, 2, 2, 2, 2}, u'x'));
   parser::options options;
@@ -319,7 +320,7 @@ TEST(ValuationHeaderLines, DeviationsAreCappedWhereBlanksSeparate) {
   EXPECT_EQ(blanks.header_lines(), 0u);
 }
 
-// --- once and for all ----------------------------------------------------------------------------
+// --- computed only once --------------------------------------------------------------------------
 
 class ValuationOnce : public testing::Test {
  protected:
@@ -427,8 +428,8 @@ TEST(ValuationOfText, CommaSeparatedNumbers) {
   EXPECT_EQ(score.priors_rank, 0.0);
 }
 
-// Counts 1 0 2 2 2, d 1 0 0 0: line 1 is the first that has not one field; the one header line
-// among the lines with fields is line 0, and behind it an empty one is passed.
+// Counts 1 0 2 2 2, d 1 0 0 0: line 1 is the first without exactly one field. The one header line
+// among the lines with fields is line 0; the empty line after it is skipped.
 TEST(ValuationOfText, TitleAndEmptyLineBeforeTheTable) {
   const ExactText text(u"Report\n\nname,when\nx,2024-03-01\ny,2024-03-02\n");
   parser::options options;

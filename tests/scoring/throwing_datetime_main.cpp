@@ -1,6 +1,5 @@
-// What the scoring does with the answers of the host's date check, with its exceptions and with the
-// forced unwinding of a thread inside it. The check is defined here, so this is a program of its
-// own.
+// How the scoring handles the results of the host's date check, its exceptions, and the forced
+// unwinding of a thread inside it. The check is defined here, so this is a separate program.
 #include <pthread.h>
 
 #include <cstddef>
@@ -30,7 +29,7 @@ namespace {
 
 using DateCheck = std::function<bool(const std::u16string& text)>;
 
-// What the date check does; set by each test, only while no other thread runs.
+// What the date check does. Each test sets it, and only while no other thread runs.
 DateCheck date_check;
 std::size_t date_checks = 0;
 
@@ -128,7 +127,7 @@ TEST(ThrowingDateCheckInAValuation, TheScoreIsThatOfText) {
   EXPECT_EQ(strategy.num_variables(), 1);
 }
 
-// --- the order of the questions ------------------------------------------------------------------
+// --- the order of the tests ----------------------------------------------------------------------
 
 struct LadderCase {
   const char* rule;
@@ -165,8 +164,8 @@ const LadderCase kLadderCases[] = {
     {"DateOfTwoWordsAfterTheTime", kBlanks, u"1:2:3 d 1", {u"d 1"}, DatatypeCode::datetime},
     {"DateOfTwoWordsBeforeTheTime", kBlanks, u"d 1 1:2:3", {u"d 1"}, DatatypeCode::text},
     {"OnlyTheWholeTailCounts", kBlanks, u"1:2:3 d1 x", {u"d1"}, DatatypeCode::text},
-    {"TimeWithAWordBehind", kBlanks, u"d1 1:2:3 PM", {u"d1"}, DatatypeCode::text},
-    {"MinutesBehindTheDate", kBlanks, u"d1 12:34", {u"d1"}, DatatypeCode::text},
+    {"TimeWithAWordAfter", kBlanks, u"d1 1:2:3 PM", {u"d1"}, DatatypeCode::text},
+    {"MinutesAfterTheDate", kBlanks, u"d1 12:34", {u"d1"}, DatatypeCode::text},
     {"MinutesBeforeTheDate", kBlanks, u"12:34 d1", {u"d1"}, DatatypeCode::text},
     {"TwoDates", kBlanks, u"d1 d2", {u"d1", u"d2"}, DatatypeCode::text},
     {"TwoClockValues", kBlanks, u"1:2:3 4:5:6", {}, DatatypeCode::text},
@@ -179,8 +178,8 @@ const LadderCase kLadderCases[] = {
     {"WideBlankDoesNotSplit", kBlanks, u"d1\u00A01:2:3", {u"d1"}, DatatypeCode::text},
     {"NothingBeforeTheBlank", u"", u" d1", {u"d1"}, DatatypeCode::text},
     {"NothingBeforeTheBlankAndATime", u"", u" 1:2:3", {u"1:2:3"}, DatatypeCode::text},
-    {"NothingBehindTheBlank", u"", u"d1 ", {u"d1"}, DatatypeCode::text},
-    {"NothingBehindTheBlankOfATime", u"", u"1:2:3  ", {u"1:2:3"}, DatatypeCode::text},
+    {"NothingAfterTheBlank", u"", u"d1 ", {u"d1"}, DatatypeCode::text},
+    {"NothingAfterTheBlankOfATime", u"", u"1:2:3  ", {u"1:2:3"}, DatatypeCode::text},
 };
 
 class DateLadder : public testing::TestWithParam<LadderCase> {};
@@ -225,7 +224,7 @@ TEST(InspectionCost, AColumnThatHasAClassIsNotLookedAtAgain) {
 
 // --- a thread that ends inside the date check ----------------------------------------------------
 
-// What a thread does, and what it saw.
+// What a thread does, and what happened to it.
 struct Errand {
   std::function<void()> work;
   bool came_back = false;  // `work` returned
@@ -245,7 +244,7 @@ void* run_errand(void* argument) {
   return nullptr;
 }
 
-// Runs the errand on a thread of its own and returns what the thread ended with.
+// Runs the errand on a new thread and returns the exit value of the thread.
 void* result_of(Errand& errand) {
   pthread_t thread{};
   EXPECT_EQ(pthread_create(&thread, nullptr, run_errand, &errand), 0);

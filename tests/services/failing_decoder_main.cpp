@@ -1,8 +1,9 @@
 // The decoder's library runs out of memory. It gets its memory not from `new` but from functions
-// that a program may set, once, before anything else: this one sets functions that fail on demand.
+// that a program may set once, before anything else: this program sets functions that fail on
+// demand.
 //
-// A source that cannot get a decoder throws, closes its file and stays what it was; the same call
-// succeeds later; nothing is left over.
+// A source that cannot get a decoder throws, closes its file and is unchanged; the same call
+// succeeds later; nothing is leaked.
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -22,7 +23,7 @@
 
 namespace {
 
-// Blocks that the decoder's library has, and the allocation that is to fail, counted from 1.
+// Blocks of the decoder's library, and the allocation that fails, counted from 1.
 long live_blocks = 0;
 std::size_t allocations = 0;
 std::size_t failing = 0;
@@ -135,7 +136,7 @@ TEST_P(DecoderMemory, ThatRunsOutLeavesTheSourceAsItWas) {
   {
     FaultyDevice device(GetParam().bytes);
     FileTextSource source;
-    ASSERT_TRUE(opens(source, device, 0, false));  // makes what the library keeps for good
+    ASSERT_TRUE(opens(source, device, 0, false));  // initialises what the library keeps permanently
   }
   for (const bool later_ones : {false, true}) {
     std::size_t nth = 1;
@@ -156,7 +157,7 @@ struct FileCase {
 };
 std::ostream& operator<<(std::ostream& out, const FileCase& row) { return out << row.rule; }
 
-// Encodings that are found without ICU's detector, which does not look whether it got memory.
+// Encodings that are found without ICU's detector, which does not check all its allocations.
 const FileCase kFileCases[] = {
     {"Utf8", "m\xC3\xBCnchen;1\nrome;2\n", "UTF-8"},
     {"Escapes", "a;1\n\x1B$B%F\x1B(B;2\n", "ISO-2022-JP"},
@@ -164,7 +165,7 @@ const FileCase kFileCases[] = {
 
 class DetectionMemory : public testing::TestWithParam<FileCase> {};
 
-// An answer that was got over a failure is the undisturbed answer.
+// A result in spite of a failure is the undisturbed result.
 TEST_P(DetectionMemory, OfTheDecoderThatRunsOutGivesTheAnswerOrNone) {
   const TempFile file(GetParam().bytes);
   const std::string path = standalone::to_utf8(file.path());

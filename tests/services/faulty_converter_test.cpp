@@ -576,7 +576,7 @@ TEST_P(ConverterUnits, ArriveInAStream) {
   EXPECT_EQ(stream.at(units.size()), TextStream::kEnd);
 }
 
-TEST_P(ConverterUnits, ArriveBehindABufferOfThem) {
+TEST_P(ConverterUnits, ArriveAfterABufferOfThem) {
   std::string bytes;
   std::u16string units;
   while (units.size() < 2 * kBufferUnits && !GetParam().units.empty()) {

@@ -1,6 +1,6 @@
-// detect_layout from files that fail. This program opens files for the library: devices that come
-// short, fail at a chosen byte or cannot be opened. An answer rests on the whole file, or there is
-// none.
+// detect_layout from files that fail. This program opens files for the library: devices with short
+// reads, with a failure at a chosen byte, or that cannot be opened. A result is based on the whole
+// file, or there is none.
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
@@ -49,7 +49,7 @@ std::string undisturbed_answer(const std::string& bytes) {
   return answer_from(device);
 }
 
-// The message of the FileError, "" when there was an answer.
+// The message of the FileError; "" if there was a result.
 std::string error_from(FaultyDevice& device, const DetectSettings& settings = {}) {
   try {
     answer_from(device, settings);
@@ -112,7 +112,7 @@ TEST(DetectionFromAFaultyDevice, IsAnErrorWhereverAReadFails) {
   }
 }
 
-// With a given encoding each byte is read once, so also a failure that passes is met.
+// With a given encoding each byte is read once, so a temporary failure is reported as well.
 TEST(DetectionFromAFaultyDevice, IsAnErrorWhereverAReadOfAGivenEncodingFailsOnce) {
   for (std::size_t place = 0; place <= kTable.size(); ++place) {
     FaultyDevice device(kTable);
@@ -122,7 +122,8 @@ TEST(DetectionFromAFaultyDevice, IsAnErrorWhereverAReadOfAGivenEncodingFailsOnce
   }
 }
 
-// Without one the head is read twice; a failure of the first reading alone is not forgotten.
+// Without one the first bytes are read twice; a failure in the first reading alone is not
+// forgotten.
 TEST(DetectionFromAFaultyDevice, IsAnErrorWhereverAReadFailsOnce) {
   for (std::size_t place = 0; place <= kTable.size(); ++place) {
     FaultyDevice device(kTable);
@@ -142,13 +143,13 @@ constexpr std::size_t kHeadBytes = 65'536;
 
 const PlaceCase kPlaceCases[] = {
     {"BeforeTheChunkIsFull", 65'534},
-    {"BehindAChunk", 65'535},
-    {"BehindTheHead", kHeadBytes},
-    {"BehindTheHeadAndAByte", kHeadBytes + 1},
+    {"AfterAChunk", 65'535},
+    {"AfterTheHead", kHeadBytes},
+    {"AfterTheHeadAndAByte", kHeadBytes + 1},
     {"BeforeTheBufferIsFull", TextStream::kBufferUnits - 1},
-    {"BehindABuffer", TextStream::kBufferUnits},
-    {"BehindABufferAndAByte", TextStream::kBufferUnits + 1},
-    {"BehindTwoBuffers", 2 * TextStream::kBufferUnits},
+    {"AfterABuffer", TextStream::kBufferUnits},
+    {"AfterABufferAndAByte", TextStream::kBufferUnits + 1},
+    {"AfterTwoBuffers", 2 * TextStream::kBufferUnits},
     {"AtTheEnd", 3 * TextStream::kBufferUnits},
 };
 
@@ -172,7 +173,7 @@ INSTANTIATE_TEST_SUITE_P(Table, DetectionFromALongFaultyDevice, testing::ValuesI
 
 // --- seeks ---------------------------------------------------------------------------------------
 
-// Like a pipe, which is taken for UTF-8: the rest of the answer is the same.
+// Like a pipe, which is read as UTF-8: the rest of the result is the same.
 TEST(DetectionFromAFaultyDevice, ThatCannotSeekReadsItOnce) {
   FaultyDevice device(kTable);
   device.fail_seeks(1, ESPIPE);
@@ -185,7 +186,7 @@ TEST(DetectionFromAFaultyDevice, ThatCannotSeekReadsItOnce) {
   EXPECT_EQ(layout.num_variables, 2U);
 }
 
-// The way back to the start, after a look at the head, is not taken for granted.
+// The seek back to the start, after the first bytes were read, may fail.
 TEST(DetectionFromAFaultyDevice, ThatDoesNotGoBackIsAnError) {
   FaultyDevice device(kTable);
   device.fail_seeks(2, EIO);
@@ -210,7 +211,7 @@ TEST(DetectionWithoutAFile, NamesTheReason) {
   }
 }
 
-// Memory that runs out is no fault of the file.
+// A lack of memory is not an error of the file.
 TEST(DetectionFromAFaultyDevice, ThatLacksMemoryThrowsBadAlloc) {
   for (std::size_t place = 0; place <= kTable.size(); ++place) {
     FaultyDevice device(kTable);
@@ -251,7 +252,7 @@ TEST(SourceWithoutAFile, IsWhatItWasBefore) {
   EXPECT_EQ(TextStream(&source).find_first_pos_of(TextStream::kEnd, 0), 4U);
 }
 
-// An encoding that is not known is told after the file has been closed.
+// An unknown encoding is reported after the file has been closed.
 TEST(DetectionFromAFaultyDevice, ClosesTheFileOfAnUnknownEncoding) {
   FaultyDevice device(kTable);
   DetectSettings settings;

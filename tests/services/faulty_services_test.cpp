@@ -1,5 +1,5 @@
 // Services of the host that throw at a chosen call: the sets of delimiters, the date check, the
-// error channel. This program brings all three.
+// error channel. This program defines all three.
 #include <cstddef>
 #include <limits>
 #include <memory>
@@ -62,7 +62,7 @@ std::shared_ptr<const DelimiterSet> get_or_create_delim(
   return set;
 }
 
-// Dates are a 'd' and a digit. With nothing to throw, the chosen call says no.
+// A date is a 'd' and a digit. If there is nothing to throw, the chosen call returns false.
 bool datetime::is_datetime(const Field& field) {
   if (date_checks.is_turn()) {
     throw_it(date_checks.thrown);
@@ -163,7 +163,7 @@ TEST_P(ThrowingService, OfDelimiterSetsLeavesTheStreamOfASample) {
 
 // --- the date check ------------------------------------------------------------------------------
 
-// What it throws, at whichever call, is a no.
+// Whatever it throws, at whichever call, counts as "no".
 TEST_P(ThrowingService, OfDatesSaysNo) {
   selection();
   const std::size_t calls = date_checks.calls;
@@ -207,7 +207,7 @@ TEST_P(ThrowingService, OfErrorsPassesAndLeavesTheRecord) {
   }
 }
 
-TEST_P(ThrowingService, OfErrorsIsToldOfAnOddNumber) {
+TEST_P(ThrowingService, OfErrorsReceivesAnOddNumber) {
   error_channel = {0, 1, GetParam().thrown};
   const standalone::Array name = make_array(u"IsFile");
   const hxArray* args[] = {name.get()};

@@ -1,5 +1,5 @@
-// A program replaces one service of the host by defining it: the library asks this date check, and
-// keeps the stand-alone host for everything else.
+// A program replaces one service of the host by defining it. The library calls this date check and
+// uses the stand-alone host for everything else.
 #include <algorithm>
 #include <string>
 #include <vector>

@@ -34,7 +34,7 @@ constexpr double kNotInTheOrder = 18446744073709551616.0;  // 2 to the 64th
 
 const Texts kDefault = {u"\r\n", u"\n", u"\r"};
 
-// Lets the tests look inside.
+// Gives the tests access to the members.
 struct OpenDelimited : DelimitedStrategy {
   using DelimitedStrategy::DelimitedStrategy;
   using Strategy::number_format_;
@@ -59,9 +59,9 @@ const RankCase kRankCases[] = {
     {"TheTabIsSecond", {u"\t"}, 1, false},
     {"TheSemicolonIsThird", {u";"}, 2, false},
     {"TheBlankIsFourthAndSeparatesBySpaces", {u" "}, 3, true},
-    {"ABarIsBehindAll", {u"|"}, kNotInTheOrder, false},
-    {"ANulIsBehindAll", {with_nul(u"\0")}, kNotInTheOrder, false},
-    {"TheEndMarkIsBehindAll", {u"\uFFFF"}, kNotInTheOrder, false},
+    {"ABarRanksLast", {u"|"}, kNotInTheOrder, false},
+    {"ANulRanksLast", {with_nul(u"\0")}, kNotInTheOrder, false},
+    {"TheEndMarkRanksLast", {u"\uFFFF"}, kNotInTheOrder, false},
     {"TwoCharactersHaveNoRank", {u",;"}, kInfinity, false},
     {"TwoBlanksHaveNoRank", {u"  "}, kInfinity, false},
     {"TwoDelimitersHaveNoRank", {u",", u";"}, kInfinity, false},
@@ -192,12 +192,12 @@ const LineCase kLineCases[] = {
     {"AQuoteInsideAFieldHoldsNothing", u"1\"x\ny\"", {{u"1\"x", 4}, {u"y\"", 6}}},
     {"AnUnterminatedQuoteIsTheLastLine", u"a\n\"b,c\nd\ne", {{u"a", 2}, {u"\"b,c\nd\ne", 10}}},
     {"ALoneQuoteIsALine", u"\"\n", {{u"\"\n", 2}}},
-    {"AnEndMarkBehindADelimiterEndsTheLine", u"a,\uFFFFb\nc", {{u"a,", 2}}},
-    {"AnEndMarkBehindTwoDelimitersEndsTheLine", u"a,,\uFFFF", {{u"a,,", 3}}},
-    {"AnEndMarkBehindAClosingQuoteEndsTheLine", u"\"a\"\uFFFFb\nc", {{u"\"a\"", 3}}},
+    {"AnEndMarkAfterADelimiterEndsTheLine", u"a,\uFFFFb\nc", {{u"a,", 2}}},
+    {"AnEndMarkAfterTwoDelimitersEndsTheLine", u"a,,\uFFFF", {{u"a,,", 3}}},
+    {"AnEndMarkAfterAClosingQuoteEndsTheLine", u"\"a\"\uFFFFb\nc", {{u"\"a\"", 3}}},
     {"AnEndMarkInsideAFieldIsPartOfTheLine", u"a,b\uFFFFc,d\ne", {{u"a,b\uFFFFc,d", 8}, {u"e", 9}}},
     {"AnEndMarkAtTheEndIsPartOfTheLine", u"ab\uFFFF", {{u"ab\uFFFF", 3}}},
-    {"AnEndMarkBehindAnEndingStopsTheScan", u"a\n\uFFFFb", {{u"a", 2}}},
+    {"AnEndMarkAfterAnEndingStopsTheScan", u"a\n\uFFFFb", {{u"a", 2}}},
     {"AnEndMarkBeforeAnEndingIsPartOfTheLine", u"a\uFFFF\nb", {{u"a\uFFFF", 3}, {u"b", 4}}},
 };
 
@@ -243,7 +243,7 @@ TEST(DelimitedScan, StartsAnywhere) {
   EXPECT_EQ(step_of(strategy.get_line_extent(text.field(), 6)), (Step{u"c", 8}));
 }
 
-// Past the last unit a scan sees an end mark, and this line ending is one.
+// A scan sees an end mark after the last code unit, and here the end mark is a line ending.
 TEST(DelimitedScan, ConsumesAnEndMarkThatEndsLinesEvenPastTheText) {
   parser::options options;
   options.line_endings = {u"\uFFFF"};
@@ -291,7 +291,7 @@ const CutCase kCutCases[] = {
     {"ALineOfBlanksHasNoField", kComma, kDefault, u"  \na", {{}, {u"a"}}},
     {"BlanksBesideADelimiterStay", kComma, kDefault, u" a , b ", {{u" a ", u" b "}}},
 
-    // Quotes beside everything.
+    // Quotes in all positions.
     {"QuotedThenPlain", kComma, kDefault, u"\"a\",b", {{u"\"a\"", u"b"}}},
     {"PlainThenQuoted", kComma, kDefault, u"a,\"b\"", {{u"a", u"\"b\""}}},
     {"QuotedThenNothing", kComma, kDefault, u"\"a\",", {{u"\"a\"", u""}}},
@@ -302,7 +302,7 @@ const CutCase kCutCases[] = {
     {"TwoEmptyQuotedFields", kComma, kDefault, u"\"\",\"\"", {{u"\"\"", u"\"\""}}},
     {"AnEmptyQuotedLine", kComma, kDefault, u"\"\"\na", {{u"\"\""}, {u"a"}}},
     {"ABlankBeforeTheQuoteMakesItPlain", kComma, kDefault, u" \"a,b\"", {{u" \"a", u"b\""}}},
-    {"ABlankBehindTheQuoteStays", kComma, kDefault, u"\"a\" ,b", {{u"\"a\" ", u"b"}}},
+    {"ABlankAfterTheQuoteStays", kComma, kDefault, u"\"a\" ,b", {{u"\"a\" ", u"b"}}},
     {"ATextBeforeTheQuoteMakesItPlain", kComma, kDefault, u"a\"b,c\"d", {{u"a\"b", u"c\"d"}}},
     {"AThirdQuoteClosesNothing", kComma, kDefault, u"\"a\"b\"c,d\"", {{u"\"a\"b\"c", u"d\""}}},
     {"FourQuotesAreAField", kComma, kDefault, u"\"\"\"\",x", {{u"\"\"\"\"", u"x"}}},
@@ -318,7 +318,7 @@ const CutCase kCutCases[] = {
      u"\"a\"\"\nb,c\n",
      {{u"\"a\"\"\nb,c\n"}}},
 
-    // Weird delimiters.
+    // Unusual delimiters.
     {"TheLongerDelimiterWinsWhenItComesFirst", {u"::", u":"}, kDefault, u"a::b", {{u"a", u"b"}}},
     {"TheShorterDelimiterWinsWhenItComesFirst",
      {u":", u"::"},
@@ -334,7 +334,7 @@ const CutCase kCutCases[] = {
     {"WithoutDelimitersALineIsAField", {}, kDefault, u"a,b\nc", {{u"a,b"}, {u"c"}}},
     {"AnEmptyDelimiterSeparatesNothing", {u""}, kDefault, u"a,b\nc", {{u"a,b"}, {u"c"}}},
     {"AnEmptyDelimiterInFrontHidesTheOthers", {u"", u","}, kDefault, u"a,b", {{u"a,b"}}},
-    {"AnEmptyDelimiterBehindHidesNothing", {u",", u""}, kDefault, u"a,b", {{u"a", u"b"}}},
+    {"AnEmptyDelimiterAtTheEndHidesNothing", {u",", u""}, kDefault, u"a,b", {{u"a", u"b"}}},
     {"ALineEndingSeparatesNoFields", {u"\n"}, kDefault, u"a\nb", {{u"a"}, {u"b"}}},
     {"AForeignLineEndingSeparatesFields", {u"\r\n"}, {u"\n"}, u"a\r\nb\nc", {{u"a", u"b"}, {u"c"}}},
     {"TheQuoteMayDelimitPlainFields", {u"\""}, kDefault, u"a\"b\n", {{u"a", u"b"}}},
@@ -344,7 +344,7 @@ const CutCase kCutCases[] = {
     {"TheEndMarkSeparatesNothing", {u"\uFFFF"}, kDefault, u"a\uFFFFb", {{u"a"}}},
     {"TheEndMarkHidesNoOther", {u"\uFFFF", u","}, kDefault, u"a,b", {{u"a", u"b"}}},
 
-    // Weird line endings.
+    // Unusual line endings.
     {"WithoutEndingsTheTextIsALine", {u";"}, {}, kMixed, {{u"a", u"b \t\nc"}}},
     {"AnEmptyEndingEndsNothing", {u";"}, {u""}, kMixed, {{u"a", u"b \t\nc"}}},
     {"AnEmptyEndingInFrontHidesTheOthers", {u";"}, {u"", u"\n"}, kMixed, {{u"a", u"b \t\nc"}}},
@@ -367,14 +367,14 @@ const CutCase kCutCases[] = {
 
     // The end mark.
     {"AnEndMarkAtTheStartLeavesNothing", kComma, kDefault, u"\uFFFFa,b", {}},
-    {"AnEndMarkBehindADelimiter", kComma, kDefault, u"a,\uFFFFb", {{u"a", u""}}},
-    {"AnEndMarkBehindTwoDelimiters", kComma, kDefault, u"a,,\uFFFF", {{u"a", u"", u""}}},
+    {"AnEndMarkAfterADelimiter", kComma, kDefault, u"a,\uFFFFb", {{u"a", u""}}},
+    {"AnEndMarkAfterTwoDelimiters", kComma, kDefault, u"a,,\uFFFF", {{u"a", u"", u""}}},
     {"AnEndMarkInsideAField", kComma, kDefault, u"a,b\uFFFFc,d", {{u"a", u"b\uFFFFc", u"d"}}},
     {"AnEndMarkBeforeADelimiter", kComma, kDefault, u"a\uFFFF,b", {{u"a\uFFFF", u"b"}}},
     {"AnEndMarkInsideQuotes", kComma, kDefault, u"\"a\uFFFF,\"b,c", {{u"\"a\uFFFF,\"b", u"c"}}},
-    {"AnEndMarkBehindAClosingQuote", kComma, kDefault, u"a,\"b\"\uFFFF,c", {{u"a", u"\"b\""}}},
-    {"AnEndMarkBehindAnUnterminatedQuote", kComma, kDefault, u"\"a\uFFFF", {{u"\"a\uFFFF"}}},
-    {"AnEndMarkBehindHalfAnEnding", kComma, {u"\r\n"}, u"a\r\uFFFFb", {{u"a\r"}}},
+    {"AnEndMarkAfterAClosingQuote", kComma, kDefault, u"a,\"b\"\uFFFF,c", {{u"a", u"\"b\""}}},
+    {"AnEndMarkAfterAnUnterminatedQuote", kComma, kDefault, u"\"a\uFFFF", {{u"\"a\uFFFF"}}},
+    {"AnEndMarkAfterHalfAnEnding", kComma, {u"\r\n"}, u"a\r\uFFFFb", {{u"a\r"}}},
     {"AnEndMarkAloneInALine", kComma, kDefault, u"a\n\uFFFF\nb", {{u"a"}}},
 };
 
@@ -401,7 +401,7 @@ TEST_P(DelimitedCut, IsTheSameTwice) {
 INSTANTIATE_TEST_SUITE_P(Table, DelimitedCut, testing::ValuesIn(kCutCases),
                          testing_support::ByRule());
 
-// The rules for runs of delimiters and for leading ones belong to the import, not to the cut.
+// The rules for consecutive and leading delimiters belong to the import, not to the cut.
 TEST(DelimitedOptions, RulesForRunsAndLeadingDelimitersAreNotConsulted) {
   parser::options options;
   options.consecutive_delimiters_rule = parser::consecutive_delimiters_action::join;

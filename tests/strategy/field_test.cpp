@@ -153,7 +153,7 @@ TEST(MutableFieldDestructor, FreesItsBlockThroughTheBase) {
   auto* field = new MutableField(text.field());
   field->own_storage();
   const Field* base = field;
-  delete base;  // the leak checker sees a block that was left behind
+  delete base;  // the leak checker would report a block that is still allocated
 }
 
 }  // namespace

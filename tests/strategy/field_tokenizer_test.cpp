@@ -69,14 +69,14 @@ const TokenizeCase kTokenizeCases[] = {
     {"AQuotedFieldKeepsItsQuotes", kComma, kDefault, u"\"a\",b", 0, {u"\"a\"", 4}},
     {"AQuotedFieldHoldsDelimiters", kComma, kDefault, u"\"a,b\",c", 0, {u"\"a,b\"", 6}},
     {"AQuotedFieldHoldsLineEndings", kComma, kDefault, u"\"a\r\nb\"\nc", 0, {u"\"a\r\nb\"", 6}},
-    {"TextBehindTheClosingQuoteStays", kComma, kDefault, u"\"a,b\"x,c", 0, {u"\"a,b\"x", 7}},
-    {"QuotesBehindTheClosingQuoteOpenNothing",
+    {"TextAfterTheClosingQuoteStays", kComma, kDefault, u"\"a,b\"x,c", 0, {u"\"a,b\"x", 7}},
+    {"QuotesAfterTheClosingQuoteOpenNothing",
      kComma,
      kDefault,
      u"\"a\"b\"c,d\"",
      0,
      {u"\"a\"b\"c", 7}},
-    {"ABlankBehindTheClosingQuoteStays", kComma, kDefault, u"\"a\" ,b", 0, {u"\"a\" ", 5}},
+    {"ABlankAfterTheClosingQuoteStays", kComma, kDefault, u"\"a\" ,b", 0, {u"\"a\" ", 5}},
     {"ADoubledQuoteDoesNotClose", kComma, kDefault, u"\"a\"\",b\",c", 0, {u"\"a\"\",b\"", 8}},
     {"TwoDoubledQuotesDoNotClose", kComma, kDefault, u"\"\"\"\"\"\",x", 0, {u"\"\"\"\"\"\"", 7}},
     {"TwoQuotesAreAnEmptyQuotedField", kComma, kDefault, u"\"\",b", 0, {u"\"\"", 3}},
@@ -115,7 +115,7 @@ const TokenizeCase kTokenizeCases[] = {
      0,
      {with_nul(u"a,\0b"), 4}},
     {"AnEmptyDelimiterInFrontHidesTheOthers", {u"", u","}, kDefault, u"a,b", 0, {u"a,b", 3}},
-    {"AnEmptyDelimiterBehindHidesNothing", {u",", u""}, kDefault, u"a,b", 0, {u"a", 2}},
+    {"AnEmptyDelimiterAtTheEndHidesNothing", {u",", u""}, kDefault, u"a,b", 0, {u"a", 2}},
     {"AnEmptyLineEndingNeverMatches",
      kComma,
      {u""},
@@ -147,19 +147,19 @@ const TokenizeCase kTokenizeCases[] = {
      u"\"a\uFFFFb\",c",
      0,
      {u"\"a\uFFFFb\"", 6}},
-    {"AnEndMarkBehindTheClosingQuoteEndsTheField",
+    {"AnEndMarkAfterTheClosingQuoteEndsTheField",
      kComma,
      kDefault,
      u"\"a\"\uFFFF,b",
      0,
      {u"\"a\"", 3}},
-    {"AnEndMarkBehindADoubledQuoteIsInside",
+    {"AnEndMarkAfterADoubledQuoteIsInside",
      kComma,
      kDefault,
      u"\"a\"\"\uFFFF\",b",
      0,
      {u"\"a\"\"\uFFFF\"", 7}},
-    {"AnEndMarkLaterBehindTheClosingQuoteIsPart",
+    {"AnEndMarkFurtherAfterTheClosingQuoteIsPart",
      kComma,
      kDefault,
      u"\"a\"b\uFFFFc,d",
@@ -171,7 +171,7 @@ const TokenizeCase kTokenizeCases[] = {
      u"\"a\uFFFFb",
      0,
      {u"\"a\uFFFFb", 4}},
-    {"AnEndMarkBehindHalfADelimiterEndsTheField", {u"::"}, kDefault, u"a:\uFFFFb", 0, {u"a:", 2}},
+    {"AnEndMarkAfterHalfADelimiterEndsTheField", {u"::"}, kDefault, u"a:\uFFFFb", 0, {u"a:", 2}},
     {"AnEndMarkAsTheDelimiterIsNotConsumed", {u"\uFFFF"}, kDefault, u"a\uFFFFb", 0, {u"a", 1}},
     {"AnEndMarkAsTheLineEndingIsNotConsumed", kComma, {u"\uFFFF"}, u"a\uFFFFb", 0, {u"a", 1}},
     {"AnEndMarkAsADelimiterLeavesTheOthers", {u"\uFFFF", u","}, kDefault, u"a,b", 0, {u"a", 2}},
@@ -186,7 +186,7 @@ TEST_P(FieldTokenizerTokenize, FindsTheEndOfTheField) {
   EXPECT_EQ(step_of(tokenizer.tokenize(text.field(), GetParam().pos)), GetParam().step);
 }
 
-// What lies before the start of the scan does not matter.
+// Text before the start of the scan does not matter.
 TEST_P(FieldTokenizerTokenize, DependsOnTheTextFromItsStartOnOnly) {
   const FieldTokenizer tokenizer(GetParam().delimiters, GetParam().line_endings);
   const ExactText text(u"\",\n" + GetParam().text);
@@ -212,7 +212,7 @@ TEST(FieldTokenizerScan, FindsNothingPastTheEnd) {
   EXPECT_EQ(extent.next, 10u);
 }
 
-// Copies share the markers, not the object that they were copied from.
+// Copies share the markers, but not the object from which they were copied.
 TEST(FieldTokenizerScan, IsTheSameByACopy) {
   const ExactText text(u"a,b;c");
   auto commas = std::make_unique<FieldTokenizer>(kComma, kDefault);

@@ -37,7 +37,7 @@ constexpr unsigned long kHalf = 1UL << 63;
 
 const Texts kDefault = {u"\r\n", u"\n", u"\r"};
 
-// Lets the tests look inside.
+// Gives the tests access to the members.
 struct OpenFixedWidth : FixedWidthStrategy {
   using FixedWidthStrategy::FixedWidthStrategy;
   using Strategy::space_separated_;
@@ -127,12 +127,12 @@ const LineCase kLineCases[] = {
      kDefault,
      u"ab\uFFFFcd\nef",
      {{u"ab\uFFFFcd", 6}, {u"ef", 8}}},
-    {"AnEndMarkBehindHalfAnEndingDoesNotEndIt",
+    {"AnEndMarkAfterHalfAnEndingDoesNotEndIt",
      {u"\r\n"},
      u"a\r\uFFFFb\r\nc",
      {{u"a\r\uFFFFb", 6}, {u"c", 7}}},
     {"AnEndMarkAtTheEndIsPartOfTheLine", kDefault, u"ab\uFFFF", {{u"ab\uFFFF", 3}}},
-    {"AnEndMarkBehindAnEndingStopsTheScan", kDefault, u"ab\n\uFFFFcd", {{u"ab", 3}}},
+    {"AnEndMarkAfterAnEndingStopsTheScan", kDefault, u"ab\n\uFFFFcd", {{u"ab", 3}}},
     {"AnEndingThatStartsWithAnEndMarkIsConsumed",
      {u"\uFFFF\n"},
      u"a\uFFFF\nb",
@@ -152,7 +152,7 @@ TEST_P(FixedWidthGetLineExtent, EndsALineAtItsEnding) {
 INSTANTIATE_TEST_SUITE_P(Table, FixedWidthGetLineExtent, testing::ValuesIn(kLineCases),
                          testing_support::ByRule());
 
-TEST(FixedWidthScan, SeesTheLineBehindAnEndMark) {
+TEST(FixedWidthScan, SeesTheLineAfterAnEndMark) {
   const parser::options options;
   const FixedWidthStrategy strategy(options, {2});
   const ExactText text(u"a\uFFFFb\nc");
@@ -175,7 +175,7 @@ TEST(FixedWidthScan, TakesAnEndMarkForAnEndingWhenItIsOne) {
   EXPECT_EQ(lines_of(strategy, text, 9), (Texts{u"a", u"b\nc"}));
 }
 
-// Past the last unit a scan sees an end mark, and this line ending is one.
+// A scan sees an end mark after the last code unit, and here the end mark is a line ending.
 TEST(FixedWidthScan, ConsumesAnEndMarkThatEndsLinesEvenPastTheText) {
   parser::options options;
   options.line_endings = {u"\uFFFF"};
@@ -252,8 +252,8 @@ struct CutCase {
   const char* rule;
   Widths widths;
   std::u16string text;
-  Rows rows;       // what of each field lies inside its line
-  Counts lengths;  // what each field reports
+  Rows rows;       // the part of each field that is inside its line
+  Counts lengths;  // the length that each field reports
 };
 std::ostream& operator<<(std::ostream& out, const CutCase& row) { return out << row.rule; }
 
@@ -326,11 +326,16 @@ const CutCase kCutCases[] = {
      u"ab\uFFFFcd",
      {{u"ab", u"\uFFFFcd"}},
      {2, 3}},
-    {"BehindThatFieldTheCutGoesOn", {2, 1}, u"ab\uFFFFcd", {{u"ab", u"\uFFFF", u"cd"}}, {2, 1, 2}},
+    {"AfterThatFieldTheCutContinues",
+     {2, 1},
+     u"ab\uFFFFcd",
+     {{u"ab", u"\uFFFF", u"cd"}},
+     {2, 1, 2}},
     {"TwoEndMarksInARowEndTheCut", {2, 1}, u"ab\uFFFF\uFFFFcd", {{u"ab", u"\uFFFF"}}, {2, 1}},
     {"AnEndMarkAtTheEndOfTheLineIsAField", {2}, u"ab\uFFFF", {{u"ab", u"\uFFFF"}}, {2, 2}},
-    {"AnEndMarkBehindAnEndingStopsTheScan", {2}, u"ab\n\uFFFFcd", {{u"ab"}}, {2}},
-    // The column without width stands still at the end mark: one more field, then the line ends.
+    {"AnEndMarkAfterAnEndingStopsTheScan", {2}, u"ab\n\uFFFFcd", {{u"ab"}}, {2}},
+    // The column without width does not advance at the end mark: one more field, then the line
+    // ends.
     {"AColumnWithoutWidthAtAnEndMarkEndsTheCut", {2, 0}, u"ab\uFFFFcd", {{u"ab", u""}}, {2, 0}},
 };
 
@@ -385,7 +390,7 @@ TEST(FixedWidthColumn, IsNotMovedByTheSampling) {
   EXPECT_EQ(cut_of(strategy), (Rows{{u"ab", u"cde"}}));
 }
 
-// The lengths tell which widths were taken: a line of three units leaves the second one over for
+// The lengths show which widths were used: a line of three code units leaves the second width for
 // the next line.
 TEST(FixedWidthColumn, RunsOnFromLineToLineThatIsCutAlone) {
   const parser::options options;
@@ -407,7 +412,7 @@ TEST(FixedWidthColumn, RunsOnFromTheValuationToTheNextCut) {
   EXPECT_EQ(cut_of(strategy), (Rows{{u"abc"}}));
 }
 
-// Whoever reads the units of a field stops at the end of the text, whatever length it reports.
+// Code that reads a field stops at the end of the text, whatever length the field reports.
 TEST(FixedWidthColumn, IsReadNoFurtherThanTheText) {
   parser::options options;
   options.detect_header_lines = false;

@@ -57,7 +57,7 @@ TEST(LineCursor, LooksUpManyMarkers) {
   EXPECT_EQ(cursor->line_at(8).extent.next, 9U);
 }
 
-// In any order of the places that are asked for.
+// The positions may be requested in any order.
 RC_GTEST_PROP(LineCursorProperty, AgreesWithTheStrategy, ()) {
   const auto units = *rc::gen::container<std::u16string>(rc::gen::weightedElement<char16_t>(
       {{6, u'a'}, {4, u','}, {4, u' '}, {3, u'"'}, {3, u'\n'}, {1, u'\r'}, {1, u'\uFFFF'}}));

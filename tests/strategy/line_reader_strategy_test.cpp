@@ -31,7 +31,7 @@ using testing_support::with_nul;
 
 const Texts kDefault = {u"\r\n", u"\n", u"\r"};
 
-// Lets the tests look inside.
+// Gives the tests access to the members.
 struct OpenLineReader : LineReaderStrategy {
   using LineReaderStrategy::LineReaderStrategy;
   using Strategy::space_separated_;
@@ -83,7 +83,7 @@ const LineCase kLineCases[] = {
     {"AnEmptyEndingEndsNothing", {u""}, kMixed, {{kMixed, 7}}},
     {"AnEmptyEndingEndsNothingAtANul", {u""}, with_nul(u"a\0b"), {{with_nul(u"a\0b"), 3}}},
     {"AnEmptyEndingInFrontHidesTheOthers", {u"", u"\n"}, kMixed, {{kMixed, 7}}},
-    {"AnEmptyEndingBehindHidesNothing", {u"\n", u""}, kMixed, {{u"a;b \t", 6}, {u"c", 7}}},
+    {"AnEmptyEndingAtTheEndHidesNothing", {u"\n", u""}, kMixed, {{u"a;b \t", 6}, {u"c", 7}}},
     {"ABlankMayEndLines", {u" "}, kMixed, {{u"a;b", 4}, {u"\t\nc", 7}}},
     {"ATabAndALineFeedMayEndLinesTogether", {u"\t\n"}, kMixed, {{u"a;b ", 6}, {u"c", 7}}},
     {"PartOfAnEndingEndsNothing", {u"\t\n"}, u"a\tb\nc\t", {{u"a\tb\nc\t", 6}}},
@@ -96,9 +96,9 @@ const LineCase kLineCases[] = {
     {"AnEndMarkAtTheStartLeavesNothing", kDefault, u"\uFFFFab", {}},
     {"AnEndMarkInsideALineIsPartOfIt", kDefault, u"a\uFFFFb\nc", {{u"a\uFFFFb", 4}, {u"c", 5}}},
     {"AnEndMarkAtTheEndIsPartOfTheLine", kDefault, u"ab\uFFFF", {{u"ab\uFFFF", 3}}},
-    {"AnEndMarkBehindAnEndingStopsTheScan", kDefault, u"a\n\uFFFFb", {{u"a", 2}}},
-    {"AnEndMarkBehindHalfAnEndingStopsTheScan", {u"\r\n"}, u"a\r\uFFFFb", {{u"a\r", 2}}},
-    {"AnEndMarkBehindAHalfAndMoreDoesNot",
+    {"AnEndMarkAfterAnEndingStopsTheScan", kDefault, u"a\n\uFFFFb", {{u"a", 2}}},
+    {"AnEndMarkAfterHalfAnEndingStopsTheScan", {u"\r\n"}, u"a\r\uFFFFb", {{u"a\r", 2}}},
+    {"AnEndMarkAfterAHalfAndMoreDoesNot",
      {u"\r\n"},
      u"a\rb\uFFFFc\r\nd",
      {{u"a\rb\uFFFFc", 7}, {u"d", 8}}},

@@ -1,5 +1,5 @@
-// Many or long markers: a walk over a text gives what single steps give, and nothing of a text is kept
-// from one call to the next.
+// Many or long markers: a scan over a text finds the same as single steps, and nothing about a text
+// is kept from one call to the next.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -32,7 +32,7 @@ using testing_support::Steps;
 using testing_support::text_of;
 using testing_support::Texts;
 
-// 64 markers that begin with `first` and differ after it; the last one is `first` and '='.
+// 64 markers that begin with `first` and differ in the rest; the last one is `first` and '='.
 Texts many_markers(char16_t first) {
   Texts markers;
   for (char16_t k = 0; k < 63; ++k) {
@@ -83,7 +83,7 @@ class ManyMarkers : public testing::TestWithParam<KindCase> {
   parser::options options_;
 };
 
-// 403 code units, nearly all of which nearly begin a marker.
+// 403 code units; nearly all of them begin a partial match of a marker.
 std::u16string hostile_line() {
   std::u16string half;
   for (int i = 0; i < 25; ++i) half += u"aann a a";
@@ -129,7 +129,7 @@ TEST_P(ManyMarkers, GiveTheSameCutOfASample) {
   EXPECT_EQ(cut_of(*strategy, text), Rows(10, fields));
 }
 
-// The text is another at each call, in the same place.
+// The text differs on each call but has the same address.
 TEST_P(ManyMarkers, FollowATextThatChanges) {
   std::u16string text = hostile_text();
   const Field field(text.data(), text.size());
@@ -149,7 +149,7 @@ TEST_P(ManyMarkers, FollowATextThatChanges) {
 
 INSTANTIATE_TEST_SUITE_P(Kinds, ManyMarkers, testing::ValuesIn(kKindCases), ByRule());
 
-// A delimiter that reaches beyond its line is none, although it is in the text.
+// A delimiter that extends past its line does not match, although the text contains it.
 TEST(ManyDelimiters, FitIntoTheirLine) {
   Texts delimiters = many_markers(u'a');
   delimiters.push_back(u"x\ny");
@@ -163,7 +163,7 @@ TEST(ManyDelimiters, FitIntoTheirLine) {
   EXPECT_EQ(strategy.populate_fields(exact.field(), 1000).size(), 50u);
   std::vector<Field> fields;
   strategy.cut_line(slice(exact.field(), 0, 5), fields);
-  ASSERT_EQ(fields.size(), 2u);  // "aaaa", and what follows the "x"
+  ASSERT_EQ(fields.size(), 2u);  // "aaaa", and the empty field after the "x"
   EXPECT_EQ(fields[0].length, 4u);
   EXPECT_EQ(fields[1].length, 0u);
 }

@@ -1,5 +1,5 @@
-// What holds for every strategy and every text, tried on small random texts of the characters that
-// the scans look at. The seed is fixed: the texts are the same in every run.
+// Properties of every strategy on every text, tested on small random texts of the characters that
+// the scans look for. The seed is fixed: the texts are the same in every run.
 
 #include <gtest/gtest.h>
 
@@ -72,7 +72,7 @@ const std::vector<Texts>& line_ending_choices() {
   return choices;
 }
 
-// Half of the records are the default ones.
+// Half of the records have the default values.
 parser::options random_options(Random& random) {
   parser::options options;
   if (random.below(2) == 0) return options;
@@ -92,9 +92,9 @@ std::size_t random_budget(Random& random) {
 struct Shape {
   const char* name;
   std::function<std::unique_ptr<Strategy>(const parser::options&)> make;
-  std::u16string whitespace;  // by which a line is empty, under default options
+  std::u16string whitespace;  // makes a line empty, under default options
   bool fixed_width = false;
-  std::u16string separators = {};  // characters that lie between two fields
+  std::u16string separators = {};  // characters that separate two fields
 };
 std::ostream& operator<<(std::ostream& out, const Shape& shape) { return out << shape.name; }
 
@@ -146,7 +146,7 @@ bool has_end_mark(const Field& text) { return contains(view_of(text), kEndMark);
 
 class EveryStrategy : public testing::TestWithParam<Shape> {
  protected:
-  // Calls `check` for many random texts with random options and a fresh strategy each.
+  // Calls `check` for many random texts, each with random options and a new strategy.
   void for_random_texts(std::u16string_view alphabet, bool default_options,
                         const std::function<void(Strategy&, const ExactText&, std::size_t budget,
                                                  const parser::options&)>& check) {
@@ -213,7 +213,8 @@ TEST_P(EveryStrategy, SamplesLinesThatAscendAndDoNotOverlap) {
       });
 }
 
-// The lines of a sample, line by line: blank ones become empty and do not count, comments go.
+// The lines of a sample, one by one: blank lines become empty and do not count; comments are
+// dropped.
 Texts lines_one_by_one(const Strategy& strategy, const ExactText& text, std::size_t budget,
                        const parser::options& options, std::u16string_view whitespace) {
   std::size_t target = budget;
@@ -263,8 +264,8 @@ TEST_P(EveryStrategy, SamplesTheSameTwice) {
                        ASSERT_EQ(once[k].data, twice[k].data);
                        ASSERT_EQ(once[k].length, twice[k].length);
                      }
-                     // The column of a fixed-width strategy runs on from cut to cut; a fresh one
-                     // starts anew.
+                     // The column of a fixed-width strategy continues from cut to cut; a new one
+                     // starts at the first column.
                      const auto fresh = GetParam().make(options);
                      fresh->populate_fields(text.field(), budget);
                      const Rows rows = cut_of(strategy);
@@ -321,8 +322,8 @@ TEST_P(EveryStrategy, CutsLinesIntoFieldsThatLieInThemInOrder) {
       });
 }
 
-// Nothing of a line is lost: between two fields lie separators only, and the last field ends where
-// the line does. An end mark in the line may stop the cut early.
+// No text of a line is lost: only separators are between two fields, and the last field ends where
+// the line does. An end mark in the line may end the cut early.
 TEST_P(EveryStrategy, LosesNothingButSeparators) {
   for_random_texts(
       kAlphabet, false,
@@ -354,9 +355,9 @@ TEST_P(EveryStrategy, LosesNothingButSeparators) {
 INSTANTIATE_TEST_SUITE_P(RandomTexts, EveryStrategy, testing::ValuesIn(all_shapes()),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// -- a second route to the same cut -------------------------------------------------------------
+// -- a second way to the same cut ---------------------------------------------------------------
 
-// The lines of a text without quotes and end marks, found the plain way.
+// The lines of a text without quotes and end marks, found by a simple loop.
 Texts plain_lines(const std::u16string& text) {
   Texts lines;
   std::u16string line;
@@ -385,7 +386,7 @@ Texts split_at(const std::u16string& line, char16_t separator) {
   return fields;
 }
 
-// Fields between runs of blanks; blanks at the end of the line open an empty one.
+// Fields between runs of blanks. Blanks at the end of the line start an empty field.
 Texts split_at_blanks(const std::u16string& line) {
   Texts fields(1);
   for (std::size_t i = 0; i < line.size(); ++i) {

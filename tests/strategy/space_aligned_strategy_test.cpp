@@ -29,7 +29,7 @@ using testing_support::Texts;
 
 const Texts kDefault = {u"\r\n", u"\n", u"\r"};
 
-// Lets the tests look inside.
+// Gives the tests access to the members.
 struct OpenSpaceAligned : SpaceAlignedStrategy {
   using SpaceAlignedStrategy::SpaceAlignedStrategy;
   using Strategy::number_format_;
@@ -41,7 +41,7 @@ struct OpenSpaceAligned : SpaceAlignedStrategy {
 
 // -- construction -------------------------------------------------------------------------------
 
-TEST(SpaceAlignedConstructor, IsModeOneAndRanksBehindTheDelimitersInOrder) {
+TEST(SpaceAlignedConstructor, IsModeOneAndRanksAfterTheDelimitersInOrder) {
   const parser::options options;
   const OpenSpaceAligned strategy(options);
   EXPECT_EQ(strategy.mode(), 1);
@@ -115,11 +115,11 @@ const LineCase kLineCases[] = {
     {"AQuoteInsideAFieldHoldsNothing", u"x\"\ny\"", {{u"x\"", 3}, {u"y\"", 5}}},
     {"AnUnterminatedQuoteIsTheLastLine", u"a\n \"b\nc \n", {{u"a", 2}, {u"\"b\nc \n", 9}}},
     {"AnEndMarkAtTheStartStopsTheScan", u"\uFFFFa b", {}},
-    {"AnEndMarkBehindLeadingBlanksLeavesAnEmptyLine", u"  \uFFFFa", {{u"", 2}}},
-    {"AnEndMarkBehindBlanksEndsTheLine", u"a  \uFFFFb\nc", {{u"a  ", 3}}},
+    {"AnEndMarkAfterLeadingBlanksLeavesAnEmptyLine", u"  \uFFFFa", {{u"", 2}}},
+    {"AnEndMarkAfterBlanksEndsTheLine", u"a  \uFFFFb\nc", {{u"a  ", 3}}},
     {"AnEndMarkInsideAFieldIsPartOfTheLine", u"a\uFFFFb c\nd", {{u"a\uFFFFb c", 6}, {u"d", 7}}},
-    {"AnEndMarkBehindAClosingQuoteEndsTheLine", u"\"a\"\uFFFFb\nc", {{u"\"a\"", 3}}},
-    {"AnEndMarkBehindAnEndingStopsTheScan", u"a b\n\uFFFFc", {{u"a b", 4}}},
+    {"AnEndMarkAfterAClosingQuoteEndsTheLine", u"\"a\"\uFFFFb\nc", {{u"\"a\"", 3}}},
+    {"AnEndMarkAfterAnEndingStopsTheScan", u"a b\n\uFFFFc", {{u"a b", 4}}},
     {"AnEndMarkAtTheEndIsPartOfTheLine", u"a b\uFFFF", {{u"a b\uFFFF", 4}}},
 };
 
@@ -153,7 +153,7 @@ TEST(SpaceAlignedScan, FindsNothingAtAnEndMark) {
   EXPECT_EQ(step_of(strategy.get_next_field(text.field(), 1)), (Step{u"", 1}));
 }
 
-// A line ending that is the end mark alone is found past the last unit, too.
+// A line ending that is only the end mark is also found after the last code unit.
 TEST(SpaceAlignedScan, ConsumesAnEndMarkThatEndsLinesEvenPastTheText) {
   parser::options options;
   options.line_endings = {u"\uFFFF"};
@@ -163,7 +163,7 @@ TEST(SpaceAlignedScan, ConsumesAnEndMarkThatEndsLinesEvenPastTheText) {
   EXPECT_EQ(step_of(strategy.get_line_extent(text.field(), 4)), (Step{u"c", 6}));
 }
 
-TEST(SpaceAlignedGetNextField, StepsOverAllBlanksBehindTheField) {
+TEST(SpaceAlignedGetNextField, StepsOverAllBlanksAfterTheField) {
   const parser::options options;
   SpaceAlignedStrategy strategy(options);
   const ExactText tabs(u"a\t \tb");
@@ -211,7 +211,7 @@ const CutCase kCutCases[] = {
     {"QuotesHoldEndings", kDefault, u"\"x\ny\" z\nw", {{u"\"x\ny\"", u"z"}, {u"w"}}},
     {"QuotedBesideQuoted", kDefault, u"\"a\" \"b\"", {{u"\"a\"", u"\"b\""}}},
     {"ADoubledQuoteDoesNotClose", kDefault, u"\"a\"\"b c\" d", {{u"\"a\"\"b c\"", u"d"}}},
-    {"TextBehindTheClosingQuoteStays", kDefault, u"\"a b\"c d", {{u"\"a b\"c", u"d"}}},
+    {"TextAfterTheClosingQuoteStays", kDefault, u"\"a b\"c d", {{u"\"a b\"c", u"d"}}},
     {"AQuoteInsideAFieldHoldsNothing", kDefault, u"a\"b c\"", {{u"a\"b", u"c\""}}},
     {"ABlankBeforeTheQuoteLeavesItAQuote", kDefault, u" \"a b\"", {{u"\"a b\""}}},
     {"AnUnterminatedQuoteTakesTheRest", kDefault, u"a \"b c\nd", {{u"a", u"\"b c\nd"}}},
@@ -224,25 +224,25 @@ const CutCase kCutCases[] = {
     {"ABlankEndsNoLine", {u" "}, kMixed, {{u"a;b", u"\nc"}}},
     {"ABlankEndsNoLineAtAll", {u" "}, u"a b c", {{u"a", u"b", u"c"}}},
     {"ATabAndALineFeedEndNoLine", {u"\t\n"}, kMixed, {{u"a;b", u"\nc"}}},
-    {"ATabAndALineFeedRightBehindAFieldNeither", {u"\t\n"}, u"a\t\nb", {{u"a", u"\nb"}}},
+    {"ATabAndALineFeedRightAfterAFieldNeither", {u"\t\n"}, u"a\t\nb", {{u"a", u"\nb"}}},
     {"AnEndingOfABlankAndALineFeedLosesItsBlank", {u" \n", u"\n"}, u"a \nb", {{u"a", u""}, {u"b"}}},
     {"AnEndMarkAsTheEndingEndsNothingElse", {u"\uFFFF"}, kMixed, {{u"a;b", u"\nc"}}},
     {"AnEndMarkAsTheEndingIsConsumedByTheLine",
      {u"\uFFFF"},
      u"a b\uFFFFc d",
      {{u"a", u"b"}, {u"c", u"d"}}},
-    {"AnEndMarkAsTheEndingIsNotSeenBehindABlank", {u"\uFFFF"}, u"a \uFFFFb", {{u"a", u""}}},
+    {"AnEndMarkAsTheEndingIsNotSeenAfterABlank", {u"\uFFFF"}, u"a \uFFFFb", {{u"a", u""}}},
     {"ASemicolonMayEndLines", {u";"}, kMixed, {{u"a"}, {u"b", u"\nc"}}},
     {"HalfAnEndingIsText", {u"\r\n"}, u"a\r b\r\nc", {{u"a\r", u"b"}, {u"c"}}},
 
     {"AnEndMarkAtTheStartLeavesNothing", kDefault, u"\uFFFFa b", {}},
-    {"AnEndMarkBehindLeadingBlanksIsAnEmptyLine", kDefault, u"  \uFFFFa", {{}}},
-    {"AnEndMarkBehindABlank", kDefault, u"a \uFFFFb", {{u"a", u""}}},
+    {"AnEndMarkAfterLeadingBlanksIsAnEmptyLine", kDefault, u"  \uFFFFa", {{}}},
+    {"AnEndMarkAfterABlank", kDefault, u"a \uFFFFb", {{u"a", u""}}},
     {"AnEndMarkInsideAField", kDefault, u"a\uFFFFb c", {{u"a\uFFFFb", u"c"}}},
     {"AnEndMarkBeforeABlank", kDefault, u"a\uFFFF b", {{u"a\uFFFF", u"b"}}},
     {"AnEndMarkInsideQuotes", kDefault, u"\"a \uFFFF\" b", {{u"\"a \uFFFF\"", u"b"}}},
-    {"AnEndMarkBehindAClosingQuote", kDefault, u"a \"b\"\uFFFF c", {{u"a", u"\"b\""}}},
-    {"AnEndMarkBehindHalfAnEnding", {u"\r\n"}, u"a\r\uFFFFb", {{u"a\r"}}},
+    {"AnEndMarkAfterAClosingQuote", kDefault, u"a \"b\"\uFFFF c", {{u"a", u"\"b\""}}},
+    {"AnEndMarkAfterHalfAnEnding", {u"\r\n"}, u"a\r\uFFFFb", {{u"a\r"}}},
 };
 
 class SpaceAlignedCut : public testing::TestWithParam<CutCase> {};
@@ -268,7 +268,7 @@ TEST_P(SpaceAlignedCut, IsTheSameTwice) {
 INSTANTIATE_TEST_SUITE_P(Table, SpaceAlignedCut, testing::ValuesIn(kCutCases),
                          testing_support::ByRule());
 
-TEST(SpaceAlignedPopulate, CountsTheEmptyFieldBehindTrailingBlanks) {
+TEST(SpaceAlignedPopulate, CountsTheEmptyFieldAfterTrailingBlanks) {
   const parser::options options;
   SpaceAlignedStrategy strategy(options);
   const ExactText text(u"  a b  \n\n c\n");
@@ -276,8 +276,8 @@ TEST(SpaceAlignedPopulate, CountsTheEmptyFieldBehindTrailingBlanks) {
   EXPECT_EQ(field_counts_of(strategy), (std::vector<std::size_t>{3, 0, 1}));
 }
 
-// A comment marker is looked for in the line, which has no leading blanks here, and a line of
-// quotes around blanks is not empty.
+// The search for a comment marker uses the line, which has no leading blanks here. A line of quotes
+// around blanks is not empty.
 TEST(SpaceAlignedPopulate, DropsIndentedComments) {
   parser::options options;
   options.comment_style = {u"#"};

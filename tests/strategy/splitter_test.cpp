@@ -26,7 +26,7 @@ using testing_support::ByRule;
 using testing_support::ExactText;
 using testing_support::text_of;
 
-// All lines of a text, each with the number of its fields if it is counted: "a,b=2 c=1".
+// All lines of a text, each with its number of fields if it is counted: "a,b=2 c=1".
 std::string scanned(Strategy& strategy, const Field& text) {
   const std::shared_ptr<const Splitter> splitter = strategy.splitter();
   const std::unique_ptr<LineCursor> lines = splitter->lines_of(text);
@@ -92,7 +92,7 @@ TEST_P(SplitterLines, AreFoundAndCounted) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, SplitterLines, testing::ValuesIn(kScanCases), ByRule());
 
-// A list of them that is too long to be searched.
+// The lists of markers are too long for a linear search.
 TEST(Splitter, LooksUpManyMarkers) {
   parser::options options;
   options.line_endings.clear();
@@ -113,7 +113,7 @@ TEST(Splitter, LooksUpManyMarkers) {
   EXPECT_EQ(lines->line_at(9).extent.next, 13U);
 }
 
-// A class that is derived from one of the library's is asked for each line.
+// For a class derived from one of the library's, the virtual operation is called for each line.
 class EveryCodeUnit : public LineReaderStrategy {
  public:
   using LineReaderStrategy::LineReaderStrategy;
@@ -129,7 +129,7 @@ TEST(Splitter, AsksAStrategyFromOutside) {
   EXPECT_EQ(scanned(strategy, text.field()), "a b \n");
 }
 
-// --- lines with nothing on them ------------------------------------------------------------------
+// --- lines without text --------------------------------------------------------------------------
 
 struct EmptyCase {
   const char* rule;
@@ -178,9 +178,9 @@ TEST(EmptyLinesOfAStrategyFromOutside, AreNotKnown) {
   EXPECT_EQ(strategy.lines_of(text.field())->empty_lines_at(0, kAny).count, 0U);
 }
 
-// --- against the plain ways --------------------------------------------------------------------
+// --- against simple loops ------------------------------------------------------------------------
 
-// Markers that overlap each other, the blanks and the quote.
+// Markers that overlap one another, the blanks and the quote.
 const std::vector<std::vector<std::u16string>> kLineEndings = {
     {u"\r\n", u"\n", u"\r"}, {u" \n", u"\n"}, {u" \n"},       {u" "}, {u"\n\n"},
     {u"a\n", u","},          {u"\""},         {u",\n", u"\n"}};
@@ -191,7 +191,7 @@ std::size_t fields_by_cutting(Strategy& strategy, const Field& line) {
   return fields.size();
 }
 
-// Each line is what get_line_extent finds, and has as many fields as it is cut into.
+// Each line is the one that get_line_extent finds, with as many fields as cutting it gives.
 RC_GTEST_PROP(SplitterProperty, AgreesWithCutting, ()) {
   const auto text = *rc::gen::container<std::u16string>(rc::gen::weightedElement<char16_t>(
       {{6, u'a'}, {6, u','}, {4, u' '}, {3, u'"'}, {3, u'\n'}, {1, u'\r'}, {1, u'\uFFFF'}}));
@@ -216,7 +216,7 @@ RC_GTEST_PROP(SplitterProperty, AgreesWithCutting, ()) {
   }
 }
 
-// Empty lines are those that the scan finds empty one by one, wherever it starts.
+// Empty lines are those that the scan finds to be empty one by one, wherever it starts.
 RC_GTEST_PROP(SplitterProperty, FindsEmptyLinesThatAreEmpty, ()) {
   const auto text = *rc::gen::container<std::u16string>(rc::gen::weightedElement<char16_t>(
       {{1, u'a'}, {2, u','}, {3, u' '}, {3, u'"'}, {9, u'\n'}, {2, u'\r'}, {1, u'\uFFFF'}}));

@@ -33,8 +33,8 @@ using testing_support::Texts;
 constexpr std::size_t kUnknown = std::numeric_limits<std::size_t>::max();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-// The plainest strategy there can be: lines end at '\n', fields at ','. It leaves everything else
-// to the base and lets the tests look inside.
+// The simplest possible strategy: lines end at '\n', fields at ','. It leaves everything else to
+// the base class and gives the tests access to the members.
 class PlainStrategy : public Strategy {
  public:
   using Strategy::Strategy;
@@ -199,7 +199,7 @@ INSTANTIATE_TEST_SUITE_P(Table, StrategyExpChars, testing::ValuesIn(kExpCharsCas
 
 // -- the binary interface -----------------------------------------------------------------------
 
-// The slot of a virtual operation: its pointer holds the offset into the table of operations.
+// The slot of a virtual operation: a pointer to it has the offset into the table of operations.
 template <typename Operation>
 std::size_t slot_of(Operation operation) {
   const auto words = std::bit_cast<std::array<std::size_t, 2>>(operation);
@@ -208,7 +208,7 @@ std::size_t slot_of(Operation operation) {
 
 TEST(StrategyInterface, HoldsItsVirtualOperationsInTheirOrder) {
   static_assert(std::has_virtual_destructor_v<Strategy>);
-  // The destructor takes the slots 0 and 1.
+  // The destructor takes slots 0 and 1.
   EXPECT_EQ(slot_of(&Strategy::mode), 2u);
   EXPECT_EQ(slot_of(&Strategy::get_line_extent), 3u);
   EXPECT_EQ(slot_of(&Strategy::get_next_field), 4u);
@@ -336,7 +336,7 @@ struct BudgetCase {
   bool detect_header_lines;
   std::size_t header_lines;
   std::size_t num_lines;
-  std::size_t sampled;  // of a text of ten lines
+  std::size_t sampled;  // number of lines, of a text of ten
 };
 std::ostream& operator<<(std::ostream& out, const BudgetCase& row) { return out << row.rule; }
 
@@ -378,7 +378,7 @@ TEST_P(StrategyPopulateBudget, SamplesAsManyLinesAsAskedFor) {
   EXPECT_EQ(lines_of(strategy, text, GetParam().num_lines), expected);
 }
 
-// A text of n units has at most n + 1 lines, whatever the budget says.
+// A text of n code units has at most n + 1 lines, whatever the budget is.
 TEST_P(StrategyPopulateBudget, ReservesNoMoreThanTheTextCanHold) {
   for (const std::u16string_view units : {u"", u"0", u"0\n1\n2\n3\n"}) {
     const ExactText text(units);
@@ -399,7 +399,7 @@ TEST(StrategyPopulate, ReservesTheBudgetBeforeItSamples) {
   EXPECT_EQ(strategy.lines_.capacity(), 5u);
 }
 
-// Without characters to trim a line of blanks is text.
+// Without characters to trim, a line of blanks is text.
 TEST(StrategyPopulate, TrimsNothingWithoutWhiteSpace) {
   const parser::options options;
   PlainStrategy strategy(options);
@@ -527,7 +527,7 @@ TEST(StrategyPopulateCleaning, TakesAffixesAloneForAnEmptyLine) {
   EXPECT_EQ(lines_of(strategy, text, 1), (Texts{u"", u"$5%"}));
 }
 
-TEST(StrategyPopulateCleaning, LetsATextStandInForEmptyLines) {
+TEST(StrategyPopulateCleaning, ReplacesEmptyLinesByAText) {
   const parser::options options;
   PlainStrategy strategy(options);
   strategy.text_format_.empty_text = u"x";
@@ -536,7 +536,7 @@ TEST(StrategyPopulateCleaning, LetsATextStandInForEmptyLines) {
   EXPECT_EQ(strategy.lines()[0].data, text.data());
 }
 
-TEST(StrategyPopulateCleaning, DropsEmptyLinesWhoseStandInIsAComment) {
+TEST(StrategyPopulateCleaning, DropsEmptyLinesWhoseReplacementIsAComment) {
   parser::options options;
   options.comment_style = {u"%"};
   PlainStrategy strategy(options);
@@ -672,8 +672,8 @@ TEST(StrategyFieldArray, IsEmptyBeforeAnythingWasSampled) {
   EXPECT_TRUE(strategy.get_fields_from_lines().counts.empty());
 }
 
-// A field that starts behind its line does not end where the line ends.
-TEST(StrategyGetFieldsFromLines, AFieldBehindTheLineIsFollowedByOneMore) {
+// A field that starts after its line does not end where the line ends.
+TEST(StrategyGetFieldsFromLines, AFieldAfterTheLineIsFollowedByOneMore) {
   struct Beyond : PlainStrategy {
     using PlainStrategy::PlainStrategy;
     FieldExtent get_next_field(const Field& line, unsigned long /*start*/) override {
@@ -690,7 +690,7 @@ TEST(StrategyGetFieldsFromLines, AFieldBehindTheLineIsFollowedByOneMore) {
   EXPECT_EQ(text_of(array.fields[0]), u"c");
 }
 
-// The cut of lines that hold an end mark, put in place as they are.
+// The cut of lines that contain an end mark. The lines are set directly.
 struct EndMarkCase {
   const char* rule;
   std::u16string line;
@@ -701,9 +701,9 @@ std::ostream& operator<<(std::ostream& out, const EndMarkCase& row) { return out
 const EndMarkCase kEndMarkCases[] = {
     {"AtTheStartItMakesTheLineEmpty", u"\uFFFFa,b", {}},
     {"InsideAFieldItChangesNothing", u"a\uFFFFb,c", {u"a\uFFFFb", u"c"}},
-    {"BehindASeparatorItGivesOneMoreField", u"a,\uFFFFb", {u"a", u"\uFFFFb"}},
-    {"BehindTheExtraFieldTheCutGoesOn", u"a,\uFFFF,b", {u"a", u"\uFFFF", u"b"}},
-    {"BehindTheExtraFieldItEndsTheCut", u"a,\uFFFF,\uFFFF,b", {u"a", u"\uFFFF"}},
+    {"AfterASeparatorItGivesOneMoreField", u"a,\uFFFFb", {u"a", u"\uFFFFb"}},
+    {"AfterTheExtraFieldTheCutContinues", u"a,\uFFFF,b", {u"a", u"\uFFFF", u"b"}},
+    {"AfterTheExtraFieldItEndsTheCut", u"a,\uFFFF,\uFFFF,b", {u"a", u"\uFFFF"}},
     {"AtTheEndItIsPartOfTheField", u"a,b\uFFFF", {u"a", u"b\uFFFF"}},
 };
 
@@ -721,7 +721,7 @@ TEST_P(StrategyEndMarkInALine, EndsTheCutWhereAFieldWouldStart) {
 INSTANTIATE_TEST_SUITE_P(Table, StrategyEndMarkInALine, testing::ValuesIn(kEndMarkCases),
                          testing_support::ByRule());
 
-// A strategy may rely on the operation of the base, which does nothing.
+// A strategy may rely on the operation of the base class, which does nothing.
 TEST(StrategyResetFields, DoesNothingInTheBase) {
   struct Untouched : PlainStrategy {
     using PlainStrategy::PlainStrategy;

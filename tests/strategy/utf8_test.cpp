@@ -103,11 +103,11 @@ TEST(Utf8, EveryCodePointSurvivesTheWayThereAndBack) {
   }
 }
 
-// --- what is not printed -----------------------------------------------------------------------
+// --- unprintable characters --------------------------------------------------------------------
 
 struct PrintableCase {
   const char* rule;
-  char32_t first;  // of the unprintable; the neighbours of both ends are printable
+  char32_t first;  // of the unprintable range; the neighbours of both ends are printable
   char32_t last;
 };
 std::ostream& operator<<(std::ostream& out, const PrintableCase& row) { return out << row.rule; }

@@ -54,7 +54,7 @@ bool allocations_are_counted() noexcept {
 
 #if !VLT_THREAD_SANITIZER
 
-// All of them are replaced, so that each block is freed by the operator that matches.
+// All of them are replaced, so that each block is freed by the matching operator.
 void* operator new(std::size_t size) { return allocate_or_throw(size); }
 void* operator new[](std::size_t size) { return allocate_or_throw(size); }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }

@@ -16,7 +16,7 @@ namespace textio::testing_support {
 std::size_t allocations_of_this_thread() noexcept;
 std::size_t allocated_bytes_of_this_thread() noexcept;
 
-// False under valgrind, which replaces the operators by its own: nothing is counted then.
+// False under valgrind, which replaces the operators with its own: then nothing is counted.
 bool allocations_are_counted() noexcept;
 
 }  // namespace textio::testing_support

@@ -13,7 +13,7 @@
 
 namespace textio::testing_support {
 
-// One member; `header` holds what its header says beyond the necessary.
+// One member; `header` adds the optional parts of its header.
 inline std::string gzip_of(std::string_view text, gz_header* header = nullptr) {
   z_stream deflater = {};
   deflateInit2(&deflater, Z_BEST_COMPRESSION, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
@@ -33,7 +33,7 @@ inline std::string gzip_of(std::string_view text, gz_header* header = nullptr) {
 struct ZstdSettings {
   bool checksum = true;
   bool content_size = true;
-  int window_log = 0;  // 0: what the library chooses
+  int window_log = 0;  // 0: the default of the library
 };
 
 // One frame.
@@ -53,7 +53,7 @@ inline std::string zstd_of(std::string_view text, const ZstdSettings& settings) 
 
 inline std::string zstd_of(std::string_view text) { return zstd_of(text, {}); }
 
-// `value` in four bytes, the lowest first.
+// `value` in four bytes, least significant byte first.
 inline std::string little_endian(std::size_t value) {
   std::string bytes;
   for (int shift = 0; shift < 32; shift += 8) {
@@ -62,7 +62,7 @@ inline std::string little_endian(std::size_t value) {
   return bytes;
 }
 
-// A frame of the zstd format that holds no text.
+// A zstd frame without text.
 inline std::string skippable_frame(std::string_view content) {
   return "\x5A\x2A\x4D\x18" + little_endian(content.size()) + std::string(content);
 }

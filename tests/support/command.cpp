@@ -15,7 +15,7 @@ extern char** environ;
 namespace textio::testing_support {
 namespace {
 
-// A file without a name, gone when closed; keeps what passes through a standard stream.
+// An unnamed file, deleted when it is closed. It stores the data of a standard stream.
 using Spool = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 Spool make_spool(const std::string& content = {}) {

@@ -1,4 +1,4 @@
-// Running a program as a user does: its arguments, what it prints, how it ends.
+// Runs a program as a user does: its arguments, what it prints, how it ends.
 #pragma once
 
 #include <cstddef>

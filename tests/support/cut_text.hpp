@@ -1,4 +1,4 @@
-// A strategy's cut of a text as plain strings, and the single steps of its scans.
+// A strategy's cut of a text as plain strings, and single scanning steps.
 #pragma once
 
 #include <algorithm>
@@ -19,7 +19,8 @@ using Texts = std::vector<std::u16string>;
 // The fields of each line; an empty line is an empty list.
 using Rows = std::vector<Texts>;
 
-// The units of `field` that lie inside `line`: a fixed-width field may report more than there are.
+// The code units of `field` that are inside `line`: a fixed-width field may report more than there
+// are.
 inline std::u16string clipped(const Field& field, const Field& line) {
   const std::size_t begin = static_cast<std::size_t>(field.data - line.data);
   return {field.data, std::min(field.length, line.length - begin)};
@@ -46,7 +47,7 @@ inline Rows cut_of(Strategy& strategy, const ExactText& text) {
   return cut_of(strategy);
 }
 
-// One step of a scan: what it found and where the next step starts.
+// One scanning step: what it found and where the next step starts.
 struct Step {
   std::u16string found;
   std::size_t next;
@@ -59,7 +60,7 @@ using Steps = std::vector<Step>;
 
 inline Step step_of(const FieldExtent& extent) { return {text_of(extent.field), extent.next}; }
 
-// The lines of `text`, each from where the one before left off.
+// The lines of `text`, each from the end of the previous one.
 inline Steps line_steps(const Strategy& strategy, const ExactText& text) {
   Steps steps;
   for (std::size_t pos = 0; !ends_at(text.field(), pos); pos = steps.back().next) {
@@ -68,7 +69,7 @@ inline Steps line_steps(const Strategy& strategy, const ExactText& text) {
   return steps;
 }
 
-// The fields of the line `text`, each from where the one before left off.
+// The fields of the line `text`, each from the end of the previous one.
 inline Steps field_steps(Strategy& strategy, const ExactText& text) {
   Steps steps;
   for (std::size_t pos = 0; !ends_at(text.field(), pos); pos = steps.back().next) {
@@ -77,7 +78,7 @@ inline Steps field_steps(Strategy& strategy, const ExactText& text) {
   return steps;
 }
 
-// A text may hold U+0000; a string literal with its full length.
+// A string literal with its full length, which may contain U+0000.
 template <std::size_t N>
 std::u16string with_nul(const char16_t (&units)[N]) {
   return {units, N - 1};

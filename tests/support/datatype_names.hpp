@@ -26,7 +26,7 @@ inline std::string name_of(DatatypeCode code) {
   return "no code: " + std::to_string(static_cast<unsigned>(code));
 }
 
-// The names with a blank between any two.
+// The names, separated by blanks.
 inline std::string names_of(const std::vector<DatatypeCode>& codes) {
   std::string names;
   for (const DatatypeCode code : codes) {

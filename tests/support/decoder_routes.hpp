@@ -1,5 +1,5 @@
-// The two routes of the text decoder on the same bytes, fed alike: whatever one answers to a call,
-// the other must answer too.
+// The two routes of the text decoder on the same bytes, in the same pieces. Both must give the same
+// result for each call.
 #pragma once
 
 #include <algorithm>
@@ -18,7 +18,7 @@
 
 namespace textio::testing_support {
 
-// One answer to a call, and what the decoder says of itself behind it.
+// The result of one call, and the state of the decoder after it.
 struct DecoderAnswer {
   std::u16string units;
   bool must_reset;
@@ -82,8 +82,8 @@ inline std::vector<DecoderAnswer> answers_of(standalone::TextDecoder& decoder,
   return answers;
 }
 
-// `bytes` in chunks and rooms of random sizes, some of them 0, with an early end or a reset here
-// and there. Equal seeds feed alike.
+// `bytes` in chunks and rooms of random sizes, some of them 0, with an occasional early end or
+// reset. Equal seeds give equal pieces.
 inline std::vector<DecoderAnswer> answers_at_random(standalone::TextDecoder& decoder,
                                                     std::string_view bytes, std::uint32_t seed) {
   std::mt19937 random(seed);
@@ -101,7 +101,7 @@ inline std::vector<DecoderAnswer> answers_at_random(standalone::TextDecoder& dec
   return answers;
 }
 
-// The first answer in which two runs differ; empty when there is none.
+// The first result in which two runs differ; empty if there is none.
 inline std::string first_different_answer(const std::vector<DecoderAnswer>& a,
                                           const std::vector<DecoderAnswer>& b) {
   const auto [in_a, in_b] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
@@ -112,7 +112,7 @@ inline std::string first_different_answer(const std::vector<DecoderAnswer>& a,
   return text.str();
 }
 
-// Every sequence of `count` of the given pieces, each behind `separator`.
+// Every sequence of `count` of the given pieces, each after `separator`.
 inline std::string all_sequences_of(const std::vector<std::string>& pieces, std::size_t count,
                                     const std::string& separator) {
   std::string all;

@@ -1,4 +1,4 @@
-// Texts in heap blocks of exactly their size, so that a sanitizer sees any unit read past the end.
+// Texts in heap blocks of exactly their size, so that a sanitizer reports any read past the end.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace textio::testing_support {
 
 class ExactText {
  public:
-  ExactText(std::u16string_view text)  // NOLINT: a text is one, wherever it lies
+  ExactText(std::u16string_view text)  // NOLINT: an implicit conversion is meant
       : units_(new char16_t[text.size()]), size_(text.size()) {
     std::copy(text.begin(), text.end(), units_.get());
   }
@@ -28,7 +28,7 @@ class ExactText {
   std::size_t size_;
 };
 
-// The units of a field as a string of its own, for comparisons.
+// The code units of a field as a separate string, for comparisons.
 inline std::u16string text_of(const Field& field) { return {field.data, field.length}; }
 
 }  // namespace textio::testing_support

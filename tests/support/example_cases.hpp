@@ -21,7 +21,7 @@ struct ExampleCase {
 };
 std::ostream& operator<<(std::ostream& out, const ExampleCase& example);
 
-// All cases, in the order of the file; throws when it cannot be read.
+// All cases, in the order of the file. Throws if it cannot be read.
 std::vector<ExampleCase> example_cases();
 
 }  // namespace textio::testing_support

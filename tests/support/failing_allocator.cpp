@@ -4,7 +4,7 @@
 #include <new>
 #include <string_view>
 
-// The thread sanitizer brings operators of its own, which must not be replaced.
+// The thread sanitizer has its own operators, which must not be replaced.
 #if defined(__SANITIZE_THREAD__)
 #define VLT_THREAD_SANITIZER 1
 #elif defined(__has_feature)
@@ -21,7 +21,7 @@ namespace {
 using textio::testing_support::FaultKind;
 
 struct Fault {
-  std::size_t left = 0;  // allocations up to the one that fails; 0 when none does
+  std::size_t left = 0;  // allocations up to the one that fails; 0 if none does
   FaultKind kind = FaultKind::single;
   bool met = false;
 };
@@ -85,7 +85,7 @@ bool allocations_can_fail() noexcept {
 
 #if !VLT_THREAD_SANITIZER
 
-// All of them are replaced, so that no block goes from one pair of operators to another.
+// All of them are replaced, so that no block passes from one pair of operators to another.
 void* operator new(std::size_t size) { return allocate_or_throw(size); }
 void* operator new[](std::size_t size) { return allocate_or_throw(size); }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }

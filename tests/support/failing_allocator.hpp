@@ -1,4 +1,4 @@
-// Memory that runs out when a test says so.
+// Memory that runs out when a test asks for it.
 //
 //   const long before = live_blocks();
 //   {
@@ -7,9 +7,9 @@
 //   }
 //   EXPECT_EQ(live_blocks(), before);
 //
-// A program that links this has global operators new and delete that count the living blocks of
-// the calling thread, and fail on demand. Operators for over-aligned types are left alone; so is
-// malloc, with which C libraries get their memory.
+// A program that links this has global operators new and delete that count the living blocks of the
+// calling thread, and fail on demand. Operators for over-aligned types are not replaced; neither is
+// malloc, from which C libraries get their memory.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,8 @@ namespace textio::testing_support {
 // Whether one allocation fails, or that one and every later one.
 enum class FaultKind { single, from_then_on };
 
-// While it lives, the `nth` allocation of this thread fails, counted from 1. One at a time.
+// During its lifetime, the `nth` allocation of this thread fails, counted from 1. Only one at a
+// time.
 class AllocationFault {
  public:
   AllocationFault(std::size_t nth, FaultKind kind) noexcept;
@@ -27,14 +28,14 @@ class AllocationFault {
   AllocationFault(const AllocationFault&) = delete;
   AllocationFault& operator=(const AllocationFault&) = delete;
 
-  // Whether the call got as far as the allocation that fails.
+  // Whether the failing allocation was reached.
   bool was_met() const noexcept;
 };
 
-// Blocks that this thread has got and nobody has given back.
+// Blocks that this thread has allocated and that have not been freed.
 long live_blocks() noexcept;
 
-// False where the operators are not ours: under valgrind and the thread sanitizer.
+// False where the operators are not replaced: under valgrind and the thread sanitizer.
 bool allocations_can_fail() noexcept;
 
 }  // namespace textio::testing_support

@@ -1,4 +1,4 @@
-// A file that does what a test tells it: reads come short, fail or find nothing, seeks fail.
+// A file with faults that a test chooses: reads are short, fail or find nothing, and seeks fail.
 //
 //   FaultyDevice device("a,b\n1,2\n");
 //   device.fail_reads_at(3, EIO);      // "a,b" can be read, and then no more
@@ -28,23 +28,23 @@ class FaultyDevice {
   FaultyDevice(const FaultyDevice&) = delete;
   FaultyDevice& operator=(const FaultyDevice&) = delete;
 
-  // A read gives at most so many bytes.
+  // A read gives at most this many bytes.
   void shorten_reads(std::size_t most) { most_ = most; }
 
-  // The bytes before `position` can be read; a read there fails with `error`, the first `times`
-  // times it is tried. With the error 0 it finds nothing, as at the end of a file.
+  // The bytes before `position` can be read. A read there fails with `error`, the first `times`
+  // times. With the error 0 it finds nothing, as at the end of a file.
   void fail_reads_at(std::size_t position, int error, std::size_t times = kAlways) {
     barrier_ = {position, error, times};
   }
 
-  // Seeks from the `nth` on fail, counted from 1, `times` of them.
+  // Seeks from the `nth` on, counted from 1, fail `times` times.
   void fail_seeks(std::size_t nth, int error, std::size_t times = kAlways) {
     first_failing_seek_ = seeks_ + nth;
     failing_seeks_ = times;
     seek_error_ = error;
   }
 
-  // Opens it at its start.
+  // Opens the file at its start.
   std::FILE* open() {
     position_ = 0;
     ++opened_;
@@ -54,7 +54,7 @@ class FaultyDevice {
   std::size_t reads() const { return reads_; }
   std::size_t seeks() const { return seeks_; }
 
-  // Streams that have been opened and not closed.
+  // The number of streams that have been opened and not closed.
   std::size_t open_streams() const { return opened_ - closed_; }
 
  private:

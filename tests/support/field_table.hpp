@@ -1,4 +1,4 @@
-// A FieldArray made by hand: every field lies in a block of its own, of exactly its size.
+// A FieldArray made by hand: every field is in a separate block of exactly its size.
 #pragma once
 
 #include <memory>

@@ -1,5 +1,5 @@
-// Lets a test program search texts by the kernel that the environment variable SEARCH_KERNEL names. A
-// machine without it ends the program with the status that ctest takes for a test left out.
+// Makes a test program search texts with the kernel that the environment variable SEARCH_KERNEL
+// names. If the machine lacks it, the program ends with the status that ctest reports as skipped.
 #include <cstdlib>
 #include <iostream>
 #include <string_view>

@@ -1,4 +1,4 @@
-// Every member of a layout as one text, so that two answers can be compared as a whole.
+// Every member of a layout as one text, so that two layouts can be compared as a whole.
 #pragma once
 
 #include <ios>

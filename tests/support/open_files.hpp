@@ -1,4 +1,4 @@
-// How many files this process holds open.
+// How many files this process has open.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace textio::testing_support {
 
-// The folder that is looked into counts each time, so only differences say something.
+// Listing the folder opens it as well, so only differences are meaningful.
 inline std::size_t open_files() {
   const std::filesystem::directory_iterator descriptors("/proc/self/fd");
   return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));

@@ -22,7 +22,7 @@ struct OptionPair {
   standalone::Array value;
 };
 
-// Hands `pairs` to set_parser_options as the arrays of a host.
+// Passes `pairs` to set_parser_options as the arrays of a host.
 inline void apply_pairs(parser::options& record, const std::vector<OptionPair>& pairs) {
   std::vector<standalone::Array> names;
   std::vector<const hxArray*> args;
@@ -51,7 +51,7 @@ inline std::string readable(const MessageIdentifiedError& error) {
   return out + ')';
 }
 
-// What `call` raised, "" when it returned.
+// What `call` raised; "" if it returned.
 template <typename Call>
 std::string error_of(Call&& call) {
   try {
@@ -71,7 +71,7 @@ inline std::string error_text(std::string_view name, std::string_view arguments 
   return "VELLUM:textio:textio:" + std::string(name) + '(' + std::string(arguments) + ')';
 }
 
-// Every member of a record on a line of its own.
+// Every member of a record, one per line.
 inline std::string contents_of(const parser::options& record) {
   std::ostringstream out;
   out.imbue(std::locale::classic());

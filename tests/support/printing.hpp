@@ -1,4 +1,4 @@
-// UTF-16 texts in failure messages and test names: ASCII as it is, the rest as \u and four digits.
+// UTF-16 texts in failure messages and test names: ASCII unchanged, the rest as \u and four digits.
 #pragma once
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-// Names the rows of a table test by the rule that each pins down.
+// Names the rows of a table test by the rule that each row tests.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// A stream of bytes in memory that delivers them in pieces and fails where it is told to.
+// A stream of bytes in memory that delivers them in pieces and fails at a chosen position.
 //
 //   ScriptedBytes bytes("abcdef");
 //   bytes.piece = 2;              // at most two bytes at a time
@@ -59,8 +59,8 @@ class ScriptedBytes : public standalone::ByteStream {
   std::size_t position_ = 0;
 };
 
-// All that a stream still gives, asked for `size` bytes at a time, and the errno of its end, 0 for
-// a clean one.
+// All that a stream still gives when `size` bytes are requested at a time, and the errno at its
+// end; 0 for a clean end.
 struct AllRead {
   std::string text;
   int error = 0;

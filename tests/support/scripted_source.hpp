@@ -1,12 +1,12 @@
-// A text source that does what a test tells it: it delivers a given text, records every call, can
-// deliver less than asked and can fail at a chosen call.
+// A text source that a test controls: it delivers a given text, records every call, can deliver
+// less than requested and can fail at a chosen call.
 //
 //   ScriptedSource source(u"abcdef");
 //   source.shorten_fill(1, 2);         // the first fill delivers "ab" and no more
 //   source.fail_fill(2);               // the second one from now on throws ScriptedFailure
 //
-// A failing fill has written over the whole range it was given; otherwise a call that fails changes
-// nothing. Each failure happens once. A position counts the units delivered or passed over.
+// A failing fill has overwritten the whole range it was given; any other call that fails changes
+// nothing. Each failure happens once. A position counts the code units delivered or skipped.
 #pragma once
 
 #include <algorithm>
@@ -37,11 +37,11 @@ class FailingCall {
   std::size_t left_ = 0;
 };
 
-// Keeps the text in a heap block of exactly its size; every resize moves it to a new block, so that
-// a sanitizer sees any use of bounds that were told before.
+// Keeps the text in a heap block of exactly its size. Every resize moves it to a new block, so that
+// a sanitizer reports any use of earlier bounds.
 class ExactBufferManager : public BufferManager {
  public:
-  // More than any test needs; stands for what no memory could hold.
+  // More than any test needs. Larger sizes count as more than memory can hold.
   static constexpr std::size_t kMostUnits = std::size_t{1} << 32;
 
   std::size_t resize(std::size_t n, char16_t*& begin, char16_t*& end) override {
@@ -98,13 +98,13 @@ class ScriptedSource : public TextSource {
     manager_.failing().disarm();
   }
 
-  // What has been asked so far: the sizes of the ranges to fill, the skips, the buffer sizes set.
+  // The requests so far: the sizes of the ranges to fill, the skips, the buffer sizes set.
   const std::vector<std::size_t>& fills() const { return fills_; }
   const std::vector<SkipCall>& skips() const { return skips_; }
   const std::vector<std::size_t>& resizes() const { return manager_.sizes(); }
   std::size_t buffer_size() const { return manager_.size(); }
 
-  // Forgets what has been asked so far, except for its number of fills.
+  // Forgets the requests so far, except the number of fills.
   void forget_calls() {
     forgotten_fills_ += fills_.size();
     fills_.clear();

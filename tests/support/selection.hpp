@@ -1,5 +1,5 @@
-// What tests ask of a selection: strategies and traces as plain texts, so that two of them can be
-// compared as a whole and a difference can be read off the failure message.
+// Strategies and traces as plain text, so that tests can compare two of them as a whole and a
+// failure message shows the difference.
 #pragma once
 
 #include <cstddef>
@@ -16,13 +16,13 @@
 
 namespace textio::testing_support {
 
-// The first delimiter of a delimited strategy; nothing for the others.
+// The first delimiter of a delimited strategy; empty for the others.
 inline std::u16string delimiter_of(const Strategy& strategy) {
   const auto* delimited = dynamic_cast<const DelimitedStrategy*>(&strategy);
   return delimited == nullptr ? std::u16string() : delimited->delimiter()->strings.at(0);
 }
 
-// The column widths of a fixed-width strategy; nothing for the others.
+// The column widths of a fixed-width strategy; empty for the others.
 inline std::vector<std::size_t> widths_of(const Strategy& strategy) {
   const auto* fixed = dynamic_cast<const FixedWidthStrategy*>(&strategy);
   return fixed == nullptr ? std::vector<std::size_t>() : fixed->widths();
@@ -42,7 +42,7 @@ std::string describe(const std::vector<Number>& numbers) {
   return out.str();
 }
 
-// Every member; the doubles with all their bits.
+// Every member, with all bits of the doubles.
 inline std::string describe(const StrategyValuation& valuation) {
   std::ostringstream out;
   out << std::hexfloat << valuation.total_variation << ' ' << valuation.data_variation << ' '

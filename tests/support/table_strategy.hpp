@@ -1,4 +1,4 @@
-// What tests ask of a strategy over a text that lies in an exactly sized block.
+// The lines and counts of a strategy over a text in a block of exactly its size.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// A file of a test's own, removed with the object.
+// A temporary file, deleted with the object.
 #pragma once
 
 #include <string>

@@ -1,9 +1,9 @@
-// A folder of a test's own in the place for temporary files, removed with all it holds.
+// A temporary folder, deleted with all its contents.
 //
 //   const TempFolder folder;
 //   const std::string path = folder.file("t.csv", "x,y\n1,2\n");
 //
-// Paths are strings of bytes; a name may hold any but "/" and NUL.
+// Paths are strings of bytes. A name may contain any bytes but "/" and NUL.
 #pragma once
 
 #include <filesystem>
@@ -30,10 +30,10 @@ class TempFolder {
 
   const std::string& path() const { return path_; }
 
-  // Where `name` lies in the folder, whether it is there or not.
+  // The path of `name` in the folder, whether it exists or not.
   std::string path_of(const std::string& name) const { return path_ + '/' + name; }
 
-  // Writes a file and tells where.
+  // Writes a file and returns its path.
   std::string file(const std::string& name, std::string_view bytes) const {
     const std::string path = path_of(name);
     std::ofstream out(path, std::ios::binary);
@@ -43,7 +43,7 @@ class TempFolder {
     return path;
   }
 
-  // Makes a folder in it and tells where.
+  // Makes a folder in it and returns its path.
   std::string folder(const std::string& name) const {
     const std::string path = path_of(name);
     std::filesystem::create_directory(path);

@@ -1,5 +1,5 @@
-// A strategy whose fields are single units, so that the length of a line is its number of fields:
-// any series of field counts can be fed to the scoring as a text.
+// A strategy whose fields are single code units, so that the length of a line is its number of
+// fields. Any series of field counts can be given to the scoring as a text.
 #pragma once
 
 #include <cstddef>
@@ -32,7 +32,7 @@ class UnitStrategy : public Strategy {
   }
 };
 
-// One line per entry, made of so many fields that hold `unit`.
+// One line per entry, with this many fields that each consist of `unit`.
 inline std::u16string text_of_counts(const std::vector<std::size_t>& counts, char16_t unit) {
   std::u16string text;
   for (const std::size_t count : counts) text.append(count, unit).push_back(u'\n');

@@ -123,8 +123,8 @@ const AffixCase kAffixCases[] = {
     {"BothAreStripped", {u"$"}, {u"%"}, false, Trim::both, u"$5%", u"5"},
     {"WhiteSpaceIsTrimmedBeforeAndAfter", {u"$"}, {u"%"}, false, Trim::both, u" $ 5 % ", u"5"},
     {"LeadingTrimsInFrontOnly", {u"$"}, {u"%"}, false, Trim::leading, u" $ 5 %", u"5 "},
-    {"LeadingLeavesABlankBehindTheSuffix", {u"$"}, {u"%"}, false, Trim::leading, u" $5% ", u"5% "},
-    {"TrailingTrimsBehindOnly", {u"$"}, {u"%"}, false, Trim::trailing, u"$ 5 % ", u" 5"},
+    {"LeadingLeavesABlankAfterTheSuffix", {u"$"}, {u"%"}, false, Trim::leading, u" $5% ", u"5% "},
+    {"TrailingTrimsTheEndOnly", {u"$"}, {u"%"}, false, Trim::trailing, u"$ 5 % ", u" 5"},
     {"TrailingLeavesABlankBeforeThePrefix", {u"$"}, {u"%"}, false, Trim::trailing, u" $5%", u" $5"},
     {"WithoutTrimmingNothingIsStripped", {u"$"}, {u"%"}, false, Trim::none, u"$5%", u"$5%"},
     {"OnlyOneOfEachIsStripped", {u"$"}, {u"%"}, false, Trim::both, u"$$5%%", u"$5%"},
@@ -226,7 +226,7 @@ TEST_P(LineCleaningQuotes, AreRemovedAtTheStart) {
   EXPECT_EQ(line.view(), GetParam().line);
 }
 
-TEST_P(LineCleaningQuotes, LeaveNothingBehindForTheNextLine) {
+TEST_P(LineCleaningQuotes, LeaveNoTraceInTheNextLine) {
   FieldFormat format;
   format.quote = GetParam().quote;
   const ExactText before(u"\"'\uFFFFa long line that was cleaned before\"");
@@ -258,7 +258,7 @@ TEST(LineCleaningQuotes, AreRemovedAfterTheAffixes) {
   EXPECT_EQ(text_of(clean_line(inside.field(), format)), u"<a>");
 }
 
-// The text is built in the format's own buffer, which the result may point into.
+// The text is built in the format's own buffer, into which the result may point.
 TEST(LineCleaningQuotes, GoIntoTheBufferOfTheFormat) {
   FieldFormat format;
   format.quote = u'"';
@@ -269,7 +269,7 @@ TEST(LineCleaningQuotes, GoIntoTheBufferOfTheFormat) {
   EXPECT_EQ(cleaned.data, format.unquoted.data());
 }
 
-// A text that stands in for an empty line is put there by whoever asks, not by the cleaning.
+// The sampler puts the replacement of an empty line in place, not the cleaning.
 TEST(LineCleaningFormat, LeavesAnEmptyLineEmpty) {
   FieldFormat format;
   format.empty_text = u"stand-in";

@@ -27,7 +27,7 @@ DrawnSample sample_of(Strategy& strategy, const ExactText& text) {
   return strategy.draw(text.field(), {100});
 }
 
-// Each field of a line, as far as the line goes.
+// Each field of a line, cut off at the end of the line.
 Texts fields_of(SampleCut& cut, const DrawnSample& sample, std::size_t line) {
   const Field& whole = sample.line(line);
   Texts texts;
@@ -63,8 +63,8 @@ TEST(SampleCut, CutsBlankSeparatedAndWholeLines) {
   EXPECT_EQ(fields_of(lines, sample_of_lines, 1), (Texts{u"1 2  3"}));
 }
 
-// Widths 1, 2, 3. "abcd" takes the columns 1, 2, 3, of which the last is short and brings one field
-// more: column 1 again. So "ef" starts at width 2, which it fills; "ghi" starts at width 3.
+// Widths 1, 2, 3. "abcd" uses the columns 1, 2, 3. The last is short, so one more field follows:
+// column 1 again. So "ef" starts at width 2, which it fills, and "ghi" starts at width 3.
 class SampleCutOfFixedWidths : public testing::Test {
  protected:
   parser::options options_;
@@ -82,7 +82,7 @@ TEST_F(SampleCutOfFixedWidths, GoesBackToTheColumnOfTheLine) {
   EXPECT_EQ(fields_of(cut, sample_of_cut, 2), (Texts{u"ghi"}));
 }
 
-// Five fields before it lead to width 3, and the strategy itself is still at width 1.
+// Five fields before it lead to width 3, while the strategy itself is still at width 1.
 TEST_F(SampleCutOfFixedWidths, ReportsTheColumnAfterTheLastLine) {
   ExactText text(u"abcd\nef\n");
   DrawnSample sample = sample_of(strategy_, text);
@@ -93,7 +93,7 @@ TEST_F(SampleCutOfFixedWidths, ReportsTheColumnAfterTheLastLine) {
   EXPECT_EQ(strategy_.get_next_field(line.field(), 0).field.length, 1U);
 }
 
-// The second cut begins where the first one has left the strategy: at width 2 after seven fields.
+// The second cut begins where the first one left the strategy: at width 2 after seven fields.
 TEST_F(SampleCutOfFixedWidths, BeginsAtTheColumnThatComesNext) {
   const ExactText line(u"xyz");
   strategy_.get_next_field(line.field(), 0);
@@ -101,7 +101,8 @@ TEST_F(SampleCutOfFixedWidths, BeginsAtTheColumnThatComesNext) {
   EXPECT_EQ(fields_of(cut, sample_of_cut, 0), (Texts{u"ab", u"cd", u""}));
 }
 
-// A strategy from outside, which finds no field twice: each is as long as the fields cut so far.
+// A strategy from outside that never finds the same field twice: each is as long as the number of
+// fields cut so far.
 class GrowingFields : public LineReaderStrategy {
  public:
   using LineReaderStrategy::LineReaderStrategy;

@@ -19,7 +19,7 @@ using testing_support::ExactText;
 
 constexpr std::size_t kBlock = CodeUnitFinder::kBlockUnits;
 
-// Searches by each kernel of this machine in turn, and goes back to the one before.
+// Searches with each kernel of this machine in turn, and restores the previous one.
 class ForEachKernel {
  public:
   template <typename Check>
@@ -46,14 +46,14 @@ std::vector<std::size_t> all_places(const ExactText& text, std::u16string_view s
   return places;
 }
 
-// A text of as many units "a", with "," at some places.
+// A text of this many code units "a", with "," at some positions.
 std::u16string commas_at(const std::vector<std::size_t>& places, std::size_t length) {
   std::u16string text(length, u'a');
   for (const std::size_t place : places) text[place] = u',';
   return text;
 }
 
-// --- where the units stand ----------------------------------------------------------------------
+// --- positions of the code units ---------------------------------------------------------------
 
 struct PlaceCase {
   const char* rule;
@@ -70,8 +70,8 @@ const PlaceCase kPlaceCases[] = {
     {"BothSidesOfABorder", 2 * kBlock, {kBlock - 1, kBlock}},
     {"LastUnitOfAnIncompleteBlock", kBlock + 7, {kBlock + 6}},
     {"FirstUnitOfAnIncompleteBlock", kBlock + 1, {kBlock}},
-    {"BehindEmptyBlocks", 9 * kBlock, {0, 8 * kBlock + 5}},
-    {"BehindAThousandEmptyBlocks", 1001 * kBlock + 1, {1000 * kBlock + 63, 1001 * kBlock}},
+    {"AfterEmptyBlocks", 9 * kBlock, {0, 8 * kBlock + 5}},
+    {"AfterAThousandEmptyBlocks", 1001 * kBlock + 1, {1000 * kBlock + 63, 1001 * kBlock}},
     {"BordersOfTheBlocksLookedAtAtOnce",
      24 * kBlock,
      {0, kBlock - 1, kBlock, 3 * kBlock - 1, 3 * kBlock, 7 * kBlock - 1, 7 * kBlock,
@@ -96,9 +96,10 @@ TEST_P(CodeUnitFinderPlaces, AreFoundByEveryKernel) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, CodeUnitFinderPlaces, testing::ValuesIn(kPlaceCases), ByRule());
 
-// --- what is no place ----------------------------------------------------------------------------
+// --- what is not a match -------------------------------------------------------------------------
 
-// Both halves of a unit count: U+0A2C and U+2C0A hold the bytes of a line feed and a comma.
+// Both bytes of a code unit are compared: U+0A2C and U+2C0A have the bytes of a line feed and a
+// comma.
 TEST(CodeUnitFinder, ComparesWholeUnits) {
   const ExactText text(u"\u0A2C\u2C0A\u0A0A\u2C2C");
   ForEachKernel([&] { EXPECT_EQ(all_places(text, u"\n,"), std::vector<std::size_t>{}); });
@@ -127,7 +128,7 @@ TEST(CodeUnitFinder, FindsNothingForAnEmptySet) {
   EXPECT_EQ(finder.next(0), 3U);
 }
 
-// Also where it looked from the middle of a block before.
+// Also after a search that started in the middle of an earlier block.
 TEST(CodeUnitFinder, GoesBack) {
   const ExactText text(commas_at({3, 20, kBlock + 1}, 2 * kBlock));
   ForEachKernel([&] {
@@ -152,7 +153,7 @@ TEST(CodeUnitFinder, GivesTheLengthAtAndPastTheEnd) {
   EXPECT_EQ(of_many.next(5), 4U);
 }
 
-TEST(CodeUnitFinder, GoesOnWithAnotherText) {
+TEST(CodeUnitFinder, ContinuesWithAnotherText) {
   const CodeUnitSet comma(u",");
   const ExactText first(commas_at({3, 70}, 2 * kBlock));
   const ExactText second(commas_at({5}, 6));
@@ -182,7 +183,8 @@ std::size_t plain_next(const std::u16string& text, std::u16string_view set, std:
   return std::min(text.find_first_of(set, i), text.size());
 }
 
-// Places may be asked for in any order, over a few blocks and over more than are looked at at once.
+// Positions may be requested in any order, over a few blocks and over more than are searched at
+// once.
 RC_GTEST_PROP(CodeUnitFinderProperty, AgreesWithAPlainSearch, ()) {
   const auto set = *rc::gen::container<std::u16string>(rc::gen::inRange<char16_t>(u'a', u'h'));
   const auto length = *rc::gen::inRange<std::size_t>(0, 40 * kBlock);

@@ -30,7 +30,7 @@ std::ostream& operator<<(std::ostream& out, const RunCase& row) { return out << 
 const RunCase kRunCases[] = {
     {"NoMarkerMatchesNothing", {}, u"ab", {0, 0}},
     {"AnEmptyTextHasNoPlaces", {u"a"}, u"", {}},
-    {"AUnitMatchesWhereItStands", {u"b"}, u"abcb", {0, 1, 0, 1}},
+    {"AUnitMatchesAtItsPosition", {u"b"}, u"abcb", {0, 1, 0, 1}},
     {"AMarkerMatchesWhereItBegins", {u"abc"}, u"xabcabc", {0, 3, 0, 0, 3, 0, 0}},
     {"MatchesMayOverlap", {u"aba"}, u"ababa", {3, 0, 3, 0, 0}},
     {"AMarkerThatDoesNotFitIsNoMatch", {u"aaa"}, u"aaaa", {3, 3, 0, 0}},
@@ -55,7 +55,7 @@ TEST_P(MarkerAutomatonRun, GivesTheFirstMarkerAtEachPlace) {
   const Texts& markers = GetParam().markers;
   const MarkerAutomaton automaton({markers.begin(), markers.end()});
   const ExactText text(GetParam().text);
-  Lengths lengths = {77, 77, 77};  // of a text before
+  Lengths lengths = {77, 77, 77};  // left over from another text
   automaton.run(text.field(), lengths);
   EXPECT_EQ(lengths, GetParam().lengths);
 }

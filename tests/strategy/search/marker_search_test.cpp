@@ -1,5 +1,5 @@
-// Two ways lead to an answer: comparing the markers one by one, and an index. Each row takes both,
-// and so do random lists and texts.
+// There are two ways to the result: comparing the markers one by one, and an index. Each row tests
+// both, and so do random lists and texts.
 #include <vltextstream/strategy/search/marker_search.hpp>
 
 #include <gtest/gtest.h>
@@ -36,17 +36,17 @@ MarkerMatcher matcher_of_many(Texts markers) {
   return matcher_of(markers);
 }
 
-// The answers at each position of the text and at its end.
+// The results at each position of the text and at its end.
 Lengths answers(MarkerSearch& search, const Field& text) {
   Lengths lengths;
   for (std::size_t i = 0; i <= text.length; ++i) lengths.push_back(search.length_at(i));
   return lengths;
 }
 
-// A text in which every comparison is wasted, so long that an index is made.
+// A text in which no comparison finds a match, long enough that an index is made.
 const std::u16string kWaste(2'000, u'#');
 
-// Makes the index, which is kept for the texts that follow.
+// Makes the index, which is kept for the next texts.
 void waste_comparisons(MarkerSearch& search) {
   const ExactText text(kWaste);
   search.move_to(text.field());
@@ -60,7 +60,7 @@ struct AnswerCase {
   const char* rule;
   Texts markers;
   std::u16string text;
-  Lengths lengths;  // at each place and at the end
+  Lengths lengths;  // at each position and at the end
 };
 std::ostream& operator<<(std::ostream& out, const AnswerCase& row) { return out << row.rule; }
 
@@ -113,7 +113,7 @@ TEST_P(MarkerSearchLengthAt, LooksItUpInTheIndex) {
 
 INSTANTIATE_TEST_SUITE_P(Table, MarkerSearchLengthAt, testing::ValuesIn(kAnswerCases), ByRule());
 
-// What a host says of the first characters holds for the index as well.
+// What a host says about the first characters applies to the index as well.
 TEST(MarkerSearchSets, MatchOnlyWhereAFirstCharacterIs) {
   auto set = std::make_shared<DelimiterSet>();
   set->strings = {u"ab", u"b", kNeverFound};
@@ -131,15 +131,17 @@ TEST(MarkerSearchSets, MatchOnlyWhereAFirstCharacterIs) {
 
 // -- the index ----------------------------------------------------------------------------------
 
-// 64 markers of which only the last unit differs: at each 'a' two units of each are compared.
+// 64 markers that differ only in their last code unit: at each 'a' two code units of each are
+// compared.
 Texts nearly_matching_markers() {
   Texts markers;
   for (char16_t k = 0; k < 64; ++k) markers.push_back({u'a', static_cast<char16_t>(u'\u0100' + k)});
   return markers;
 }
 
-// 64 markers of 2 code units allow 64 * 3 * 8 to be compared, the text 100 * 8 more. That is used up
-// after 18 positions with 64 * 2 code units each, and looked at before the next position.
+// 64 markers of 2 code units allow 64 * 3 * 8 comparisons, and the text 100 * 8 more. These are
+// used up after 18 positions with 64 * 2 code units each, which is checked before the next
+// position.
 TEST(MarkerSearchBudget, MakesAnIndexOnceComparisonsHaveBeenWasteful) {
   const MarkerMatcher matcher = matcher_of(nearly_matching_markers());
   const ExactText text(std::u16string(100, u'a'));
@@ -164,7 +166,7 @@ TEST(MarkerSearchBudget, KeepsTheAutomatonFromTextToText) {
   EXPECT_TRUE(search.is_indexed());
 }
 
-// The lines of a text use up together what a long text uses up alone.
+// The lines of a text together use up what a single long text uses up.
 TEST(MarkerSearchBudget, IsSharedByAllTexts) {
   const MarkerMatcher matcher = matcher_of(nearly_matching_markers());
   const ExactText line(u"aaaa");
