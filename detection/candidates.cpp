@@ -250,7 +250,7 @@ class CandidateBuilder {
   }
 
   void keep(Candidate candidate) {
-    samples_.put_away(candidate);
+    samples_.keep_or_drop(candidate);
     candidates_.push_back(std::move(candidate));
   }
 

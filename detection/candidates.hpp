@@ -26,8 +26,8 @@ struct CandidateInput {
 };
 
 // The candidates for `chars`, which must be distinct, in the same order. Each one has been scored,
-// and its sample has been put away. If there is a `trace`, all built, kept and refused candidates
-// are added to it.
+// and its sample has been kept or dropped. If there is a `trace`, all built, kept and refused
+// candidates are added to it.
 Candidates build_candidates(const std::u16string& chars, const CandidateInput& input,
                             SelectionTrace* trace);
 

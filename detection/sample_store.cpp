@@ -60,7 +60,7 @@ void SampleStore::remember_blanks(const DrawnSample& sample) {
   }
 }
 
-void SampleStore::put_away(Candidate& candidate) {
+void SampleStore::keep_or_drop(Candidate& candidate) {
   const std::size_t lines = candidate.sample.texts.size();
   if (lines <= room_ || !can_be_drawn_again(candidate)) {
     room_ -= std::min(lines, room_);
@@ -72,7 +72,7 @@ void SampleStore::put_away(Candidate& candidate) {
 }
 
 // The limit is the same, so the sample ends at the same place.
-void SampleStore::bring_back(Candidate& candidate) {
+void SampleStore::restore(Candidate& candidate) {
   if (!candidate.most_texts) return;
   candidate.sample = draw(*candidate.strategy, *candidate.most_texts, {});
   candidate.counts = SampleCut(*candidate.strategy, candidate.sample).take_counts();

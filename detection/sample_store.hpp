@@ -2,8 +2,8 @@
 //
 //   SampleStore samples(text, 100);
 //   Candidate candidate{strategy, samples.draw(*strategy)};
-//   samples.put_away(candidate);       // candidate.sample may be empty from here on ...
-//   samples.bring_back(candidate);     // ... to here
+//   samples.keep_or_drop(candidate);   // candidate.sample may be empty from here on ...
+//   samples.restore(candidate);        // ... to here
 //
 // A sample may have as many lines as its text has code units, and there may be 57 candidates. While
 // a candidate waits for the end of the selection, its sample is dropped if the samples before it
@@ -43,8 +43,8 @@ Candidate valued(std::shared_ptr<Strategy> strategy, DrawnSample sample);
 
 class SampleStore {
  public:
-  // The largest number of text lines in all samples that have been put away, unless a smaller one
-  // is given.
+  // The largest number of text lines in all samples that are kept, unless a smaller number is
+  // given.
   static constexpr std::size_t kMostLines = 2'097'152;
 
   SampleStore(const Field& text, unsigned long num_lines, std::size_t most_lines = kMostLines)
@@ -65,7 +65,7 @@ class SampleStore {
   void put_away(Candidate& candidate);
 
   // Draws the sample again if it was dropped.
-  void bring_back(Candidate& candidate);
+  void restore(Candidate& candidate);
 
   // Whether a sample reached the end of the text.
   bool reached_end() const { return reached_end_; }

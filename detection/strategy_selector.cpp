@@ -120,7 +120,7 @@ std::shared_ptr<Strategy> StrategySelector::pick(SampleStore& samples, Selection
                                                  SelectionTrace* trace) const {
   const auto ended = [&outcome](SelectionEnd end) { outcome.end = end; };
   const auto won_by = [&samples](Candidate winner) {
-    samples.bring_back(winner);
+    samples.restore(winner);
     winner.strategy->keep(std::move(winner.sample), winner.counts);
     return std::move(winner.strategy);
   };
@@ -140,7 +140,7 @@ std::shared_ptr<Strategy> StrategySelector::pick(SampleStore& samples, Selection
   const std::u16string chars = find_candidate_chars(reader.sample.texts);
   if (trace) trace->candidate_chars = chars;
   samples.remember_blanks(reader.sample);
-  samples.put_away(reader);
+  samples.keep_or_drop(reader);
   Candidates candidates = build_candidates(chars, {*options_, header_lines_, samples}, trace);
   if (candidates.empty()) {
     ended(SelectionEnd::no_candidate);

@@ -7,8 +7,8 @@
 //
 // A detection takes these steps:
 //
-//  1. Sample     a LineReaderStrategy samples the lines. If each line as a whole is a date, the text
-//                has a single column; if there is no line, the line reader wins
+//  1. Sample     a LineReaderStrategy samples the lines. If each line as a whole is a date, the
+//                text has a single column; if there is no line, the line reader wins
 //                (strategy/sampling/sampler.hpp).
 //  2. Characters the characters of the middle lines that could separate fields are collected
 //                (find_candidate_chars in detection/candidates.hpp).

@@ -151,7 +151,7 @@ TEST_P(DetectionAllocations, DoNotGrowWithColumns) {
   expect_only_doublings(columns_5, columns_50, kVectorsThatGrowWithColumns);
 }
 
-TEST_P(DetectionAllocations, AreFewForEachCandidate) {
+TEST_P(DetectionAllocations, AreFewPerCandidate) {
   const Cost cost = cost_of_detection(GetParam().field, 100, 5);
   EXPECT_LE(cost.allocations, kPerStrategy * cost.strategies + kPerSelection);
 }
@@ -160,7 +160,7 @@ INSTANTIATE_TEST_SUITE_P(Table, DetectionAllocations, testing::ValuesIn(kTableCa
 
 // Only the first sample is drawn without knowing the number of lines in the text. Beyond 16,384 of
 // them its two lists, the lines and their numbers of fields, are doubled twice.
-TEST(DetectionAllocationsOfManyLines, GrowForTheFirstSampleAlone) {
+TEST(DetectionAllocationsOfManyLines, GrowOnlyForTheFirstSample) {
   const Cost lines_16000 = cost_of_detection(quoted, 16'000, 1);
   const Cost lines_40000 = cost_of_detection(quoted, 40'000, 1);
   ASSERT_EQ(lines_16000.strategies, lines_40000.strategies);

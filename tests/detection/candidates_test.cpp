@@ -171,7 +171,7 @@ const WidthsCase kWidthsCases[] = {
 };
 
 class FindColumnWidths : public testing::TestWithParam<WidthsCase> {};
-TEST_P(FindColumnWidths, CutInFrontOfCommonBlanks) {
+TEST_P(FindColumnWidths, CutBeforeCommonBlanks) {
   const WidthsCase& row = GetParam();
   const Lines lines(row.lines);
   EXPECT_EQ(
@@ -498,7 +498,7 @@ TEST_F(BuildOneCandidate, ValuesTheFixedWidthOne) {
   EXPECT_EQ(valuation.priors_rank, kInfinity);
 }
 
-TEST_F(BuildOneCandidate, FixedWidthSamplesWhatTheAlignedReadingSampled) {
+TEST_F(BuildOneCandidate, TheFixedWidthOneSamplesTheSameLinesAsTheAlignedOne) {
   // A budget of five lines, out of six.
   const ExactText text(kNames + u"Fay Ng      11\n");
   const Strategies candidates = build(u" ", text, 5);
@@ -527,7 +527,7 @@ TEST_F(BuildOneCandidate, RefusesASingleLineWithAFixedNumberOfVariablesToo) {
   EXPECT_EQ(trace_.candidates[0].fate, CandidateFate::irregular);
 }
 
-TEST_F(BuildOneCandidate, LeavesTheGivenNumberOfHeaderLinesToTheAlignedReading) {
+TEST_F(BuildOneCandidate, PassesTheGivenHeaderLinesToTheAlignedOne) {
   // The caller fixes the number of header lines, but gives "not known": the aligned candidate
   // detects them. The title has one field, the data lines two; the title is longer.
   options_.detect_header_lines = false;

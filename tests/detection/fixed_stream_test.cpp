@@ -166,7 +166,7 @@ TEST_P(FixedStreamSample, HasItsLength) {
 INSTANTIATE_TEST_SUITE_P(Table, FixedStreamSample, testing::ValuesIn(kSampleCases),
                          testing_support::ByRule());
 
-TEST(FixedStream, TakesEveryShortTextWhole) {
+TEST(FixedStream, UsesAllOfAShortText) {
   for (std::size_t size = 0; size <= 70; ++size) {
     ScriptedSource source(std::u16string(size, u'x'));
     const TextStream stream(&source);
@@ -253,7 +253,7 @@ TEST(FixedStream, LoadsALongTextInOneStep) {
   EXPECT_EQ(source.fills(), (Sizes{131'072, 4'325'376}));
 }
 
-TEST(FixedStream, LoadsNothingOfATextThatIsThere) {
+TEST(FixedStream, LoadsNothingIfTheTextIsLoaded) {
   ScriptedSource source(u"a\nb\n");
   const TextStream stream(&source);
   EXPECT_EQ(get_fixed_stream(stream, kUsual).length, 4U);

@@ -101,7 +101,7 @@ const FilterCase kNumVariablesCases[] = {
 };
 
 class ReduceByNumVariables : public testing::TestWithParam<FilterCase> {};
-TEST_P(ReduceByNumVariables, KeepsWhatTheOptionsGive) {
+TEST_P(ReduceByNumVariables, KeepsTheNumberOfTheOptions) {
   parser::options options;
   options.num_variables = kAskedFor;
   options.detect_num_variables = false;
@@ -146,7 +146,7 @@ const FilterCase kDatesCases[] = {
 };
 
 class ReduceByDates : public testing::TestWithParam<FilterCase> {};
-TEST_P(ReduceByDates, KeepsWhatFoundADate) {
+TEST_P(ReduceByDates, KeepsCandidatesWithADate) {
   const parser::options options;
   EXPECT_EQ(StrategySelector(options).reduce_by_dates(GetParam().survivors, GetParam().valuations),
             GetParam().kept);
@@ -225,7 +225,7 @@ const FilterCase kVariationCases[] = {
 };
 
 class ReduceByVariation : public testing::TestWithParam<FilterCase> {};
-TEST_P(ReduceByVariation, KeepsWhatIsHardlyLessRegular) {
+TEST_P(ReduceByVariation, KeepsCandidatesThatAreHardlyLessRegular) {
   const parser::options options;
   EXPECT_EQ(
       StrategySelector(options).reduce_by_variation(GetParam().survivors, GetParam().valuations),
@@ -356,7 +356,7 @@ TEST_P(ReduceByHeaderLines, KeepsTheFewestOfTheRegularOnes) {
 INSTANTIATE_TEST_SUITE_P(Table, ReduceByHeaderLines, testing::ValuesIn(kHeaderLinesCases),
                          ByRule());
 
-TEST(ReduceByHeaderLinesFlag, IsTheOneOfTheSelectorsConstruction) {
+TEST(ReduceByHeaderLinesFlag, IsFixedWhenTheSelectorIsMade) {
   parser::options options;
   const StrategySelector selector(options);
   options.detect_header_lines = false;
@@ -419,7 +419,7 @@ const FilterCase kPriorsRankCases[] = {
 };
 
 class ReduceByPriorsRank : public testing::TestWithParam<FilterCase> {};
-TEST_P(ReduceByPriorsRank, SinglesOutTheSmallestListedRank) {
+TEST_P(ReduceByPriorsRank, KeepsTheSmallestListedRank) {
   const parser::options options;
   EXPECT_EQ(
       StrategySelector(options).reduce_by_priors_rank(GetParam().survivors, GetParam().valuations),

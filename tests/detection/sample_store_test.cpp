@@ -96,24 +96,24 @@ class SampleKept : public testing::TestWithParam<KeptCase> {
   std::shared_ptr<Strategy> strategy_;
 };
 
-TEST_P(SampleKept, StaysWhereThereIsRoom) {
+TEST_P(SampleKept, IsKeptIfThereIsRoom) {
   SampleStore samples(text_.field(), GetParam().num_lines, num_texts());
   Candidate candidate = valued_by(samples, strategy_);
-  samples.put_away(candidate);
+  samples.keep_or_drop(candidate);
   expect_sample(candidate);
   const Field* const before = candidate.sample.texts.data();
-  samples.bring_back(candidate);
+  samples.restore(candidate);
   EXPECT_EQ(candidate.sample.texts.data(), before);
 }
 
-TEST_P(SampleKept, IsDroppedForWantOfRoomAndDrawnAgain) {
+TEST_P(SampleKept, IsDroppedWithoutRoomAndDrawnAgain) {
   SampleStore samples(text_.field(), GetParam().num_lines, num_texts() - 1);
   Candidate candidate = valued_by(samples, strategy_);
   const std::size_t end = candidate.sample.found.end;
-  samples.put_away(candidate);
+  samples.keep_or_drop(candidate);
   EXPECT_EQ(candidate.sample.texts.capacity(), 0U);
   EXPECT_EQ(candidate.counts.size(), 0U);
-  samples.bring_back(candidate);
+  samples.restore(candidate);
   expect_sample(candidate);
   EXPECT_EQ(candidate.sample.found.end, end);
 }
@@ -122,40 +122,40 @@ INSTANTIATE_TEST_SUITE_P(Table, SampleKept, testing::ValuesIn(kKeptCases), ByRul
 
 // --- what is never dropped ----------------------------------------------------------------------
 
-TEST(SampleStorePutAway, KeepsTheSampleOfFixedWidths) {
+TEST(SampleStoreKeepOrDrop, KeepsTheSampleOfFixedWidths) {
   const parser::options options;
   const ExactText text(u"aabb\nccdd\n");
   SampleStore samples(text.field(), 100, 0);
   Candidate candidate = valued_by(
       samples, std::make_shared<FixedWidthStrategy>(options, std::vector<unsigned long>{2, 2}));
-  samples.put_away(candidate);
+  samples.keep_or_drop(candidate);
   EXPECT_EQ(lines_of(candidate.sample), (Texts{u"aabb", u"ccdd"}));
 }
 
 // Its counts belong to another sample.
-TEST(SampleStorePutAway, KeepsASampleThatIsNewerThanTheValuation) {
+TEST(SampleStoreKeepOrDrop, KeepsASampleThatIsNewerThanTheValuation) {
   const parser::options options;
   const ExactText text(u"a,b\n1,2\n3,4\n");
   SampleStore samples(text.field(), 2, 0);
   Candidate candidate = valued_by(samples, commas(options));
   candidate.sample = samples.draw(*candidate.strategy, 3);
-  samples.put_away(candidate);
-  samples.bring_back(candidate);
+  samples.keep_or_drop(candidate);
+  samples.restore(candidate);
   EXPECT_EQ(lines_of(candidate.sample), (Texts{u"a,b", u"1,2", u"3,4"}));
   EXPECT_EQ(candidate.counts.to_vector(), (Counts{2, 2}));
 }
 
-TEST(SampleStorePutAway, CountsTheLinesOfAllThatItKept) {
+TEST(SampleStoreKeepOrDrop, CountsTheLinesOfAllKeptSamples) {
   const parser::options options;
   const ExactText text(u"a,b\n1,2\n");
   SampleStore samples(text.field(), 100, 3);
   Candidate first = valued_by(samples, commas(options));
-  samples.put_away(first);
+  samples.keep_or_drop(first);
   Candidate second = valued_by(samples, commas(options));
-  samples.put_away(second);
+  samples.keep_or_drop(second);
   EXPECT_EQ(first.sample.size(), 2U);
   EXPECT_EQ(second.sample.size(), 0U);
-  samples.bring_back(second);
+  samples.restore(second);
   EXPECT_EQ(second.sample.size(), 2U);
 }
 
@@ -210,7 +210,7 @@ TEST(SampleStoreDraw, MakesRoomForAsManyLinesAsWereDrawnBefore) {
 }
 
 // The quoted field contains all lines except the first.
-TEST(SampleStoreDraw, TakesBackTheRoomForManyMoreLinesThanThereAre) {
+TEST(SampleStoreDraw, GivesBackRoomForManyMissingLines) {
   const parser::options options;
   const ExactText text(u"a\n\"\nb\nc\nd\ne\nf\n");
   SampleStore samples(text.field(), 100);
@@ -258,7 +258,7 @@ void expect_same(const DrawnSample& shared, const DrawnSample& plain) {
 }
 
 class KnownBlanks : public testing::TestWithParam<BlankCase> {};
-TEST_P(KnownBlanks, GiveTheSampleThatReadingThemGives) {
+TEST_P(KnownBlanks, GiveTheSameSampleAsReadingThem) {
   const parser::options options;
   const ExactText text(GetParam().text);
   SampleStore samples(text.field(), 100);
@@ -305,7 +305,7 @@ const EndCase kEndCases[] = {
 };
 
 class ReachedEnd : public testing::TestWithParam<EndCase> {};
-TEST_P(ReachedEnd, IsTrueWhereMoreTextCouldMatter) {
+TEST_P(ReachedEnd, IsTrueIfMoreTextCouldMatter) {
   const parser::options options;
   const ExactText text(GetParam().text);
   SampleStore samples(text.field(), GetParam().num_lines);

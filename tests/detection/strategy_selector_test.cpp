@@ -455,7 +455,7 @@ TEST_P(PickStrategy, ValuesEveryCandidate) {
   EXPECT_EQ(winner->num_variables() == -1, fallback);
 }
 
-TEST_P(PickStrategy, TracesSurvivorsThatGetFewer) {
+TEST_P(PickStrategy, TracesADecreasingNumberOfSurvivors) {
   SelectionTrace trace;
   pick(trace);
   std::vector<std::size_t> before;
@@ -483,7 +483,7 @@ TEST_P(PickStrategy, TracesSurvivorsThatGetFewer) {
   }
 }
 
-TEST_P(PickStrategy, LeavesTheSelectorAlone) {
+TEST_P(PickStrategy, DoesNotChangeTheSelector) {
   options_.delimiters = {u"::", u"\t"};
   const StrategySelector selector(options_);
   selector.pick_strategy(text_.field(), GetParam().given.budget);
@@ -495,7 +495,7 @@ INSTANTIATE_TEST_SUITE_P(Table, PickStrategy, testing::ValuesIn(kPickCases), ByR
 
 // -- the selector -------------------------------------------------------------------------------
 
-TEST(StrategySelectorCopies, HoldWhatTheOptionsHeldAtTheStart) {
+TEST(StrategySelectorCopies, KeepTheInitialValuesOfTheOptions) {
   parser::options options;
   options.delimiters = {u";"};
   options.header_lines = 4;
@@ -515,7 +515,7 @@ TEST(StrategySelectorCopies, HoldWhatTheOptionsHeldAtTheStart) {
   EXPECT_EQ(assigned.header_lines(), 4UL);
 }
 
-TEST(StrategySelectorCopies, StayWhatTheyAreWhenAssignedToThemselves) {
+TEST(StrategySelectorCopies, SurviveSelfAssignment) {
   parser::options options;
   options.delimiters = {u";", u"a delimiter that is longer than a string keeps inside"};
   options.header_lines = 4;
@@ -607,7 +607,7 @@ TEST(SingleColumnRecord, IsACopy) {
 }
 
 // All values of the returned record are final.
-TEST(SingleColumnRecord, SaysWhatTheStrategyDoes) {
+TEST(SingleColumnRecord, DescribesTheStrategy) {
   struct Open : Strategy {
     using Strategy::options_;
   };
@@ -720,7 +720,7 @@ TEST(PickStrategyTrace, NamesTheFilterForAGivenNumberOfVariablesFirst) {
   EXPECT_EQ(names_of_filters(trace_of(u"a|b#c\n1|2#3\n4|5#6\n", variables(2))), names);
 }
 
-TEST(PickStrategyTrace, LosesWhatItHeldBefore) {
+TEST(PickStrategyTrace, LosesItsPreviousContents) {
   const parser::options options;
   const ExactText table(u"a|b,c\n1|2,3\n4|5,6\n");
   const StrategySelector selector(options);
@@ -751,7 +751,7 @@ TEST(PickStrategyTrace, KeepsTheRefusedOnesWhenNoCandidateIsLeft) {
   EXPECT_EQ(trace.end, SelectionEnd::no_candidate);
 }
 
-TEST(PickStrategyTrace, ShowsTheAlignedReadingAfterFixedWidths) {
+TEST(PickStrategyTrace, ShowsTheAlignedCandidateAfterTheFixedWidthOne) {
   const SelectionTrace trace = trace_of(kNames, {});
   ASSERT_EQ(trace.candidates.size(), 3U);
   EXPECT_EQ(trace.candidates[0].dialect.mode, LayoutMode::space_aligned);

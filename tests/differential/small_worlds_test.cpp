@@ -59,7 +59,7 @@ TEST(TextsAcrossBlocks, CrossABlockAfterTheirSecondUnit) {
   EXPECT_EQ(texts[1].substr(65), std::u16string(64, u'b'));
 }
 
-TEST(SmallWorld, FallsIntoPartsWithoutRemainder) {
+TEST(SmallWorld, IsDividedIntoPartsCompletely) {
   const SmallWorld world(kSmallCounts, 4);
   std::multiset<Series> seen;
   for (const std::uint64_t part : {0U, 1U, 2U}) {

@@ -129,7 +129,7 @@ class ReadFaults : public testing::TestWithParam<TextCase> {};
 
 // --- short reads ---------------------------------------------------------------------------------
 
-TEST_P(ReadFaults, ThatComeShortLoseNothing) {
+TEST_P(ReadFaults, ThatAreShortLoseNothing) {
   const TextCase& row = GetParam();
   for (const std::size_t most : {1U, 2U, 3U, 4U, 5U, 7U}) {
     for (const std::size_t fill : {1U, 2U, 3U, 1000U}) {
@@ -143,7 +143,7 @@ TEST_P(ReadFaults, ThatComeShortLoseNothing) {
   }
 }
 
-TEST_P(ReadFaults, ThatComeShortOfALongTextLoseNothing) {
+TEST_P(ReadFaults, ThatAreShortOfALongTextLoseNothing) {
   const TextCase row = repeated(GetParam(), 2 * kChunkBytes + 1'000);
   const std::string bytes = bytes_of(row);
   const std::u16string units = units_of(row);
@@ -165,7 +165,7 @@ void expect_few_reads(const FaultyDevice& device, std::size_t bytes) {
   EXPECT_LE(device.reads(), bytes + 8);
 }
 
-TEST_P(ReadFaults, EndTheTextWhereverTheyStrike) {
+TEST_P(ReadFaults, EndTheTextAtAnyPosition) {
   const TextCase& row = GetParam();
   const std::string bytes = bytes_of(row);
   for (std::size_t place = 0; place <= bytes.size(); ++place) {
@@ -183,7 +183,7 @@ TEST_P(ReadFaults, EndTheTextWhereverTheyStrike) {
 }
 
 // Bytes after a failed read are not text, even if the device has recovered.
-TEST_P(ReadFaults, EndTheTextAlsoWhenTheyPass) {
+TEST_P(ReadFaults, EndTheTextEvenIfTemporary) {
   const TextCase& row = GetParam();
   const std::string bytes = bytes_of(row);
   for (std::size_t place = 0; place <= bytes.size(); ++place) {
@@ -355,7 +355,7 @@ TEST(FileTextSourceReadError, IsThatOfTheFirstFailure) {
   EXPECT_EQ(source.read_error(), ENXIO);
 }
 
-TEST(FileTextSourceReadError, StartsAfreshWithANewFile) {
+TEST(FileTextSourceReadError, IsClearedByANewFile) {
   FaultyDevice device("abcdef");
   device.fail_reads_at(2, ENXIO, 1);
   FileTextSource source;
@@ -367,7 +367,7 @@ TEST(FileTextSourceReadError, StartsAfreshWithANewFile) {
 }
 
 // An error flag that the stream already has does not concern the text.
-TEST(FileTextSourceReadError, ForgetsWhatFailedBeforeTheFileWasHandedOver) {
+TEST(FileTextSourceReadError, IgnoresErrorsFromBeforeTheFileWasPassed) {
   FaultyDevice device("abcdef");
   device.fail_reads_at(0, EIO, 1);
   std::FILE* const file = device.open();
@@ -410,7 +410,7 @@ TEST(SeekFaults, AreClearedByASeekThatSucceeds) {
 
 // Reading the position is a seek as well. An input that cannot report it is read on from its
 // current position, like a pipe.
-TEST(SeekFaults, DoNotKeepATextFromBeingReadForwards) {
+TEST(SeekFaults, DoNotPreventReadingForwards) {
   std::string bytes(3 * kBufferUnits, 'x');
   for (std::size_t i = 0; i < bytes.size(); i += 10) bytes[i] = '\n';
   const std::u16string units(bytes.begin(), bytes.end());
@@ -426,7 +426,7 @@ TEST(SeekFaults, DoNotKeepATextFromBeingReadForwards) {
 
 // One seek fails, whichever it is: the text that is read is the beginning of the true one, or all
 // of it.
-TEST(SeekFaults, LeaveABeginningOfTheTextWhicheverSeekFails) {
+TEST(SeekFaults, LeaveABeginningOfTheTextForAnyFailingSeek) {
   std::string bytes(4 * kBufferUnits, '\0');
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>('!' + i * 7 % 89);
   const std::u16string units(bytes.begin(), bytes.end());

@@ -141,7 +141,7 @@ TEST(FileTextSourceMemory, RunsOutWhileTheErrorIsMade) {
 }
 
 // The search allocates thousands of times, always in the same way: a few failures are enough.
-TEST(FileTextSourceMemory, RunsOutWhileANearNameIsLookedFor) {
+TEST(FileTextSourceMemory, RunsOutWhileASimilarNameIsSearchedFor) {
   const auto make = [] {
     return std::make_unique<OpeningWithUnknownEncoding>("an encoding that nobody knows");
   };
@@ -173,7 +173,7 @@ class FillThatKeepsAUnit : public Attempt {
   std::string first_;
 };
 
-TEST(FileTextSourceMemory, HoldsNothingForAFill) {
+TEST(FileTextSourceMemory, IsNotNeededForAFill) {
   FillThatKeepsAUnit undisturbed;
   undisturbed.call();
   EXPECT_EQ(undisturbed.answer(), "ab\\uFFFDzyx");

@@ -195,7 +195,7 @@ TEST_P(ReferenceMatch, GivesTheLength) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, ReferenceMatch, testing::ValuesIn(kMatchCases), rule_of<MatchCase>);
 
-TEST(ReferenceStopChars, AreDistinctAscendingFirstUnits) {
+TEST(ReferenceStopChars, AreTheDistinctFirstCodeUnitsInOrder) {
   EXPECT_EQ(make_stop_chars({u"\r\n", u"\n", u"\r"}, {}), u"\n\r");
   EXPECT_EQ(make_stop_chars({u"::", u","}, {u"\r\n", u"\n"}), u"\n\r,:");
   EXPECT_EQ(make_stop_chars({u""}, {u"x"}), std::u16string(u"\0x", 2));
@@ -299,7 +299,7 @@ const LineCase kLineCases[] = {
 };
 
 class ReferenceLineExtent : public testing::TestWithParam<LineCase> {};
-TEST_P(ReferenceLineExtent, MatchesWhatWasFoundByHand) {
+TEST_P(ReferenceLineExtent, MatchesTheHandComputedResult) {
   const LineCase& row = GetParam();
   EXPECT_EQ(get_line_extent(row.mode, row.delimiters, row.text, row.options, row.pos), row.line);
 }
@@ -719,7 +719,7 @@ TEST(ReferenceNumber, Refuses) {
   }
 }
 
-TEST(ReferenceDuration, TakesTwoColonsAndAnyDigits) {
+TEST(ReferenceDuration, AcceptsTwoColonsAndAnyDigits) {
   for (const std::u16string text : {u"::", u"1::", u"1:02:03.5", u"1:02:03.", u"::.5"}) {
     EXPECT_TRUE(is_duration(text)) << std::string(text.begin(), text.end());
   }
@@ -835,7 +835,7 @@ const MedianCase kMedianCases[] = {
 };
 
 class ReferenceMedian : public testing::TestWithParam<MedianCase> {};
-TEST_P(ReferenceMedian, MatchesWhatWasFoundByHand) {
+TEST_P(ReferenceMedian, MatchesTheHandComputedResult) {
   EXPECT_EQ(get_modified_median(GetParam().counts, GetParam().first), GetParam().median);
 }
 INSTANTIATE_TEST_SUITE_P(Table, ReferenceMedian, testing::ValuesIn(kMedianCases),
@@ -924,7 +924,7 @@ const HeaderCase kHeaderCases[] = {
 };
 
 class ReferenceHeaderLines : public testing::TestWithParam<HeaderCase> {};
-TEST_P(ReferenceHeaderLines, MatchesWhatWasFoundByHand) {
+TEST_P(ReferenceHeaderLines, MatchesTheHandComputedResult) {
   const HeaderCase& row = GetParam();
   EXPECT_EQ(get_header_lines(row.d, row.first, row.cap), row.header_lines);
 }
@@ -1049,7 +1049,7 @@ const ValuationCase kValuationCases[] = {
 };
 
 class ReferenceValue : public testing::TestWithParam<ValuationCase> {};
-TEST_P(ReferenceValue, MatchesWhatWasFoundByHand) {
+TEST_P(ReferenceValue, MatchesTheHandComputedResult) {
   const ValuationCase& row = GetParam();
   const Sample sample = sample_strategy(Mode::delimited, {u","}, {}, row.text, row.options, 100,
                                         std::nullopt, true, iso_date);
@@ -1093,7 +1093,7 @@ TEST(ReferenceValueHeader, CountsTheEmptyLineOfThePreamble) {
   EXPECT_EQ(sample.valuation.num_variables, 3U);
 }
 
-TEST(ReferenceValueHeader, IsGivenUpWhenTheDataAfterItVariesTooMuch) {
+TEST(ReferenceValueHeader, IsDiscardedWhenTheDataAfterItVariesTooMuch) {
   std::u16string text;
   for (const std::size_t count : Counts{22, 2, 2, 10, 2, 2, 2}) {
     for (std::size_t i = 1; i < count; ++i) text += u"0,";
@@ -1139,7 +1139,7 @@ const CharsCase kCharsCases[] = {
 };
 
 class ReferenceCandidateChars : public testing::TestWithParam<CharsCase> {};
-TEST_P(ReferenceCandidateChars, MatchesWhatWasFoundByHand) {
+TEST_P(ReferenceCandidateChars, MatchesTheHandComputedResult) {
   const CharsCase& row = GetParam();
   const Sample reader =
       sample_strategy(Mode::line_reader, {}, {}, row.text, Options(), 100, 0, false, kNever);
@@ -1312,7 +1312,7 @@ TEST(ReferenceFilters, KeepThoseWithDatesIfAnyHasSome) {
   EXPECT_EQ(reduce_by_dates({0}, valuations), (Survivors{0}));
 }
 
-TEST(ReferenceFilters, KeepTheSteadiestAndWhatComesClose) {
+TEST(ReferenceFilters, KeepTheMostRegularAndThoseNearIt) {
   EXPECT_EQ(reduce_by_variation({0, 1, 2}, {varied(0.0, 100), varied(0.05, 1), varied(0.2, 1)}),
             (Survivors{0, 1}));
   EXPECT_EQ(reduce_by_variation({0, 1}, {varied(2.0, 10), varied(2.15, 10)}), (Survivors{0, 1}));
@@ -1466,7 +1466,7 @@ const LengthCase kLengthCases[] = {
 };
 
 class ReferenceSampleLength : public testing::TestWithParam<LengthCase> {};
-TEST_P(ReferenceSampleLength, MatchesWhatWasFoundByHand) {
+TEST_P(ReferenceSampleLength, MatchesTheHandComputedResult) {
   const LengthCase& row = GetParam();
   EXPECT_EQ(sample_length(row.text, row.line_endings, row.limit), row.length);
 }

@@ -94,7 +94,7 @@ const ColumnsCase kColumnsCases[] = {
 };
 
 class ClassifyColumns : public testing::TestWithParam<ColumnsCase> {};
-TEST_P(ClassifyColumns, TakesTheLowestField) {
+TEST_P(ClassifyColumns, UsesTheLowestField) {
   const FieldTable table(GetParam().rows);
   InspectionScope scope;
   scope.header_lines = GetParam().header_lines;
@@ -249,7 +249,7 @@ TEST_F(InspectDatatypes, CountsNothingWithoutLines) {
   expect_counts(0, 0, 0, 0);
 }
 
-TEST_F(InspectDatatypes, PassesOverLinesBelowTheModalCount) {
+TEST_F(InspectDatatypes, SkipsLinesBelowTheModalCount) {
   inspect(kMixed, 17, 16);
   expect_counts(0, 0, 0, 0);
 }

@@ -150,7 +150,7 @@ const AnswerCase kNumberCases[] = {
 };
 
 class IsNumber : public testing::TestWithParam<AnswerCase> {};
-TEST_P(IsNumber, KnowsTheWholeLiteralOnly) {
+TEST_P(IsNumber, AcceptsOnlyWholeLiterals) {
   const ExactText text(GetParam().text);
   EXPECT_EQ(is_number(text.field()), GetParam().accepted) << readable(GetParam().text);
 }
@@ -199,7 +199,7 @@ const AnswerCase kDurationCases[] = {
 };
 
 class IsDuration : public testing::TestWithParam<AnswerCase> {};
-TEST_P(IsDuration, WantsTwoColonsAndDigitsOnly) {
+TEST_P(IsDuration, AcceptsOnlyTwoColonsAndDigits) {
   const ExactText text(GetParam().text);
   EXPECT_EQ(is_duration(text.field()), GetParam().accepted) << readable(GetParam().text);
 }
@@ -417,7 +417,7 @@ TEST(UnquoteCost, AMillionPairsWithoutAClosingQuoteLoseOne) {
 
 // --- dates ---------------------------------------------------------------------------------------
 
-TEST(SafeIsDatetime, GivesTheAnswerOfTheHost) {
+TEST(SafeIsDatetime, ReturnsTheResultOfTheHost) {
   const ExactText date(u"2024-03-01");
   const ExactText word(u"hello");
   EXPECT_TRUE(safe_is_datetime(date.field()));
@@ -517,7 +517,7 @@ const ClassCase kClassCases[] = {
 };
 
 class ClassifyField : public testing::TestWithParam<ClassCase> {};
-TEST_P(ClassifyField, ClimbsTheLadder) {
+TEST_P(ClassifyField, TestsTheClassesInOrder) {
   const ExactText text(GetParam().text);
   EXPECT_EQ(name_of(classify_field(text.field(), GetParam().whitespace)), name_of(GetParam().code))
       << readable(GetParam().text);

@@ -171,12 +171,12 @@ class CalculateHeaderlines : public testing::Test {
   UnitStrategy strategy_{options_};
 };
 
-TEST_F(CalculateHeaderlines, AsksTheDetectorWhileTheHeaderIsUnknown) {
+TEST_F(CalculateHeaderlines, DetectsAnUnknownHeader) {
   strategy_.calculate_headerlines(kCapMatters, 0);
   EXPECT_EQ(strategy_.header_lines(), 3u);
 }
 
-TEST_F(CalculateHeaderlines, CapsDeviationsWhereBlanksSeparate) {
+TEST_F(CalculateHeaderlines, CapsDeviationsIfBlanksSeparate) {
   strategy_.space_separated_ = true;
   strategy_.calculate_headerlines(kCapMatters, 0);
   EXPECT_EQ(strategy_.header_lines(), 1u);
@@ -187,19 +187,19 @@ TEST_F(CalculateHeaderlines, PassesTheFallbackOn) {
   EXPECT_EQ(strategy_.header_lines(), 2u);
 }
 
-TEST_F(CalculateHeaderlines, KnownHeaderLinesStay) {
+TEST_F(CalculateHeaderlines, KnownHeaderLinesAreKept) {
   strategy_.header_lines(5);
   strategy_.calculate_headerlines(kCapMatters, 0);
   EXPECT_EQ(strategy_.header_lines(), 5u);
 }
 
-TEST_F(CalculateHeaderlines, KnownAbsenceOfHeaderLinesStays) {
+TEST_F(CalculateHeaderlines, KnownAbsenceOfHeaderLinesIsKept) {
   strategy_.header_lines(0);
   strategy_.calculate_headerlines(kCapMatters, 0);
   EXPECT_EQ(strategy_.header_lines(), 0u);
 }
 
-TEST_F(CalculateHeaderlines, TheLargestKnownNumberStays) {
+TEST_F(CalculateHeaderlines, TheLargestKnownNumberIsKept) {
   strategy_.header_lines(SIZE_MAX - 1);
   strategy_.calculate_headerlines(kCapMatters, 0);
   EXPECT_EQ(strategy_.header_lines(), SIZE_MAX - 1);
@@ -211,7 +211,7 @@ TEST_F(CalculateHeaderlines, NoVariationAtAllMeansNoHeader) {
   EXPECT_EQ(strategy_.header_lines(), 0u);
 }
 
-TEST_F(CalculateHeaderlines, KnownHeaderLinesStayWithoutVariationToo) {
+TEST_F(CalculateHeaderlines, KnownHeaderLinesAreKeptWithoutVariation) {
   strategy_.valuation_.total_variation = 0.0;
   strategy_.header_lines(5);
   strategy_.calculate_headerlines(kCapMatters, 4);

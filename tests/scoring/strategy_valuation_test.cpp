@@ -305,7 +305,7 @@ TEST(ValuationHeaderLines, KnownOnesThatAreToBeDetectedAreOnlyMoved) {
 // d 9 3 9 0 0 0 0 0 0 0: three header lines, or one if deviations are capped at 2. With one, the
 // variation after it is (3 + 9) / 9 > 1, so the first line with more than one field is used
 // instead.
-TEST(ValuationHeaderLines, DeviationsAreCappedWhereBlanksSeparate) {
+TEST(ValuationHeaderLines, DeviationsAreCappedIfBlanksSeparate) {
   const ExactText text(text_of_counts({11, 5, 11, 2, 2, 2, 2, 2, 2, 2}, u'x'));
   parser::options options;
   UnitStrategy plain(options);

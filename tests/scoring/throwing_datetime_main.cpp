@@ -93,7 +93,7 @@ TEST_P(ThrowingDateCheck, LeavesTheFieldAText) {
   }
 }
 
-TEST_P(ThrowingDateCheck, LeavesOtherClassesAlone) {
+TEST_P(ThrowingDateCheck, DoesNotAffectOtherClasses) {
   const ExactText number(u"42");
   const ExactText clock(u"1:02:03");
   const ExactText minutes(u"12:34");
@@ -218,7 +218,7 @@ std::size_t checks_for_lines_of_dates(std::size_t lines) {
   return date_checks;
 }
 
-TEST(InspectionCost, AColumnThatHasAClassIsNotLookedAtAgain) {
+TEST(InspectionCost, AColumnWithAClassIsNotInspectedAgain) {
   EXPECT_EQ(checks_for_lines_of_dates(1000), checks_for_lines_of_dates(2));
 }
 

@@ -132,7 +132,7 @@ class DecoderMemory : public testing::TestWithParam<EncodingCase> {
   }
 };
 
-TEST_P(DecoderMemory, ThatRunsOutLeavesTheSourceAsItWas) {
+TEST_P(DecoderMemory, ThatRunsOutLeavesTheSourceUnchanged) {
   {
     FaultyDevice device(GetParam().bytes);
     FileTextSource source;
@@ -166,7 +166,7 @@ const FileCase kFileCases[] = {
 class DetectionMemory : public testing::TestWithParam<FileCase> {};
 
 // A result in spite of a failure is the undisturbed result.
-TEST_P(DetectionMemory, OfTheDecoderThatRunsOutGivesTheAnswerOrNone) {
+TEST_P(DetectionMemory, OfTheDecoderThatRunsOutGivesTheResultOrNone) {
   const TempFile file(GetParam().bytes);
   const std::string path = standalone::to_utf8(file.path());
   const standalone::Layout undisturbed = standalone::detect_layout(path);

@@ -199,7 +199,7 @@ class ThrowingConverter : public testing::TestWithParam<ThrownCase> {
 
 // --- the constructor throws ----------------------------------------------------------------------
 
-TEST_P(ThrowingConverter, ThatCannotBeMadeLeavesTheSourceAlone) {
+TEST_P(ThrowingConverter, ThatCannotBeMadeLeavesTheSourceUnchanged) {
   FaultyDevice first("first");
   FaultyDevice second("second");
   {
@@ -221,7 +221,7 @@ TEST_P(ThrowingConverter, ThatCannotBeMadeLeavesTheSourceAlone) {
 
 // --- a call throws -------------------------------------------------------------------------------
 
-TEST_P(ThrowingConverter, LeavesAFillToBeMadeAgain) {
+TEST_P(ThrowingConverter, LetsAFillBeRepeated) {
   const std::string bytes = letters(200'000);
   for (std::size_t nth = 1; nth <= 4; ++nth) {
     script = Script();
@@ -242,7 +242,7 @@ TEST_P(ThrowingConverter, LeavesAFillToBeMadeAgain) {
   }
 }
 
-TEST_P(ThrowingConverter, LeavesASkipToBeMadeAgain) {
+TEST_P(ThrowingConverter, LetsASkipBeRepeated) {
   const std::string bytes = letters(200'000);
   for (std::size_t nth = 1; nth <= 3; ++nth) {
     script = Script();
@@ -272,7 +272,7 @@ TEST_P(ThrowingConverter, LeavesTheSourceOfAStreamThatCouldNotBeMade) {
   }
 }
 
-TEST_P(ThrowingConverter, LeavesALookAheadToBeMadeAgain) {
+TEST_P(ThrowingConverter, LetsALookAheadBeRepeated) {
   const std::string bytes = letters(2 * kBufferUnits + 1);
   bool has_thrown = true;
   for (std::size_t nth = 1; has_thrown; ++nth) {
@@ -295,7 +295,7 @@ TEST_P(ThrowingConverter, LeavesALookAheadToBeMadeAgain) {
   }
 }
 
-TEST_P(ThrowingConverter, LeavesAnAdvanceToBeMadeAgain) {
+TEST_P(ThrowingConverter, LetsAnAdvanceBeRepeated) {
   const std::string bytes = letters(5 * kBufferUnits / 2);
   for (const unsigned long step : {131'000UL, 131'072UL, 200'000UL}) {
     bool has_thrown = true;
@@ -394,7 +394,7 @@ const MannerCase kMannerCases[] = {
 // --- bytes that give nothing ---------------------------------------------------------------------
 
 // With one code unit of room, a converter that keeps everything would be called for each byte.
-TEST(SilentConverter, GetsMoreBytesAtATimeTheLongerItIsSilent) {
+TEST(SilentConverter, GetsMoreAndMoreBytesAtATime) {
   const std::string bytes = letters(1'000'000);
   for (const std::size_t fill : {1U, 2U, 1'000U}) {
     script = silent(kNever);
@@ -487,7 +487,7 @@ TEST_P(EndlessConverter, EndsInAFillWithRoom) {
   EXPECT_EQ(read_by_fills(source_, 1'000), u"");
 }
 
-TEST_P(EndlessConverter, EndsInFillsOfOneUnit) {
+TEST_P(EndlessConverter, EndsInFillsOfOneCodeUnit) {
   const std::u16string text = read_by_fills(source_, 1);
   EXPECT_LE(text.size(), 20U);
   EXPECT_EQ(readable(read_by_fills(source_, 1)), "");
@@ -510,7 +510,7 @@ TEST_P(EndlessConverter, EndsInAStream) {
 INSTANTIATE_TEST_SUITE_P(Table, EndlessConverter, testing::ValuesIn(kEndlessCases), ByRule());
 
 // A file that is read again from its start reaches its end again.
-TEST(ConverterAtTheEnd, IsAskedOnceAtEachEnd) {
+TEST(ConverterAtTheEnd, IsCalledOnceAtEachEnd) {
   script = Script();
   FaultyDevice device("ab");
   FileTextSource source;
@@ -552,7 +552,7 @@ class ConverterUnits : public testing::TestWithParam<UnitCase> {
   void SetUp() override { script = Script(); }
 };
 
-TEST_P(ConverterUnits, ArriveFoldedWhateverTheRoom) {
+TEST_P(ConverterUnits, AreFoldedForAnyRoom) {
   for (const std::size_t fill : {1U, 2U, 3U, 4U, 5U, 100U}) {
     for (const std::size_t silent_calls : {std::size_t{0}, std::size_t{2}, kNever}) {
       script.calls = 0;
@@ -576,7 +576,7 @@ TEST_P(ConverterUnits, ArriveInAStream) {
   EXPECT_EQ(stream.at(units.size()), TextStream::kEnd);
 }
 
-TEST_P(ConverterUnits, ArriveAfterABufferOfThem) {
+TEST_P(ConverterUnits, ArriveAfterAFullBuffer) {
   std::string bytes;
   std::u16string units;
   while (units.size() < 2 * kBufferUnits && !GetParam().units.empty()) {

@@ -79,7 +79,7 @@ std::string long_table(std::size_t bytes) {
 
 // --- short reads ---------------------------------------------------------------------------------
 
-TEST(DetectionFromAFaultyDevice, IsTheSameWhenReadsComeShort) {
+TEST(DetectionFromAFaultyDevice, IsTheSameWithShortReads) {
   const std::string expected = undisturbed_answer(kTable);
   for (std::size_t most = 1; most <= kTable.size(); ++most) {
     FaultyDevice device(kTable);
@@ -88,7 +88,7 @@ TEST(DetectionFromAFaultyDevice, IsTheSameWhenReadsComeShort) {
   }
 }
 
-TEST(DetectionFromAFaultyDevice, IsTheSameWhenReadsOfALongFileComeShort) {
+TEST(DetectionFromAFaultyDevice, IsTheSameWithShortReadsOfALongFile) {
   const std::string bytes = long_table(3 * TextStream::kBufferUnits);
   const std::string expected = undisturbed_answer(bytes);
   for (const std::size_t most :
@@ -162,7 +162,7 @@ TEST_P(DetectionFromALongFaultyDevice, IsAnError) {
   EXPECT_EQ(device.open_streams(), 0U);
 }
 
-TEST_P(DetectionFromALongFaultyDevice, IsAnErrorAlsoWhenTheFailurePasses) {
+TEST_P(DetectionFromALongFaultyDevice, IsAnErrorEvenIfTheFailureIsTemporary) {
   FaultyDevice device(long_table(3 * TextStream::kBufferUnits));
   device.fail_reads_at(GetParam().place, EIO, 1);
   EXPECT_EQ(error_from(device, in_utf8()), message(EIO));
@@ -239,7 +239,7 @@ TEST(DetectionWithoutAFile, PassesOnWhatTheHostThrows) {
   EXPECT_THROW(detect_layout("table.csv"), int);
 }
 
-TEST(SourceWithoutAFile, IsWhatItWasBefore) {
+TEST(SourceWithoutAFile, IsUnchanged) {
   FaultyDevice device("text");
   FileTextSource source;
   const std::u16string path = u"table.csv";

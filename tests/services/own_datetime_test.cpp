@@ -27,7 +27,7 @@ bool is_datetime(const Field& field) {
 namespace textio {
 namespace {
 
-TEST(OwnDatetime, IsAskedByTheLibrary) {
+TEST(OwnDatetime, IsCalledByTheLibrary) {
   questions = 0;
   const std::vector<DatatypeCode> classes =
       standalone::detect_layout(u"when;what\n@4711;2024-03-01\n@4712;2024-03-02\n").classes;

@@ -145,7 +145,7 @@ TEST(OptionErrors, MayBeThrownAndExtendedByAProgram) {
   EXPECT_EQ(StrictDelimiterType().identifier(), "VELLUM:textio:textio:DelimiterType");
 }
 
-TEST(OwnErrorChannel, HearsNothingWhenNothingIsWrong) {
+TEST(OwnErrorChannel, ReceivesNothingWithoutAnError) {
   reported.clear();
   set_option(u"Delimiter", make_array(u";"));
   EXPECT_TRUE(reported.empty());

@@ -73,7 +73,7 @@ const RankCase kRankCases[] = {
 
 class DelimitedRank : public testing::TestWithParam<RankCase> {};
 
-TEST_P(DelimitedRank, IsThePlaceOfItsOnlyCharacter) {
+TEST_P(DelimitedRank, IsThePositionOfItsOnlyCharacter) {
   const parser::options options;
   const OpenDelimited strategy(options, GetParam().delimiters);
   EXPECT_EQ(strategy.valuation_.priors_rank, GetParam().priors_rank);
@@ -106,7 +106,7 @@ TEST(DelimitedConstructor, IsModeZero) {
   EXPECT_EQ(DelimitedStrategy(options, u',').mode(), 0);
 }
 
-TEST(DelimitedConstructor, PrefersTheDelimitersItIsGivenToThoseOfTheOptions) {
+TEST(DelimitedConstructor, PrefersGivenDelimitersToThoseOfTheOptions) {
   parser::options options;
   options.delimiters = {u";"};
   const DelimitedStrategy strategy(options, Texts{u",", u"::"});
@@ -160,7 +160,7 @@ TEST_P(DelimitedWhitespace, LosesTheDelimitersButNotItsLength) {
 INSTANTIATE_TEST_SUITE_P(Table, DelimitedWhitespace, testing::ValuesIn(kWhitespaceCases),
                          testing_support::ByRule());
 
-TEST(DelimitedPopulate, CleansLinesWithTheWhiteSpaceThatIsLeft) {
+TEST(DelimitedPopulate, CleansLinesWithTheRemainingWhiteSpace) {
   const parser::options options;
   const ExactText text(u"   \n\t\t\nx\n");
   DelimitedStrategy commas(options, u',');
@@ -402,7 +402,7 @@ INSTANTIATE_TEST_SUITE_P(Table, DelimitedCut, testing::ValuesIn(kCutCases),
                          testing_support::ByRule());
 
 // The rules for consecutive and leading delimiters belong to the import, not to the cut.
-TEST(DelimitedOptions, RulesForRunsAndLeadingDelimitersAreNotConsulted) {
+TEST(DelimitedOptions, RulesForRunsAndLeadingDelimitersAreIgnored) {
   parser::options options;
   options.consecutive_delimiters_rule = parser::consecutive_delimiters_action::join;
   options.leading_delimiters_rule = parser::leading_delimiters_action::ignore;
@@ -411,7 +411,7 @@ TEST(DelimitedOptions, RulesForRunsAndLeadingDelimitersAreNotConsulted) {
   EXPECT_EQ(cut_of(strategy, text), (Rows{{u"", u"a", u"", u"b"}}));
 }
 
-TEST(DelimitedPopulate, TakesAQuotedFieldOverSeveralLinesForOneLine) {
+TEST(DelimitedPopulate, ReadsAQuotedFieldOverSeveralLinesAsOneLine) {
   const parser::options options;
   DelimitedStrategy strategy(options, u',');
   const ExactText text(u"\"x\ny\",1\n2,3\n4,5\n");

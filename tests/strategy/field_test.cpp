@@ -18,13 +18,13 @@ namespace {
 using testing_support::ExactText;
 using testing_support::text_of;
 
-TEST(FieldValue, StartsAsNoTextAtAll) {
+TEST(FieldValue, StartsWithoutText) {
   const Field field;
   EXPECT_EQ(field.data, nullptr);
   EXPECT_EQ(field.length, 0u);
 }
 
-TEST(FieldValue, IsAViewOfTheUnitsItWasGiven) {
+TEST(FieldValue, IsAViewOfTheGivenCodeUnits) {
   const ExactText text(u"abc");
   const Field field(text.data() + 1, 2);
   EXPECT_EQ(field.data, text.data() + 1);
@@ -51,13 +51,13 @@ TEST(FieldValue, HoldsAVirtualDestructorAndTwoWords) {
   EXPECT_EQ(sizeof(Field), sizeof(void*) + sizeof(const char16_t*) + sizeof(std::size_t));
 }
 
-TEST(FieldEmpty, IsOneObjectOfLengthZeroThatPointsSomewhere) {
+TEST(FieldEmpty, IsOneObjectOfLengthZeroWithData) {
   EXPECT_EQ(&empty_field(), &empty_field());
   EXPECT_EQ(empty_field().length, 0u);
   EXPECT_NE(empty_field().data, nullptr);
 }
 
-TEST(FieldExtentValue, StartsAsNothingAtZero) {
+TEST(FieldExtentValue, StartsEmptyAtZero) {
   const FieldExtent extent;
   EXPECT_EQ(extent.field.length, 0u);
   EXPECT_EQ(extent.next, 0u);
@@ -125,7 +125,7 @@ TEST_P(MutableFieldOwnStorage, CopiesTheTextToWhereItCanBeWritten) {
   EXPECT_EQ(text_of(field), expected);
 }
 
-TEST_P(MutableFieldOwnStorage, LeavesTheSourceAloneWhenTheCopyIsWritten) {
+TEST_P(MutableFieldOwnStorage, DoesNotChangeTheSourceWhenTheCopyIsWritten) {
   const std::u16string expected = alphabet_of(GetParam().length);
   const ExactText text(expected);
   MutableField field(text.field());

@@ -31,7 +31,7 @@ TEST(FieldTokenizerConstructor, KeepsTheMarkersAndTheirFirstCharacters) {
   EXPECT_EQ(tokenizer.stop_chars_, u"\n\r,:");
 }
 
-TEST(FieldTokenizerConstructor, TakesEmptyLists) {
+TEST(FieldTokenizerConstructor, AcceptsEmptyLists) {
   const FieldTokenizer tokenizer({}, {});
   ASSERT_NE(tokenizer.delimiters_, nullptr);
   ASSERT_NE(tokenizer.line_endings_, nullptr);
@@ -187,7 +187,7 @@ TEST_P(FieldTokenizerTokenize, FindsTheEndOfTheField) {
 }
 
 // Text before the start of the scan does not matter.
-TEST_P(FieldTokenizerTokenize, DependsOnTheTextFromItsStartOnOnly) {
+TEST_P(FieldTokenizerTokenize, DependsOnlyOnTheTextFromItsStartOn) {
   const FieldTokenizer tokenizer(GetParam().delimiters, GetParam().line_endings);
   const ExactText text(u"\",\n" + GetParam().text);
   const Step moved = {GetParam().step.found, GetParam().step.next + 3};

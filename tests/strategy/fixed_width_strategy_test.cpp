@@ -87,7 +87,7 @@ TEST_P(FixedWidthRefused, AtConstruction) {
 INSTANTIATE_TEST_SUITE_P(Table, FixedWidthRefused, testing::ValuesIn(kRefusedCases),
                          testing_support::ByRule());
 
-TEST(FixedWidthConstructor, DoesNotTakeASumThatWrapsForZero) {
+TEST(FixedWidthConstructor, DoesNotMistakeASumThatWrapsForZero) {
   const parser::options options;
   EXPECT_NO_THROW(FixedWidthStrategy(options, {kHalf, kHalf}));
   EXPECT_NO_THROW(FixedWidthStrategy(options, {kLongest, 1}));
@@ -167,7 +167,7 @@ TEST(FixedWidthScan, FindsAnEmptyLineAtTheEnd) {
   EXPECT_EQ(strategy.get_line_extent(text.field(), 100).field.length, 0u);
 }
 
-TEST(FixedWidthScan, TakesAnEndMarkForAnEndingWhenItIsOne) {
+TEST(FixedWidthScan, AcceptsAnEndMarkAsALineEnding) {
   parser::options options;
   options.line_endings = {u"\uFFFF"};
   FixedWidthStrategy strategy(options, {2});
@@ -204,28 +204,28 @@ void expect_calls(FixedWidthStrategy& strategy, const Field& line, const std::ve
   }
 }
 
-TEST(FixedWidthGetNextField, TakesTheWidthsInTurn) {
+TEST(FixedWidthGetNextField, UsesTheWidthsInTurn) {
   const parser::options options;
   FixedWidthStrategy strategy(options, {2, 3});
   const ExactText line(u"abcde");
   expect_calls(strategy, line.field(), {{0, 0, 2, 2}, {2, 2, 3, 5}, {0, 0, 2, 2}});
 }
 
-TEST(FixedWidthGetNextField, ReportsTheWholeWidthOfAFieldThatIsCutShort) {
+TEST(FixedWidthGetNextField, ReportsTheWholeWidthOfAShortField) {
   const parser::options options;
   FixedWidthStrategy strategy(options, {2, 3});
   const ExactText line(u"abc");
   expect_calls(strategy, line.field(), {{0, 0, 2, 2}, {2, 2, 3, 3}, {3, 3, 2, 3}});
 }
 
-TEST(FixedWidthGetNextField, MovesOnToTheNextColumnWhateverTheLine) {
+TEST(FixedWidthGetNextField, AdvancesToTheNextColumnForAnyLine) {
   const parser::options options;
   FixedWidthStrategy strategy(options, {1, 2, 4});
   const ExactText line(u"abc");
   expect_calls(strategy, line.field(), {{4, 3, 0, 3}, {0, 0, 2, 2}, {1000, 3, 0, 3}, {0, 0, 1, 1}});
 }
 
-TEST(FixedWidthGetNextField, StaysInPlaceForAColumnWithoutWidth) {
+TEST(FixedWidthGetNextField, DoesNotAdvanceForAColumnWithoutWidth) {
   const parser::options options;
   FixedWidthStrategy strategy(options, {0, 2});
   const ExactText line(u"ab");
@@ -240,7 +240,7 @@ TEST(FixedWidthGetNextField, DoesNotWrapForEndlessWidths) {
                {{1, 1, kLongest, 3}, {1, 1, kHalf, 3}, {3, 3, kLongest, 3}});
 }
 
-TEST(FixedWidthGetNextField, TakesALineWithoutUnits) {
+TEST(FixedWidthGetNextField, AcceptsAnEmptyLine) {
   const parser::options options;
   FixedWidthStrategy strategy(options, {2});
   const FieldExtent extent = strategy.get_next_field(empty_field(), 0);
@@ -363,7 +363,7 @@ TEST_P(FixedWidthCut, ReportsTheWidthsAsLengths) {
 INSTANTIATE_TEST_SUITE_P(Table, FixedWidthCut, testing::ValuesIn(kCutCases),
                          testing_support::ByRule());
 
-TEST(FixedWidthColumn, RunsOnFromCutToCut) {
+TEST(FixedWidthColumn, ContinuesFromCutToCut) {
   const parser::options options;
   FixedWidthStrategy strategy(options, {2, 3});
   const ExactText text(u"abc");
@@ -372,7 +372,7 @@ TEST(FixedWidthColumn, RunsOnFromCutToCut) {
   EXPECT_EQ(cut_of(strategy), (Rows{{u"ab", u"c", u""}}));
 }
 
-TEST(FixedWidthColumn, RunsOnFromSampleToSample) {
+TEST(FixedWidthColumn, ContinuesFromSampleToSample) {
   const parser::options options;
   FixedWidthStrategy strategy(options, {2, 3});
   const ExactText text(u"abc");
@@ -380,7 +380,7 @@ TEST(FixedWidthColumn, RunsOnFromSampleToSample) {
   EXPECT_EQ(cut_of(strategy, text), (Rows{{u"abc"}}));
 }
 
-TEST(FixedWidthColumn, IsNotMovedByTheSampling) {
+TEST(FixedWidthColumn, IsNotChangedBySampling) {
   const parser::options options;
   FixedWidthStrategy strategy(options, {2, 3});
   const ExactText text(u"abcde");
@@ -392,7 +392,7 @@ TEST(FixedWidthColumn, IsNotMovedByTheSampling) {
 
 // The lengths show which widths were used: a line of three code units leaves the second width for
 // the next line.
-TEST(FixedWidthColumn, RunsOnFromLineToLineThatIsCutAlone) {
+TEST(FixedWidthColumn, ContinuesFromLineToLineWithCutLine) {
   const parser::options options;
   FixedWidthStrategy strategy(options, {2, 3});
   const ExactText line(u"abc");
@@ -403,7 +403,7 @@ TEST(FixedWidthColumn, RunsOnFromLineToLineThatIsCutAlone) {
   EXPECT_EQ(lengths, (Counts{2, 3, 2, 3, 2, 3, 2}));
 }
 
-TEST(FixedWidthColumn, RunsOnFromTheValuationToTheNextCut) {
+TEST(FixedWidthColumn, ContinuesFromTheValuationToTheNextCut) {
   const parser::options options;
   FixedWidthStrategy strategy(options, {2, 3});
   const ExactText text(u"abc");
@@ -413,7 +413,7 @@ TEST(FixedWidthColumn, RunsOnFromTheValuationToTheNextCut) {
 }
 
 // Code that reads a field stops at the end of the text, whatever length the field reports.
-TEST(FixedWidthColumn, IsReadNoFurtherThanTheText) {
+TEST(FixedWidthColumn, IsNotReadPastTheText) {
   parser::options options;
   options.detect_header_lines = false;
   options.header_lines = 0;

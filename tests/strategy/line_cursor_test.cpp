@@ -22,7 +22,7 @@ namespace {
 using testing_support::ExactText;
 using testing_support::text_of;
 
-TEST(LineCursor, GoesFromLineToLine) {
+TEST(LineCursor, FindsLineAfterLine) {
   const parser::options options;
   const DelimitedStrategy commas(options, u',');
   const ExactText text(u"a,b\r\n\"c\nd\"\n\ne");

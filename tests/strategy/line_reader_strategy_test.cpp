@@ -154,7 +154,7 @@ TEST(LineReaderScan, FindsNothingAtAnEndMark) {
   EXPECT_EQ(step_of(strategy.get_next_field(text.field(), 1)), (Step{u"", 1}));
 }
 
-TEST(LineReaderScan, StartsInTheMiddleOfALineToo) {
+TEST(LineReaderScan, MayStartInTheMiddleOfALine) {
   const parser::options options;
   const LineReaderStrategy strategy(options);
   const ExactText text(u"abc\r\nd");

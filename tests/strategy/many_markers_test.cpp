@@ -96,7 +96,7 @@ std::u16string hostile_text() {
   return text;
 }
 
-TEST_P(ManyMarkers, GiveTheSameLinesInOneWalk) {
+TEST_P(ManyMarkers, GiveTheSameLinesWithACursor) {
   const ExactText text(hostile_text());
   const std::unique_ptr<Strategy> strategy = make();
   const Steps plain = line_steps(*strategy, text);

@@ -164,7 +164,7 @@ class EveryStrategy : public testing::TestWithParam<Shape> {
 
 // -- scans --------------------------------------------------------------------------------------
 
-TEST_P(EveryStrategy, GetsOnFromLineToLine) {
+TEST_P(EveryStrategy, AdvancesFromLineToLine) {
   for_random_texts(
       kAlphabet, false,
       [](Strategy& strategy, const ExactText& text, std::size_t, const parser::options&) {
@@ -180,7 +180,7 @@ TEST_P(EveryStrategy, GetsOnFromLineToLine) {
       });
 }
 
-TEST_P(EveryStrategy, TakesAnyStart) {
+TEST_P(EveryStrategy, AcceptsAnyStart) {
   for_random_texts(
       kAlphabet, false,
       [](Strategy& strategy, const ExactText& text, std::size_t, const parser::options&) {
@@ -238,7 +238,7 @@ Texts lines_one_by_one(const Strategy& strategy, const ExactText& text, std::siz
   return lines;
 }
 
-TEST_P(EveryStrategy, SamplesWhatTheLinesOneByOneGive) {
+TEST_P(EveryStrategy, SamplesTheLinesFoundOneByOne) {
   for_random_texts(kAlphabet, false,
                    [](Strategy& strategy, const ExactText& text, std::size_t budget,
                       const parser::options& options) {
@@ -298,7 +298,7 @@ TEST_P(EveryStrategy, CountsTheFieldsOfEachLine) {
       });
 }
 
-TEST_P(EveryStrategy, CutsLinesIntoFieldsThatLieInThemInOrder) {
+TEST_P(EveryStrategy, CutsLinesIntoFieldsInsideThemInOrder) {
   for_random_texts(
       kAlphabet, false,
       [](Strategy& strategy, const ExactText& text, std::size_t budget, const parser::options&) {
@@ -409,7 +409,7 @@ void expect_cuts(Strategy& strategy, const std::u16string& units, const Rows& ex
   EXPECT_EQ(cut_of(strategy, text), expected) << readable(units);
 }
 
-TEST(SecondRoute, CommasCutAsPlainSplittingDoes) {
+TEST(SecondRoute, CommasCutLikeSimpleSplitting) {
   Random random(7);
   const parser::options options;
   for (int k = 0; k < kPlainTexts && !testing::Test::HasFailure(); ++k) {
@@ -424,7 +424,7 @@ TEST(SecondRoute, CommasCutAsPlainSplittingDoes) {
   }
 }
 
-TEST(SecondRoute, BlanksCutAsPlainSplittingDoes) {
+TEST(SecondRoute, BlanksCutLikeSimpleSplitting) {
   Random random(8);
   const parser::options options;
   for (int k = 0; k < kPlainTexts && !testing::Test::HasFailure(); ++k) {
@@ -439,7 +439,7 @@ TEST(SecondRoute, BlanksCutAsPlainSplittingDoes) {
   }
 }
 
-TEST(SecondRoute, LinesAreThePlainOnes) {
+TEST(SecondRoute, LinesAreThoseOfASimpleLoop) {
   Random random(9);
   const parser::options options;
   for (int k = 0; k < kPlainTexts && !testing::Test::HasFailure(); ++k) {

@@ -49,7 +49,7 @@ TEST(SpaceAlignedConstructor, IsModeOneAndRanksAfterTheDelimitersInOrder) {
   EXPECT_EQ(strategy.valuation_.priors_rank, 3.5);
 }
 
-TEST(SpaceAlignedConstructor, DoesNotLookAtTheDelimitersOfTheOptions) {
+TEST(SpaceAlignedConstructor, IgnoresTheDelimitersOfTheOptions) {
   parser::options options;
   options.delimiters = {u","};
   SpaceAlignedStrategy strategy(options);

@@ -122,7 +122,7 @@ class EveryCodeUnit : public LineReaderStrategy {
   }
 };
 
-TEST(Splitter, AsksAStrategyFromOutside) {
+TEST(Splitter, CallsAStrategyFromOutside) {
   const parser::options options;
   const ExactText text(u"ab\n");
   EveryCodeUnit strategy(options);
@@ -171,7 +171,7 @@ TEST_P(SplitterEmptyLines, AreFoundTogether) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, SplitterEmptyLines, testing::ValuesIn(kEmptyCases), ByRule());
 
-TEST(EmptyLinesOfAStrategyFromOutside, AreNotKnown) {
+TEST(EmptyLinesOfAStrategyFromOutside, AreNotGrouped) {
   const parser::options options;
   const EveryCodeUnit strategy(options);
   const ExactText text(u"\n\n");

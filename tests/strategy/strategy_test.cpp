@@ -74,7 +74,7 @@ class PlainStrategy : public Strategy {
 
 // -- construction -------------------------------------------------------------------------------
 
-TEST(StrategyConstructor, KeepsThePlaceOfTheOptions) {
+TEST(StrategyConstructor, KeepsTheAddressOfTheOptions) {
   const parser::options options;
   const PlainStrategy strategy(options);
   EXPECT_EQ(strategy.options_, &options);
@@ -145,7 +145,7 @@ TEST(StrategyFormats, HaveTheDefaultsOfAPlainText) {
   EXPECT_EQ(number.thousands_separator, char16_t{0xFFFF});
 }
 
-TEST(StrategyConstructor, TakesTheWhiteSpaceOfTheOptionsIntoAllFormats) {
+TEST(StrategyConstructor, CopiesTheWhiteSpaceOfTheOptionsToAllFormats) {
   for (const std::u16string& whitespace : {std::u16string(u"_"), std::u16string()}) {
     parser::options options;
     options.whitespace = whitespace;
@@ -156,7 +156,7 @@ TEST(StrategyConstructor, TakesTheWhiteSpaceOfTheOptionsIntoAllFormats) {
   }
 }
 
-TEST(StrategyConstructor, TakesTheHeaderLinesOfTheOptions) {
+TEST(StrategyConstructor, UsesTheHeaderLinesOfTheOptions) {
   parser::options options;
   EXPECT_EQ(PlainStrategy(options).header_lines_, kUnknown);
   EXPECT_TRUE(PlainStrategy(options).header_lines_auto_);
@@ -246,7 +246,7 @@ TEST(StrategyInterface, HoldsItsMembersInTheirOrder) {
   }
 }
 
-TEST(StrategyInterface, IsAbstractAndKnowsTheModesByTheirCodes) {
+TEST(StrategyInterface, IsAbstractAndHasTheModesOfTheInterface) {
   static_assert(std::is_abstract_v<Strategy>);
   EXPECT_EQ(Strategy::kDelimited, 0);
   EXPECT_EQ(Strategy::kSpaceAligned, 1);
@@ -277,7 +277,7 @@ TEST(StrategyHeaderLines, TurnsDetectionOnForTheUnknownNumber) {
   EXPECT_TRUE(strategy.header_lines_auto_);
 }
 
-TEST(StrategyHeaderLines, LeavesTheOptionsAlone) {
+TEST(StrategyHeaderLines, DoesNotChangeTheOptions) {
   parser::options options;
   options.header_lines = 2;
   PlainStrategy strategy(options);
@@ -298,7 +298,7 @@ TEST(StrategyNumVariables, IsMinusOneUntilTheStrategyIsValued) {
   EXPECT_EQ(strategy.num_variables(), -1);
 }
 
-TEST(StrategyNumVariables, IsTheValuedNumberAfterwards) {
+TEST(StrategyNumVariables, IsTheScoredNumberAfterwards) {
   const parser::options options;
   PlainStrategy strategy(options);
   strategy.valuation_.num_variables = 5;
@@ -317,7 +317,7 @@ TEST(StrategyResetWhitespace, SetsAllFormats) {
   EXPECT_EQ(options.whitespace, u" \b\t");
 }
 
-TEST(StrategyResetWhitespace, EngagesWhiteSpaceThatWasNot) {
+TEST(StrategyResetWhitespace, SetsMissingWhiteSpace) {
   const parser::options options;
   PlainStrategy strategy(options);
   strategy.text_format_.whitespace.reset();
@@ -370,7 +370,7 @@ class StrategyPopulateBudget : public testing::TestWithParam<BudgetCase> {
   parser::options options_;
 };
 
-TEST_P(StrategyPopulateBudget, SamplesAsManyLinesAsAskedFor) {
+TEST_P(StrategyPopulateBudget, SamplesTheRequestedNumberOfLines) {
   const ExactText text(u"0\n1\n2\n3\n4\n5\n6\n7\n8\n9\n");
   PlainStrategy strategy(options_);
   const Texts all = {u"0", u"1", u"2", u"3", u"4", u"5", u"6", u"7", u"8", u"9"};
@@ -379,7 +379,7 @@ TEST_P(StrategyPopulateBudget, SamplesAsManyLinesAsAskedFor) {
 }
 
 // A text of n code units has at most n + 1 lines, whatever the budget is.
-TEST_P(StrategyPopulateBudget, ReservesNoMoreThanTheTextCanHold) {
+TEST_P(StrategyPopulateBudget, ReservesAtMostTheLinesOfTheText) {
   for (const std::u16string_view units : {u"", u"0", u"0\n1\n2\n3\n"}) {
     const ExactText text(units);
     PlainStrategy strategy(options_);
@@ -445,7 +445,7 @@ TEST_P(StrategyPopulateLines, AreTheLinesOfTheText) {
   EXPECT_EQ(lines_of(strategy, text, GetParam().num_lines), GetParam().lines);
 }
 
-TEST_P(StrategyPopulateLines, AreSampledAnewByEachCall) {
+TEST_P(StrategyPopulateLines, AreSampledAgainByEachCall) {
   const parser::options options;
   PlainStrategy strategy(options);
   const ExactText before(u"this\nwas\nbefore\n");
@@ -485,7 +485,7 @@ TEST(StrategyPopulate, KeepsLinesAsViewsOfTheTextAndEmptyOnesAsTheEmptyField) {
   EXPECT_EQ(lines[2].length, 2u);
 }
 
-TEST(StrategyPopulate, TakesATextWithoutUnits) {
+TEST(StrategyPopulate, AcceptsAnEmptyText) {
   const parser::options options;
   PlainStrategy strategy(options);
   EXPECT_TRUE(strategy.populate_fields(Field(), 10).empty());
@@ -503,7 +503,7 @@ TEST(StrategyPopulate, TestsForEmptinessWithTheWhiteSpaceOfTheOptions) {
 
 // -- sampling: cleaning -------------------------------------------------------------------------
 
-TEST(StrategyPopulateCleaning, DoesNotTrimWhenTheFormatSaysSo) {
+TEST(StrategyPopulateCleaning, DoesNotTrimIfTheFormatForbidsIt) {
   const parser::options options;
   PlainStrategy strategy(options);
   strategy.text_format_.trim = FieldFormat::Trim::none;
@@ -511,7 +511,7 @@ TEST(StrategyPopulateCleaning, DoesNotTrimWhenTheFormatSaysSo) {
   EXPECT_EQ(lines_of(strategy, text, 1), (Texts{u" "}));
 }
 
-TEST(StrategyPopulateCleaning, TakesAPairOfQuotesForAnEmptyLineWhenQuotesAreRemoved) {
+TEST(StrategyPopulateCleaning, TreatsAPairOfQuotesAsAnEmptyLineWhenQuotesAreRemoved) {
   const parser::options options;
   PlainStrategy strategy(options);
   strategy.text_format_.quote = u'"';
@@ -519,7 +519,7 @@ TEST(StrategyPopulateCleaning, TakesAPairOfQuotesForAnEmptyLineWhenQuotesAreRemo
   EXPECT_EQ(lines_of(strategy, text, 1), (Texts{u"", u"\"a\""}));
 }
 
-TEST(StrategyPopulateCleaning, TakesAffixesAloneForAnEmptyLine) {
+TEST(StrategyPopulateCleaning, TreatsAffixesAloneAsAnEmptyLine) {
   const parser::options options;
   PlainStrategy strategy(options);
   strategy.text_format_.affixes = std::pair<Texts, Texts>{{u"$"}, {u"%"}};

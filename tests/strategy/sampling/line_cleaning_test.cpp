@@ -55,7 +55,7 @@ const TrimCase kTrimCases[] = {
 
 class LineCleaningTrim : public testing::TestWithParam<TrimCase> {};
 
-TEST_P(LineCleaningTrim, TakesWhiteSpaceOffTheEnds) {
+TEST_P(LineCleaningTrim, RemovesWhiteSpaceAtTheEnds) {
   FieldFormat format;
   format.whitespace = GetParam().whitespace;
   format.trim = GetParam().trim;
@@ -77,14 +77,14 @@ TEST_P(LineCleaningTrim, GivesAViewIntoTheLine) {
 INSTANTIATE_TEST_SUITE_P(Table, LineCleaningTrim, testing::ValuesIn(kTrimCases),
                          testing_support::ByRule());
 
-TEST(LineCleaningFormat, KnowsItsTrimModesByTheirCodes) {
+TEST(LineCleaningFormat, HasTheTrimModesOfTheInterface) {
   EXPECT_EQ(static_cast<int>(Trim::both), 0);
   EXPECT_EQ(static_cast<int>(Trim::none), 1);
   EXPECT_EQ(static_cast<int>(Trim::leading), 2);
   EXPECT_EQ(static_cast<int>(Trim::trailing), 3);
 }
 
-TEST(LineCleaningFormat, TrimsBlanksAndNothingElseByDefault) {
+TEST(LineCleaningFormat, TrimsOnlyBlanksByDefault) {
   FieldFormat format;
   EXPECT_EQ(format.whitespace, kBlanks);
   EXPECT_FALSE(format.quote.has_value());
@@ -97,7 +97,7 @@ TEST(LineCleaningFormat, TrimsBlanksAndNothingElseByDefault) {
   EXPECT_EQ(text_of(clean_line(line.field(), format)), u"\"$x%\"");
 }
 
-TEST(LineCleaningFormat, SurvivesALineWithoutUnits) {
+TEST(LineCleaningFormat, AcceptsAnEmptyLine) {
   FieldFormat format;
   format.quote = u'"';
   format.affixes = std::pair<Texts, Texts>{{u"$"}, {u"%"}};

@@ -94,7 +94,7 @@ TEST_F(SampleCutOfFixedWidths, ReportsTheColumnAfterTheLastLine) {
 }
 
 // The second cut begins where the first one left the strategy: at width 2 after seven fields.
-TEST_F(SampleCutOfFixedWidths, BeginsAtTheColumnThatComesNext) {
+TEST_F(SampleCutOfFixedWidths, BeginsAtTheNextColumn) {
   const ExactText line(u"xyz");
   strategy_.get_next_field(line.field(), 0);
   SampleCut cut(strategy_, sample_of_cut);

@@ -100,12 +100,12 @@ INSTANTIATE_TEST_SUITE_P(Table, CodeUnitFinderPlaces, testing::ValuesIn(kPlaceCa
 
 // Both bytes of a code unit are compared: U+0A2C and U+2C0A have the bytes of a line feed and a
 // comma.
-TEST(CodeUnitFinder, ComparesWholeUnits) {
+TEST(CodeUnitFinder, ComparesWholeCodeUnits) {
   const ExactText text(u"\u0A2C\u2C0A\u0A0A\u2C2C");
   ForEachKernel([&] { EXPECT_EQ(all_places(text, u"\n,"), std::vector<std::size_t>{}); });
 }
 
-TEST(CodeUnitFinder, FindsTheFirstAndTheLastUnitOfAll) {
+TEST(CodeUnitFinder, FindsTheSmallestAndTheLargestCodeUnit) {
   const ExactText text(std::u16string(u"a\0b\uFFFF", 4));
   ForEachKernel([&] {
     EXPECT_EQ(all_places(text, std::u16string_view(u"\0", 1)), std::vector<std::size_t>{1});
@@ -173,7 +173,7 @@ TEST(SearchKernels, EndWithThePlainLoop) {
   EXPECT_STREQ(search_kernels().back().name, "plain");
 }
 
-TEST(SearchKernels, AreUsedUntilAnotherOneIs) {
+TEST(SearchKernels, AreUsedUntilReplaced) {
   const SearchKernel& before = use_search_kernel(search_kernels().back());
   EXPECT_EQ(&use_search_kernel(search_kernels().front()), &search_kernels().back());
   EXPECT_EQ(&use_search_kernel(before), &search_kernels().front());

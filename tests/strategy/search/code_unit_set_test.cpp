@@ -7,7 +7,7 @@
 namespace textio {
 namespace {
 
-TEST(CodeUnitSet, HoldsWhatItIsMadeOf) {
+TEST(CodeUnitSet, ContainsItsCodeUnits) {
   const CodeUnitSet set(std::u16string_view(u"\0;\uFFFF", 3));
   EXPECT_TRUE(set.contains(u'\0') && set.contains(u';') && set.contains(u'\uFFFF'));
   EXPECT_FALSE(set.contains(u','));
@@ -26,7 +26,7 @@ TEST(CodeUnitSet, IsEmptyWithoutCodeUnits) {
   EXPECT_FALSE(set.contains(u'\0')) << "the room for more holds zeros";
 }
 
-TEST(CodeUnitSet, RepeatsTheLastOfAListInItsRoom) {
+TEST(CodeUnitSet, RepeatsTheLastCodeUnitInTheRestOfTheList) {
   const CodeUnitSet set(u"ab");
   ASSERT_TRUE(set.is_list());
   EXPECT_EQ(set.num_listed(), 2U);
@@ -38,7 +38,7 @@ TEST(CodeUnitSet, IsAListUpToEight) {
   EXPECT_FALSE(CodeUnitSet(u"abcdefghi").is_list());
 }
 
-TEST(CodeUnitSet, HoldsTheSameAsATable) {
+TEST(CodeUnitSet, ContainsTheSameAsATable) {
   const std::u16string units = u"abcdefghi\uFFFF" + std::u16string(1, u'\0');
   const CodeUnitSet set(units);
   const CodeUnitSet copy = set;

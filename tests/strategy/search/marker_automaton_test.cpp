@@ -51,7 +51,7 @@ const RunCase kRunCases[] = {
 
 class MarkerAutomatonRun : public testing::TestWithParam<RunCase> {};
 
-TEST_P(MarkerAutomatonRun, GivesTheFirstMarkerAtEachPlace) {
+TEST_P(MarkerAutomatonRun, GivesTheFirstMarkerAtEachPosition) {
   const Texts& markers = GetParam().markers;
   const MarkerAutomaton automaton({markers.begin(), markers.end()});
   const ExactText text(GetParam().text);
@@ -63,7 +63,7 @@ TEST_P(MarkerAutomatonRun, GivesTheFirstMarkerAtEachPlace) {
 INSTANTIATE_TEST_SUITE_P(Table, MarkerAutomatonRun, testing::ValuesIn(kRunCases),
                          testing_support::ByRule());
 
-TEST(MarkerAutomaton, RunsOverOneTextAfterTheOther) {
+TEST(MarkerAutomaton, RunsOverSeveralTexts) {
   const MarkerAutomaton automaton({u"ab", u"b"});
   Lengths lengths;
   automaton.run({u"abb", 3}, lengths);

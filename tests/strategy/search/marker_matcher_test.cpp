@@ -91,7 +91,7 @@ TEST_P(MarkerMatcherLengthAt, IsTheLengthOfTheFirstMarkerThatFits) {
   EXPECT_EQ(length_at(own_set(GetParam().markers), text.field(), GetParam().at), GetParam().length);
 }
 
-TEST_P(MarkerMatcherLengthAt, HoldsForTheSetsOfTheHost) {
+TEST_P(MarkerMatcherLengthAt, IsCorrectForTheSetsOfTheHost) {
   const ExactText text(GetParam().text);
   const auto set = get_or_create_delim(GetParam().markers);
   EXPECT_EQ(length_at(set, text.field(), GetParam().at), GetParam().length);
@@ -100,7 +100,7 @@ TEST_P(MarkerMatcherLengthAt, HoldsForTheSetsOfTheHost) {
 INSTANTIATE_TEST_SUITE_P(Table, MarkerMatcherLengthAt, testing::ValuesIn(kMatchCases),
                          testing_support::ByRule());
 
-TEST(MarkerMatcherSets, ASingleCharacterIsAllThatIsLookedAt) {
+TEST(MarkerMatcherSets, OfASingleCharacterOnlyThatIsUsed) {
   const char16_t semicolon = u';';
   const auto set = std::make_shared<DelimiterSet>();
   set->strings = {u"never read"};

@@ -102,7 +102,7 @@ TEST_P(MarkerSearchLengthAt, ComparesManyMarkersAtFirst) {
   EXPECT_FALSE(search.is_indexed());
 }
 
-TEST_P(MarkerSearchLengthAt, LooksItUpInTheIndex) {
+TEST_P(MarkerSearchLengthAt, UsesTheIndex) {
   const ExactText text(GetParam().text);
   const MarkerMatcher matcher = matcher_of_many(GetParam().markers);
   MarkerSearch search(matcher, text.field());
@@ -142,7 +142,7 @@ Texts nearly_matching_markers() {
 // 64 markers of 2 code units allow 64 * 3 * 8 comparisons, and the text 100 * 8 more. These are
 // used up after 18 positions with 64 * 2 code units each, which is checked before the next
 // position.
-TEST(MarkerSearchBudget, MakesAnIndexOnceComparisonsHaveBeenWasteful) {
+TEST(MarkerSearchBudget, MakesAnIndexAfterTooManyComparisons) {
   const MarkerMatcher matcher = matcher_of(nearly_matching_markers());
   const ExactText text(std::u16string(100, u'a'));
   MarkerSearch search(matcher, text.field());
@@ -206,7 +206,7 @@ Texts random_markers() {
   return markers;
 }
 
-TEST(MarkerSearchProperty, AnswersAsPlainComparisonsDo) {
+TEST(MarkerSearchProperty, AgreesWithPlainComparisons) {
   EXPECT_TRUE(rc::check([] {
     const Texts markers = random_markers();
     const MarkerMatcher matcher = matcher_of_many(markers);
