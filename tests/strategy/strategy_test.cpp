@@ -9,11 +9,16 @@
 #include <limits>
 #include <memory>
 #include <ostream>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
+#include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/fixed_width_strategy.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include "support/cut_text.hpp"
 #include "support/exact_text.hpp"
 #include "support/rule_name.hpp"
@@ -733,6 +738,90 @@ TEST(StrategyResetFields, DoesNothingInTheBase) {
   EXPECT_EQ(cut_of(strategy, text), (Rows{{u"a", u"b"}, {u"c"}}));
   strategy.reset_fields();
   EXPECT_EQ(cut_of(strategy), (Rows{{u"a", u"b"}, {u"c"}}));
+}
+
+// -- lines that hold a line ending ----------------------------------------------------------------
+
+// Each of these lines used to be cut without end.
+TEST(CutLine, RefusesALineThatHoldsALineEnding) {
+  const parser::options options;
+  DelimitedStrategy commas(options, u',');
+  SpaceAlignedStrategy blanks(options);
+  for (const char16_t* const units : {u"a\nb", u"\n", u"a,\nb", u"a \nb"}) {
+    const ExactText line(units);
+    std::vector<Field> fields(1);
+    EXPECT_THROW(commas.cut_line(line.field(), fields), std::invalid_argument);
+    EXPECT_THROW(blanks.cut_line(line.field(), fields), std::invalid_argument);
+    EXPECT_EQ(fields.size(), 1U) << "all fields or none";
+  }
+}
+
+TEST(CutLine, CutsALineEndingInsideQuotes) {
+  const parser::options options;
+  DelimitedStrategy commas(options, u',');
+  const ExactText line(u"\"a\nb\",c");
+  std::vector<Field> fields;
+  commas.cut_line(line.field(), fields);
+  EXPECT_EQ(fields.size(), 2U);
+}
+
+TEST(CutLine, GoesOnAfterALineEndingWhereLinesAreNotRead) {
+  const parser::options options;
+  LineReaderStrategy reader(options);
+  FixedWidthStrategy fixed(options, {2});
+  const ExactText line(u"a\nb");
+  std::vector<Field> fields;
+  reader.cut_line(line.field(), fields);
+  EXPECT_EQ(fields.size(), 2U);  // "a" and "b"
+  fixed.cut_line(line.field(), fields);
+  EXPECT_EQ(fields.size(), 2U + 3U);  // "a\n", "b" and, since that is short, one more
+}
+
+// A strategy from outside whose fields never move on.
+class StandingFields : public LineReaderStrategy {
+ public:
+  using LineReaderStrategy::LineReaderStrategy;
+  FieldExtent get_next_field(const Field& line, unsigned long start) override {
+    return {Field(line.data + start, 0), start};
+  }
+};
+
+TEST(CutLine, RefusesFieldsThatNeverMoveOn) {
+  const parser::options options;
+  StandingFields standing(options);
+  const ExactText line(u"a");
+  std::vector<Field> fields;
+  EXPECT_THROW(standing.cut_line(line.field(), fields), std::invalid_argument);
+  EXPECT_TRUE(fields.empty());
+}
+
+// -- fields of one line ---------------------------------------------------------------------------
+
+TEST(FieldsOf, StartAtTheFirstColumnAndStayThere) {
+  const parser::options options;
+  FixedWidthStrategy fixed(options, {1, 2});
+  const ExactText line(u"a");
+  std::vector<Field> fields;
+  fixed.cut_line(line.field(), fields);
+  EXPECT_EQ(fixed.next_column(), 1U);
+  const std::vector<Field> alone = fixed.fields_of(line.field());
+  ASSERT_EQ(alone.size(), 1U);
+  EXPECT_EQ(alone[0].length, 1U);
+  EXPECT_EQ(fixed.next_column(), 1U);
+}
+
+// -- dialects -------------------------------------------------------------------------------------
+
+TEST(StrategyDialect, IsThatOfEachClass) {
+  const parser::options options;
+  const Dialect delimited{LayoutMode::delimited, {"::", "\t"}, {}};
+  const Dialect aligned{LayoutMode::space_aligned, {" ", "\t"}, {}};
+  const Dialect fixed{LayoutMode::fixed_width, {}, {3, 4}};
+  EXPECT_EQ(DelimitedStrategy(options, {u"::", u"\t"}).dialect(), delimited);
+  EXPECT_EQ(SpaceAlignedStrategy(options).dialect(), aligned);
+  EXPECT_EQ(FixedWidthStrategy(options, {3, 4}).dialect(), fixed);
+  EXPECT_EQ(LineReaderStrategy(options).dialect(), Dialect());
+  EXPECT_EQ(StandingFields(options).dialect(), Dialect());
 }
 
 }  // namespace
