@@ -157,7 +157,7 @@ TEST(MemberOrder, OfTheTraces) {
                       MEMBER(SelectionTrace, reached_end)});
 }
 
-// What a strategy from outside the library, derived from one of its own, can access.
+// What a derived strategy of somebody else reaches.
 class OwnStrategy : public LineReaderStrategy {
  public:
   using LineReaderStrategy::LineReaderStrategy;
