@@ -166,7 +166,9 @@ class CandidateBuilder {
     const auto aligned = std::make_shared<SpaceAlignedStrategy>(input_.options);
     if (!input_.options.detect_header_lines) aligned->header_lines(input_.header_lines);
     const unsigned long header_lines_before = aligned->header_lines();
-    Candidate candidate = valued(aligned, samples_.draw(*aligned));
+    Candidate candidate =
+        valued(aligned, aligned_shares_blank_lines() ? samples_.draw_past_blanks(*aligned)
+                                                     : samples_.draw(*aligned));
     const DrawnSample& sample = candidate.sample;
     // Without a data line, or with only blanks in the data lines, there are no columns to find.
     const bool has_data =
@@ -217,16 +219,25 @@ class CandidateBuilder {
     keep(std::move(candidate));
   }
 
-  // Blank lines contain only white space and line endings. They are the same lines for a strategy
-  // whose delimiter is neither, provided that they contain no quote.
+  // The lines that the line reader takes for blank are the same lines, and blank, to a strategy whose
+  // delimiter is not among them, if no quote is.
   bool shares_blank_lines(char16_t delimiter) const {
-    const parser::options& options = input_.options;
-    const auto is_blank = [&options](char16_t unit) {
-      const auto has_unit = [unit](const std::u16string& text) { return contains(text, unit); };
-      return has_unit(options.whitespace) ||
-             std::any_of(options.line_endings.begin(), options.line_endings.end(), has_unit);
+    const std::u16string& units = samples_.blank_units();
+    return !contains(units, delimiter) && !contains(units, u'"');
+  }
+
+  // To the aligned reading, a line of blanks is empty. No line ending may be taken for blanks.
+  bool aligned_shares_blank_lines() const {
+    const auto& endings = input_.options.line_endings;
+    const auto ends_lines = [&endings](char16_t unit) {
+      return std::any_of(endings.begin(), endings.end(),
+                         [unit](const std::u16string& ending) { return contains(ending, unit); });
     };
-    return !is_blank(delimiter) && !is_blank(u'"');
+    const std::u16string& units = samples_.blank_units();
+    return !ends_lines(u' ') && !ends_lines(u'\t') &&
+           std::all_of(units.begin(), units.end(), [&](char16_t unit) {
+             return unit == u' ' || unit == u'\t' || ends_lines(unit);
+           });
   }
 
   // A candidate with one column is kept if the caller has fixed the number of variables.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <vltextstream/strategy/field_text.hpp>
 #include <vltextstream/strategy/sampling/sample_cut.hpp>
 #include <vltextstream/strategy/sampling/trial.hpp>
 
@@ -29,15 +30,15 @@ Candidate valued(std::shared_ptr<Strategy> strategy, DrawnSample sample) {
 }
 
 DrawnSample SampleStore::draw(Strategy& strategy, unsigned long num_lines) {
-  return draw(strategy, strategy.most_texts(num_lines), nullptr);
+  return draw(strategy, strategy.most_texts(num_lines), {});
 }
 
 DrawnSample SampleStore::draw_past_blanks(Strategy& strategy) {
-  return draw(strategy, strategy.most_texts(num_lines_), &blank_runs_);
+  return draw(strategy, strategy.most_texts(num_lines_), blank_runs_);
 }
 
 DrawnSample SampleStore::draw(Strategy& strategy, std::size_t most_texts,
-                              const std::vector<SampleRun>* blank_runs) {
+                              std::span<const BlankRun> blank_runs) {
   SampleLimits limits{most_texts};
   limits.likely_lines = likely_lines_;
   limits.blank_runs = blank_runs;
@@ -48,9 +49,13 @@ DrawnSample SampleStore::draw(Strategy& strategy, std::size_t most_texts,
 }
 
 void SampleStore::remember_blanks(const DrawnSample& sample) {
-  for (const SampleRun& run : sample.found.runs) {
-    if (run.kind == SampleLineKind::blank && run.num_lines >= kManyBlanks) {
-      blank_runs_.push_back(run);
+  const std::vector<SampleRun>& runs = sample.found.runs;
+  for (std::size_t k = 0; k < runs.size(); ++k) {
+    if (runs[k].kind != SampleLineKind::blank || runs[k].num_lines < kManyBlanks) continue;
+    const std::size_t end = k + 1 < runs.size() ? runs[k + 1].begin : sample.found.end;
+    blank_runs_.push_back({runs[k].begin, end, runs[k].num_lines});
+    for (const char16_t unit : view_of(slice(text_, runs[k].begin, end))) {
+      if (!contains(blank_units_, unit)) blank_units_.push_back(unit);
     }
   }
 }
@@ -69,7 +74,7 @@ void SampleStore::keep_or_drop(Candidate& candidate) {
 // The limit is the same, so the sample ends at the same place.
 void SampleStore::restore(Candidate& candidate) {
   if (!candidate.most_texts) return;
-  candidate.sample = draw(*candidate.strategy, *candidate.most_texts, nullptr);
+  candidate.sample = draw(*candidate.strategy, *candidate.most_texts, {});
   candidate.counts = SampleCut(*candidate.strategy, candidate.sample).take_counts();
   candidate.most_texts.reset();
 }

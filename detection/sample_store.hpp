@@ -16,6 +16,8 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
+#include <string>
 #include <vector>
 
 #include <vltextstream/scoring/line_counts.hpp>
@@ -56,8 +58,11 @@ class SampleStore {
   DrawnSample draw_past_blanks(Strategy& strategy);
   void remember_blanks(const DrawnSample& sample);
 
-  // Keeps the sample of a scored candidate, or drops it if there is no room.
-  void keep_or_drop(Candidate& candidate);
+  // The distinct code units of the remembered blank lines and their line endings.
+  const std::u16string& blank_units() const { return blank_units_; }
+
+  // Keeps the sample of a valued candidate where it is, or drops it if there is no room.
+  void put_away(Candidate& candidate);
 
   // Draws the sample again if it was dropped.
   void restore(Candidate& candidate);
@@ -67,7 +72,7 @@ class SampleStore {
 
  private:
   DrawnSample draw(Strategy& strategy, std::size_t most_texts,
-                   const std::vector<SampleRun>* blank_runs);
+                   std::span<const BlankRun> blank_runs);
 
   const Field text_;
   const unsigned long num_lines_;
@@ -77,7 +82,8 @@ class SampleStore {
   // The number of lines of the last sample. All strategies find about the same number of lines in
   // one text, so a list of this length rarely has to grow or shrink.
   std::size_t likely_lines_ = 16'384;
-  std::vector<SampleRun> blank_runs_;
+  std::vector<BlankRun> blank_runs_;
+  std::u16string blank_units_;
 };
 
 }  // namespace textio::detection

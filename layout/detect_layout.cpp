@@ -6,6 +6,7 @@
 
 #include <vltextstream/detection/fixed_stream.hpp>
 #include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/layout/binary_look.hpp>
 #include <vltextstream/layout/detect_input.hpp>
 #include <vltextstream/layout/input_text.hpp>
 #include <vltextstream/layout/line_roles.hpp>
@@ -112,6 +113,7 @@ Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
   layout.line_ending = first_line_ending(sample, settings.options);
   layout.lines_sampled = strategy->lines().size();
   layout.characters_sampled = sample.length;
+  layout.looks_binary = looks_binary({sample.data, sample.length});
   return layout;
 }
 

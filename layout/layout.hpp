@@ -91,6 +91,10 @@ struct VLTEXTSTREAM_EXPORT Layout {
 
   // All candidates and filters; only on request.
   std::optional<detection::SelectionTrace> trace;
+
+  // Whether the sample holds so many control characters that the bytes are probably no text, but a
+  // program, a picture or an archive. The layout is the one of the text that they were read as.
+  bool looks_binary = false;
 };
 
 // Mode, delimiters and widths of `layout`. An unpaired surrogate in a delimiter becomes U+FFFD.

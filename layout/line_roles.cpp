@@ -63,6 +63,7 @@ void add_ragged(const SampledTable& table, const Run& lines, Layout& layout) {
 }  // namespace
 
 void describe_lines(const SampledTable& table, const VariableNames& names, Layout& layout) {
+  layout.lines.reserve(table.runs().size());
   for (const Run& run : table.runs()) {
     const std::size_t end = run.first_index + run.count;
     for (std::size_t index = run.first_index; index < end;) {

@@ -80,31 +80,35 @@ class LineNumbers {
  public:
   using AddLine = std::function<void(const SampledTable::Run&)>;
 
-  LineNumbers(const Strategy& strategy, const parser::options& options, AddLine add_line)
+  LineNumbers(Strategy& strategy, const parser::options& options, AddLine add_line)
       : strategy_(strategy),
+        runs_(strategy.take_sample_runs()),
         text_(strategy.sample().text),
         skips_blanks_(strategy.dialect().mode == LayoutMode::space_aligned),
         text_lines_(text_, options),
         add_line_(std::move(add_line)) {}
 
   void add_all() {
-    for (const SampleRun& run : strategy_.sample().runs) {
-      if (run.kind == SampleLineKind::text) {
-        add_texts(run);
+    for (std::size_t k = 0; k < runs_.size(); ++k) {
+      const std::size_t end = k + 1 < runs_.size() ? runs_[k + 1].begin : strategy_.sample().end;
+      if (runs_[k].kind == SampleLineKind::text) {
+        add_texts(runs_[k], end);
       } else {
-        add_others(run);
+        add_others(runs_[k], end);
       }
     }
   }
 
+  std::size_t num_runs() const { return runs_.size(); }
+
  private:
-  void add_texts(const SampleRun& run) {
+  void add_texts(const SampleRun& run, std::size_t run_end) {
     std::size_t start = run.begin;
     const std::size_t end = run.first_line + run.num_lines;
     for (std::size_t index = run.first_line; index < end; ++index) {
       text_lines_.go_to(start);
       const std::size_t first_line = text_lines_.number();
-      start = index + 1 < end ? start_after(index) : run.end;
+      start = index + 1 < end ? start_after(index) : run_end;
       text_lines_.go_to(start - 1);
       add_line_({SampledTable::Kind::text, first_line, text_lines_.number(), index, 1});
     }
@@ -123,10 +127,10 @@ class LineNumbers {
 
   // As a rule each of these is one line of the text. Then their numbers follow from those of the first
   // and the last.
-  void add_others(const SampleRun& run) {
+  void add_others(const SampleRun& run, std::size_t run_end) {
     text_lines_.go_to(run.begin);
     const TextLines::Place first = text_lines_.place();
-    text_lines_.go_to(run.end - 1);
+    text_lines_.go_to(run_end - 1);
     const std::size_t last_line = text_lines_.number();
     if (last_line - first.number + 1 == run.num_lines) {
       add_line_({kind_of(run), first.number, last_line, run.first_line, run.num_lines});
@@ -151,6 +155,7 @@ class LineNumbers {
   }
 
   const Strategy& strategy_;
+  const std::vector<SampleRun> runs_;
   const Field text_;
   const bool skips_blanks_;
   TextLines text_lines_;
@@ -166,7 +171,9 @@ SampledTable::SampledTable(Strategy& strategy, const DetectSettings& settings)
 }
 
 void SampledTable::find_lines() {
-  LineNumbers(strategy_, options_, [this](const Run& lines) { add_lines(lines); }).add_all();
+  LineNumbers numbers(strategy_, options_, [this](const Run& lines) { add_lines(lines); });
+  runs_.reserve(numbers.num_runs());
+  numbers.add_all();
 }
 
 void SampledTable::add_lines(const Run& lines) {

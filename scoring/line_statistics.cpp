@@ -28,7 +28,16 @@ void for_each_run(const LineCounts& counts, std::size_t first, Visit visit) {
   }
 }
 
-// The number of runs up to and including the last one with `fields` fields; 0 if there is none.
+// Of ragged lines, most runs have one.
+void append(std::vector<std::size_t>& list, std::size_t count, std::size_t value) {
+  if (count == 1) {
+    list.push_back(value);
+  } else {
+    list.insert(list.end(), count, value);
+  }
+}
+
+// The number of runs up to and including the last one with `fields` fields, 0 if there is none.
 std::size_t runs_to_last(const LineCounts& counts, std::size_t fields) {
   std::size_t k = counts.runs().size();
   while (k > 0 && counts.runs()[k - 1].fields != fields) --k;
@@ -56,7 +65,7 @@ std::size_t get_modified_median(const LineCounts& line_counts, std::size_t first
   std::vector<std::size_t> several;
   several.reserve(lines_with_several);
   for_each_run(line_counts, first, [&](std::size_t fields, std::size_t num_lines) {
-    if (fields > 1) several.insert(several.end(), num_lines, fields);
+    if (fields > 1) append(several, num_lines, fields);
   });
   const auto middle = several.begin() + static_cast<std::ptrdiff_t>((several.size() - 1) / 2);
   std::nth_element(several.begin(), middle, several.end());
@@ -81,8 +90,7 @@ std::vector<std::size_t> get_abs_diffs(const LineCounts& line_counts,
   for_each_diff([&](std::size_t, std::size_t num_lines) { size += num_lines; });
   std::vector<std::size_t> diffs;
   diffs.reserve(size);
-  for_each_diff(
-      [&](std::size_t diff, std::size_t num_lines) { diffs.insert(diffs.end(), num_lines, diff); });
+  for_each_diff([&](std::size_t diff, std::size_t num_lines) { append(diffs, num_lines, diff); });
   return diffs;
 }
 

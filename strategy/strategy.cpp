@@ -23,14 +23,9 @@ std::size_t saturating_add(std::size_t a, std::size_t b) {
 DrawnSample sample_of(const Field& text, const std::vector<Field>& lines) {
   DrawnSample sample;
   sample.found.text = text;
-  std::vector<SampleRun>& runs = sample.found.runs;
   for (const Field& line : lines) {
     const SampleLineKind kind = line.length > 0 ? SampleLineKind::text : SampleLineKind::blank;
-    const std::size_t index = sample.size();
-    if (runs.empty() || runs.back().kind != kind) {
-      runs.push_back({kind, 0, index, sample.texts.size(), 0, 0});
-    }
-    ++runs.back().num_lines;
+    add_run(sample.found.runs, {kind, 0, sample.size(), sample.texts.size(), 0}, 1);
     if (kind == SampleLineKind::text) sample.texts.push_back(line);
   }
   return sample;

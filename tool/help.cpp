@@ -1,12 +1,7 @@
 #include "tool/help.hpp"
 
 #include <algorithm>
-#include <iterator>
 #include <string_view>
-
-#include <fmt/format.h>
-
-#include "tool/option_flags.hpp"
 
 namespace textio::tool {
 namespace {
@@ -14,7 +9,7 @@ namespace {
 constexpr std::size_t kWidth = 79;
 constexpr std::size_t kTextColumn = 30;
 
-// Appends `text` word by word from the present column on; further lines begin at `indent`.
+// Appends `text` word by word from the current column on; further lines are indented.
 void append_wrapped(std::string& out, std::string_view text, std::size_t indent) {
   const std::size_t line_break = out.rfind('\n');
   std::size_t column = out.size() - (line_break == std::string::npos ? 0 : line_break + 1);
@@ -46,48 +41,45 @@ void append_option(std::string& out, const std::string& flag, std::string_view t
   append_wrapped(out, text, kTextColumn);
 }
 
-void append_options(std::string& out, bool for_import) {
-  for (const OptionFlag& flag : option_flags()) {
-    if (flag.for_import != for_import) continue;
-    append_option(out, fmt::format("{} {}", flag_of(flag.name), flag.placeholder), flag.help);
-  }
-}
-
 }  // namespace
 
-std::string help_text() {
-  std::string out =
-      "Usage: vltext [OPTION]... FILE...\n"
-      "Print how the table in each text FILE is laid out. FILE may be - for standard\n"
-      "input, a pipe, and compressed with gzip or zstd whatever its name.\n\n";
-  append_option(out, "-h, --help", "Print this help and exit");
-  append_option(out, "--version", "Print the version and exit");
-  append_option(out, "--json", "Print one JSON document instead of text");
-  append_option(out, "--explain",
-                "Also print the candidates, their scores and what each filter left");
-  append_option(out, "--lines N",
-                "Sample N data lines from the start of each file, 100 if not given");
-  append_option(
-      out, "--jobs N",
-      "Look at N files at a time, 1 to 256, each of which takes memory; if not given, as many as "
-      "there are processors");
-  append_option(out, "--max-bytes N",
-                "Read at most N bytes of each file, before and after decompression, 67108864 if "
-                "not given; a sample that takes more is an error");
-  append_option(out, "--no-progress",
-                "Do not count the files on standard error, which is done only on a terminal");
-  out += "\nWhat is known about the files:\n";
-  append_options(out, false);
-  append_option(out, "--option NAME=VALUE",
-                "Any option of this list or the next by its name, such as NumHeaderLines=2; "
-                "NAME:=JSON gives a value of another class");
-  out += "\nFor the import that may follow; checked, and without effect on the answer:\n";
-  append_options(out, true);
-  out += '\n';
+const char* const kDescription =
+    "Print how the table in each text FILE is laid out. FILE may be - for standard input, or a "
+    "pipe. It may be compressed with gzip or zstd, whatever its name.";
+
+std::string HelpFormatter::make_help(const CLI::App* app, std::string name,
+                                     CLI::AppFormatMode mode) const {
+  std::string out = "Usage: " + name + " [OPTION]... FILE...\n";
+  append_wrapped(out, app->get_description(), 0);
+  out += make_groups(app, mode) + make_subcommands(app, mode);
+  return out + '\n' + make_footer(app);
+}
+
+std::string HelpFormatter::make_group(std::string group, bool is_positional,
+                                      std::vector<const CLI::Option*> options) const {
+  std::string out = group == kGeneralGroup ? "\n" : group + ":\n";  // blank lines are between them
+  for (const CLI::Option* option : options) out += make_option(option, is_positional);
+  return out;
+}
+
+std::string HelpFormatter::make_option(const CLI::Option* option, bool /*is_positional*/) const {
+  const bool takes_value = option->get_items_expected() > 0;
+  std::string flag = option->get_name(false, true);
+  if (const std::size_t comma = flag.find(','); comma != std::string::npos) {
+    flag.insert(comma + 1, 1, ' ');
+  }
+  if (takes_value) flag += ' ' + option->get_type_name();
+  std::string out;
+  append_option(out, flag, option->get_description());
+  return out;
+}
+
+std::string HelpFormatter::make_footer(const CLI::App* /*app*/) const {
+  std::string out;
   append_wrapped(
       out,
-      "In texts \\t stands for a tab, \\n, \\r and \\b for the other control characters, and "
-      "\\\\ for a backslash. Words may be shortened.",
+      "In texts, \\t is a tab, \\n, \\r and \\b are the other control characters, and \\\\ is a "
+      "backslash. Words may be shortened.",
       0);
   out += '\n';
   append_wrapped(out, "Exits with 0, or with 2 when a file cannot be read or an argument is wrong.",

@@ -1,199 +1,202 @@
 #include "tool/json_report.hpp"
 
-#include <cmath>
+#include <limits>
+#include <optional>
 #include <string_view>
 
-#include <fmt/format.h>
-
 #include <vltextstream/standalone/decoding/utf_text.hpp>
-#include <vltextstream/strategy/strategy.hpp>
 
+#include "tool/json_writer.hpp"
 #include "tool/report.hpp"
 
 namespace textio::tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
 using standalone::Layout;
-using standalone::to_utf8;
 
-Json texts(const std::vector<std::u16string>& list) {
-  Json array = Json::array();
-  for (const std::u16string& text : list) array.push_back(to_utf8(text));
-  return array;
+std::optional<std::string_view> or_null(const std::string& text) {
+  return text.empty() ? std::nullopt : std::optional<std::string_view>(text);
 }
 
-Json json_of(const std::u16string& text) { return to_utf8(text); }
-
-template <typename T>
-Json or_null(const std::optional<T>& value) {
-  return value ? Json(*value) : Json(nullptr);
+void write_valuation(JsonWriter& json, const StrategyValuation& valuation) {
+  json.begin_object();
+  json.member("total_variation", valuation.total_variation);
+  json.member("data_variation", valuation.data_variation);
+  json.member("num_lines", valuation.num_lines);
+  json.member("modal_field_count", valuation.modal_field_count);
+  json.member("num_variables", valuation.num_variables);
+  json.member("typed_columns", valuation.typed_columns);
+  json.member("date_columns", valuation.date_columns);
+  json.member("numeric_columns", valuation.numeric_columns);
+  json.member("datetime_columns", valuation.datetime_columns);
+  json.member("priors_rank", valuation.priors_rank);
+  json.end_object();
 }
 
-Json or_null(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
-
-// JSON has no infinity: "not measured" becomes null.
-Json measure(double value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
-
-Json json_of(const detection::CandidateTrace& candidate) {
-  const StrategyValuation& v = candidate.valuation;
+void write_candidate(JsonWriter& json, const detection::CandidateTrace& candidate) {
+  json.begin_object();
   const Dialect& dialect = candidate.dialect;
   const bool is_delimited = dialect.mode == LayoutMode::delimited;
-  return {{"mode", to_string(dialect.mode)},
-          {"delimiter", is_delimited ? dialect.delimiters.front() : ""},
-          {"widths", dialect.widths},
-          {"header_lines", candidate.header_lines},
-          {"fate", name_of(candidate.fate)},
-          {"valuation",
-           {{"total_variation", measure(v.total_variation)},
-            {"data_variation", measure(v.data_variation)},
-            {"num_lines", v.num_lines},
-            {"modal_field_count", v.modal_field_count},
-            {"num_variables", v.num_variables},
-            {"typed_columns", v.typed_columns},
-            {"date_columns", v.date_columns},
-            {"numeric_columns", v.numeric_columns},
-            {"datetime_columns", v.datetime_columns},
-            {"priors_rank", measure(v.priors_rank)}}}};
+  json.member("mode", to_string(dialect.mode));
+  json.member("delimiter", is_delimited ? std::string_view(dialect.delimiters.front()) : "");
+  json.member("widths", dialect.widths);
+  json.member("header_lines", candidate.header_lines);
+  json.member("fate", to_string(candidate.fate));
+  json.key("valuation");
+  write_valuation(json, candidate.valuation);
+  json.end_object();
 }
 
-Json json_of(const detection::SelectionTrace& trace) {
-  Json report = {{"candidate_chars", to_utf8(trace.candidate_chars)},
-                 {"candidates", Json::array()},
-                 {"filters", Json::array()}};
-  for (const auto& candidate : trace.candidates) {
-    report["candidates"].push_back(json_of(candidate));
-  }
-  for (const auto& filter : trace.filters) {
-    report["filters"].push_back({{"name", filter.name}, {"survivors", filter.survivors}});
-  }
-  return report;
+void write_filter(JsonWriter& json, const detection::FilterTrace& filter) {
+  json.begin_object();
+  json.member("name", filter.name);
+  json.member("survivors", filter.survivors);
+  json.end_object();
 }
 
-Json json_of(const standalone::LineRun& run) {
-  return {{"role", name_of(run.role)},
-          {"first_line", run.first_line},
-          {"last_line", run.last_line},
-          {"count", run.count}};
+void write_trace(JsonWriter& json, const std::optional<detection::SelectionTrace>& trace) {
+  if (!trace) return json.value(nullptr);
+  json.begin_object();
+  json.member("candidate_chars", trace->candidate_chars);
+  json.key("candidates");
+  json.array(trace->candidates, [&](const auto& candidate) { write_candidate(json, candidate); });
+  json.key("filters");
+  json.array(trace->filters, [&](const auto& filter) { write_filter(json, filter); });
+  json.end_object();
 }
 
-Json json_of(const parser::options& record) {
-  const bool unknown = record.header_lines == Strategy::kUnknownHeaderLines;
-  return {{"delimiters", texts(record.delimiters)},
-          {"line_endings", texts(record.line_endings)},
-          {"reserved_strings", texts(record.reserved_strings)},
-          {"comment_style", texts(record.comment_style)},
-          {"whitespace", json_of(record.whitespace)},
-          {"encoding", json_of(record.encoding)},
-          {"date_locale", json_of(record.date_locale)},
-          {"exp_chars", json_of(record.exp_chars)},
-          {"variable_widths", record.variable_widths},
-          {"header_lines", unknown ? Json(nullptr) : Json(record.header_lines)},
-          {"num_variables", record.num_variables},
-          {"variable_names_line", record.variable_names_line},
-          {"variable_units_line", record.variable_units_line},
-          {"variable_descriptions_line", record.variable_descriptions_line},
-          {"row_names_field", record.row_names_field},
-          {"parser_type", to_string(record.parser_type)},
-          {"missing_rule", to_string(record.missing_rule)},
-          {"import_error_rule", to_string(record.import_error_rule)},
-          {"consecutive_delimiters_rule", to_string(record.consecutive_delimiters_rule)},
-          {"empty_line_rule", to_string(record.empty_line_rule)},
-          {"extra_columns_rule", to_string(record.extra_columns_rule)},
-          {"leading_delimiters_rule", to_string(record.leading_delimiters_rule)},
-          {"text_type", to_string(record.text_type)},
-          {"datetime_type", to_string(record.datetime_type)},
-          {"partial_field_rule", to_string(record.partial_field_rule)},
-          {"detect_delimiters", record.detect_delimiters},
-          {"detect_header_lines", record.detect_header_lines},
-          {"detect_num_variables", record.detect_num_variables},
-          {"is_file", record.is_file},
-          {"collect_output", record.collect_output}};
+void write_run(JsonWriter& json, const standalone::LineRun& run) {
+  json.begin_object();
+  json.member("role", to_string(run.role));
+  json.member("first_line", run.first_line);
+  json.member("last_line", run.last_line);
+  json.member("count", run.count);
+  json.end_object();
+}
+
+void write_options(JsonWriter& json, const parser::options& record) {
+  const bool is_unknown = record.header_lines == std::numeric_limits<unsigned long>::max();
+  json.begin_object();
+  json.member("delimiters", record.delimiters);
+  json.member("line_endings", record.line_endings);
+  json.member("reserved_strings", record.reserved_strings);
+  json.member("comment_style", record.comment_style);
+  json.member("whitespace", record.whitespace);
+  json.member("encoding", record.encoding);
+  json.member("date_locale", record.date_locale);
+  json.member("exp_chars", record.exp_chars);
+  json.member("variable_widths", record.variable_widths);
+  json.member("header_lines", is_unknown ? std::nullopt : std::optional(record.header_lines));
+  json.member("num_variables", record.num_variables);
+  json.member("variable_names_line", record.variable_names_line);
+  json.member("variable_units_line", record.variable_units_line);
+  json.member("variable_descriptions_line", record.variable_descriptions_line);
+  json.member("row_names_field", record.row_names_field);
+  json.member("parser_type", to_string(record.parser_type));
+  json.member("missing_rule", to_string(record.missing_rule));
+  json.member("import_error_rule", to_string(record.import_error_rule));
+  json.member("consecutive_delimiters_rule", to_string(record.consecutive_delimiters_rule));
+  json.member("empty_line_rule", to_string(record.empty_line_rule));
+  json.member("extra_columns_rule", to_string(record.extra_columns_rule));
+  json.member("leading_delimiters_rule", to_string(record.leading_delimiters_rule));
+  json.member("text_type", to_string(record.text_type));
+  json.member("datetime_type", to_string(record.datetime_type));
+  json.member("partial_field_rule", to_string(record.partial_field_rule));
+  json.member("detect_delimiters", record.detect_delimiters);
+  json.member("detect_header_lines", record.detect_header_lines);
+  json.member("detect_num_variables", record.detect_num_variables);
+  json.member("is_file", record.is_file);
+  json.member("collect_output", record.collect_output);
+  json.end_object();
+}
+
+void write_settings(JsonWriter& json, const standalone::DetectSettings& settings) {
+  json.begin_object();
+  json.member("num_lines", settings.num_lines);
+  json.member("encoding", settings.encoding);
+  json.key("options");
+  write_options(json, settings.options);
+  json.member("trace", settings.trace);
+  json.member("max_bytes", settings.max_bytes);
+  json.end_object();
+}
+
+void write_given(JsonWriter& json, const GivenOption& option) {
+  json.begin_object();
+  json.member("name", option.name);
+  json.member("values", option.values);
+  if (option.is_json) json.member("json", true);
+  json.end_object();
+}
+
+constexpr std::size_t kFileDepth = 2;  // within the list of the files
+
+void write_members(JsonWriter& json, const std::string& file, const Layout& layout) {
+  json.begin_object();
+  json.member("file", file);
+  json.member("mode", to_string(layout.mode));
+  json.member("delimiters", layout.delimiters);
+  json.member("widths", layout.widths);
+  json.member("header_lines", layout.header_lines);
+  json.member("names_found", to_string(layout.names_source));
+  json.member("names_reason", layout.names_reason);
+  json.member("names_line", layout.names_line);
+  json.member("names", layout.names);
+  json.member("units_line", layout.units_line);
+  json.member("units", layout.units);
+  json.member("num_variables", layout.num_variables);
+  json.key("classes");
+  json.array(layout.classes, [&](DatatypeCode code) { json.value(to_string(code)); });
+  json.member("encoding", or_null(layout.encoding));
+  json.member("encoding_found", to_string(layout.encoding_found));
+  json.member("encoding_confidence", layout.encoding_confidence);
+  json.member("ill_formed_parts", layout.ill_formed_parts);
+  json.member("line_ending", layout.line_ending);
+  json.key("lines");
+  json.array(layout.lines, [&](const auto& run) { write_run(json, run); });
+  json.member("ragged_lines", layout.ragged_lines);
+  json.member("first_ragged_line", layout.first_ragged_line);
+  json.member("lines_sampled", layout.lines_sampled);
+  json.member("characters_sampled", layout.characters_sampled);
+  json.member("text_goes_on", layout.has_more_text);
+  json.member("end", to_string(layout.selection_end));
+  json.member("decided_by", or_null(layout.decided_by));
+  json.key("trace");
+  write_trace(json, layout.trace);
+  if (layout.looks_binary) json.member("looks_binary", true);
+  json.end_object();
 }
 
 }  // namespace
 
-Json json_of(const Layout& layout) {
-  Json classes = Json::array();
-  for (const DatatypeCode code : layout.classes) classes.push_back(name_of(code));
-  Json lines = Json::array();
-  for (const standalone::LineRun& run : layout.lines) lines.push_back(json_of(run));
-  return {{"mode", name_of(layout.mode)},
-          {"delimiters", texts(layout.delimiters)},
-          {"widths", layout.widths},
-          {"header_lines", layout.header_lines},
-          {"names_found", name_of(layout.names_source)},
-          {"names_reason", layout.names_reason},
-          {"names_line", or_null(layout.names_line)},
-          {"names", texts(layout.names)},
-          {"units_line", or_null(layout.units_line)},
-          {"units", texts(layout.units)},
-          {"num_variables", layout.num_variables},
-          {"classes", classes},
-          {"encoding", or_null(layout.encoding)},
-          {"encoding_found", name_of(layout.encoding_found)},
-          {"encoding_confidence", layout.encoding_confidence},
-          {"ill_formed_parts", layout.ill_formed_parts},
-          {"line_ending", layout.line_ending ? json_of(*layout.line_ending) : Json(nullptr)},
-          {"lines", lines},
-          {"ragged_lines", layout.ragged_lines},
-          {"first_ragged_line", or_null(layout.first_ragged_line)},
-          {"lines_sampled", layout.lines_sampled},
-          {"characters_sampled", layout.characters_sampled},
-          {"text_goes_on", layout.has_more_text},
-          {"end", name_of(layout.selection_end)},
-          {"decided_by", or_null(layout.decided_by)},
-          {"trace", layout.trace ? json_of(*layout.trace) : Json(nullptr)}};
+std::string json_opening(const standalone::DetectSettings& settings,
+                         const std::vector<GivenOption>& given) {
+  std::string text;
+  JsonWriter json(text);
+  json.begin_object();
+  json.member("schema", kJsonSchema);
+  json.key("settings");
+  write_settings(json, settings);
+  json.key("given");
+  json.array(given, [&](const GivenOption& option) { write_given(json, option); });
+  json.key("files");
+  json.begin_array();
+  return text += '\n';
 }
 
-Json json_of(const standalone::DetectSettings& settings) {
-  return {{"num_lines", settings.num_lines},
-          {"encoding", or_null(settings.encoding)},
-          {"options", json_of(settings.options)},
-          {"trace", settings.trace}};
+std::string json_member(const std::string& file, const Layout& layout) {
+  std::string text;
+  JsonWriter json(text, kFileDepth);
+  write_members(json, file, layout);
+  return text;
 }
 
-Json json_of(const std::vector<GivenOption>& given) {
-  Json list = Json::array();
-  for (const GivenOption& option : given) {
-    list.push_back({{"name", option.name}, {"values", option.values}});
-    if (option.is_json) list.back()["json"] = true;
-  }
-  return list;
-}
-
-// The units below U+0020 are escaped already, or break the lines between the members.
-std::string json_text(const nlohmann::ordered_json& document) {
-  const std::string text = document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-  std::u16string safe;
-  for (const char16_t unit : standalone::from_utf8(text)) {
-    const bool may_be_half_of_pair = unit >= 0xD800 && unit <= 0xDFFF;
-    if (unit >= 0x7F && !may_be_half_of_pair && is_unprintable(unit)) {
-      safe += standalone::from_utf8(fmt::format("\\u{:04x}", static_cast<unsigned>(unit)));
-    } else {
-      safe.push_back(unit);
-    }
-  }
-  return to_utf8(safe);
-}
-
-// Two lists around it give it the indentation that it has in the document.
-std::string json_member(const Json& file) {
-  constexpr std::string_view kOpening = "[\n  [\n";
-  constexpr std::string_view kClosing = "\n  ]\n]\n";
-  const std::string text = json_text(Json::array({Json::array({file})}));
-  return text.substr(kOpening.size(), text.size() - kOpening.size() - kClosing.size());
-}
-
-std::string json_text(const standalone::DetectSettings& settings,
-                      const std::vector<GivenOption>& given, const std::string& members) {
-  constexpr std::string_view kEnd = "]\n}\n";
-  std::string text = json_text(Json{{"schema", kJsonSchema},
-                                    {"settings", json_of(settings)},
-                                    {"given", json_of(given)},
-                                    {"files", Json::array()}});
-  text.resize(text.size() - kEnd.size());
-  return text + '\n' + members + "\n  ]\n}\n";
+void write_json_member(const std::string& file, const Layout& layout,
+                       const JsonWriter::Empty& empty) {
+  std::string text;
+  JsonWriter json(text, kFileDepth, empty);
+  write_members(json, file, layout);
+  empty(text);
 }
 
 }  // namespace textio::tool

@@ -1,39 +1,37 @@
 // What the tool prints about layouts for programs to read; docs/json.md describes it.
+//
+// A document is its opening, one member for each file with kJsonSeparator between them, and
+// kJsonClosing. Every part is text that may be printed on a terminal, too.
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include <vltextstream/layout/detect_layout.hpp>
 
+#include "tool/json_writer.hpp"
 #include "tool/option_flags.hpp"
 
 namespace textio::tool {
 
-// Number of the shape of the JSON; it grows when a member changes its meaning or goes away.
+// The version of the JSON's shape; it grows when a member changes its meaning or is removed.
 inline constexpr int kJsonSchema = 2;
 
-// The members of Layout under their own names and in their order.
-nlohmann::ordered_json json_of(const standalone::Layout& layout);
+inline constexpr std::string_view kJsonSeparator = ",\n";
+inline constexpr std::string_view kJsonClosing = "\n  ]\n}\n";
 
-// The members of DetectSettings, those of the options record among them, likewise.
-nlohmann::ordered_json json_of(const standalone::DetectSettings& settings);
+// The start of a document: the members of DetectSettings with those of the options record, under
+// their own names and in their order, and the options of the command line as they were typed.
+std::string json_opening(const standalone::DetectSettings& settings,
+                         const std::vector<GivenOption>& given);
 
-// The options of the command line as they were typed.
-nlohmann::ordered_json json_of(const std::vector<GivenOption>& given);
+// The name of a file, and the members of its layout under their own names and in their order.
+std::string json_member(const std::string& file, const standalone::Layout& layout);
 
-// The document as it is printed, also on a terminal: in UTF-8, with what could command it escaped.
-// Bytes that are no UTF-8 become U+FFFD. One thread at a time: the JSON library asks the C library
-// for the conventions of the locale, which keeps the answer in one place for all.
-std::string json_text(const nlohmann::ordered_json& document);
-
-// The same in pieces, so that no more than their text is kept: the members of a file as they stand
-// in the list of the files, and the document with such members, separated by kJsonSeparator.
-inline constexpr const char* kJsonSeparator = ",\n";
-std::string json_member(const nlohmann::ordered_json& file);
-std::string json_text(const standalone::DetectSettings& settings,
-                      const std::vector<GivenOption>& given, const std::string& members);
+// The same in parts: `empty` is called with a text whenever there are JsonWriter::kFullAt bytes, and
+// with the last of them. Nothing is allocated after the first call.
+void write_json_member(const std::string& file, const standalone::Layout& layout,
+                       const JsonWriter::Empty& empty);
 
 }  // namespace textio::tool

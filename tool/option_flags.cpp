@@ -7,12 +7,15 @@
 #include <span>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <vltextstream/options/option_keywords.hpp>
 #include <vltextstream/standalone/decoding/utf_text.hpp>
+
+#include "tool/safe_text.hpp"
 
 namespace textio::tool {
 namespace {
@@ -68,35 +71,90 @@ Array to_text_list(const std::vector<std::string>& typed) {
   return standalone::make_text_cell(texts);
 }
 
-constexpr std::size_t kDeepestNesting = 100;
+// Makes the array while the JSON is read. A tree of JSON values would allocate when it is destroyed,
+// and end the program where memory is short.
+class ArrayReader : public nlohmann::json_sax<nlohmann::json> {
+ public:
+  explicit ArrayReader(ValueKind kind) : kind_(kind) {}
 
-// How deep lists are nested at most, taking every bracket for one that opens or closes a list.
-std::size_t nesting_of(std::string_view json) {
-  std::size_t depth = 0;
-  std::size_t deepest = 0;
-  for (const char c : json) {
-    if (c == '[' || c == '{') deepest = std::max(deepest, ++depth);
-    if ((c == ']' || c == '}') && depth > 0) --depth;
+  // The whole value; null when there is none.
+  Array take() { return std::move(whole_); }
+
+  bool null() override { return add(standalone::make_empty_array()); }
+  bool boolean(bool value) override { return add(make_array(value)); }
+  bool number_integer(std::int64_t value) override {
+    return add_number(static_cast<double>(value));
   }
-  return deepest;
-}
-
-bool is_unsigned(const nlohmann::json& value) { return value.is_number_unsigned(); }
-
-bool is_number(const nlohmann::json& value) { return value.is_number(); }
-
-Array to_array(const nlohmann::json& value) {
-  if (value.is_boolean()) return make_array(value.get<bool>());
-  if (value.is_number()) return make_array(value.get<double>());
-  if (value.is_string()) return make_array(from_utf8(value.get<std::string>()));
-  if (!value.is_array()) return standalone::make_empty_array();
-  if (!value.empty() && std::all_of(value.begin(), value.end(), is_number)) {
-    return make_array(value.get<std::vector<double>>());
+  bool number_unsigned(std::uint64_t value) override {
+    if (!lists_.empty()) lists_.back().whole_numbers.push_back(value);
+    return add_number(static_cast<double>(value));
   }
-  std::vector<Array> cells;
-  for (const nlohmann::json& element : value) cells.push_back(to_array(element));
-  return standalone::make_cell(cells);
-}
+  bool number_float(double value, const std::string& /*typed*/) override {
+    return add_number(value);
+  }
+  bool string(std::string& value) override { return add(make_array(from_utf8(value))); }
+  bool binary(nlohmann::json::binary_t& /*bytes*/) override { return false; }
+
+  bool start_object(std::size_t /*size*/) override { return start_list(); }
+  bool key(std::string& /*name*/) override { return true; }
+  bool end_object() override {
+    lists_.pop_back();
+    return null();
+  }
+
+  bool start_array(std::size_t /*size*/) override { return start_list(); }
+  bool end_array() override {
+    const List list = std::move(lists_.back());
+    lists_.pop_back();
+    return add(array_of(list));
+  }
+
+  bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
+                   const nlohmann::detail::exception& /*error*/) override {
+    return false;
+  }
+
+ private:
+  struct List {
+    std::vector<Array> elements;
+    std::vector<double> numbers;               // the elements that are numbers
+    std::vector<std::uint64_t> whole_numbers;  // those without a sign and a fraction
+  };
+
+  bool start_list() {
+    constexpr std::size_t kDeepestNesting = 100;
+    lists_.emplace_back();
+    return lists_.size() <= kDeepestNesting;
+  }
+
+  bool add(Array value) {
+    if (lists_.empty()) {
+      whole_ = std::move(value);
+    } else {
+      lists_.back().elements.push_back(std::move(value));
+    }
+    return true;
+  }
+
+  bool add_number(double value) {
+    if (!lists_.empty()) lists_.back().numbers.push_back(value);
+    return add(make_array(value));
+  }
+
+  Array array_of(const List& list) const {
+    const std::size_t size = list.elements.size();
+    const bool are_widths = kind_ == ValueKind::widths && lists_.empty();
+    if (size > 0 && are_widths && list.whole_numbers.size() == size) {
+      return make_array(list.whole_numbers);
+    }
+    if (size > 0 && list.numbers.size() == size) return make_array(list.numbers);
+    return standalone::make_cell(list.elements);
+  }
+
+  ValueKind kind_;
+  std::vector<List> lists_;  // those that are open, the innermost last; an object is one
+  Array whole_;
+};
 
 // "keep, ignore or error"
 std::string either_of(std::span<const parser::Keyword> keywords) {
@@ -135,8 +193,8 @@ const std::vector<OptionFlag>& option_flags() {
   static const std::vector<OptionFlag> flags = {
       {"Delimiter", Kind::text_list, "TEXT",
        "Fields are separated by TEXT: look for no other layout; may be repeated"},
-      {"NumHeaderLines", Kind::count, "N", "N lines stand before the data"},
-      {"DataLine", Kind::count, "N", "The data begin in line N"},
+      {"NumHeaderLines", Kind::count, "N", "N lines come before the data"},
+      {"DataLine", Kind::count, "N", "The data begins in line N"},
       {"NumVariables", Kind::count, "N", "Prefer layouts with N columns"},
       {"CommentStyle", Kind::text_list, "TEXT",
        "Lines that begin with TEXT are comments; a second marker, for the end of a block, is "
@@ -149,11 +207,10 @@ const std::vector<OptionFlag>& option_flags() {
       {"Whitespace", Kind::text, "CHARS", "These characters are trimmed around fields"},
       {"ParserType", Kind::text, "WORD", any_word<parser::parser_kind>()},
       {"VariableWidths", Kind::widths, "N,N,...", widths_help()},
-      {"VariableNamesLine", Kind::count, "N", "The names of the variables stand in line N",
+      {"VariableNamesLine", Kind::count, "N", "The names of the variables are in line N",
        kForImport},
-      {"VariableUnitsLine", Kind::count, "N", "The units stand in line N", kForImport},
-      {"VariableDescriptionsLine", Kind::count, "N", "The descriptions stand in line N",
-       kForImport},
+      {"VariableUnitsLine", Kind::count, "N", "The units are in line N", kForImport},
+      {"VariableDescriptionsLine", Kind::count, "N", "The descriptions are in line N", kForImport},
       {"RowNamesField", Kind::count, "N", "The names of the rows are field N", kForImport},
       {"DateLocale", Kind::text, "NAME",
        "Names of months and weekdays may also be those of this locale, such as de_DE"},
@@ -172,7 +229,7 @@ const std::vector<OptionFlag>& option_flags() {
       {"ImportErrorRule", Kind::text, "WORD", any_word<parser::row_rule>(), kForImport},
       {"TextType", Kind::text, "WORD", any_word<parser::text_kind>(), kForImport},
       {"DatetimeType", Kind::text, "WORD", any_word<parser::datetime_kind>(), kForImport},
-      {"TreatAsMissing", Kind::text_list, "TEXT", "TEXT stands for a missing value", kForImport},
+      {"TreatAsMissing", Kind::text_list, "TEXT", "TEXT means a missing value", kForImport},
       {"TreatAsEmpty", Kind::text_list, "TEXT", "The same as --treat-as-missing", kForImport},
       {"CollectOutput", Kind::logical, "BOOL", "true or false", kForImport},
       {"IsFile", Kind::logical, "BOOL", "true or false", kForImport},
@@ -200,16 +257,10 @@ const OptionFlag* find_option(const std::string& name) {
 }
 
 Array json_to_array(ValueKind kind, const std::string& typed) {
-  const auto value = nesting_of(typed) > kDeepestNesting
-                         ? nlohmann::json(nlohmann::json::value_t::discarded)
-                         : nlohmann::json::parse(typed, nullptr, false);
-  if (value.is_discarded()) {
-    throw std::invalid_argument(
-        fmt::format("Expected a JSON value behind ':=', got '{}'.", typed.substr(0, 80)));
-  }
-  const bool are_widths = kind == ValueKind::widths && value.is_array() && !value.empty() &&
-                          std::all_of(value.begin(), value.end(), is_unsigned);
-  return are_widths ? make_array(value.get<std::vector<std::uint64_t>>()) : to_array(value);
+  ArrayReader reader(kind);
+  if (nlohmann::json::sax_parse(typed, &reader)) return reader.take();
+  throw std::invalid_argument(
+      fmt::format("Expected a JSON value after ':=', got '{}'.", shortened(typed)));
 }
 
 Array to_array(ValueKind kind, const std::vector<std::string>& typed) {

@@ -1,5 +1,4 @@
-// The options of the library on the command line: one table for the flags, for --option and for the
-// help.
+// The options of the library on the command line: one table for the flags, --option and the help.
 #pragma once
 
 #include <string>
@@ -13,8 +12,8 @@ namespace textio::tool {
 enum class ValueKind {
   text,       // a char array
   text_list,  // a char array, a cell of them when the flag is repeated
-  count,      // a number; anything else is handed over as text, for the library to refuse
-  logical,    // true or false; anything else is handed over as text
+  count,      // a number; anything else is passed as text, for the library to refuse
+  logical,    // true or false; anything else is passed as text
   widths,     // whole numbers separated by commas
 };
 
@@ -23,13 +22,13 @@ struct OptionFlag {
   ValueKind kind;
   const char* placeholder;  // for the value in the help
   std::string help;
-  bool for_import = false;  // carried for an import; without effect on a detection
+  bool for_import = false;  // kept for an import; without effect on a detection
 };
 
 // An option as it was typed.
 struct GivenOption {
   std::string name;      // of the option
-  std::string typed_as;  // the flag, or the name behind --option
+  std::string typed_as;  // the flag, or the name after --option
   std::vector<std::string> values;
   bool is_json = false;  // NAME:=JSON
 };
@@ -40,15 +39,15 @@ const std::vector<OptionFlag>& option_flags();
 // The flag of an option: "--num-header-lines" for "NumHeaderLines".
 std::string flag_of(const std::string& name);
 
-// The option with this name, whatever its case; null when there is none.
+// The option with this name in any case; null when there is none.
 const OptionFlag* find_option(const std::string& name);
 
-// The host's array for what was typed. Throws std::invalid_argument for widths that are none.
+// The host's array for what was typed. Throws std::invalid_argument for widths that are not.
 standalone::Array to_array(ValueKind kind, const std::vector<std::string>& typed);
 
 // The host's array for a JSON value: numbers, logicals, texts; a list of numbers is a row of them
-// (of whole ones, for widths), any other list a cell, null the empty array. Throws
-// std::invalid_argument when it is no JSON, or nested deeper than anybody needs.
+// (of whole ones, for widths), any other list a cell, null and objects the empty array. Throws
+// std::invalid_argument when it is no JSON, or lists are nested more than 100 deep.
 standalone::Array json_to_array(ValueKind kind, const std::string& typed);
 
 }  // namespace textio::tool

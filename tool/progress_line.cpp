@@ -1,6 +1,7 @@
-// The number of files only grows, and so does the line: a new one covers the one before.
+// The number of files never falls, so the line never gets shorter and covers the one before.
 #include "tool/progress_line.hpp"
 
+#include <new>
 #include <utility>
 
 #include <fmt/format.h>
@@ -35,15 +36,17 @@ ProgressLine::ProgressLine(std::size_t total, Surroundings surroundings)
 
 ProgressLine::~ProgressLine() { clear(); }
 
-void ProgressLine::show(std::size_t done) {
+void ProgressLine::show(std::size_t done) noexcept try {
   if (!is_wanted_) return;
   const Time now = surroundings_.now();
-  const bool stands_there = is_shown_ && done == shown_;
-  if (now < due_ || stands_there) return;
+  const bool is_shown_already = is_shown_ && done == shown_;
+  if (now < due_ || is_shown_already) return;
   surroundings_.write('\r' + line_of(done, total_));
   is_shown_ = true;
   shown_ = done;
   due_ = now + kPause;
+} catch (const std::bad_alloc&) {
+  // The files matter more than the line.
 }
 
 void ProgressLine::clear() noexcept {

@@ -1,13 +1,13 @@
-// A line on a terminal that says how many files are done, rewritten in place.
+// A line on a terminal that shows how many files are done, rewritten in place.
 //
 //   ProgressLine line(2000, {is_terminal, steady_clock::now, write_to_standard_error});
 //   line.show(123);     // "  123 of 2,000 files", once half a second has passed
-//   line.clear();       // before anything else is written
+//   line.clear();       // call it before anything else is written
 //
-// It shows nothing when the output is no terminal or there is one file, and it is cleared by its
-// destructor. A blank overwrites it, so the terminal needs no command but the carriage return.
+// It shows nothing when the output is no terminal or there is only one file. The destructor clears
+// it. Blanks overwrite it, so the terminal needs no command but the carriage return.
 //
-// Errors     none, but for std::bad_alloc from the constructor and from show().
+// Errors     std::bad_alloc from the constructor; where memory is short, nothing is shown.
 #pragma once
 
 #include <chrono>
@@ -22,7 +22,7 @@ class ProgressLine {
  public:
   using Time = std::chrono::steady_clock::time_point;
 
-  // What is short needs no line, and an eye no more than a few lines in a second.
+  // Short work needs no line, and ten lines a second are as fast as anyone can read.
   static constexpr std::chrono::milliseconds kDelay{500};
   static constexpr std::chrono::milliseconds kPause{100};
 
@@ -38,10 +38,10 @@ class ProgressLine {
   ProgressLine& operator=(const ProgressLine&) = delete;
   ~ProgressLine();
 
-  // Writes the line, if it is time for it and the number is another one.
-  void show(std::size_t done);
+  // Writes the line, if enough time has passed and the number has changed.
+  void show(std::size_t done) noexcept;
 
-  // Leaves an empty line with the cursor at its start, as it was before the line was shown.
+  // Leaves an empty line with the cursor at its start, as before the line was shown.
   void clear() noexcept;
 
  private:

@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include <vltextstream/standalone/decoding/utf_text.hpp>
+#include "tool/safe_text.hpp"
 
 namespace textio::tool {
 namespace {
@@ -19,24 +19,14 @@ using standalone::Layout;
 using standalone::LayoutMode;
 using standalone::LineRole;
 using standalone::LineRun;
-using standalone::NamesSource;
-using standalone::to_utf8;
 
 using Out = std::back_insert_iterator<std::string>;
 
-// U+001A, which stands for a character that was folded, becomes U+FFFD like everything else.
-std::string printable(std::u16string text) {
-  // A surrogate pair is printed as it is; its second half must not be taken for a hidden byte.
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool is_pair = text[i] >= 0xD800 && text[i] <= 0xDBFF && i + 1 < text.size() &&
-                         text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
-    if (is_pair) {
-      ++i;
-    } else if (is_unprintable(text[i])) {
-      text[i] = 0xFFFD;
-    }
-  }
-  return to_utf8(text);
+// A delimiter or line ending as people write it.
+std::string shown(std::u16string_view marker) {
+  std::string utf8;
+  for (std::size_t pos = 0; pos < marker.size();) append_utf8(utf8, next_character(marker, pos));
+  return marker_name(utf8);
 }
 
 std::string joined(const std::vector<std::size_t>& numbers) {
@@ -44,7 +34,7 @@ std::string joined(const std::vector<std::size_t>& numbers) {
 }
 
 std::string ending(const std::optional<std::u16string>& line_ending) {
-  return line_ending ? marker_name(to_utf8(*line_ending)) : "none";
+  return line_ending ? shown(*line_ending) : "none";
 }
 
 std::string number(double value) { return std::isinf(value) ? "-" : fmt::format("{:.4g}", value); }
@@ -80,8 +70,8 @@ void add_columns(std::string& out, const Layout& layout) {
 
 std::string encoding(const Layout& layout) {
   if (layout.encoding_found == EncodingFound::none) return "none, the text was in memory";
-  std::string out = fmt::format("{} ({}", tool::printable(std::string_view(layout.encoding)),
-                                to_string(layout.encoding_found));
+  std::string out =
+      fmt::format("{} ({}", printable(layout.encoding), to_string(layout.encoding_found));
   if (layout.encoding_confidence < 1.0) {
     // Rounded down: 100 % would be a proof.
     fmt::format_to(Out(out), ", {} % sure", static_cast<int>(layout.encoding_confidence * 100));
@@ -156,28 +146,19 @@ void add_trace(std::string& out, const detection::SelectionTrace& trace) {
 
 }  // namespace
 
-bool is_unprintable(char16_t unit) {
-  const bool is_control = unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
-  const bool is_separator = unit == 0x2028 || unit == 0x2029;
-  const bool is_direction = unit == 0x200E || unit == 0x200F || unit == 0x061C ||
-                            (unit >= 0x202A && unit <= 0x202E) ||
-                            (unit >= 0x2066 && unit <= 0x2069);
-  const bool is_hidden_byte = unit >= 0xDC80 && unit <= 0xDCFF;
-  return is_control || is_separator || is_direction || is_hidden_byte;
-}
-
-std::string printable(std::string_view text) { return printable(standalone::from_utf8(text)); }
-
 std::string report(const std::string& file, const Layout& layout,
                    const std::vector<GivenOption>& given) {
   std::string out = printable(file) + "\n";
   fmt::format_to(Out(out), "  layout          {}\n", to_string(dialect_of(layout)));
+  if (layout.looks_binary) {
+    out += "  looks binary    control characters as no text has them; this is probably no table\n";
+  }
   for (const GivenOption& option : given) {
     const std::string values = option.is_json
                                    ? option.values.front()
                                    : fmt::format("'{}'", fmt::join(option.values, "' '"));
-    fmt::format_to(Out(out), "  given           {} {}\n", printable(std::string_view(option.name)),
-                   printable(std::string_view(values)));
+    fmt::format_to(Out(out), "  given           {} {}\n", printable(option.name),
+                   printable(values));
   }
   fmt::format_to(Out(out), "  header lines    {}\n", layout.header_lines);
   fmt::format_to(Out(out), "  names           {}\n", names(layout));

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include <vltextstream/host/export.hpp>
@@ -16,24 +17,23 @@
 
 namespace textio {
 
-// The kind of a line, found by sampling. Blank lines are kept as empty fields; comments are left
-// out.
-enum class SampleLineKind { text, blank, comment };
+// What a line turns out to be when it is sampled. Blank lines are kept as empty fields, comments are
+// left out.
+enum class SampleLineKind : std::uint32_t { text, blank, comment };
 
-// Consecutive lines of one kind.
+// Lines of one kind, directly after one another. There may be millions of these.
 struct VLTEXTSTREAM_EXPORT SampleRun {
   SampleLineKind kind = SampleLineKind::text;
 
-  // The number of lines in the run, and the number of sampled lines before it.
-  std::size_t num_lines = 0;
-  std::size_t first_line = 0;
+  // How many lines these are; more than fit are another run.
+  std::uint32_t num_lines = 0;
 
-  // The number of text lines before the run.
+  // The number of sampled lines before them, and of text lines among these.
+  std::size_t first_line = 0;
   std::size_t first_text = 0;
 
-  // The start of the run's first line, and the start of the line after its last.
+  // Where the first of them starts.
   std::size_t begin = 0;
-  std::size_t end = 0;
 };
 
 struct VLTEXTSTREAM_EXPORT Sample {

@@ -47,6 +47,12 @@ SampleLineKind kind_of(const Field& line, const LineTest& test) {
 constexpr std::size_t kUsualRuns = 16;
 constexpr std::size_t kUsualCounts = 128;
 
+// What was expected or doubled may be far more than is kept. Room for `enough` is kept anyway.
+template <typename Entry>
+void give_back_room(std::vector<Entry>& list, std::size_t enough) {
+  if (list.capacity() > enough && list.capacity() / 2 > list.size()) list.shrink_to_fit();
+}
+
 class Sampler {
  public:
   Sampler(const Field& text, const Splitter& splitter, const LineTest& test,
@@ -55,8 +61,8 @@ class Sampler {
         splitter_(splitter),
         test_(test),
         limits_(limits),
+        known_(limits.blank_runs),
         lines_(splitter.lines_of(text)) {
-    if (limits.blank_runs) known_ = *limits.blank_runs;
     const std::size_t room =
         std::min({limits.num_texts, saturating_next(text.length), limits.likely_lines});
     sample_.texts.reserve(room);
@@ -119,12 +125,7 @@ class Sampler {
   // Advances to `next`, after `num_lines` lines of one kind.
   void add(SampleLineKind kind, std::size_t num_lines, std::size_t next,
            std::size_t num_fields = 0) {
-    std::vector<SampleRun>& runs = sample_.found.runs;
-    if (runs.empty() || runs.back().kind != kind) {
-      runs.push_back({kind, 0, size_, num_texts_, pos_, pos_});
-    }
-    runs.back().num_lines += num_lines;
-    runs.back().end = next;
+    add_run(sample_.found.runs, {kind, 0, size_, num_texts_, pos_}, num_lines);
     pos_ = next;
     if (kind == SampleLineKind::comment) return;
     size_ += num_lines;
@@ -133,8 +134,8 @@ class Sampler {
   }
 
   DrawnSample finish() {
-    std::vector<Field>& texts = sample_.texts;
-    if (texts.capacity() / 2 > texts.size()) texts.shrink_to_fit();
+    give_back_room(sample_.texts, 0);
+    give_back_room(sample_.found.runs, kUsualRuns);
     sample_.most_texts = limits_.num_texts;
     sample_.found.text = text_;
     sample_.found.end = pos_;
@@ -149,8 +150,8 @@ class Sampler {
   const Splitter& splitter_;
   const LineTest test_;
   const SampleLimits limits_;
+  std::span<const BlankRun> known_;  // from here on
   const std::unique_ptr<LineCursor> lines_;
-  std::span<const SampleRun> known_;
   DrawnSample sample_;
   std::size_t pos_ = 0;
   std::size_t size_ = 0;  // sampled lines
@@ -167,6 +168,14 @@ const SampleRun& run_of(const std::vector<SampleRun>& runs, std::size_t index) {
 }
 
 }  // namespace
+
+void add_run(std::vector<SampleRun>& runs, const SampleRun& first, std::size_t num_lines) {
+  constexpr std::size_t kMost = std::numeric_limits<std::uint32_t>::max();
+  const bool goes_on =
+      !runs.empty() && runs.back().kind == first.kind && kMost - runs.back().num_lines >= num_lines;
+  if (!goes_on) runs.push_back(first);
+  runs.back().num_lines += static_cast<std::uint32_t>(num_lines);
+}
 
 std::size_t DrawnSample::size() const {
   if (found.runs.empty()) return 0;

@@ -5,6 +5,13 @@
 namespace textio {
 
 CodeUnitSet::CodeUnitSet(std::u16string_view units) {
+  for (const char16_t unit : units) {
+    if (unit < 64) {
+      low_ |= std::uint64_t{1} << unit;
+    } else {
+      has_high_ = true;
+    }
+  }
   if (units.size() > kMostListed) {
     const auto table = std::make_shared<Table>();
     for (const char16_t unit : units) table->set(unit);

@@ -12,6 +12,7 @@
 
 #include <bitset>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 
@@ -26,11 +27,10 @@ class CodeUnitSet {
   // `units` in any order. Duplicates count towards kMostListed.
   explicit CodeUnitSet(std::u16string_view units);
 
+  // Most separators are below U+0040: these are looked up in one word.
   bool contains(char16_t unit) const {
-    if (table_) return (*table_)[unit];
-    std::size_t i = 0;
-    while (i < num_listed_ && listed_[i] != unit) ++i;
-    return i < num_listed_;
+    if (unit < 64) return ((low_ >> unit) & 1) != 0;
+    return has_high_ && contains_high(unit);
   }
 
   bool is_empty() const { return num_listed_ == 0 && !table_; }
@@ -44,6 +44,15 @@ class CodeUnitSet {
  private:
   using Table = std::bitset<65536>;
 
+  bool contains_high(char16_t unit) const {
+    if (table_) return (*table_)[unit];
+    std::size_t i = 0;
+    while (i < num_listed_ && listed_[i] != unit) ++i;
+    return i < num_listed_;
+  }
+
+  std::uint64_t low_ = 0;  // a bit for each code unit below 64
+  bool has_high_ = false;
   char16_t listed_[kMostListed] = {};
   std::size_t num_listed_ = 0;
   std::shared_ptr<const Table> table_;

@@ -1,7 +1,6 @@
 #include <vltextstream/strategy/search/marker_matcher.hpp>
 
 #include <algorithm>
-#include <string_view>
 #include <utility>
 
 namespace textio {
@@ -17,14 +16,6 @@ bool is_large_set(const DelimiterSet& set) {
     if (units > kFewUnits) return !set.is_single_char;
   }
   return false;
-}
-
-// Markers are short: a plain loop is faster than a library comparison with its fixed overhead.
-bool starts_with(std::u16string_view text, std::u16string_view marker) {
-  if (marker.size() > text.size()) return false;
-  std::size_t same = 0;
-  while (same < marker.size() && text[same] == marker[same]) ++same;
-  return same == marker.size();
 }
 
 }  // namespace
@@ -45,10 +36,17 @@ std::size_t MarkerMatcher::longest() const {
   return longest;
 }
 
+// Markers are short: a plain loop is faster than a comparison that prepares for long ones.
 std::size_t MarkerMatcher::compare_at(const Field& text, std::size_t i) const {
-  const std::u16string_view rest = view_of(slice(text, i, text.length));
+  const std::size_t rest = text.length - std::min(i, text.length);
+  const char16_t* const place = text.data + i;
   for (const std::u16string& marker : set_->strings) {
-    if (starts_with(rest, marker)) return marker.size();
+    const std::size_t size = marker.size();
+    if (size > rest) continue;
+    const char16_t* const units = marker.data();
+    std::size_t same = 0;
+    while (same < size && place[same] == units[same]) ++same;
+    if (same == size) return size;
   }
   return 0;
 }

@@ -245,6 +245,18 @@ const BlankCase kBlankCases[] = {
      {2, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0}},
 };
 
+void expect_same(const DrawnSample& shared, const DrawnSample& plain) {
+  EXPECT_EQ(shared.counts.to_vector(), plain.counts.to_vector());
+  EXPECT_EQ(lines_of(shared), lines_of(plain));
+  EXPECT_EQ(shared.found.end, plain.found.end);
+  ASSERT_EQ(shared.found.runs.size(), plain.found.runs.size());
+  for (std::size_t i = 0; i < plain.found.runs.size(); ++i) {
+    EXPECT_EQ(shared.found.runs[i].begin, plain.found.runs[i].begin);
+    EXPECT_EQ(shared.found.runs[i].num_lines, plain.found.runs[i].num_lines);
+    EXPECT_EQ(shared.found.runs[i].first_line, plain.found.runs[i].first_line);
+  }
+}
+
 class KnownBlanks : public testing::TestWithParam<BlankCase> {};
 TEST_P(KnownBlanks, GiveTheSameSampleAsReadingThem) {
   const parser::options options;
@@ -254,21 +266,25 @@ TEST_P(KnownBlanks, GiveTheSameSampleAsReadingThem) {
   samples.remember_blanks(samples.draw(reader));
   DelimitedStrategy commas(options, u',');
   const DrawnSample plain = samples.draw(commas);
-  const DrawnSample shared = samples.draw_past_blanks(commas);
   EXPECT_EQ(plain.counts.to_vector(), GetParam().counts);
-  EXPECT_EQ(shared.counts.to_vector(), GetParam().counts);
-  EXPECT_EQ(lines_of(shared), lines_of(plain));
-  EXPECT_EQ(shared.found.end, plain.found.end);
-  ASSERT_EQ(shared.found.runs.size(), plain.found.runs.size());
-  for (std::size_t i = 0; i < plain.found.runs.size(); ++i) {
-    EXPECT_EQ(shared.found.runs[i].begin, plain.found.runs[i].begin);
-    EXPECT_EQ(shared.found.runs[i].end, plain.found.runs[i].end);
-    EXPECT_EQ(shared.found.runs[i].first_line, plain.found.runs[i].first_line);
-  }
+  expect_same(samples.draw_past_blanks(commas), plain);
+  SpaceAlignedStrategy aligned(options);
+  expect_same(samples.draw_past_blanks(aligned), samples.draw(aligned));
 }
 INSTANTIATE_TEST_SUITE_P(Table, KnownBlanks, testing::ValuesIn(kBlankCases), ByRule());
 
-// --- whether a sample depends on where the text ends ---------------------------------------------
+TEST(KnownBlanksUnits, AreThoseOfLongRunsAlone) {
+  const parser::options options;
+  const ExactText text(u"a\n\b\nb\n" + kEightBlanks);
+  SampleStore samples(text.field(), 100);
+  LineReaderStrategy reader(options);
+  samples.remember_blanks(samples.draw(reader));
+  std::u16string units = samples.blank_units();
+  std::sort(units.begin(), units.end());
+  EXPECT_EQ(units, u"\t\n ");
+}
+
+// --- whether a sample depends on where the text ends ----------------------------------------------
 
 struct EndCase {
   const char* rule;

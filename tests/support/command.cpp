@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -59,9 +60,10 @@ CommandResult run_command(const std::string& program, const std::vector<std::str
   if (failed != 0) throw std::runtime_error("cannot run " + program);
 
   int status = 0;
-  waitpid(child, &status, 0);
+  rusage used = {};
+  wait4(child, &status, 0, &used);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), content_of(out),
-          content_of(err)};
+          content_of(err), static_cast<std::size_t>(used.ru_maxrss)};
 }
 
 }  // namespace textio::testing_support

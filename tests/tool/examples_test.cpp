@@ -1,4 +1,4 @@
-// Every example is laid out as its case says, through the library and through the tool.
+// Every example has the layout that its case expects, by the library and by the tool.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -6,9 +6,11 @@
 #include <set>
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <vltextstream/host/code_converter.hpp>
 #include <vltextstream/layout/detect_layout.hpp>
+
 #include "support/command.hpp"
 #include "support/example_cases.hpp"
 #include "tool/json_report.hpp"
@@ -32,7 +34,7 @@ void expect_members(const nlohmann::json& actual, const nlohmann::json& expected
 }
 
 nlohmann::json as_json(const standalone::Layout& layout) {
-  return nlohmann::json::parse(tool::json_of(layout).dump());
+  return nlohmann::json::parse(tool::json_member("", layout));
 }
 
 std::string name_of_case(const testing::TestParamInfo<ExampleCase>& info) {
@@ -72,7 +74,7 @@ TEST_P(Examples, GiveTheSameLayoutWithAndWithoutTrace) {
   EXPECT_EQ(as_json(with_trace), as_json(detect_layout(example.path(), example.settings)));
 }
 
-// The text is decoded at one go, with a pair for a character that takes one.
+// The text is decoded in one go; a character outside the basic plane is a pair of surrogates.
 std::u16string text_of(const std::string& bytes, const std::string& encoding) {
   StreamCodeConverter converter(encoding, false);
   std::u16string text(2 * bytes.size() + 1, u'\0');

@@ -41,7 +41,7 @@ CommandResult vltext(const Arguments& arguments, const std::string& input = {}) 
 }
 
 // The same with `input` in a pipe.
-CommandResult vltext_behind_a_pipe(Arguments arguments, const std::string& input) {
+CommandResult vltext_with_a_pipe(Arguments arguments, const std::string& input) {
   arguments.insert(arguments.begin(), {"-c", "cat | \"$0\" \"$@\"", VLTEXT_PROGRAM});
   return run_command("/bin/sh", arguments, input);
 }
@@ -53,7 +53,7 @@ std::string content_of(const std::string& path) {
 
 // --- every way in gives the same answer ---------------------------------------------------------
 
-// What the tool says of its one file, but for its name.
+// The answer for the one file, without its name.
 nlohmann::json document_of(const CommandResult& result) {
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err, "");
@@ -85,8 +85,8 @@ TEST_P(ExamplesFromElsewhere, AreLaidOutAlike) {
   EXPECT_EQ(document_of_file(zstd_of(bytes_)), expected_);
   EXPECT_EQ(document_of(vltext(arguments("-"), bytes_)), expected_);
   EXPECT_EQ(document_of(vltext(arguments("-"), gzip_of(bytes_))), expected_);
-  EXPECT_EQ(document_of(vltext_behind_a_pipe(arguments("-"), bytes_)), expected_);
-  EXPECT_EQ(document_of(vltext_behind_a_pipe(arguments("-"), zstd_of(bytes_))), expected_);
+  EXPECT_EQ(document_of(vltext_with_a_pipe(arguments("-"), bytes_)), expected_);
+  EXPECT_EQ(document_of(vltext_with_a_pipe(arguments("-"), zstd_of(bytes_))), expected_);
 }
 
 std::string name_of_case(const testing::TestParamInfo<ExampleCase>& info) {
@@ -135,7 +135,7 @@ TEST_P(ToolInput, MayBeAFileOfAnyName) {
 
 TEST_P(ToolInput, MayBeStandardInput) {
   expect_table(vltext({"-"}, GetParam().bytes));
-  expect_table(vltext_behind_a_pipe({"-"}, GetParam().bytes));
+  expect_table(vltext_with_a_pipe({"-"}, GetParam().bytes));
 }
 
 TEST_P(ToolInput, MayBeANamedPipe) {
@@ -147,12 +147,12 @@ TEST_P(ToolInput, MayBeANamedPipe) {
 }
 
 TEST_P(ToolInput, MayBeTheOutputOfAnotherProgram) {
-  expect_table(vltext_behind_a_pipe({"/dev/fd/0"}, GetParam().bytes));
+  expect_table(vltext_with_a_pipe({"/dev/fd/0"}, GetParam().bytes));
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, ToolInput, testing::ValuesIn(kDisguises), ByRule());
 
-// More than a pipe keeps, and nobody reads the rest.
+// More than a pipe holds, and the rest is never read.
 TEST(ToolStandardInput, MayBeLongerThanWhatIsRead) {
   const CommandResult result =
       run_command("/bin/sh", {"-c", "yes 'abc;1.5' | head -c 40000000 | \"$0\" -", VLTEXT_PROGRAM});
@@ -161,7 +161,7 @@ TEST(ToolStandardInput, MayBeLongerThanWhatIsRead) {
 }
 
 TEST(ToolStandardInput, OfAPipeIsReadOnce) {
-  const CommandResult result = vltext_behind_a_pipe({"-", "-"}, kTable);
+  const CommandResult result = vltext_with_a_pipe({"-", "-"}, kTable);
   EXPECT_EQ(result.status, 2);
   EXPECT_THAT(result.out, HasSubstr("delimited by semicolon"));
   EXPECT_EQ(result.err, "vltext: cannot open '-': standard input has been read already\n");
@@ -177,14 +177,14 @@ TEST(ToolStandardInput, OfAFileIsReadAsOftenAsAsked) {
 }
 
 TEST(ToolStandardInput, MayBeEmpty) {
-  for (const CommandResult& result : {vltext({"-"}), vltext_behind_a_pipe({"-"}, ""),
+  for (const CommandResult& result : {vltext({"-"}), vltext_with_a_pipe({"-"}, ""),
                                       vltext({"-"}, gzip_of("")), vltext({"-"}, zstd_of(""))}) {
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, HasSubstr("0 lines of 0 characters"));
   }
 }
 
-// The encoding is looked for in a pipe as in a file, and behind a decoder.
+// The encoding is found in a pipe and in a compressed file as well.
 TEST(ToolStandardInput, IsLookedAtForItsEncoding) {
   const std::string bytes(
       "\xFF\xFE"
@@ -195,13 +195,13 @@ TEST(ToolStandardInput, IsLookedAtForItsEncoding) {
       18);
   for (const std::string& input : {bytes, gzip_of(bytes), zstd_of(bytes)}) {
     EXPECT_THAT(vltext({"-"}, input).out, HasSubstr("UTF-16"));
-    EXPECT_THAT(vltext_behind_a_pipe({"-"}, input).out, HasSubstr("UTF-16"));
+    EXPECT_THAT(vltext_with_a_pipe({"-"}, input).out, HasSubstr("UTF-16"));
   }
 }
 
 // --- what cannot be read -------------------------------------------------------------------------
 
-// A text whose archives are longer than what is read for the encoding.
+// A text whose archives are longer than the bytes that are read for the encoding.
 std::string long_table() {
   std::string text = "name;size\n";
   unsigned value = 1;
@@ -273,11 +273,11 @@ TEST_P(ToolBadFile, IsNamedWithTheReason) {
   expect_complaint(vltext({path}), path);
   expect_complaint(vltext({"--encoding", "UTF-8", path}), path);
   expect_complaint(vltext({"-"}, GetParam().bytes), "-");
-  expect_complaint(vltext_behind_a_pipe({"-"}, GetParam().bytes), "-");
+  expect_complaint(vltext_with_a_pipe({"-"}, GetParam().bytes), "-");
 }
 INSTANTIATE_TEST_SUITE_P(Table, ToolBadFile, testing::ValuesIn(kBadFiles), ByRule());
 
-// Its parent may not be entered; the superuser may enter everything, and becomes somebody else.
+// Its parent folder cannot be entered. The superuser can, so the program runs as another user then.
 TEST(ToolClosedFolder, IsNamedWithTheReason) {
   const TempFolder folder;
   folder.folder("closed");

@@ -1,4 +1,4 @@
-// Many files in several threads: what is printed is what one thread prints.
+// Many files in several threads: the output is that of one thread.
 #include <cstdlib>
 #include <optional>
 #include <ostream>
@@ -38,8 +38,8 @@ Words joined(Words first, const Words& second) {
   return first;
 }
 
-// A file of each kind, one after the other, each with as many columns as its number asks for, so
-// that no two neighbours are laid out alike.
+// Files of ten kinds in turn. The number of columns changes from file to file, so no two neighbours
+// have the same layout.
 class ManyFiles {
  public:
   static constexpr std::size_t kFiles = 300;
@@ -130,8 +130,8 @@ TEST_P(ToolJobs, PrintWhatOneJobPrints) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, ToolJobs, testing::ValuesIn(kWays), ByRule());
 
-// Four of each ten cannot be read: the missing one, the folder, the archive cut off and the other
-// archive.
+// Four of ten cannot be read: the missing file, the folder, the truncated archive and the archive of
+// another kind.
 TEST(ToolManyFiles, AreListedAndComplainedOfInTheirOrder) {
   const ManyFiles files;
   const CommandResult result = vltext(joined({"--json", "--jobs", "8"}, files.paths()));
@@ -163,7 +163,7 @@ TEST(ToolManyFiles, OfWhichNoneCanBeReadPrintNothing) {
   }
 }
 
-// The first reads the pipe, whichever thread is the faster.
+// The first one reads the pipe, whichever thread is faster.
 TEST(ToolManyFiles, ShareStandardInputInTheirOrder) {
   const TempFolder folder;
   const std::string table = folder.file("t", "1,2\n3,4\n");
@@ -189,7 +189,7 @@ TEST(ToolManyFiles, ReadAFileAsStandardInputAsOftenAsAsked) {
   EXPECT_EQ(files[0], files[2]);
 }
 
-// A pipe is opened when somebody writes to it; here the second writer begins after the first.
+// Opening a pipe waits for a writer; here the second writer starts after the first.
 TEST(ToolManyFiles, ReadPipesOneAfterTheOther) {
   const TempFolder folder;
   const std::string first = folder.path_of("first");
@@ -206,7 +206,41 @@ TEST(ToolManyFiles, ReadPipesOneAfterTheOther) {
   EXPECT_THAT(result.out, HasSubstr(second + "\n  layout          delimited by bar\n"));
 }
 
-// More than a pipe holds, so the tool is still writing when its reader is gone.
+// The second file is written when the first answer has been read: a tool that keeps its answers
+// until the end would wait for ever.
+TEST(ToolManyFiles, AreAnsweredAsTheyCome) {
+  const TempFolder folder;
+  const std::string table = folder.file("t", "a;1\nb;2\n");
+  const std::string pipe = folder.path_of("pipe");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  for (const char* jobs : {"1", "2"}) {
+    const std::string script =
+        "\"$0\" --jobs " + std::string(jobs) +
+        " \"$1\" \"$2\" | while read -r line; do printf '%s\\n' \"$line\"; case $line in"
+        " *semicolon*) printf 'x|1\\ny|2\\n' > \"$2\";; esac; done; exit ${PIPESTATUS[0]}";
+    const CommandResult result = run_command(
+        "/usr/bin/timeout", {"20", "/bin/bash", "-c", script, VLTEXT_PROGRAM, table, pipe});
+    EXPECT_EQ(result.status, 0) << jobs;
+    EXPECT_THAT(result.out, HasSubstr("delimited by semicolon\n"));
+    EXPECT_THAT(result.out, HasSubstr("delimited by bar\n"));
+  }
+}
+
+// The last file has no end: a tool that goes on would read it for ever.
+TEST(ToolManyFiles, AreLeftWhenStandardOutputIsLost) {
+  const TempFolder folder;
+  const std::string table = folder.file("t", "a;1\nb;2\n");
+  for (const char* jobs : {"1", "4"}) {
+    const CommandResult result =
+        run_command("/usr/bin/timeout",
+                    {"20", "/bin/sh", "-c", "\"$0\" --jobs \"$1\" \"$2\" \"$3\" \"$4\" > /dev/full",
+                     VLTEXT_PROGRAM, jobs, table, folder.path_of("missing"), "/dev/zero"});
+    EXPECT_EQ(result.status, 2) << jobs;
+    EXPECT_EQ(result.err, "vltext: standard output: No space left on device\n");
+  }
+}
+
+// The output is more than a pipe holds, so the tool is still writing when its reader ends.
 TEST(ToolManyFiles, EndAsOneJobDoesWhenNobodyReadsTheAnswer) {
   const ManyFiles files;
   const auto status = [&](const std::string& jobs) {
@@ -220,7 +254,7 @@ TEST(ToolManyFiles, EndAsOneJobDoesWhenNobodyReadsTheAnswer) {
 
 // --- memory that is limited ----------------------------------------------------------------------
 
-// Files of one long line each, with which a detection takes many times the memory of the program.
+// Files with one long line each. A detection takes many times the memory of the program.
 class LimitedMemory {
  public:
   LimitedMemory() {
@@ -231,7 +265,7 @@ class LimitedMemory {
     }
   }
 
-  // With at most so many megabytes of addresses; nothing: with as many as there are.
+  // With at most this many megabytes of address space, or without a limit.
   CommandResult vltext_within(std::optional<std::size_t> megabytes, const std::string& jobs) const {
     const std::string limit = megabytes ? std::to_string(*megabytes * 1024) : "unlimited";
     const Words script = {"-c", "ulimit -v \"$0\" && exec \"$@\"", limit, VLTEXT_PROGRAM, "--jobs",
@@ -239,8 +273,8 @@ class LimitedMemory {
     return run_command("/bin/sh", joined(script, paths_));
   }
 
-  // The least limit with which one job reads all files. Nothing where a gigabyte does not do: under
-  // a sanitizer a program asks for more addresses than a machine has memory.
+  // The least limit with which one job reads all files. Nothing if a gigabyte is not enough: under a
+  // sanitizer a program reserves more address space than a machine has memory.
   std::optional<std::size_t> least_for_one_job() const {
     std::size_t too_little = 0;
     std::size_t enough = 1024;
@@ -267,9 +301,8 @@ class LimitedMemory {
   Words paths_;
 };
 
-// One detection needs far more than the few megabytes that are added: memory that falls into pieces
-// in another way is not to decide. Where three quarters are there, the program starts, and no file
-// is read.
+// The four megabytes that are added are little for a detection, but enough for a heap that is
+// fragmented in another way. With three quarters the program starts, and reads no file.
 TEST(ToolWithLimitedMemory, PrintsWithManyJobsWhatItPrintsWithOne) {
   const LimitedMemory memory;
   const std::optional<std::size_t> least = memory.least_for_one_job();

@@ -106,7 +106,7 @@ TEST(ToolJson, ShowsTheSettingsThatTheDetectionHad) {
   EXPECT_EQ(settings["options"]["line_endings"], json::array({"\r\n", "\n", "\r"}));
 }
 
-// The schema is strict, or else the tests above could not fail.
+// The schema is strict; otherwise the tests above could not fail.
 TEST(ToolJsonSchema, RefusesAMissingAndAnUnknownMember) {
   const TempFolder folder;
   const json document = printed({"--json", folder.file("t", "x;y\n1;2\n")});

@@ -100,7 +100,7 @@ struct OptionCase {
   const char* flag;
   std::string value;
   std::string bytes;
-  Words also;          // options that stand beside it
+  Words also;          // other options that are given
   const char* member;  // of the layout, that changes; empty when nothing does
   json before;
   json after;
@@ -305,7 +305,7 @@ const AcceptedCase kAccepted[] = {
     {"ManyVariables", kNamed, {"--num-variables", "1e18"}, "num_variables", 2},
     {"MostVariables", kNamed, {"--num-variables", "18446744073709551615"}, "num_variables", 2},
 
-    // The later of two options that write the same.
+    // The later of two options that set the same.
     {"DataLineBehindHeaderLines",
      kNamed,
      {"--num-header-lines", "1", "--data-line", "3"},
@@ -347,7 +347,7 @@ const AcceptedCase kAccepted[] = {
      "delimiters",
      {";"}},
 
-    // Lists: the flag again.
+    // Lists: the flag is repeated.
     {"SeveralDelimiters", kBoth, {"--delimiter", ",", "--delimiter", ";"}, "num_variables", 4},
     {"SeveralDelimitersInOrder",
      kBoth,
@@ -475,8 +475,8 @@ TEST_P(ToolAccepts, AndObeys) {
 
 INSTANTIATE_TEST_SUITE_P(Table, ToolAccepts, testing::ValuesIn(kAccepted), ByRule());
 
-// The numbers up to 2^64 - 1 are told apart by doubles only so far; whatever comes of the largest,
-// it is an answer.
+// A double cannot represent all numbers up to 2^64 - 1. The largest ones are rounded, and the tool
+// still answers.
 TEST(ToolAcceptsNumbers, AtTheEndOfTheRange) {
   for (const char* number : {"18446744073709551615", "18446744073709551616", "1e300"}) {
     SCOPED_TRACE(number);
@@ -620,7 +620,7 @@ const Word kNoCounts[] = {
     {"HugeNegative", "-1e18"},
 };
 
-// Two tables, each row of one with each of the other.
+// Each row of one table with each row of another.
 struct ByBothRules {
   template <typename Rows>
   std::string operator()(const testing::TestParamInfo<Rows>& info) const {
@@ -663,7 +663,7 @@ const RefusedCase kRefused[] = {
     {"YesAsLogical", {"--is-file", "yes"}, "--is-file", {"true or false"}},
     {"LogicalByName", {"--option", "isfile=maybe"}, "isfile", {"true or false"}},
 
-    // Words: the message lists those that there are.
+    // Words: the message lists the valid ones.
     {"ParserType",
      {"--parser-type", "x"},
      "--parser-type",
@@ -707,7 +707,7 @@ const RefusedCase kRefused[] = {
      "--partial-field-rule",
      {"'keep', 'omitrow', 'omitvar', 'fill', 'wrap', 'error'."}},
 
-    // Escapes; two names stand for another one.
+    // Escapes; two names are synonyms of another one.
     {"EscapeInDelimiter", {"--delimiter", "\\q"}, "--delimiter", {"in Delimiter."}},
     {"EscapeInASecondDelimiter",
      {"--delimiter", ";", "--delimiter", "\\x"},
@@ -727,7 +727,7 @@ const RefusedCase kRefused[] = {
      {"in TreatAsMissing."}},
     {"EscapeByName", {"--option", "TREATASEMPTY=\\z"}, "TREATASEMPTY", {"in TreatAsMissing."}},
 
-    // Comment markers are counted before they are looked at.
+    // Comment markers are counted before they are checked.
     {"ThreeCommentMarkers",
      {"--comment-style", "\\q", "--comment-style", "b", "--comment-style", "c"},
      "--comment-style",
@@ -765,7 +765,7 @@ const RefusedCase kRefused[] = {
     {"NameWithoutValue", {"--option", "Delimiter"}, "--option", {"names and values in pairs"}},
     {"NothingAtAll", {"--option", ""}, "--option", {"names and values in pairs"}},
 
-    // Values of a class that plain words on the command line do not have.
+    // Values of types that only JSON can give.
     {"NumberAsDelimiter", {"--option", "Delimiter:=1"}, "Delimiter", {"a list of texts"}},
     {"NumbersAsDelimiters", {"--option", "Delimiter:=[1,2]"}, "Delimiter", {"a list of texts"}},
     {"ListInAListOfDelimiters", {"--option", "Delimiter:=[[\"a\"]]"}, "Delimiter", {"a list"}},
@@ -785,7 +785,7 @@ const RefusedCase kRefused[] = {
     {"NoJson", {"--option", "NumVariables:=three"}, "NumVariables", {"JSON", "'three'"}},
     {"ValueWithoutAName", {"--option", "=1"}, "--option", {"''"}},
 
-    // The first that is wrong is told.
+    // The first that is wrong is reported.
     {"FirstOfTwo",
      {"--num-header-lines", "-1", "--parser-type", "x"},
      "--num-header-lines",
@@ -855,7 +855,8 @@ TEST(ToolFileNames, StandBehindTwoDashes) {
   EXPECT_EQ(document.at("files").at(0).at("delimiters"), json::array({";"}));
 }
 
-// What looks like a flag with an empty value is a file there, and a value where one is wanted.
+// After "--" it is a file, although it looks like a flag with an empty value; after a flag it is a
+// value.
 TEST(ToolFileNames, MayEndWithAnEqualsSign) {
   const TempFolder folder;
   folder.file("--delimiter=", "1;2\n3;4\n");

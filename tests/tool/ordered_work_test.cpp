@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <functional>
+#include <limits>
 #include <mutex>
 #include <new>
 #include <optional>
@@ -24,7 +26,7 @@ namespace {
 
 using Numbers = std::vector<std::size_t>;
 
-// A gate that threads wait at until somebody opens it.
+// Threads wait at the gate until it is opened.
 class Gate {
  public:
   void open() {
@@ -61,7 +63,10 @@ Delivery delivery_of(const WorkPlan& plan, const std::function<void(std::size_t)
                          work(task);
                          return Answer{std::to_string(task), std::nullopt};
                        },
-                       [&](const Answer& answer) { delivery.texts.push_back(answer.text); },
+                       [&](std::size_t, const Answer& answer) {
+                         delivery.texts.push_back(answer.text);
+                         return true;
+                       },
                        [&](std::size_t count) { delivery.finished.push_back(count); }});
   return delivery;
 }
@@ -139,9 +144,12 @@ TEST(WorkInOrder, WithOneThreadWorksInTheCallingOne) {
 TEST(WorkInOrder, DeliversInTheCallingThread) {
   const auto caller = std::this_thread::get_id();
   const auto expect_caller = [&] { EXPECT_EQ(std::this_thread::get_id(), caller); };
-  work_in_order({20, 4, {}},
-                {[](std::size_t) { return Answer{}; }, [&](const Answer&) { expect_caller(); },
-                 [&](std::size_t) { expect_caller(); }});
+  work_in_order({20, 4, {}}, {[](std::size_t) { return Answer{}; },
+                              [&](std::size_t, const Answer&) {
+                                expect_caller();
+                                return true;
+                              },
+                              [&](std::size_t) { expect_caller(); }});
 }
 
 TEST(WorkInOrder, WorksOneByOneInOrderOnTasksThatShare) {
@@ -163,7 +171,7 @@ TEST(WorkInOrder, WorksOneByOneInOrderOnTasksThatShare) {
   }
 }
 
-// A task that shares waits for a gate that one without opens.
+// A task that shares something waits for a gate that a task of the threads opens.
 TEST(WorkInOrder, DoesNotLetTasksThatShareKeepTheOthersWaiting) {
   Gate gate;
   const auto work = [&](std::size_t task) {
@@ -181,7 +189,10 @@ TEST(WorkInOrder, ThrowsWhatATaskThrewOnceItsTurnHasCome) {
                                if (task == 6) throw std::range_error("task 6");
                                return Answer{std::to_string(task), std::nullopt};
                              },
-                             [&](const Answer& answer) { texts.push_back(answer.text); },
+                             [&](std::size_t, const Answer& answer) {
+                               texts.push_back(answer.text);
+                               return true;
+                             },
                              do_nothing};
     EXPECT_THROW(work_in_order({50, threads, {3, 5, 20}}, steps), std::domain_error) << threads;
     EXPECT_EQ(texts, texts_up_to(5)) << threads;
@@ -189,25 +200,104 @@ TEST(WorkInOrder, ThrowsWhatATaskThrewOnceItsTurnHasCome) {
 }
 
 TEST(WorkInOrder, EndsWhenAnAnswerCannotBeDelivered) {
-  const WorkSteps steps = {[](std::size_t) { return Answer{}; },
-                           [](const Answer&) { throw std::domain_error("lost"); }, do_nothing};
+  const WorkSteps steps = {
+      [](std::size_t) { return Answer{}; },
+      [](std::size_t, const Answer&) -> bool { throw std::domain_error("lost"); }, do_nothing};
   EXPECT_THROW(work_in_order({1000, 4, {}}, steps), std::domain_error);
+}
+
+// Each answer is delivered before the task that comes kMostAhead after it is begun.
+TEST(WorkInOrder, WorksNoFurtherAheadThanItMay) {
+  std::atomic<std::size_t> delivered = 0;
+  for (const std::size_t threads : {1U, 2U, 8U}) {
+    delivered = 0;
+    const auto work = [&](std::size_t task) {
+      EXPECT_LT(task, delivered + kMostAhead);
+      return Answer{std::to_string(task), std::nullopt};
+    };
+    const auto deliver = [&](std::size_t task, const Answer& answer) {
+      EXPECT_EQ(answer.text, std::to_string(task));
+      EXPECT_EQ(task, delivered++);
+      return true;
+    };
+    work_in_order({500, threads, {7, 100, 101}}, {work, deliver, do_nothing});
+    EXPECT_EQ(delivered, 500U);
+  }
+}
+
+// The first is finished only when no thread may begin anything else.
+TEST(WorkInOrder, HoldsNoMoreTextThanItMay) {
+  constexpr std::size_t kSize = kMostWaitingBytes / 4;
+  std::mutex mutex;
+  std::size_t waiting = 0;
+  std::size_t most = 0;
+  const auto work = [&](std::size_t task) {
+    if (task == 0) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const std::lock_guard<std::mutex> lock(mutex);
+    most = std::max(most, waiting += kSize);
+    return Answer{std::string(kSize, 'x'), std::nullopt};
+  };
+  const auto deliver = [&](std::size_t, const Answer& answer) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    waiting -= answer.text.size();
+    return true;
+  };
+  work_in_order({60, 3, {}}, {work, deliver, do_nothing});
+  EXPECT_EQ(waiting, 0U);
+  EXPECT_GE(most, kMostWaitingBytes);
+  EXPECT_LE(most, kMostWaitingBytes + 3 * kSize);
+}
+
+// Task 9 waits until task 0 has been delivered.
+TEST(WorkInOrder, DeliversWhileOthersAreUnderWay) {
+  for (const std::size_t threads : {1U, 2U, 8U}) {
+    Gate first_delivered;
+    std::vector<std::string> texts;
+    const auto work = [&](std::size_t task) {
+      if (task == 9) first_delivered.wait();
+      return Answer{std::to_string(task), std::nullopt};
+    };
+    const auto deliver = [&](std::size_t task, const Answer& answer) {
+      if (task == 0) first_delivered.open();
+      texts.push_back(answer.text);
+      return true;
+    };
+    work_in_order({10, threads, {}}, {work, deliver, do_nothing});
+    EXPECT_EQ(texts, texts_up_to(10));
+  }
+}
+
+TEST(WorkInOrder, BeginsNothingMoreWhenTold) {
+  for (const std::size_t threads : {1U, 2U, 8U}) {
+    std::atomic<std::size_t> begun = 0;
+    std::size_t delivered = 0;
+    const auto work = [&](std::size_t) {
+      ++begun;
+      return Answer{};
+    };
+    work_in_order({1000, threads, {}},
+                  {work, [&](std::size_t, const Answer&) { return ++delivered < 3; }, do_nothing});
+    EXPECT_EQ(delivered, 3U);
+    EXPECT_LE(begun, 3 + kMostAhead);
+  }
 }
 
 TEST(WorkInOrder, PassesTextAndProblemOn) {
   std::vector<std::string> problems;
-  work_in_order({2, 2, {}},
-                {[](std::size_t task) {
-                   return Answer{"", "problem " + std::to_string(task)};
-                 },
-                 [&](const Answer& answer) { problems.push_back(answer.problem.value_or("none")); },
-                 do_nothing});
+  work_in_order({2, 2, {}}, {[](std::size_t task) {
+                               return Answer{"", "problem " + std::to_string(task)};
+                             },
+                             [&](std::size_t, const Answer& answer) {
+                               problems.push_back(answer.problem.value_or("none"));
+                               return true;
+                             },
+                             do_nothing});
   EXPECT_EQ(problems, (std::vector<std::string>{"problem 0", "problem 1"}));
 }
 
 // --- memory that runs out ------------------------------------------------------------------------
 
-enum class Told { as_problem, as_exception };
+enum class Told { by_answer, by_exception };
 
 struct LackCase {
   const char* rule;
@@ -216,11 +306,11 @@ struct LackCase {
 std::ostream& operator<<(std::ostream& out, const LackCase& row) { return out << row.rule; }
 
 const LackCase kLackCases[] = {
-    {"Problem", Told::as_problem},
-    {"Exception", Told::as_exception},
+    {"Answer", Told::by_answer},
+    {"Exception", Told::by_exception},
 };
 
-// Tasks of which some lack memory at their first tries. The first four meet, so that none of them
+// Some tasks lack memory at their first tries. The first four wait for each other, so none of them
 // is alone.
 class WorkThatLacksMemory : public testing::TestWithParam<LackCase> {
  protected:
@@ -234,8 +324,11 @@ class WorkThatLacksMemory : public testing::TestWithParam<LackCase> {
     answers_.clear();
     finished_.clear();
     work_in_order(plan, {[&](std::size_t task) { return work(task, plan.num_threads); },
-                         [&](const Answer& answer) {
-                           answers_.push_back(answer.problem.value_or(answer.text));
+                         [&](std::size_t delivered, const Answer& answer) {
+                           answers_.push_back(answer.lacked_memory
+                                                  ? "no memory for " + std::to_string(delivered)
+                                                  : answer.text);
+                           return true;
                          },
                          [&](std::size_t count) { finished_.push_back(count); }});
     EXPECT_TRUE(std::is_sorted(finished_.begin(), finished_.end()));
@@ -254,8 +347,8 @@ class WorkThatLacksMemory : public testing::TestWithParam<LackCase> {
     const bool is_caller = std::this_thread::get_id() == caller_;
     EXPECT_TRUE(is_caller || tries_[task] == 0);
     if (++tries_[task] > lacks_[task]) return {std::to_string(task), std::nullopt};
-    if (GetParam().told == Told::as_exception) throw std::bad_alloc();
-    return {"", "no memory for " + std::to_string(task), true};
+    if (GetParam().told == Told::by_exception) throw std::bad_alloc();
+    return {"", std::nullopt, true};
   }
 
   const std::thread::id caller_ = std::this_thread::get_id();
@@ -273,43 +366,23 @@ TEST_P(WorkThatLacksMemory, IsDoneAgainAlone) {
   EXPECT_EQ(tries(), (Numbers{2, 1, 2, 2, 1, 1, 1, 1, 1, 1, 1, 2}));
 }
 
-// What was finished before its time is held by nobody at the third try.
-TEST_P(WorkThatLacksMemory, IsDoneAThirdTimeWithoutTheAnswersBehind) {
-  lack_memory({0, 2, 0, 0, 0});
-  EXPECT_EQ(answers_of({5, 4, {}}), texts_up_to(5));
-  EXPECT_EQ(tries(), (Numbers{1, 3, 2, 2, 2}));
-}
-
-// Neither is there an answer behind the last task, nor are there any once they are forgotten.
-TEST_P(WorkThatLacksMemory, IsNotDoneAgainWhereNothingElseIsHeld) {
-  if (GetParam().told == Told::as_exception) {
-    lack_memory({0, 0, 0, 2});
-    EXPECT_THROW(answers_of({4, 4, {}}), std::bad_alloc);
-    EXPECT_EQ(answers(), texts_up_to(3));
-    return;
-  }
-  lack_memory({3, 0, 2, 2});
-  EXPECT_EQ(
-      answers_of({4, 4, {}}),
-      (std::vector<std::string>{"no memory for 0", "1", "no memory for 2", "no memory for 3"}));
-  EXPECT_EQ(tries(), (Numbers{3, 2, 2, 2}));
+TEST_P(WorkThatLacksMemory, IsGivenUpWhenItLacksMemoryAlone) {
+  lack_memory({2, 0, 2, 0});
+  EXPECT_EQ(answers_of({4, 4, {}}),
+            (std::vector<std::string>{"no memory for 0", "1", "no memory for 2", "3"}));
+  EXPECT_EQ(tries(), (Numbers{2, 1, 2, 1}));
 }
 
 TEST_P(WorkThatLacksMemory, IsDoneOnceByOneThread) {
   lack_memory({0, 0, 1});
-  if (GetParam().told == Told::as_exception) {
-    EXPECT_THROW(answers_of({5, 1, {}}), std::bad_alloc);
-    EXPECT_EQ(answers(), texts_up_to(2));
-  } else {
-    EXPECT_EQ(answers_of({5, 1, {}}),
-              (std::vector<std::string>{"0", "1", "no memory for 2", "3", "4"}));
-  }
+  EXPECT_EQ(answers_of({5, 1, {}}),
+            (std::vector<std::string>{"0", "1", "no memory for 2", "3", "4"}));
   EXPECT_EQ(tries()[2], 1U);
 }
 INSTANTIATE_TEST_SUITE_P(Table, WorkThatLacksMemory, testing::ValuesIn(kLackCases),
                          testing_support::ByRule());
 
-// A pipe cannot be read a second time, so it is read when it has all the memory.
+// A pipe cannot be read a second time, so it is read while no other task takes memory.
 TEST(WorkInOrder, WorksOnceAndAloneOnTasksThatShare) {
   std::atomic<int> under_way = 0;
   std::atomic<int> tries = 0;
@@ -323,11 +396,14 @@ TEST(WorkInOrder, WorksOnceAndAloneOnTasksThatShare) {
     }
     std::this_thread::yield();
     --under_way;
-    return Answer{"", is_shared ? "no memory" : "none", is_shared};
+    return Answer{"", std::nullopt, is_shared};
   };
-  work_in_order(
-      {40, 4, {1, 2}},
-      {work, [&](const Answer& answer) { problems.push_back(*answer.problem); }, do_nothing});
+  work_in_order({40, 4, {1, 2}}, {work,
+                                  [&](std::size_t, const Answer& answer) {
+                                    problems.push_back(answer.lacked_memory ? "no memory" : "none");
+                                    return true;
+                                  },
+                                  do_nothing});
   EXPECT_EQ(tries, 2);
   std::vector<std::string> expected(40, "none");
   expected[1] = expected[2] = "no memory";
@@ -340,24 +416,30 @@ struct ThreadCase {
   const char* rule;
   std::size_t num_jobs;
   std::size_t num_files;
-  std::size_t num_descriptors;
+  ProcessLimits limits;
   std::size_t num_threads;
 };
 std::ostream& operator<<(std::ostream& out, const ThreadCase& row) { return out << row.rule; }
 
+constexpr std::size_t kAnyMemory = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t kMegabyte = 1'048'576;
+
 const ThreadCase kThreadCases[] = {
-    {"OneForEachJob", 8, 300, 1024, 8},
-    {"NoMoreThanFiles", 8, 3, 1024, 3},
-    {"NoMoreThanHalfOfTheDescriptors", 256, 300, 40, 20},
-    {"HalfIsRoundedDown", 256, 300, 41, 20},
-    {"OneAtLeastWithoutDescriptors", 8, 300, 1, 1},
-    {"OneAtLeastWithoutFiles", 8, 0, 1024, 1},
+    {"OneForEachJob", 8, 300, {1024, kAnyMemory}, 8},
+    {"NoMoreThanFiles", 8, 3, {1024, kAnyMemory}, 3},
+    {"NoMoreThanHalfOfTheDescriptors", 256, 300, {40, kAnyMemory}, 20},
+    {"HalfIsRoundedDown", 256, 300, {41, kAnyMemory}, 20},
+    {"OneForEachHalfGigabyte", 8, 300, {1024, 1536 * kMegabyte}, 3},
+    {"HalfGigabytesAreRoundedDown", 8, 300, {1024, 1536 * kMegabyte - 1}, 2},
+    {"OneAtLeastWithoutMemory", 8, 300, {1024, 0}, 1},
+    {"OneAtLeastWithoutDescriptors", 8, 300, {1, kAnyMemory}, 1},
+    {"OneAtLeastWithoutFiles", 8, 0, {1024, kAnyMemory}, 1},
 };
 
 class ThreadCount : public testing::TestWithParam<ThreadCase> {};
 TEST_P(ThreadCount, IsTheLeastOfTheLimits) {
   const ThreadCase& row = GetParam();
-  EXPECT_EQ(thread_count(row.num_jobs, row.num_files, row.num_descriptors), row.num_threads);
+  EXPECT_EQ(thread_count(row.num_jobs, row.num_files, row.limits), row.num_threads);
 }
 INSTANTIATE_TEST_SUITE_P(Table, ThreadCount, testing::ValuesIn(kThreadCases),
                          testing_support::ByRule());

@@ -15,7 +15,7 @@ namespace {
 using std::chrono::milliseconds;
 using testing_support::ByRule;
 
-// A terminal that keeps what it was sent, and a clock that stands until it is set on.
+// A terminal that records what it is sent, and a clock that only the test moves.
 struct Desk {
   ProgressLine::Surroundings surroundings(bool is_terminal = true) {
     return {is_terminal, [this] { return time; },

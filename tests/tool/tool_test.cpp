@@ -1,4 +1,4 @@
-// The tool as a user meets it: what it prints, what it refuses, how it ends.
+// The tool as its users see it: what it prints, what it refuses, how it ends.
 #include <string>
 
 #include <gmock/gmock.h>
@@ -100,7 +100,7 @@ TEST_F(Tool, GoesOnAfterAFileThatFails) {
 struct RefusalCase {
   const char* rule;
   std::vector<std::string> arguments;
-  std::string message;  // part of what stands on standard error
+  std::string message;  // a part of standard error
 };
 std::ostream& operator<<(std::ostream& out, const RefusalCase& row) { return out << row.rule; }
 
@@ -118,6 +118,10 @@ const RefusalCase kRefusals[] = {
     {"LinesThatAreNoNumber", {"--lines", "many", kComma}, "--lines"},
     {"TooManyLines", {"--lines", "18446744073709551616", kComma}, "--lines"},
     {"UnknownOption", {"--frobnicate", kComma}, "--frobnicate"},
+    {"UnknownOptionAlone", {"--frobnicate"}, "--frobnicate"},
+    {"UnknownShortOption", {"-x", kComma}, "-x\n"},
+    {"UnknownShortOptionAlone", {"-x"}, "-x\n"},
+    {"UnknownShortOptions", {"-xyz"}, "-xyz\n"},
     {"ThreeCommentMarkers",
      {"--comment-style", "a", "--comment-style", "b", "--comment-style", "c", kComma},
      "--comment-style: Expected at most two comment markers."},
@@ -132,7 +136,7 @@ TEST_P(ToolRefusal, SaysWhatAndWhyAndPrintsNothing) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, ToolRefusal, testing::ValuesIn(kRefusals), ByRule());
 
-// The superuser reads everything, so the program is started as somebody else then.
+// The superuser can read everything, so the program runs as another user then.
 TEST_F(Tool, SaysWhenAFileIsNotReadable) {
   const std::string path = folder_.file("secret.csv", "1,2\n");
   ASSERT_EQ(chmod(path.c_str(), 0), 0);
@@ -164,7 +168,83 @@ TEST_F(Tool, PrintsNothingThatCommandsTheTerminal) {
   EXPECT_THAT(result.err, Not(HasSubstr("\x1B")));
 }
 
-// In JSON it is escaped, and the text is the same to whoever parses it.
+// Invisible characters could make two names look the same.
+TEST_F(Tool, PrintsNothingThatIsInvisible) {
+  const std::string hidden =
+      "\xE2\x80\x8B\xEF\xBB\xBF\xE2\x81\xA0\xE1\xA0\x8E\xC2\xAD\xE2\x81\xAA\xF3\xA0\x80\xA1";
+  const std::string table = "a" + hidden + ",b\n1,2\n3,4\n";
+  const CommandResult result = vltext({folder_.file("x" + hidden + ".csv", table)});
+  EXPECT_EQ(result.status, 0);
+  std::string replaced;
+  for (int i = 0; i < 7; ++i) replaced += "\xEF\xBF\xBD";
+  EXPECT_THAT(result.out, HasSubstr("x" + replaced + ".csv\n"));
+  EXPECT_THAT(result.out, HasSubstr("  a" + replaced + "\n"));
+}
+
+TEST_F(Tool, PrintsADelimiterOutsideTheBasicPlane) {
+  const std::string skull = "\xF0\x9F\x92\x80";
+  const std::string path = folder_.file("t", "1" + skull + "2\n3" + skull + "4\n");
+  const CommandResult result = vltext({"--delimiter", skull, path});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.out, HasSubstr("delimited by \"" + skull + "\"\n"));
+}
+
+TEST_F(Tool, SaysThatAFileLooksBinary) {
+  const std::string path = folder_.file("program",
+                                        "\x7F"
+                                        "ELF\x02\x01\x01\n\x05\x06,\x07\n");
+  EXPECT_THAT(vltext({path}).out, HasSubstr("\n  looks binary    "));
+  EXPECT_EQ(nlohmann::json::parse(vltext({"--json", path}).out)["files"][0]["looks_binary"], true);
+  EXPECT_THAT(vltext({"--json", kComma}).out, Not(HasSubstr("looks_binary")));
+}
+
+// --- long arguments --------------------------------------------------------------------------------
+
+struct EchoCase {
+  const char* rule;
+  std::vector<std::string> arguments;
+  std::string before;  // the echo
+};
+std::ostream& operator<<(std::ostream& out, const EchoCase& row) { return out << row.rule; }
+
+const std::string kLong(100'000, 'x');
+
+const EchoCase kEchoes[] = {
+    {"File", {kLong}, "cannot open '"},
+    {"UnknownOption", {"--" + kLong}, "not expected: --"},
+    {"UnknownOptions", {"-" + kLong, "--" + kLong, kComma}, "--"},
+    {"Lines", {"--lines", kLong, kComma}, "got '"},
+    {"Jobs", {"--jobs", kLong, kComma}, "got '"},
+    {"Encoding", {"--encoding", kLong, kComma}, "unknown encoding '"},
+    {"Locale", {"--date-locale", kLong, kComma}, "got '"},
+    {"OptionName", {"--option", kLong + "=1", kComma}, "vltext: "},
+    {"OptionWithoutValue", {"--option", kLong, kComma}, ""},
+    {"Json", {"--option", "Delimiter:=" + kLong, kComma}, "got '"},
+    {"Widths", {"--variable-widths", kLong, kComma}, ""},
+    {"Word", {"--parser-type", kLong, kComma}, ""},
+    {"Escape", {"--delimiter", "\\q" + kLong, kComma}, ""},
+};
+
+class ToolEcho : public testing::TestWithParam<EchoCase> {};
+TEST_P(ToolEcho, HasEightyCharactersAtMost) {
+  const CommandResult result = vltext(GetParam().arguments);
+  EXPECT_EQ(result.status, 2);
+  EXPECT_LT(result.err.size(), 600U);
+  EXPECT_THAT(result.err, Not(HasSubstr(std::string(81, 'x'))));
+  if (!GetParam().before.empty()) {
+    EXPECT_THAT(result.err, HasSubstr(GetParam().before + "xxxxxxxx"));
+    EXPECT_THAT(result.err, HasSubstr("xxxxxxxx..."));
+  }
+}
+INSTANTIATE_TEST_SUITE_P(Table, ToolEcho, testing::ValuesIn(kEchoes), ByRule());
+
+// So that a file can be found.
+TEST_F(Tool, RepeatsAPathThatMayBeOpenedAsAWhole) {
+  const std::string path = folder_.path_of(std::string(200, 'x'));
+  EXPECT_EQ(vltext({path}).err, "vltext: cannot open '" + path + "': No such file or directory\n");
+}
+
+// In JSON it is escaped, so a parser gets the same text.
 TEST_F(Tool, PrintsNothingThatCommandsTheTerminalAsJson) {
   const std::string path = folder_.file("red\x1B[31m\x7F.csv",
                                         "a\x1B]0;\x08!,c\xC2\x9B,\xE2\x80\xAE\xE2\x81\xA6"
@@ -182,7 +262,7 @@ TEST_F(Tool, PrintsNothingThatCommandsTheTerminalAsJson) {
                                                   "d\xC3\xA9"}));
 }
 
-// Halves of a pair look like bytes that are no text.
+// Each half of its pair of surrogates looks like a byte that is no UTF-8.
 TEST_F(Tool, PrintsAPathOfAllPlanesAsJson) {
   const std::string path = folder_.file("\xF0\x9F\x92\x80.csv", "1,2\n3,4\n");
   EXPECT_EQ(nlohmann::json::parse(vltext({"--json", path}).out)["files"][0]["file"], path);
@@ -243,7 +323,7 @@ TEST_P(ToolLostOutput, IsAFailure) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, ToolLostOutput, testing::ValuesIn(kLostOutputs), ByRule());
 
-// Names that the parser of the command line might take for something else.
+// Names that the command line parser might take for something else.
 struct FileNameCase {
   const char* rule;
   std::string name;
@@ -277,7 +357,7 @@ TEST_P(ToolFileName, IsTakenAsItStands) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, ToolFileName, testing::ValuesIn(kFileNames), ByRule());
 
-// Bytes that are no text of their encoding.
+// Bytes that are ill-formed in their encoding.
 struct IllFormedCase {
   const char* rule;
   std::string encoding;
@@ -321,7 +401,7 @@ TEST_F(Tool, TellsItsVersionAndItsOptions) {
   }
 }
 
-// Inputs that hold no table at all: an answer, no crash.
+// Inputs without any table get an answer, too.
 struct OddInput {
   const char* rule;
   std::string bytes;

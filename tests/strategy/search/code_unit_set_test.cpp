@@ -14,6 +14,12 @@ TEST(CodeUnitSet, ContainsItsCodeUnits) {
   EXPECT_FALSE(set.is_empty());
 }
 
+TEST(CodeUnitSet, HoldsCodeUnitsOnBothSidesOfAWord) {
+  const CodeUnitSet set(u"?@");  // U+003F and U+0040
+  EXPECT_TRUE(set.contains(u'?') && set.contains(u'@'));
+  EXPECT_FALSE(set.contains(u'>') || set.contains(u'A') || set.contains(u'\x7F'));
+}
+
 TEST(CodeUnitSet, IsEmptyWithoutCodeUnits) {
   const CodeUnitSet set;
   EXPECT_TRUE(set.is_empty());

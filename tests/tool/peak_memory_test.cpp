@@ -1,0 +1,128 @@
+// The memory that the tool holds, for the widest file and for many files; and what it does when there
+// is less.
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "support/command.hpp"
+#include "support/temp_folder.hpp"
+
+namespace textio {
+namespace {
+
+using testing_support::CommandResult;
+using testing_support::run_command;
+using testing_support::TempFolder;
+
+using Words = std::vector<std::string>;
+
+// Two lines of `width` delimiters.
+std::string file_of_width(const TempFolder& folder, std::size_t width) {
+  const std::string line(width, ';');
+  return folder.file("wide", line + '\n' + line + '\n');
+}
+
+// In megabytes. What it prints is thrown away, so that this process stays small.
+std::size_t peak_of(const Words& arguments) {
+  Words script = {"-c", "exec \"$0\" \"$@\" > /dev/null", VLTEXT_PROGRAM};
+  script.insert(script.end(), arguments.begin(), arguments.end());
+  const CommandResult result = run_command("/bin/sh", script);
+  EXPECT_EQ(result.status, 0) << result.err;
+  return result.peak_kilobytes / 1024;
+}
+
+Words repeated(const std::string& file, std::size_t count, Words before) {
+  before.insert(before.end(), count, file);
+  return before;
+}
+
+TEST(ToolPeak, OfTheWidestFileIsBounded) {
+  const TempFolder folder;
+  const std::string file = file_of_width(folder, 2'000'000);
+  EXPECT_LE(peak_of({file}), 200U);
+  EXPECT_LE(peak_of({"--json", file}), 200U);
+  EXPECT_LE(peak_of({"--json", "--explain", file}), 200U);
+}
+
+// Every second line is blank, so the JSON names each line: 370 MB.
+TEST(ToolPeak, OfTheLongestAnswerIsBounded) {
+  const TempFolder folder;
+  std::string text;
+  for (std::size_t i = 0; i < 1'398'000; ++i) text += "1\n\n";
+  EXPECT_LE(peak_of({"--json", "--lines", "4000000", folder.file("t", text)}), 400U);
+}
+
+// The JSON of all of them is 136 MB.
+TEST(ToolPeak, DoesNotGrowWithTheNumberOfWideFiles) {
+  const TempFolder folder;
+  const std::string file = file_of_width(folder, 200'000);
+  for (const char* jobs : {"1", "4"}) {
+    const std::size_t peak_of_8 = peak_of(repeated(file, 8, {"--json", "--jobs", jobs}));
+    EXPECT_LE(peak_of(repeated(file, 40, {"--json", "--jobs", jobs})), peak_of_8 + 32) << jobs;
+  }
+}
+
+// The JSON of all of them is 40 MB.
+TEST(ToolPeak, DoesNotGrowWithTheNumberOfSmallFiles) {
+  const TempFolder folder;
+  const std::string file = folder.file("t", "a,b,c\n1,2,3\n4,5,6\n");
+  for (const char* jobs : {"1", "4"}) {
+    EXPECT_LE(peak_of(repeated(file, 20'000, {"--json", "--jobs", jobs})), 40U) << jobs;
+  }
+}
+
+// --- the program under a limit -------------------------------------------------------------------
+
+// One file of 200,000 columns among small ones, in a limited address space.
+class LimitedTool {
+ public:
+  LimitedTool() {
+    std::string line = "1";
+    for (std::size_t i = 0; i < 200'000; ++i) line += ",1";
+    wide_ = folder_.file("wide", line + '\n' + line + '\n');
+    before_ = folder_.file("before", "a,b\n1,2\n");
+    after_ = folder_.file("after", "a;b\n1;2\n");
+  }
+
+  CommandResult run(std::size_t megabytes, const Words& options) const {
+    Words script = {"-c", "ulimit -v \"$0\" && exec \"$@\"", std::to_string(megabytes * 1024),
+                    VLTEXT_PROGRAM};
+    script.insert(script.end(), options.begin(), options.end());
+    script.insert(script.end(), {before_, wide_, after_});
+    return run_command("/bin/sh", script);
+  }
+
+  const std::string& wide() const { return wide_; }
+
+ private:
+  const TempFolder folder_;
+  std::string wide_;
+  std::string before_;
+  std::string after_;
+};
+
+// All of these limits let the program start and read a small file; the lowest do not let it read the
+// wide one.
+TEST(ToolUnderALimit, AnswersTheOtherFiles) {
+  const LimitedTool tool;
+  std::size_t num_refused = 0;
+  for (const char* jobs : {"1", "4"}) {
+    for (std::size_t megabytes = 48; megabytes <= 112; megabytes += 2) {
+      SCOPED_TRACE(megabytes);
+      const CommandResult result = tool.run(megabytes, {"--json", "--jobs", jobs});
+      if (result.status == 0) continue;
+      ++num_refused;
+      EXPECT_EQ(result.status, 2);
+      EXPECT_EQ(result.err, "vltext: cannot read '" + tool.wide() + "': Cannot allocate memory\n");
+      ASSERT_TRUE(nlohmann::json::accept(result.out)) << result.out;
+      EXPECT_EQ(nlohmann::json::parse(result.out)["files"].size(), 2U);
+    }
+  }
+  EXPECT_GT(num_refused, 0U);
+}
+
+}  // namespace
+}  // namespace textio

@@ -1,0 +1,276 @@
+// What is written for a lack of memory needs none: the words are constant, and the name of the file
+// is written character by character.
+#include "tool/answers.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <exception>
+#include <limits>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <vltextstream/layout/detect_layout.hpp>
+
+#include "tool/json_report.hpp"
+#include "tool/progress_line.hpp"
+#include "tool/report.hpp"
+#include "tool/safe_text.hpp"
+
+namespace textio::tool {
+namespace {
+
+using standalone::Layout;
+
+constexpr std::size_t kMostJobs = 256;
+constexpr std::size_t kLargeLayout = 262'144;  // bytes
+constexpr std::size_t kLongestPath = 4096;     // bytes; the system opens no longer one
+
+// ---------------------------------------------------------------------------------------------
+// Messages
+
+// Writes "vltext: " and the message; what cannot be written there is lost.
+void complain(std::string_view message, std::FILE* err) noexcept {
+  std::fputs("vltext: ", err);
+  write_printable(message, err);
+  std::fputc('\n', err);
+}
+
+void complain_of_memory(std::string_view file, std::FILE* err) noexcept {
+  std::fputs("vltext: cannot read '", err);
+  write_printable(file.substr(0, kLongestPath), err);
+  std::fprintf(err, "': %s\n", std::strerror(ENOMEM));
+}
+
+void complain_of_output(const Streams& streams, int error) noexcept {
+  std::fprintf(streams.err, "vltext: standard output: %s\n", std::strerror(error));
+}
+
+// Writes two texts. Returns whether all of them was written.
+bool write_out(std::string_view first, std::string_view second, const Streams& streams) noexcept {
+  errno = 0;
+  const auto is_written = [&](std::string_view text) {
+    return std::fwrite(text.data(), 1, text.size(), streams.out) == text.size();
+  };
+  if (is_written(first) && is_written(second) && std::fflush(streams.out) == 0) return true;
+  complain_of_output(streams, errno);
+  return false;
+}
+
+int print(std::string_view text, const Streams& streams) noexcept {
+  return write_out(text, "", streams) ? kSucceeded : kFailed;
+}
+
+// A path that can be opened is repeated as a whole, so that it can be found.
+std::string problem_with(const std::string& file, const Arguments& arguments, const char* message) {
+  std::vector<std::string> typed;
+  if (file.size() > kLongestPath) typed.push_back(file);
+  if (arguments.settings.encoding) typed.push_back(*arguments.settings.encoding);
+  return with_short_echoes(message, typed);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Writing the answers
+
+class AnswerWriter {
+ public:
+  AnswerWriter(const Arguments& arguments, const Streams& streams, ProgressLine& progress)
+      : arguments_(arguments), streams_(streams), progress_(progress) {}
+
+  // Returns whether to go on: not when standard output is lost.
+  bool write(std::size_t index, const Answer& answer) {
+    const std::string& file = arguments_.files[index];
+    if (answer.lacked_memory) return report_lack_of_memory(file);
+    if (answer.problem) return report_problem(*answer.problem);
+    try {
+      return answer.layout ? write_layout(file, *answer.layout) : write_text(answer.text);
+    } catch (const std::bad_alloc&) {
+      return report_lack_of_memory(file);
+    }
+  }
+
+  // The end of the document, if it was begun. Returns the exit status.
+  int finish() {
+    progress_.clear();
+    const bool is_complete = !arguments_.json || !has_text_ || is_output_lost_;
+    if (!is_complete) keep(write_out(kJsonClosing, "", streams_));
+    return status_;
+  }
+
+ private:
+  bool report_problem(std::string_view problem) {
+    progress_.clear();
+    complain(problem, streams_.err);
+    status_ = kFailed;
+    return true;
+  }
+
+  bool report_lack_of_memory(std::string_view file) {
+    progress_.clear();
+    complain_of_memory(file, streams_.err);
+    status_ = kFailed;
+    return true;
+  }
+
+  // A part that is not written is lost, and so are those after it.
+  bool write_layout(const std::string& file, const Layout& layout) {
+    bool is_begun = false;
+    bool is_written = true;
+    write_json_member(file, layout, [&](std::string& part) {
+      if (is_written)
+        is_written = is_begun ? keep(write_out(part, "", streams_)) : write_text(part);
+      is_begun = true;
+      part.clear();
+    });
+    return is_written;
+  }
+
+  // The opening of the document is written with its first file.
+  bool write_text(std::string_view text) {
+    const std::string opening = arguments_.json && !has_text_
+                                    ? json_opening(arguments_.settings, arguments_.given)
+                                    : std::string();
+    const bool is_separated = arguments_.json && has_text_;
+    has_text_ = true;
+    return keep(
+        write_out(is_separated ? kJsonSeparator : std::string_view(opening), text, streams_));
+  }
+
+  // Takes note of whether it was written.
+  bool keep(bool is_written) {
+    if (!is_written) {
+      is_output_lost_ = true;
+      status_ = kFailed;
+    }
+    return is_written;
+  }
+
+  const Arguments& arguments_;
+  const Streams& streams_;
+  ProgressLine& progress_;
+  int status_ = kSucceeded;
+  bool has_text_ = false;
+  bool is_output_lost_ = false;
+};
+
+// ---------------------------------------------------------------------------------------------
+// The plan of the work
+
+// Two paths may lead to the same pipe or the like, and the first to read it uses it up. "-" is
+// whatever standard input is.
+bool may_be_used_up(const std::string& file) {
+  struct stat about = {};
+  return file == "-" || (stat(file.c_str(), &about) == 0 && !S_ISREG(about.st_mode));
+}
+
+std::size_t limit_of(decltype(RLIMIT_AS) resource) {
+  rlimit limit = {};
+  const bool is_limited = getrlimit(resource, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+  return is_limited ? limit.rlim_cur : std::numeric_limits<std::size_t>::max();
+}
+
+std::size_t threads_for(const Arguments& arguments) {
+  const std::size_t jobs = arguments.num_jobs.value_or(std::min(available_processors(), kMostJobs));
+  return thread_count(
+      jobs, arguments.files.size(),
+      {limit_of(RLIMIT_NOFILE), std::min(limit_of(RLIMIT_AS), limit_of(RLIMIT_DATA))});
+}
+
+// One thread needs no list.
+WorkPlan plan_of(const Arguments& arguments) {
+  const std::size_t num_files = arguments.files.size();
+  WorkPlan plan = {num_files, threads_for(arguments), {}};
+  if (plan.num_threads == 1) return plan;
+  try {
+    for (std::size_t i = 0; i < num_files; ++i) {
+      if (may_be_used_up(arguments.files[i])) plan.one_by_one.push_back(i);
+    }
+  } catch (const std::bad_alloc&) {
+    return {num_files, 1, {}};
+  }
+  return plan;
+}
+
+bool is_terminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
+
+// On a terminal that shows the answers, they show how far the work is.
+bool wants_progress(const Arguments& arguments, const Streams& streams) {
+  return !arguments.no_progress && is_terminal(streams.err) && !is_terminal(streams.out);
+}
+
+// The memory of what grows with the file.
+std::size_t size_of(const Layout& layout) {
+  return layout.lines.size() * sizeof(standalone::LineRun) +
+         layout.classes.size() * sizeof(DatatypeCode) +
+         (layout.names.size() + layout.units.size()) * sizeof(std::u16string);
+}
+
+// As text, or as the layout if that takes less memory: each line of the JSON takes some dozen bytes.
+Answer json_answer(const std::string& file, Layout layout) {
+  const std::size_t size = size_of(layout);
+  if (size < kLargeLayout) return {json_member(file, layout), std::nullopt};
+  return {{}, std::nullopt, false, std::make_shared<const Layout>(std::move(layout)), size};
+}
+
+Answer try_to_answer(const std::string& file, const Arguments& arguments) {
+  try {
+    Layout layout = standalone::detect_layout(file, arguments.settings);
+    if (arguments.json) return json_answer(file, std::move(layout));
+    return {report(file, layout, arguments.given), std::nullopt};
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& error) {
+    return {{}, problem_with(file, arguments, error.what())};
+  }
+}
+
+}  // namespace
+
+Answer answer_for(const std::string& file, const Arguments& arguments) {
+  try {
+    return try_to_answer(file, arguments);
+  } catch (const std::bad_alloc&) {
+    return {{}, std::nullopt, true, nullptr};
+  }
+}
+
+int answer_files(const Arguments& arguments, const Streams& streams) {
+  const auto write_progress = [&](std::string_view line) {
+    std::fwrite(line.data(), 1, line.size(), streams.err);
+    std::fflush(streams.err);
+  };
+  ProgressLine progress(arguments.files.size(), {wants_progress(arguments, streams),
+                                                 std::chrono::steady_clock::now, write_progress});
+  AnswerWriter writer(arguments, streams, progress);
+  const auto answer = [&](std::size_t i) { return answer_for(arguments.files[i], arguments); };
+  const auto write = [&](std::size_t i, const Answer& text) { return writer.write(i, text); };
+  work_in_order(plan_of(arguments),
+                {answer, write, [&](std::size_t done) { progress.show(done); }});
+  return writer.finish();
+}
+
+int run_tool(int argc, const char* const* argv, const Streams& streams) {
+  try {
+    return answer_files(parse_command_line(argc, argv), streams);
+  } catch (const TextWanted& text) {
+    return print(text.what(), streams);
+  } catch (const UsageError& error) {
+    complain(error.what(), streams.err);
+    std::fputs("Try 'vltext --help' for more information.\n", streams.err);
+  } catch (const std::bad_alloc&) {
+    complain(std::strerror(ENOMEM), streams.err);
+  } catch (const std::exception& error) {
+    complain(error.what(), streams.err);
+  }
+  return kFailed;
+}
+
+}  // namespace textio::tool

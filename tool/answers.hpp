@@ -1,0 +1,37 @@
+// The main job of the tool: the layouts of files, printed in the order of the command line.
+//
+//   return answer_files(parse_command_line(argc, argv), {stdout, stderr});
+//
+// An answer is written as soon as those before it are. A file that fails is reported on standard
+// error and does not stop the others. Nothing is written to standard output when all of them fail.
+//
+// Errors  none. A lack of memory is reported as the fault of the file that it concerns.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "tool/command_line.hpp"
+#include "tool/ordered_work.hpp"
+
+namespace textio::tool {
+
+struct Streams {
+  std::FILE* out;
+  std::FILE* err;
+};
+
+inline constexpr int kSucceeded = 0;
+inline constexpr int kFailed = 2;
+
+// What is printed about a file.
+Answer answer_for(const std::string& file, const Arguments& arguments);
+
+// The exit status: kFailed when a file could not be read or standard output not be written.
+int answer_files(const Arguments& arguments, const Streams& streams);
+
+// All that the program does.
+int run_tool(int argc, const char* const* argv, const Streams& streams);
+
+}  // namespace textio::tool

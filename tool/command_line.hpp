@@ -1,0 +1,54 @@
+// The command line of vltext.
+//
+//   const Arguments arguments = parse_command_line(argc, argv);
+//   arguments.files;                    // {"gauge.csv"}
+//   arguments.settings.num_lines;       // of --lines
+//
+// Errors  TextWanted for --help and --version; UsageError and BadArgument for what is wrong. Their
+//         messages are one sentence, and repeat at most kLongestEcho characters of an argument.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <vltextstream/layout/detect_layout.hpp>
+
+#include "tool/option_flags.hpp"
+
+namespace textio::tool {
+
+struct Arguments {
+  std::vector<std::string> files;  // at least one
+  std::vector<GivenOption> given;
+  standalone::DetectSettings settings;
+  std::optional<std::size_t> num_jobs;
+  bool json = false;
+  bool explain = false;
+  bool no_progress = false;
+};
+
+// The command line asks for a text, what(), and nothing else.
+class TextWanted : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The command line cannot be understood.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The value of an option is wrong.
+class BadArgument : public std::runtime_error {
+ public:
+  BadArgument(const std::string& flag, const std::string& expected)
+      : std::runtime_error(flag + ": " + expected) {}
+};
+
+Arguments parse_command_line(int argc, const char* const* argv);
+
+}  // namespace textio::tool
