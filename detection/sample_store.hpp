@@ -62,7 +62,7 @@ class SampleStore {
   const std::u16string& blank_units() const { return blank_units_; }
 
   // Keeps the sample of a scored candidate, or drops it if there is no room.
-  void put_away(Candidate& candidate);
+  void keep_or_drop(Candidate& candidate);
 
   // Draws the sample again if it was dropped.
   void restore(Candidate& candidate);
