@@ -6,7 +6,7 @@
                                                it into DOCUMENT
 
 RESULTS is a folder with a file *.json for each run of a program. The median of the repetitions
-counts; the minimum is shown beside it, for disturbances only make a run longer. For the steps,
+counts; the minimum is shown beside it, because disturbances only make a run longer. For the steps,
 RESULTS has such a folder for each commit, and rows.tsv, which names the commits in order. CACHE is
 the CMakeCache.txt of the build of the programs. Each table is between markers of its own; the rest
 of a document does not change.

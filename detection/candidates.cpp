@@ -219,14 +219,15 @@ class CandidateBuilder {
     keep(std::move(candidate));
   }
 
-  // The lines that the line reader takes for blank are the same lines, and blank, to a strategy whose
-  // delimiter is not among them, if no quote is.
+  // The blank lines of the line reader are the same lines for a strategy, and blank, if they
+  // contain neither its delimiter nor a quote.
   bool shares_blank_lines(char16_t delimiter) const {
     const std::u16string& units = samples_.blank_units();
     return !contains(units, delimiter) && !contains(units, u'"');
   }
 
-  // To the aligned reading, a line of blanks is empty. No line ending may be taken for blanks.
+  // For the aligned candidate, a line of blanks is empty. The blanks must not include a line
+  // ending.
   bool aligned_shares_blank_lines() const {
     const auto& endings = input_.options.line_endings;
     const auto ends_lines = [&endings](char16_t unit) {

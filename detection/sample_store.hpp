@@ -61,7 +61,7 @@ class SampleStore {
   // The distinct code units of the remembered blank lines and their line endings.
   const std::u16string& blank_units() const { return blank_units_; }
 
-  // Keeps the sample of a valued candidate where it is, or drops it if there is no room.
+  // Keeps the sample of a scored candidate, or drops it if there is no room.
   void keep_or_drop(Candidate& candidate);
 
   // Draws the sample again if it was dropped.

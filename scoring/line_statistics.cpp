@@ -28,7 +28,7 @@ void for_each_run(const LineCounts& counts, std::size_t first, Visit visit) {
   }
 }
 
-// Of ragged lines, most runs have one.
+// If lines are ragged, most runs have a single line.
 void append(std::vector<std::size_t>& list, std::size_t count, std::size_t value) {
   if (count == 1) {
     list.push_back(value);
@@ -37,7 +37,7 @@ void append(std::vector<std::size_t>& list, std::size_t count, std::size_t value
   }
 }
 
-// The number of runs up to and including the last one with `fields` fields, 0 if there is none.
+// The number of runs up to and including the last one with `fields` fields; 0 if there is none.
 std::size_t runs_to_last(const LineCounts& counts, std::size_t fields) {
   std::size_t k = counts.runs().size();
   while (k > 0 && counts.runs()[k - 1].fields != fields) --k;

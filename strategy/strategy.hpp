@@ -177,10 +177,10 @@ class VLTEXTSTREAM_EXPORT Strategy {
   // What the last populate_fields() found out about its text.
   const Sample& sample() const { return sample_; }
 
-  // The runs of the sample, which has none from now on: there may be millions.
+  // Moves the runs out of the sample, which may have millions of them.
   std::vector<SampleRun> take_sample_runs() { return std::exchange(sample_.runs, {}); }
 
-  // How the fields are separated. Of a strategy from outside the library, the mode alone.
+  // How the fields are separated. For a strategy from outside the library, only the mode.
   Dialect dialect() const;
 
   // --- for the library itself; not exported ------------------------------------------------------

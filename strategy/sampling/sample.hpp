@@ -17,22 +17,22 @@
 
 namespace textio {
 
-// What a line turns out to be when it is sampled. Blank lines are kept as empty fields, comments are
-// left out.
+// The kind of a line, found by sampling. Blank lines are kept as empty fields; comments are left
+// out.
 enum class SampleLineKind : std::uint32_t { text, blank, comment };
 
-// Lines of one kind, directly after one another. There may be millions of these.
+// Consecutive lines of one kind. A sample may have millions of runs.
 struct VLTEXTSTREAM_EXPORT SampleRun {
   SampleLineKind kind = SampleLineKind::text;
 
-  // How many lines these are; more than fit are another run.
+  // The number of lines in the run. Lines beyond the largest number start another run.
   std::uint32_t num_lines = 0;
 
-  // The number of sampled lines before them, and of text lines among these.
+  // The number of sampled lines before the run, and of the text lines among them.
   std::size_t first_line = 0;
   std::size_t first_text = 0;
 
-  // Where the first of them starts.
+  // The start of the run's first line.
   std::size_t begin = 0;
 };
 

@@ -47,7 +47,7 @@ SampleLineKind kind_of(const Field& line, const LineTest& test) {
 constexpr std::size_t kUsualRuns = 16;
 constexpr std::size_t kUsualCounts = 128;
 
-// What was expected or doubled may be far more than is kept. Room for `enough` is kept anyway.
+// A list may have room for far more than it keeps. Room for `enough` entries is kept in any case.
 template <typename Entry>
 void give_back_room(std::vector<Entry>& list, std::size_t enough) {
   if (list.capacity() > enough && list.capacity() / 2 > list.size()) list.shrink_to_fit();

@@ -56,7 +56,7 @@ struct LineTest {
   const std::vector<std::u16string>& comment_style;
 };
 
-// Blank lines directly after one another, and where the line after the last one starts.
+// Consecutive blank lines, and the start of the line after the last of them.
 struct BlankRun {
   std::size_t begin;
   std::size_t end;
@@ -73,13 +73,13 @@ struct SampleLimits {
   std::size_t num_lines = kNoLimit;
   std::size_t likely_lines = 16'384;
 
-  // Runs of blank lines that are known to be blank lines for this strategy as well, if it starts a
-  // line where one of them begins.
+  // Runs of lines that are known to be blank for this strategy as well, provided that it starts a
+  // line where such a run begins.
   std::span<const BlankRun> blank_runs = {};
 };
 
-// Adds `num_lines` lines, fewer than 2^32, to the last run if that is of the same kind and holds them,
-// else to a new one that begins as `first` does.
+// Adds `num_lines` lines, fewer than 2^32, to the last run if it is of the same kind and has room
+// for the number; otherwise to a new run that begins as `first` does.
 void add_run(std::vector<SampleRun>& runs, const SampleRun& first, std::size_t num_lines);
 
 DrawnSample draw_sample(const Field& text, const Splitter& splitter, const LineTest& test,

@@ -27,7 +27,7 @@ class CodeUnitSet {
   // `units` in any order. Duplicates count towards kMostListed.
   explicit CodeUnitSet(std::u16string_view units);
 
-  // Most separators are below U+0040: these are looked up in one word.
+  // Most separators are below U+0040. Those are looked up in one word.
   bool contains(char16_t unit) const {
     if (unit < 64) return ((low_ >> unit) & 1) != 0;
     return has_high_ && contains_high(unit);

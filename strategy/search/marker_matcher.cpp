@@ -36,7 +36,7 @@ std::size_t MarkerMatcher::longest() const {
   return longest;
 }
 
-// Markers are short: a plain loop is faster than a comparison that prepares for long ones.
+// Markers are short: a plain loop is faster than a library comparison with its fixed overhead.
 std::size_t MarkerMatcher::compare_at(const Field& text, std::size_t i) const {
   const std::size_t rest = text.length - std::min(i, text.length);
   const char16_t* const place = text.data + i;

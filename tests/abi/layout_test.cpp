@@ -1,6 +1,6 @@
-// The layout that linked programs rely on: data members in the order of their declaration, without
-// gaps, and virtual operations at fixed positions in the table. The order is repeated here, so that
-// a change has to be made twice.
+// The layout that linked programs rely on: data members in the order of their declaration, one
+// right after the other, and virtual operations at their places in the table. The order is written
+// out a second time here, so that a change has to be made twice.
 //
 // The places of virtual operations are those of the Itanium C++ ABI on x86-64: an object begins
 // with a pointer to its table, a pointer to a virtual member function holds 1 + the byte offset of
@@ -48,8 +48,8 @@ struct Member {
 #define MEMBER(type, name) \
   Member { #name, offsetof(type, name), sizeof(type::name), alignof(decltype(type::name)) }
 
-// The first of `members` is at `begin`, and each other one at the first position after the previous
-// one that its alignment allows.
+// The first of `members` is at `begin`, each other one at the first place after the one before that
+// its alignment allows.
 void expect_in_order(std::size_t begin, const std::vector<Member>& members) {
   std::size_t end = begin;
   for (const Member& member : members) {
@@ -59,7 +59,7 @@ void expect_in_order(std::size_t begin, const std::vector<Member>& members) {
   }
 }
 
-// The position of the first member in a class with virtual operations.
+// Where the members of a class with virtual operations begin.
 constexpr std::size_t kAfterTable = sizeof(void*);
 
 TEST(MemberOrder, OfTheOptionsRecord) {
@@ -157,7 +157,7 @@ TEST(MemberOrder, OfTheTraces) {
                       MEMBER(SelectionTrace, reached_end)});
 }
 
-// The members that a derived strategy outside the library can use.
+// What a derived strategy of somebody else reaches.
 class OwnStrategy : public LineReaderStrategy {
  public:
   using LineReaderStrategy::LineReaderStrategy;
@@ -182,7 +182,7 @@ TEST(MemberOrder, OfTheStrategy) { expect_in_order(kAfterTable, OwnStrategy::mem
 
 // --- virtual operations ------------------------------------------------------------------------
 
-// The slot that a call through `operation` uses. Fails if the operation is not virtual.
+// The slot that a call through `operation` uses; fails when the operation is not virtual.
 template <typename Operation>
 std::size_t slot_of(Operation operation) {
   std::size_t words[2] = {};
@@ -208,8 +208,7 @@ class Destroyed : public Base {
   int& count_;
 };
 
-// Calls an operation without parameters through its slot, as compiled code does, without using its
-// declaration.
+// Calls an operation without parameters by hand, as compiled code does, without its declaration.
 #ifdef __clang__
 __attribute__((no_sanitize("undefined")))
 #endif
@@ -220,7 +219,7 @@ void call_slot(void* object, std::size_t slot) {
   table[slot](object);
 }
 
-// Checks that the destructor of `Base` has `slot` and the next one, and that the latter frees.
+// The destructor of `Base` uses `slot` and the next one, which also frees the object.
 template <typename Base, typename... Arguments>
 void expect_destructor_at(std::size_t slot, const Arguments&... arguments) {
   int count = 0;
