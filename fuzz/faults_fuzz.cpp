@@ -14,6 +14,7 @@
 
 #include <vltextstream/host/file_layer.hpp>
 #include <vltextstream/layout/detect_layout.hpp>
+#include <vltextstream/standalone/files/memory_bytes.hpp>
 #include "differential/comparison.hpp"
 #include "fuzz/check.hpp"
 #include "fuzz/choices.hpp"
@@ -84,6 +85,9 @@ void operator delete[](void* block, const std::nothrow_t& /*tag*/) noexcept {
 std::FILE* textio::open_file(const std::u16string& /*path*/, const char* /*mode*/) {
   return textio::fuzz::served_file->open();
 }
+
+// The file layer also opens bytes in memory; here, all inputs come by path.
+std::FILE* textio::standalone::open_bytes(std::string_view /*bytes*/) { std::abort(); }
 
 namespace textio::fuzz {
 namespace {
