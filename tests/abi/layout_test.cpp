@@ -1,6 +1,6 @@
 // The layout that linked programs rely on: data members in the order of their declaration, one
-// right behind the other, and virtual operations at their places in the table. The order is written
-// out a second time here, so that whoever changes it has to say so twice.
+// right after the other, and virtual operations at their places in the table. The order is written
+// out a second time here, so that a change has to be made twice.
 //
 // The places of virtual operations are those of the Itanium C++ ABI on x86-64: an object begins
 // with a pointer to its table, a pointer to a virtual member function holds 1 + the byte offset of
@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <vltextstream/detect.hpp>
 #include <vltextstream/detection/selection_trace.hpp>
 #include <vltextstream/host/delimiter_set.hpp>
 #include <vltextstream/host/error_channel.hpp>
@@ -22,10 +23,12 @@
 #include <vltextstream/scoring/strategy_valuation.hpp>
 #include <vltextstream/source/text_source.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/dialect.hpp>
 #include <vltextstream/strategy/field_array.hpp>
 #include <vltextstream/strategy/field_tokenizer.hpp>
 #include <vltextstream/strategy/fixed_width_strategy.hpp>
 #include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/sampling/sample.hpp>
 #include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
@@ -48,8 +51,8 @@ struct Member {
 #define MEMBER(type, name) \
   Member { #name, offsetof(type, name), sizeof(type::name), alignof(decltype(type::name)) }
 
-// The first of `members` stands at `begin`, each other one at the first place behind the one before
-// where its alignment lets it stand.
+// The first of `members` is at `begin`, each other one at the first place after the one before that
+// its alignment allows.
 void expect_in_order(std::size_t begin, const std::vector<Member>& members) {
   std::size_t end = begin;
   for (const Member& member : members) {
@@ -59,8 +62,8 @@ void expect_in_order(std::size_t begin, const std::vector<Member>& members) {
   }
 }
 
-// Where the members of a class begin that has virtual operations.
-constexpr std::size_t kBehindTable = sizeof(void*);
+// Where the members of a class with virtual operations begin.
+constexpr std::size_t kAfterTable = sizeof(void*);
 
 TEST(MemberOrder, OfTheOptionsRecord) {
   using parser::options;
@@ -112,7 +115,7 @@ TEST(MemberOrder, OfTheDelimiterSet) {
 }
 
 TEST(MemberOrder, OfFields) {
-  expect_in_order(kBehindTable, {MEMBER(Field, data), MEMBER(Field, length)});
+  expect_in_order(kAfterTable, {MEMBER(Field, data), MEMBER(Field, length)});
   expect_in_order(sizeof(Field),
                   {MEMBER(MutableField, owns_storage), MEMBER(MutableField, inline_storage),
                    MEMBER(MutableField, storage)});
@@ -155,9 +158,41 @@ TEST(MemberOrder, OfTheTraces) {
   expect_in_order(0, {MEMBER(SelectionTrace, candidate_chars), MEMBER(SelectionTrace, candidates),
                       MEMBER(SelectionTrace, filters), MEMBER(SelectionTrace, end),
                       MEMBER(SelectionTrace, reached_end)});
+  using detection::SelectionOutcome;
+  expect_in_order(0, {MEMBER(SelectionOutcome, end), MEMBER(SelectionOutcome, decided_by),
+                      MEMBER(SelectionOutcome, reached_end)});
 }
 
-// What a derived strategy of somebody else reaches.
+TEST(MemberOrder, OfTheSample) {
+  using Run = SampleRun;
+  expect_in_order(0, {MEMBER(Run, kind), MEMBER(Run, num_lines), MEMBER(Run, first_line),
+                      MEMBER(Run, first_text), MEMBER(Run, begin), MEMBER(Run, end)});
+  expect_in_order(0, {MEMBER(Sample, text), MEMBER(Sample, runs), MEMBER(Sample, end),
+                      MEMBER(Sample, reached_end)});
+}
+
+TEST(MemberOrder, OfTheDialect) {
+  expect_in_order(0, {MEMBER(Dialect, mode), MEMBER(Dialect, delimiters), MEMBER(Dialect, widths)});
+}
+
+TEST(MemberOrder, OfTheFrontHeader) {
+  expect_in_order(
+      0, {MEMBER(Known, delimiters), MEMBER(Known, widths), MEMBER(Known, header_lines),
+          MEMBER(Known, num_variables), MEMBER(Known, comment_marker), MEMBER(Known, line_endings),
+          MEMBER(Known, whitespace), MEMBER(Known, encoding), MEMBER(Known, date_locale),
+          MEMBER(Known, lines_to_sample), MEMBER(Known, max_bytes)});
+  expect_in_order(0, {MEMBER(Column, name), MEMBER(Column, unit), MEMBER(Column, type)});
+  using D = Detection;
+  expect_in_order(
+      0, {MEMBER(D, dialect), MEMBER(D, columns), MEMBER(D, header_lines), MEMBER(D, names_line),
+          MEMBER(D, units_line), MEMBER(D, names_source), MEMBER(D, names_reason),
+          MEMBER(D, encoding), MEMBER(D, encoding_found), MEMBER(D, encoding_confidence),
+          MEMBER(D, ill_formed_parts), MEMBER(D, line_ending), MEMBER(D, lines),
+          MEMBER(D, ragged_lines), MEMBER(D, first_ragged_line), MEMBER(D, lines_sampled),
+          MEMBER(D, characters_sampled), MEMBER(D, has_more_text), MEMBER(D, decided_by)});
+}
+
+// What a strategy from outside the library, derived from one of its own, can access.
 class OwnStrategy : public LineReaderStrategy {
  public:
   using LineReaderStrategy::LineReaderStrategy;
@@ -178,11 +213,11 @@ class OwnStrategy : public LineReaderStrategy {
   }
 };
 
-TEST(MemberOrder, OfTheStrategy) { expect_in_order(kBehindTable, OwnStrategy::members()); }
+TEST(MemberOrder, OfTheStrategy) { expect_in_order(kAfterTable, OwnStrategy::members()); }
 
 // --- virtual operations ------------------------------------------------------------------------
 
-// The slot that a call through `operation` takes; fails when the operation is not virtual.
+// The slot that a call through `operation` uses; fails when the operation is not virtual.
 template <typename Operation>
 std::size_t slot_of(Operation operation) {
   std::size_t words[2] = {};
@@ -208,7 +243,7 @@ class Destroyed : public Base {
   int& count_;
 };
 
-// Calls an operation without parameters by hand, as compiled code does: no declaration is asked.
+// Calls an operation without parameters by hand, as compiled code does, without its declaration.
 #ifdef __clang__
 __attribute__((no_sanitize("undefined")))
 #endif
@@ -219,7 +254,7 @@ void call_slot(void* object, std::size_t slot) {
   table[slot](object);
 }
 
-// That the destructor of `Base` takes `slot` and the next one, the latter of which frees.
+// The destructor of `Base` uses `slot` and the next one, which also frees the object.
 template <typename Base, typename... Arguments>
 void expect_destructor_at(std::size_t slot, const Arguments&... arguments) {
   int count = 0;
@@ -303,7 +338,7 @@ TEST(SlotOrder, OfTheErrors) {
   EXPECT_EQ(slot_of(&MessageIdentifiedError::identifier), 2U);
   EXPECT_EQ(slot_of(&MessageIdentifiedError::arguments), 3U);
   expect_destructor_at<OwnError>(0);
-  // Behind what() of std::exception.
+  // After what() of std::exception.
   EXPECT_EQ(slot_of(&options::UnknownParameter::identifier), 3U);
   EXPECT_EQ(slot_of(&options::UnknownParameter::arguments), 4U);
   EXPECT_EQ(slot_of(&options::UnknownParameter::what), 2U);
