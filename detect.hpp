@@ -20,10 +20,11 @@
 //            quoted field with line endings inside is part of one, and a comment is none. Widths
 //            and other lengths count characters.
 // Ownership  results are plain values; nothing refers to the input afterwards.
-// Errors     FileError when the input cannot be opened, read or unpacked; std::invalid_argument
-//            when a member of Known is refused, with the name of the member; std::runtime_error
-//            when a decoder fails; std::bad_alloc.
-// Cost       only the first 4,194,304 characters are looked at, and little more is read.
+// Errors     FileError when the input cannot be opened, read or unpacked, as far as it is needed;
+//            std::invalid_argument when a member of Known is refused, with the name of the member;
+//            std::runtime_error when a decoder fails; std::bad_alloc.
+// Cost       a large input is read as far as its lines are needed, at most for its first 4,194,304
+//            characters and little more.
 // Threads    calls are independent of one another.
 #pragma once
 
@@ -118,7 +119,7 @@ struct VLTEXTSTREAM_EXPORT Detection {
   EncodingFound encoding_found = EncodingFound::none;
   double encoding_confidence = 0.0;
 
-  // Ill-formed parts of the input, each read as one U+FFFD.
+  // Ill-formed parts among the sampled characters, each read as one U+FFFD.
   std::size_t ill_formed_parts = 0;
 
   // The first line ending, if there is one.
@@ -131,8 +132,8 @@ struct VLTEXTSTREAM_EXPORT Detection {
   std::size_t ragged_lines = 0;
   std::optional<std::size_t> first_ragged_line;
 
-  // The lines the answer rests on, the characters that were read for it, and whether the text
-  // continues after these.
+  // The lines that the answer is based on, the characters up to the end of the last of them, and
+  // whether the text continues after these.
   std::size_t lines_sampled = 0;
   std::size_t characters_sampled = 0;
   bool has_more_text = false;

@@ -5,9 +5,10 @@
 //   detect_encoded/<text>/<sample>       the same by encoding, which is given
 //   find_encoding/<text>/100_lines       and here found
 //   detect_small_file                    10 KB, nothing given
+//   detect_large_file                    100 MB of the same table
 //
-// A selection reads no more than the lines that it samples; of a file all is read, since all of it
-// is decoded. `candidates` are the strategies that were built.
+// A selection reads no more than the lines that it samples. Of a file as much is read as the lines
+// need, at least 131,072 characters of a longer one. `candidates` are the strategies that were built.
 #include <algorithm>
 #include <functional>
 #include <limits>
@@ -86,9 +87,9 @@ std::function<DetectSettings()> settings_for(const char* encoding, unsigned long
 
 DetectSettings default_settings() { return {}; }
 
-// A small table of 20 columns.
-Step detect_small_file() {
-  return detect_file(ascii_bytes(find_shape("regular")->make(10'000)), default_settings);
+// A table of 20 columns.
+Step detect_file_of(std::size_t bytes) {
+  return detect_file(ascii_bytes(find_shape("regular")->make(bytes)), default_settings);
 }
 
 void add_all() {
@@ -111,7 +112,8 @@ void add_all() {
     add_step(std::string("find_encoding/") + text.name + "/100_lines",
              [&] { return detect_file(text.make(kSampleUnits), default_settings); });
   }
-  add_step("detect_small_file", detect_small_file);
+  add_step("detect_small_file", [] { return detect_file_of(10'000); });
+  add_step("detect_large_file", [] { return detect_file_of(100'000'000); });
 }
 
 }  // namespace

@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
-#include <vltextstream/detection/fixed_stream.hpp>
 #include <vltextstream/detection/strategy_selector.hpp>
 #include <vltextstream/layout/binary_look.hpp>
 #include <vltextstream/layout/detect_input.hpp>
 #include <vltextstream/layout/input_text.hpp>
 #include <vltextstream/layout/line_roles.hpp>
 #include <vltextstream/layout/sampled_table.hpp>
+#include <vltextstream/layout/text_prefix.hpp>
 #include <vltextstream/layout/variable_names.hpp>
 #include <vltextstream/source/memory_text_source.hpp>
 #include <vltextstream/source/text_stream.hpp>
@@ -26,13 +27,27 @@ namespace {
 using detection::SelectionEnd;
 
 // ---------------------------------------------------------------------------------------------
-// The layout of a sample
+// The layout of a text
 
-// What a line reader consumes after the first line.
-std::optional<std::u16string> first_line_ending(const Field& sample,
-                                                const parser::options& options) {
+// The first line as a line reader finds it.
+FieldExtent first_line_of(const Field& text, const parser::options& options) {
   const LineReaderStrategy reader(options);
-  const FieldExtent line = reader.lines_of(sample)->line_at(0).extent;
+  return reader.lines_of(text)->line_at(0).extent;
+}
+
+// Whether more text could change the first line: a longer line ending may be tried before the one
+// that was found.
+bool first_line_reaches_end(const FieldExtent& line, const Field& text,
+                            const parser::options& options) {
+  std::size_t longest = 0;
+  for (const std::u16string& ending : options.line_endings) {
+    longest = std::max(longest, ending.size());
+  }
+  return text.length - std::min(line.next, text.length) <= longest;
+}
+
+// What follows the first line and is not part of the next.
+std::optional<std::u16string> ending_of(const FieldExtent& line) {
   if (line.next == line.field.length) return std::nullopt;
   return std::u16string(line.field.data + line.field.length, line.next - line.field.length);
 }
@@ -73,47 +88,84 @@ std::shared_ptr<Strategy> given_strategy(const parser::options& options) {
   return nullptr;
 }
 
-// The strategy; how it was found goes into `layout`.
-std::shared_ptr<Strategy> find_strategy(const Field& sample, const DetectSettings& settings,
-                                        Layout& layout) {
+struct FoundStrategy {
+  std::shared_ptr<Strategy> strategy;
+
+  // Whether more text could have changed which one it is, or its sample.
+  bool reached_end = false;
+};
+
+// How the strategy was found goes into `layout`.
+FoundStrategy find_strategy(const Field& text, const DetectSettings& settings, Layout& layout) {
   detection::SelectionTrace* const trace = settings.trace ? &layout.trace.emplace() : nullptr;
   if (auto strategy = given_strategy(settings.options)) {
-    strategy->populate_fields(sample, settings.num_lines);
+    strategy->populate_fields(text, settings.num_lines);
     strategy->valuation();
     layout.selection_end = SelectionEnd::given;
     if (trace) trace->end = SelectionEnd::given;
-    return strategy;
+    const bool reached_end = strategy->sample().reached_end;
+    return {std::move(strategy), reached_end};
   }
   const detection::StrategySelector selector(settings.options);
   if (trace) {
-    auto strategy = selector.pick_strategy(sample, settings.num_lines, *trace);
+    auto strategy = selector.pick_strategy(text, settings.num_lines, *trace);
     layout.selection_end = trace->end;
     if (trace->end == SelectionEnd::single_survivor) layout.decided_by = trace->filters.back().name;
-    return strategy;
+    return {std::move(strategy), trace->reached_end};
   }
   detection::SelectionOutcome outcome;
-  auto strategy = selector.pick_strategy(sample, settings.num_lines, outcome);
+  auto strategy = selector.pick_strategy(text, settings.num_lines, outcome);
   layout.selection_end = outcome.end;
   layout.decided_by = outcome.decided_by;
-  return strategy;
+  return {std::move(strategy), outcome.reached_end};
 }
 
-Layout layout_of_sample(const Field& sample, const DetectSettings& settings) {
-  const datetime::DateLocaleScope date_locale(settings.options.date_locale);
-  Layout layout;
-  const auto strategy = find_strategy(sample, settings, layout);
-  layout.header_lines = strategy->header_lines();
-  describe_separators(*strategy, layout);
-  const SampledTable table(*strategy, settings);
+void describe_table(Strategy& strategy, const DetectSettings& settings, Layout& layout) {
+  layout.header_lines = strategy.header_lines();
+  describe_separators(strategy, layout);
+  const SampledTable table(strategy, settings);
   layout.num_variables = table.num_variables();
   layout.classes = table.classes();
   const VariableNames names = find_variable_names(table);
   describe_names(table, names, layout);
   describe_lines(table, names, layout);
-  layout.line_ending = first_line_ending(sample, settings.options);
+}
+
+// Without a value, the answer for the whole sample may be another one.
+std::optional<Layout> layout_of(const TextPrefix& prefix, const DetectSettings& settings) {
+  const datetime::DateLocaleScope date_locale(settings.options.date_locale);
+  Layout layout;
+  const auto [strategy, reached_end] = find_strategy(prefix.text, settings, layout);
+  const FieldExtent first_line = first_line_of(prefix.text, settings.options);
+  const bool may_change =
+      reached_end || first_line_reaches_end(first_line, prefix.text, settings.options);
+  if (may_change && !prefix.is_sample) return std::nullopt;
+  describe_table(*strategy, settings, layout);
+  layout.line_ending = ending_of(first_line);
   layout.lines_sampled = strategy->lines().size();
-  layout.characters_sampled = sample.length;
-  layout.looks_binary = looks_binary({sample.data, sample.length});
+  layout.characters_sampled =
+      std::min(std::max(strategy->sample().end, first_line.next), prefix.text.length);
+  layout.looks_binary = looks_binary({prefix.text.data, layout.characters_sampled});
+  return layout;
+}
+
+// The layout of the first of the prefixes, from `units` code units on, that is long enough.
+// `get_prefix` gives the prefix of a length.
+template <typename GetPrefix>
+Layout layout_of_prefixes(GetPrefix get_prefix, const DetectSettings& settings, std::size_t units) {
+  for (;; units *= kPrefixGrowth) {
+    if (auto layout = layout_of(get_prefix(units), settings)) return *std::move(layout);
+  }
+}
+
+bool goes_on(const TextStream& text, const Layout& layout) {
+  return text.at(layout.characters_sampled) != TextStream::kEnd;
+}
+
+Layout layout_of_input(InputText& input, const DetectSettings& settings, std::size_t units) {
+  const auto get_prefix = [&input](std::size_t length) { return input.prefix(length); };
+  Layout layout = layout_of_prefixes(get_prefix, settings, units);
+  layout.has_more_text = goes_on(input.text(), layout);
   return layout;
 }
 
@@ -144,13 +196,20 @@ Layout detect_layout(std::u16string_view text, std::initializer_list<NameValue> 
   return detect_layout(text, settings_with(options));
 }
 
-Layout detect_input(const InputText& input, const DetectSettings& settings) {
-  Layout layout = layout_of_sample(input.sample(), settings);
+Layout detect_input(InputText&& input, const DetectSettings& settings) {
+  return detect_input(std::move(input), settings, first_prefix_units(settings));
+}
+
+Layout detect_input(InputText&& input, const DetectSettings& settings, std::size_t units) {
+  Layout layout = layout_of_input(input, settings, units);
+  if (!input.confirm_encoding(layout.characters_sampled)) {
+    layout = layout_of_input(input, settings, units);
+    input.confirm_encoding(layout.characters_sampled);
+  }
   layout.encoding = input.encoding().name;
   layout.encoding_found = input.encoding().found;
   layout.encoding_confidence = input.encoding().confidence;
   layout.ill_formed_parts = input.ill_formed_parts();
-  layout.has_more_text = input.has_more_text();
   return layout;
 }
 
@@ -164,9 +223,11 @@ Layout detect_layout(std::u16string_view text, const DetectSettings& settings) {
   char16_t* const end = fold_surrogate_pairs(folded.data(), folded.data() + folded.size());
   MemoryTextSource source(folded.data(), static_cast<std::size_t>(end - folded.data()));
   const TextStream stream(&source);
-  const Field sample = get_fixed_stream(stream, settings.options.line_endings);
-  Layout layout = layout_of_sample(sample, settings);
-  layout.has_more_text = stream.at(sample.length) != TextStream::kEnd;
+  const auto get_prefix = [&](std::size_t units) {
+    return prefix_of(stream, settings.options.line_endings, units);
+  };
+  Layout layout = layout_of_prefixes(get_prefix, settings, first_prefix_units(settings));
+  layout.has_more_text = goes_on(stream, layout);
   return layout;
 }
 

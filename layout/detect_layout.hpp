@@ -11,13 +11,16 @@
 //
 // Units      line numbers count the lines of the text from 1. Widths count characters.
 // Ownership  a layout is a plain value without views: copy it, keep it.
-// Errors     FileError when the file cannot be opened or a read fails; std::invalid_argument for an
-//            unknown encoding or DateLocale, for a width of 0, and (as OptionProblem) for options
-//            that are refused; std::runtime_error when the decoder fails; std::bad_alloc, also when
-//            memory runs out in opening or reading the file.
-// Cost       at most the first 4,194,304 characters of a file are decoded. Little more is read, and
-//            each byte once, except that at most 64 KB are read again to find the encoding. A text
-//            is copied.
+// Errors     FileError when the file cannot be opened or a read fails; what is not read, because no
+//            line of it is needed, may be damaged. std::invalid_argument for an unknown encoding or
+//            DateLocale, for a width of 0, and (as OptionProblem) for options that are refused;
+//            std::runtime_error when the decoder fails; std::bad_alloc, also when memory runs out in
+//            opening or reading the file.
+// Cost       of a large file as much is read as the lines need: the first 131,072 characters if they
+//            end in the first half of these, otherwise up to eight times as many, otherwise the
+//            largest sample, 4,194,304 characters, and little more. Each byte is read once, except
+//            that at most 64 KB are read again to find the encoding, and all of it where parts of it
+//            are ill-formed. A text is copied.
 // Threads    calls are independent of one another and may share their settings.
 #pragma once
 

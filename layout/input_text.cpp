@@ -1,5 +1,6 @@
-// The first bytes give the encoding, as a rule for the whole sample: only when all of them are
-// ASCII, which fits nearly every encoding, can the bytes that follow prove them wrong.
+// The first bytes give the encoding, as a rule for the whole text: only when all of them are ASCII,
+// which fits nearly every encoding, can the bytes that follow prove them wrong. Of these, only those
+// count that an answer rests on, so that it does not depend on how much of the text was loaded.
 #include <vltextstream/layout/input_text.hpp>
 
 #include <algorithm>
@@ -9,7 +10,6 @@
 
 #include <fmt/format.h>
 
-#include <vltextstream/detection/fixed_stream.hpp>
 #include <vltextstream/host/code_converter.hpp>
 #include <vltextstream/host/file_layer.hpp>
 #include <vltextstream/standalone/decoding/utf_text.hpp>
@@ -131,7 +131,6 @@ void InputText::read(File file) {
   if (!file) refuse("open", name_, errno);
   encoding_ = encoding_of(file.get(), name_, settings_);
   decode(std::move(file));
-  if (encoding_.found == EncodingFound::valid_utf8 && ill_formed_parts_ > 0) look_past_the_head();
 }
 
 void InputText::decode(File file) {
@@ -139,35 +138,64 @@ void InputText::decode(File file) {
   source_ = std::make_unique<FileTextSource>();
   source_->init_stream(file.release(), encoding_.name);
   stream_ = std::make_unique<TextStream>(source_.get());
-  sample_ = get_fixed_stream(*stream_, settings_.options.line_endings);
-  ill_formed_parts_ = source_->converter()->ill_formed_parts();
+  refuse_read_errors();
+}
+
+void InputText::refuse_read_errors() const {
   if (const int error = source_->read_error(); error != 0) refuse("read", name_, error);
 }
 
-// Ill-formed parts in a text whose head was well-formed.
-void InputText::look_past_the_head() {
-  if (source_->getPos() < 0) {
-    doubt_utf8();
-    return;
-  }
+TextPrefix InputText::prefix(std::size_t units) {
+  const ReadLimitScope limit(settings_.max_bytes);
+  TextPrefix prefix = prefix_of(*stream_, settings_.options.line_endings, units);
+  refuse_read_errors();
+  return prefix;
+}
+
+bool InputText::confirm_encoding(std::size_t length) {
+  const ReadLimitScope limit(settings_.max_bytes);
+  const std::u16string_view characters(stream_->window_begin(), length);
+  ill_formed_parts_ = ill_formed_among(characters);
+  if (encoding_.found != EncodingFound::valid_utf8 || ill_formed_parts_ == 0) return true;
+  if (source_->getPos() >= 0 && is_other_past_the_head()) return false;
+  doubt_utf8(characters);
+  return true;
+}
+
+// The converter counts what it has decoded for all that is loaded. Of the characters at the start of
+// the text, those that are U+FFFD may be so in the file. So these are decoded again, where that is
+// possible; it is not for a pipe of which too much was read to go back.
+std::size_t InputText::ill_formed_among(std::u16string_view characters) {
+  const auto replaced =
+      static_cast<std::size_t>(std::count(characters.begin(), characters.end(), u'\uFFFD'));
+  const std::size_t loaded = source_->converter()->ill_formed_parts();
+  const std::size_t most = std::min(loaded, replaced);
+  if (most == 0 || source_->getPos() < 0) return most;
+  source_->skipFromPos(0, characters.size());
+  if (source_->read_error() == ESPIPE) return most;
+  refuse_read_errors();
+  return std::min(source_->converter()->ill_formed_parts() - loaded, replaced);
+}
+
+// Ill-formed parts in a text whose head was well-formed. If the bytes after the head have another
+// encoding, the text is decoded anew.
+bool InputText::is_other_past_the_head() {
   File file(source_->release());
   Preview preview(file.get(), name_);
   preview.go_back();
-  const FoundEncoding found = encoding_past_ascii(preview);
-  if (found.name == encoding_.name) {
-    doubt_utf8();
-    return;
-  }
+  FoundEncoding found = encoding_past_ascii(preview);
+  if (found.name == encoding_.name) return false;
   preview.go_back();
-  encoding_ = found;
+  encoding_ = std::move(found);
   decode(std::move(file));
+  return true;
 }
 
 // UTF-8 except for some parts: the more characters above 127 it has, the surer.
-void InputText::doubt_utf8() {
-  const auto above_ascii =
-      std::count_if(sample_.data, sample_.data + sample_.length,
-                    [](char16_t unit) { return unit > 0x7F || unit == kFoldedCharacter; });
+void InputText::doubt_utf8(std::u16string_view characters) {
+  const auto above_ascii = std::count_if(characters.begin(), characters.end(), [](char16_t unit) {
+    return unit > 0x7F || unit == kFoldedCharacter;
+  });
   const double parts = static_cast<double>(ill_formed_parts_);
   encoding_.found = EncodingFound::statistics;
   encoding_.confidence =

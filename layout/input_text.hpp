@@ -1,14 +1,17 @@
-// InputText: the sample of a file or of bytes in memory, decoded.
+// InputText: the text of a file or of bytes in memory, decoded as far as it is asked for.
 //
 //   InputText input("measurements.csv", settings);
-//   input.sample();                  // valid as long as `input`
-//   input.encoding().name;           // "UTF-8"
+//   TextPrefix prefix = input.prefix(65'536);
+//   // ... an answer that rests on the first 2,000 characters ...
+//   if (input.confirm_encoding(2'000)) input.encoding().name;   // "UTF-8"
 //
-// Ownership  bytes in memory are borrowed and must outlive the input; so must the settings.
+// Ownership  bytes in memory are borrowed and must outlive the input; so must the settings. A prefix
+//            is valid until the next call that is not const.
 // Errors     FileError when the file cannot be opened or a read fails; std::invalid_argument for an
 //            unknown encoding.
-// Cost       each byte of the sample is read once, the first 64 KB twice. Where these are ASCII and
-//            what follows is not UTF-8, the sample is read once more.
+// Cost       each byte of the longest prefix is read once, the first 64 KB twice. If an answer rests
+//            on ill-formed parts, its characters are decoded once more, and if they are not UTF-8,
+//            all of it is done again.
 #pragma once
 
 #include <cstddef>
@@ -18,10 +21,10 @@
 #include <string_view>
 
 #include <vltextstream/layout/detect_layout.hpp>
+#include <vltextstream/layout/text_prefix.hpp>
 #include <vltextstream/source/file_text_source.hpp>
 #include <vltextstream/source/text_stream.hpp>
 #include <vltextstream/standalone/encoding_detection/find_encoding.hpp>
-#include <vltextstream/strategy/field.hpp>
 
 namespace textio::standalone {
 
@@ -41,12 +44,22 @@ class InputText {
   InputText(FileContent content, const DetectSettings& settings);
   InputText(PlainBytes text, const DetectSettings& settings);
 
-  const Field& sample() const { return sample_; }
-  const FoundEncoding& encoding() const { return encoding_; }
-  std::size_t ill_formed_parts() const { return ill_formed_parts_; }
+  // As prefix_of.
+  TextPrefix prefix(std::size_t units);
 
-  // Whether the text continues after the sample.
-  bool has_more_text() const { return stream_->at(sample_.length) != TextStream::kEnd; }
+  // The text, to look at in what the last prefix has loaded, and at the code unit after it.
+  const TextStream& text() const { return *stream_; }
+
+  // Settles the encoding for an answer that rests on the first `length` characters of the last
+  // prefix. False when these prove another encoding than the one that was found in the first bytes:
+  // then the text is decoded anew, and the answer must be found again. Otherwise the text can no
+  // longer be read. The second call is always true.
+  bool confirm_encoding(std::size_t length);
+
+  const FoundEncoding& encoding() const { return encoding_; }
+
+  // The ill-formed parts in these characters; 0 before.
+  std::size_t ill_formed_parts() const { return ill_formed_parts_; }
 
  private:
   struct CloseFile {
@@ -56,15 +69,16 @@ class InputText {
 
   void read(File file);
   void decode(File file);
-  void look_past_the_head();
-  void doubt_utf8();
+  void refuse_read_errors() const;
+  std::size_t ill_formed_among(std::u16string_view characters);
+  bool is_other_past_the_head();
+  void doubt_utf8(std::u16string_view characters);
 
   std::string name_;  // of the input, in messages
   const DetectSettings& settings_;
   FoundEncoding encoding_;
   std::unique_ptr<FileTextSource> source_;
   std::unique_ptr<TextStream> stream_;
-  Field sample_;
   std::size_t ill_formed_parts_ = 0;
 };
 

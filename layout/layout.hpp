@@ -62,10 +62,11 @@ struct VLTEXTSTREAM_EXPORT Layout {
   EncodingFound encoding_found = EncodingFound::none;
   double encoding_confidence = 0.0;
 
-  // Ill-formed parts of the input, each decoded as one U+FFFD.
+  // Ill-formed parts among the sampled characters, each decoded as one U+FFFD. Those that follow do
+  // not count, and the encoding is not compared with them.
   std::size_t ill_formed_parts = 0;
 
-  // The first line ending in the sample, if there is one.
+  // The first line ending, if there is one.
   std::optional<std::u16string> line_ending;
 
   // What each line of the sample is for, comments included, in the order of the text. Every line
@@ -76,12 +77,13 @@ struct VLTEXTSTREAM_EXPORT Layout {
   std::size_t ragged_lines = 0;
   std::optional<std::size_t> first_ragged_line;
 
-  // The lines that the answer is based on, header and empty lines included, and the characters of
-  // the sample.
+  // The lines that the answer is based on, header and empty lines included, and the characters up to
+  // the end of the last of them, its line ending and comments included; at least the first line,
+  // whose line ending is reported.
   std::size_t lines_sampled = 0;
   std::size_t characters_sampled = 0;
 
-  // Whether the text continues after the sample. When the sample is empty and it does, the first
+  // Whether the text continues after these characters. When there are none and it does, the first
   // line is longer than any sample.
   bool has_more_text = false;
 

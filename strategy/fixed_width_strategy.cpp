@@ -96,7 +96,12 @@ class FixedWidthSplitter final : public Splitter {
   Dialect dialect() const override { return {LayoutMode::fixed_width, {}, rules_->widths}; }
   bool counts_fields() const override { return false; }
   std::size_t num_columns() const override { return rules_->widths.size(); }
-  std::size_t longest_marker() const override { return rules_->line_endings.longest(); }
+  // A field may be wider than the rest of its line, and what follows the line is then in it.
+  std::size_t longest_marker() const override {
+    const std::vector<std::size_t>& widths = rules_->widths;
+    return std::max(rules_->line_endings.longest(),
+                    *std::max_element(widths.begin(), widths.end()));
+  }
   std::unique_ptr<LineCursor> lines_of(const Field& text) const override {
     return std::make_unique<FixedWidthLines>(*rules_, text);
   }

@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <vltextstream/detect.hpp>
 #include <vltextstream/detection/selection_trace.hpp>
 #include <vltextstream/host/delimiter_set.hpp>
 #include <vltextstream/host/error_channel.hpp>
@@ -22,10 +23,12 @@
 #include <vltextstream/scoring/strategy_valuation.hpp>
 #include <vltextstream/source/text_source.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/dialect.hpp>
 #include <vltextstream/strategy/field_array.hpp>
 #include <vltextstream/strategy/field_tokenizer.hpp>
 #include <vltextstream/strategy/fixed_width_strategy.hpp>
 #include <vltextstream/strategy/line_reader_strategy.hpp>
+#include <vltextstream/strategy/sampling/sample.hpp>
 #include <vltextstream/strategy/space_aligned_strategy.hpp>
 #include <vltextstream/strategy/strategy.hpp>
 
@@ -155,9 +158,41 @@ TEST(MemberOrder, OfTheTraces) {
   expect_in_order(0, {MEMBER(SelectionTrace, candidate_chars), MEMBER(SelectionTrace, candidates),
                       MEMBER(SelectionTrace, filters), MEMBER(SelectionTrace, end),
                       MEMBER(SelectionTrace, reached_end)});
+  using detection::SelectionOutcome;
+  expect_in_order(0, {MEMBER(SelectionOutcome, end), MEMBER(SelectionOutcome, decided_by),
+                      MEMBER(SelectionOutcome, reached_end)});
 }
 
-// What a derived strategy of somebody else reaches.
+TEST(MemberOrder, OfTheSample) {
+  using Run = SampleRun;
+  expect_in_order(0, {MEMBER(Run, kind), MEMBER(Run, num_lines), MEMBER(Run, first_line),
+                      MEMBER(Run, first_text), MEMBER(Run, begin)});
+  expect_in_order(0, {MEMBER(Sample, text), MEMBER(Sample, runs), MEMBER(Sample, end),
+                      MEMBER(Sample, reached_end)});
+}
+
+TEST(MemberOrder, OfTheDialect) {
+  expect_in_order(0, {MEMBER(Dialect, mode), MEMBER(Dialect, delimiters), MEMBER(Dialect, widths)});
+}
+
+TEST(MemberOrder, OfTheFrontHeader) {
+  expect_in_order(
+      0, {MEMBER(Known, delimiters), MEMBER(Known, widths), MEMBER(Known, header_lines),
+          MEMBER(Known, num_variables), MEMBER(Known, comment_marker), MEMBER(Known, line_endings),
+          MEMBER(Known, whitespace), MEMBER(Known, encoding), MEMBER(Known, date_locale),
+          MEMBER(Known, lines_to_sample), MEMBER(Known, max_bytes)});
+  expect_in_order(0, {MEMBER(Column, name), MEMBER(Column, unit), MEMBER(Column, type)});
+  using D = Detection;
+  expect_in_order(
+      0, {MEMBER(D, dialect), MEMBER(D, columns), MEMBER(D, header_lines), MEMBER(D, names_line),
+          MEMBER(D, units_line), MEMBER(D, names_source), MEMBER(D, names_reason),
+          MEMBER(D, encoding), MEMBER(D, encoding_found), MEMBER(D, encoding_confidence),
+          MEMBER(D, ill_formed_parts), MEMBER(D, line_ending), MEMBER(D, lines),
+          MEMBER(D, ragged_lines), MEMBER(D, first_ragged_line), MEMBER(D, lines_sampled),
+          MEMBER(D, characters_sampled), MEMBER(D, has_more_text), MEMBER(D, decided_by)});
+}
+
+// What a strategy from outside the library, derived from one of its own, can access.
 class OwnStrategy : public LineReaderStrategy {
  public:
   using LineReaderStrategy::LineReaderStrategy;

@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <limits>
+#include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -90,10 +93,14 @@ std::string with_two_byte_characters(const std::string& ascii) {
   return bytes;
 }
 
-standalone::Layout detect(const std::string& bytes, const std::string& encoding) {
+constexpr auto kAllLines = std::numeric_limits<unsigned long>::max();
+
+standalone::Layout detect(const std::string& bytes, const std::optional<std::string>& encoding,
+                          unsigned long num_lines) {
   watched.put(bytes);
   standalone::DetectSettings settings;
   settings.encoding = encoding;
+  settings.num_lines = num_lines;
   return standalone::detect_layout("table.csv", settings);
 }
 
@@ -117,7 +124,7 @@ const FileCase kFilesThatFit[] = {
 class BytesRead : public testing::TestWithParam<FileCase> {
  protected:
   static void expect_each_byte_once(const std::string& bytes, const std::string& encoding) {
-    detect(bytes, encoding);
+    detect(bytes, encoding, kAllLines);
     const auto once = std::count(watched.reads.begin(), watched.reads.end(), 1);
     EXPECT_EQ(static_cast<std::size_t>(once), bytes.size()) << encoding;
     EXPECT_EQ(watched.times_opened, 1u) << encoding;
@@ -133,16 +140,16 @@ TEST_P(BytesRead, IsEachByteOfTheFileOnce) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, BytesRead, testing::ValuesIn(kFilesThatFit), ByRule());
 
-// Behind the sample lies what the stream has loaded in whole buffers, and the one block that the C
+// After the sample comes what the stream has loaded in whole buffers, and the one block that the C
 // stream has at hand.
-constexpr std::size_t kCharactersBehindTheSample = 2 * TextStream::kBufferUnits;
+constexpr std::size_t kCharactersAfterTheSample = 2 * TextStream::kBufferUnits;
 
 class BytesReadOfALongFile : public testing::Test {
  protected:
   static void expect_sample_once_and_little_more(const std::string& bytes,
                                                  std::size_t bytes_per_character,
                                                  const std::string& encoding) {
-    detect(bytes, encoding);
+    detect(bytes, encoding, kAllLines);
     const auto sample_end =
         watched.reads.begin() + static_cast<std::ptrdiff_t>(bytes_per_character * kSampleUnits);
     const auto reads_once = [](std::uint8_t reads) { return reads == 1; };
@@ -150,21 +157,69 @@ class BytesReadOfALongFile : public testing::Test {
     EXPECT_TRUE(std::none_of(sample_end, watched.reads.end(),
                              [](std::uint8_t reads) { return reads > 1; }));
     EXPECT_LE(watched.bytes_touched(),
-              bytes_per_character * (kSampleUnits + kCharactersBehindTheSample) + BUFSIZ);
+              bytes_per_character * (kSampleUnits + kCharactersAfterTheSample) + BUFSIZ);
     EXPECT_EQ(watched.times_opened, 1u);
   }
 };
 
-TEST_F(BytesReadOfALongFile, StopSoonBehindTheSample) {
+TEST_F(BytesReadOfALongFile, StopSoonAfterTheSample) {
   expect_sample_once_and_little_more(table_of(3 * kSampleUnits), 1, "UTF-8");
 }
 
-TEST_F(BytesReadOfALongFile, StopSoonBehindTheSampleOfTwoByteUnits) {
+TEST_F(BytesReadOfALongFile, StopSoonAfterTheSampleOfTwoByteUnits) {
   expect_sample_once_and_little_more(as_utf16(table_of(3 * kSampleUnits)), 2, "UTF-16");
 }
 
+// --- how many lines are asked for ----------------------------------------------------------------
+
+// Lines of eight characters, from `begin` on without a line ending.
+std::string table_that_ends_at(std::size_t begin) {
+  std::string text = table_of(3 * kSampleUnits);
+  std::replace(text.begin() + static_cast<std::ptrdiff_t>(begin), text.end(), '\n', ' ');
+  return text;
+}
+
+struct LinesCase {
+  const char* rule;
+  unsigned long num_lines;
+  std::size_t last_line_end;
+  std::size_t blocks;  // of the stream, whose buffer grows by more than it is asked for
+};
+std::ostream& operator<<(std::ostream& out, const LinesCase& row) { return out << row.rule; }
+
+const LinesCase kLinesCases[] = {
+    {"NoLine", 0, kAllLines, 1},
+    {"AHundredLines", 100, kAllLines, 1},
+    {"AsManyLinesAsFitIntoTheFirstPrefix", 8'000, kAllLines, 1},
+    {"AsManyLinesAsFitIntoTheSecondPrefix", 65'000, kAllLines, 10},
+    {"MoreLinesThanThat", 70'000, kAllLines, 43},
+    {"ALongLineRightAfterTheBudget", 100, 800, 1},
+    {"ALongLineWithinTheBudget", 100, 792, 43},
+};
+
+class BytesReadForLines : public testing::TestWithParam<LinesCase> {};
+TEST_P(BytesReadForLines, AreThoseOfTheFirstPrefixThatHoldsThem) {
+  const LinesCase& row = GetParam();
+  const std::string bytes = row.last_line_end == kAllLines ? table_of(3 * kSampleUnits)
+                                                           : table_that_ends_at(row.last_line_end);
+  detect(bytes, "UTF-8", row.num_lines);
+  EXPECT_LE(watched.bytes_touched(), row.blocks * TextStream::kBufferUnits + BUFSIZ);
+  EXPECT_GT(watched.bytes_touched(), (row.blocks - 1) * TextStream::kBufferUnits);
+  const auto most_reads = *std::max_element(watched.reads.begin(), watched.reads.end());
+  EXPECT_EQ(most_reads, 1U);
+}
+INSTANTIATE_TEST_SUITE_P(Table, BytesReadForLines, testing::ValuesIn(kLinesCases), ByRule());
+
+// Finding the encoding reads the first 64 KB a second time.
+TEST(BytesReadToFindTheEncoding, AreAmongThoseOfTheFirstPrefix) {
+  detect(table_of(3 * kSampleUnits), std::nullopt, 100);
+  EXPECT_LE(watched.bytes_touched(), TextStream::kBufferUnits + BUFSIZ);
+  const auto twice = std::count(watched.reads.begin(), watched.reads.end(), 2);
+  EXPECT_LE(twice, 65'536 + BUFSIZ);
+}
+
 TEST(BytesReadByTheWatchedFile, BelongToTheTableThatIsDetected) {
-  const standalone::Layout layout = detect(table_of(800), "UTF-8");
+  const standalone::Layout layout = detect(table_of(800), "UTF-8", 100);
   EXPECT_EQ(layout.characters_sampled, 800u);
   EXPECT_EQ(layout.num_variables, 2u);
   EXPECT_EQ(watched.bytes_touched(), 800u);

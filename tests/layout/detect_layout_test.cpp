@@ -567,17 +567,18 @@ struct BudgetCase {
   const char* rule;
   unsigned long num_lines;
   std::size_t lines_sampled;
+  std::size_t characters_sampled;
   SelectionEnd end;
 };
 std::ostream& operator<<(std::ostream& out, const BudgetCase& row) { return out << row.rule; }
 
 const BudgetCase kBudgets[] = {
-    {"NoLine", 0, 0, SelectionEnd::empty_sample},
-    {"OneLineShowsNoVariation", 1, 1, SelectionEnd::no_candidate},
-    {"AllButOne", 3, 3, SelectionEnd::only_candidate},
-    {"All", 4, 4, SelectionEnd::only_candidate},
-    {"MoreThanThereAre", 5, 4, SelectionEnd::only_candidate},
-    {"AsManyAsCanBeAsked", std::numeric_limits<unsigned long>::max(), 4,
+    {"NoLineButTheLineEndingOfTheFirst", 0, 0, 6, SelectionEnd::empty_sample},
+    {"OneLineShowsNoVariation", 1, 1, 6, SelectionEnd::no_candidate},
+    {"AllButOne", 3, 3, 18, SelectionEnd::only_candidate},
+    {"All", 4, 4, 27, SelectionEnd::only_candidate},
+    {"MoreThanThereAre", 5, 4, 27, SelectionEnd::only_candidate},
+    {"AsManyAsCanBeAsked", std::numeric_limits<unsigned long>::max(), 4, 27,
      SelectionEnd::only_candidate},
 };
 
@@ -588,7 +589,8 @@ TEST_P(DetectLayoutBudget, IsTheNumberOfDataLines) {
   const Layout layout = layout_of(u"1,2,3\n4,5,6\n7,8,9\n10,11,12\n", settings);
   EXPECT_EQ(layout.lines_sampled, GetParam().lines_sampled);
   EXPECT_EQ(layout.selection_end, GetParam().end);
-  EXPECT_EQ(layout.characters_sampled, 27U);
+  EXPECT_EQ(layout.characters_sampled, GetParam().characters_sampled);
+  EXPECT_EQ(layout.has_more_text, GetParam().characters_sampled < 27);
 }
 INSTANTIATE_TEST_SUITE_P(Table, DetectLayoutBudget, testing::ValuesIn(kBudgets), ByRule());
 
@@ -606,6 +608,12 @@ TEST(DetectLayoutBudget, CountsNeitherGivenHeaderLinesNorEmptyOnes) {
 
 constexpr std::size_t kMostCharacters = 4'194'304;
 
+DetectSettings with_all_lines() {
+  DetectSettings settings;
+  settings.num_lines = std::numeric_limits<unsigned long>::max();
+  return settings;
+}
+
 TEST(DetectLayoutOfALongText, RestsOnWholeLinesWithinTheLimit) {
   std::u16string text;
   text.reserve(kMostCharacters + 10);
@@ -615,7 +623,13 @@ TEST(DetectLayoutOfALongText, RestsOnWholeLinesWithinTheLimit) {
   EXPECT_EQ(layout.mode, kDelimited);
   EXPECT_EQ(layout.num_variables, 2U);
   EXPECT_EQ(layout.lines_sampled, 100U);
-  EXPECT_EQ(layout.characters_sampled, 4'194'300U);  // 838,860 lines of 5
+  EXPECT_EQ(layout.characters_sampled, 500U);
+  EXPECT_TRUE(layout.has_more_text);
+  const Layout of_all = layout_of(text, with_all_lines());
+  EXPECT_EQ(of_all.num_variables, 2U);
+  EXPECT_EQ(of_all.lines_sampled, 838'860U);
+  EXPECT_EQ(of_all.characters_sampled, 4'194'300U);
+  EXPECT_TRUE(of_all.has_more_text);
 }
 
 TEST(DetectLayoutOfALongText, WithoutALineEndRestsOnNothing) {
@@ -624,6 +638,8 @@ TEST(DetectLayoutOfALongText, WithoutALineEndRestsOnNothing) {
   EXPECT_EQ(layout.mode, LayoutMode::line_reader);
   EXPECT_EQ(layout.selection_end, SelectionEnd::empty_sample);
   EXPECT_EQ(layout.lines_sampled, 0U);
+  EXPECT_EQ(layout.characters_sampled, 0U);
+  EXPECT_TRUE(layout.has_more_text);
   EXPECT_EQ(layout.line_ending, std::nullopt);
 }
 
@@ -640,6 +656,8 @@ TEST(DetectLayoutOfALongText, InAFileIsTheSame) {
   for (std::size_t i = 1; i < bytes.size(); i += 5) bytes[i] = ',';
   for (std::size_t i = 4; i < bytes.size(); i += 5) bytes[i] = '\n';
   EXPECT_EQ(describe(layout_of_file(bytes)), describe(layout_of(from_utf8(bytes))));
+  EXPECT_EQ(describe(layout_of_file(bytes, with_all_lines())),
+            describe(layout_of(from_utf8(bytes), with_all_lines())));
 }
 
 TEST(DetectLayoutSample, EndsAtTheEndMarkOfAShortText) {
@@ -672,7 +690,7 @@ TEST(DetectLayoutOfPairs, CountsCharactersUpToTheLimit) {
   std::u16string text;
   text.reserve(kMostCharacters + kMostCharacters / 2);
   for (std::size_t i = 0; i < kMostCharacters / 4; ++i) text += u"\U0001F600,1\n";
-  const Layout layout = layout_of(text);
+  const Layout layout = layout_of(text, with_all_lines());
   EXPECT_EQ(layout.characters_sampled, kMostCharacters);
   EXPECT_EQ(layout.num_variables, 2U);
 }

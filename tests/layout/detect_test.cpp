@@ -168,10 +168,14 @@ TEST(DetectTextStart, MayLookLikeAnArchive) {
 TEST(DetectTextSample, EndsWithItsLargestSize) {
   std::string text;
   while (text.size() < 5'000'000) text += "12,34567\n";
-  const Detection found = detect_text(text);
+  Known known;
+  known.lines_to_sample = 4'194'304;
+  const Detection found = detect_text(text, known);
   EXPECT_TRUE(found.has_more_text);
   EXPECT_LE(found.characters_sampled, 4'194'304U);
   EXPECT_GT(found.characters_sampled, 4'194'304U - 9U);
+  EXPECT_TRUE(detect_text(text).has_more_text);
+  EXPECT_EQ(detect_text(text).characters_sampled, 900U);
 }
 
 // --- bytes -------------------------------------------------------------------------------------

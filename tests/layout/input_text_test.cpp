@@ -10,6 +10,8 @@
 
 #include <sys/stat.h>
 
+#include <vltextstream/detection/fixed_stream.hpp>
+
 #include "support/archives.hpp"
 #include "support/rule_name.hpp"
 #include "support/temp_folder.hpp"
@@ -32,6 +34,16 @@ std::string ascii(std::size_t count) {
   return bytes;
 }
 
+// The text that the largest sample would have, after the encoding has been settled for all of it.
+std::u16string settled_text(InputText& input) {
+  const auto sample = [&input] { return input.prefix(kSampleUnits).text; };
+  if (!input.confirm_encoding(sample().length)) {
+    EXPECT_TRUE(input.confirm_encoding(sample().length)) << "the encoding was changed twice";
+  }
+  const std::size_t length = input.text().find_first_pos_of(TextStream::kEnd, 0);
+  return {input.text().window_begin(), length};
+}
+
 // --- the encoding of what follows the head ------------------------------------------------------
 
 struct RestCase {
@@ -40,7 +52,7 @@ struct RestCase {
   std::string rest;
   std::string encoding;
   std::size_t ill_formed;
-  std::u16string end;  // of the sample
+  std::u16string end;  // of the text
 };
 std::ostream& operator<<(std::ostream& out, const RestCase& row) { return out << row.rule; }
 
@@ -69,16 +81,16 @@ TEST_P(InputTextAfterTheHead, IsReadInTheEncodingThatFitsIt) {
   const RestCase& row = GetParam();
   const TempFolder folder;
   const DetectSettings settings;
-  const InputText input(folder.file("t", ascii(row.head) + row.rest), settings);
+  InputText input(folder.file("t", ascii(row.head) + row.rest), settings);
+  const std::u16string text = settled_text(input);
   EXPECT_EQ(input.encoding().name, row.encoding);
   EXPECT_EQ(input.ill_formed_parts(), row.ill_formed);
   // A text with ill-formed parts is not proved to be UTF-8.
   const bool is_proved = input.encoding().found == EncodingFound::valid_utf8;
   EXPECT_EQ(is_proved, row.encoding == "UTF-8" && row.ill_formed == 0);
   EXPECT_EQ(input.encoding().confidence == 1.0, is_proved);
-  const std::u16string_view sample(input.sample().data, input.sample().length);
-  ASSERT_GE(sample.size(), row.end.size());
-  EXPECT_TRUE(sample.substr(sample.size() - row.end.size()) == row.end);
+  ASSERT_GE(text.size(), row.end.size());
+  EXPECT_TRUE(text.substr(text.size() - row.end.size()) == row.end);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, InputTextAfterTheHead, testing::ValuesIn(kRests), ByRule());
@@ -90,7 +102,8 @@ TEST(InputTextEncoding, ThatIsGivenIsKeptWhateverTheBytes) {
   const std::string path = folder.file("t", "\xC3!");
   DetectSettings settings;
   settings.encoding = "UTF-8";
-  const InputText input(path, settings);
+  InputText input(path, settings);
+  EXPECT_TRUE(input.confirm_encoding(2));
   EXPECT_EQ(input.encoding().found, EncodingFound::given);
   EXPECT_EQ(input.encoding().confidence, 1.0);
   EXPECT_EQ(input.ill_formed_parts(), 1U);
@@ -106,44 +119,72 @@ TEST(InputTextEncoding, OfTheOptionsIsTakenUnlessItIsTheDefault) {
   EXPECT_NE(InputText(path, settings).encoding().found, EncodingFound::given);
 }
 
-TEST(InputTextSample, TellsWhetherTheTextGoesOn) {
-  const TempFolder folder;
-  const DetectSettings settings;
-  EXPECT_FALSE(InputText(folder.file("short", "a,b\n1,2\n"), settings).has_more_text());
-  EXPECT_FALSE(InputText(folder.file("empty", ""), settings).has_more_text());
-  EXPECT_TRUE(InputText(folder.file("long", ascii(5'000'000)), settings).has_more_text());
-  // When the first line is longer than any sample, the sample is empty.
-  const std::string one_line(5'000'000, 'x');
-  const InputText endless(folder.file("endless", one_line), settings);
-  EXPECT_EQ(endless.sample().length, 0U);
-  EXPECT_TRUE(endless.has_more_text());
+// --- how much of the text counts ----------------------------------------------------------------
+
+struct PartCase {
+  const char* rule;
+  std::string bytes;
+  std::size_t length;  // the first characters of the text, on which an answer rests
+  std::string encoding;
+  std::size_t ill_formed;
+};
+std::ostream& operator<<(std::ostream& out, const PartCase& row) { return out << row.rule; }
+
+// "a", U+FFFD as the file has it, and a damaged part, all in UTF-8.
+const std::string kReplaced = "a\xEF\xBF\xBD\xC3!";
+
+const PartCase kParts[] = {
+    {"BeforeAnyDamage", kReplaced, 1, "UTF-8", 0},
+    {"WithAReplacementOfTheFile", kReplaced, 2, "UTF-8", 0},
+    {"WithTheDamage", kReplaced, 3, "UTF-8", 1},
+    {"BeforeMoreDamage", kReplaced + ascii(kHead) + "\xC3!", kReplaced.size(), "UTF-8", 1},
+    {"BeforeALegacyWord", ascii(kHead) + kWord, kHead, "UTF-8", 0},
+    {"UpToALegacyLetter", ascii(kHead) + kWord, kHead + 3, "windows-1252", 0},
+};
+
+class InputTextPart : public testing::TestWithParam<PartCase> {};
+
+TEST_P(InputTextPart, AloneDecidesAboutTheEncoding) {
+  const PartCase& row = GetParam();
+  DetectSettings settings;
+  if (row.ill_formed > 0 || row.bytes == kReplaced) settings.encoding = "UTF-8";
+  for (const std::size_t units : {row.length + 1, kPrefixUnits, 8 * kPrefixUnits}) {
+    InputText input(FileContent{row.bytes}, settings);
+    input.prefix(units);
+    if (!input.confirm_encoding(row.length)) {
+      input.prefix(units);
+      EXPECT_TRUE(input.confirm_encoding(row.length));
+    }
+    EXPECT_EQ(input.encoding().name, row.encoding) << units;
+    EXPECT_EQ(input.ill_formed_parts(), row.ill_formed) << units;
+  }
 }
+
+INSTANTIATE_TEST_SUITE_P(Table, InputTextPart, testing::ValuesIn(kParts), ByRule());
 
 // --- from memory --------------------------------------------------------------------------------
-
-std::u16string sample_of(const InputText& input) {
-  return {input.sample().data, input.sample().length};
-}
 
 TEST(InputTextFromMemory, IsReadAsAFileIs) {
   const TempFolder folder;
   const DetectSettings settings;
   for (const RestCase& row : kRests) {
     const std::string bytes = ascii(row.head) + row.rest;
-    const InputText of_file(folder.file("t", bytes), settings);
-    const InputText of_bytes(FileContent{bytes}, settings);
+    InputText of_file(folder.file("t", bytes), settings);
+    InputText of_bytes(FileContent{bytes}, settings);
+    EXPECT_TRUE(settled_text(of_bytes) == settled_text(of_file)) << row.rule;
     EXPECT_EQ(of_bytes.encoding().name, of_file.encoding().name) << row.rule;
     EXPECT_EQ(of_bytes.encoding().confidence, of_file.encoding().confidence) << row.rule;
     EXPECT_EQ(of_bytes.ill_formed_parts(), of_file.ill_formed_parts()) << row.rule;
-    EXPECT_TRUE(sample_of(of_bytes) == sample_of(of_file)) << row.rule;
   }
 }
 
 TEST(InputTextFromMemory, IsUnpackedUnlessItIsPlain) {
   const DetectSettings settings;
   const std::string packed = gzip_of("1,2\n");
-  EXPECT_TRUE(sample_of(InputText(FileContent{packed}, settings)) == u"1,2\n");
-  EXPECT_FALSE(sample_of(InputText(PlainBytes{packed}, settings)) == u"1,2\n");
+  InputText unpacked(FileContent{packed}, settings);
+  InputText plain(PlainBytes{packed}, settings);
+  EXPECT_TRUE(settled_text(unpacked) == u"1,2\n");
+  EXPECT_FALSE(settled_text(plain) == u"1,2\n");
 }
 
 // --- failures -----------------------------------------------------------------------------------

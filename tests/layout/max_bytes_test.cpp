@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -36,6 +37,8 @@ std::string repeated(std::string_view piece, std::size_t bytes) {
   all.resize(bytes - bytes % piece.size());
   return all;
 }
+
+constexpr auto kAllLines = std::numeric_limits<unsigned long>::max();
 
 // The message of the FileError; empty when there was an answer.
 std::string problem_with(const std::string& path, const DetectSettings& settings) {
@@ -195,6 +198,7 @@ TEST_P(OrdinaryFile, IsAnsweredByDefaultWithTheLargestSample) {
   const TempFolder folder;
   DetectSettings settings;
   settings.encoding = row.encoding;
+  settings.num_lines = kAllLines;
   for (const std::size_t lines : {kLines, kLines + 100'000}) {
     const std::string bytes = repeated(row.line, lines * row.line.size());
     for (const std::string& path :
@@ -212,10 +216,22 @@ TEST(MaxBytes, OfTheSizeOfTheFileAreEnough) {
   const std::string bytes = repeated("12,abcd\n", 800'000);
   const std::string path = folder.file("t", bytes);
   DetectSettings settings;
+  settings.num_lines = kAllLines;
   settings.max_bytes = bytes.size();
   EXPECT_EQ(detect_layout(path, settings).characters_sampled, bytes.size());
   settings.max_bytes = bytes.size() - 1;
   EXPECT_EQ(problem_with(path, settings), too_many(path, bytes.size() - 1));
+}
+
+// Of a large file only the beginning is needed, unless its lines are longer than that.
+TEST(MaxBytes, NeedNotReachThePartThatNoLineIsTakenFrom) {
+  const TempFolder folder;
+  const std::string path = folder.file("t", repeated("12,abcd\n", 800'000));
+  DetectSettings settings;
+  settings.max_bytes = 200'000;
+  EXPECT_EQ(detect_layout(path, settings).characters_sampled, 800U);
+  const std::string endless = folder.file("endless", std::string(800'000, 'x'));
+  EXPECT_EQ(problem_with(endless, settings), too_many(endless, settings.max_bytes));
 }
 
 // A prefix is looked at for the encoding first.
@@ -234,6 +250,7 @@ TEST(MaxBytes, AreNotUsedUpByASecondReading) {
   const TempFolder folder;
   const std::string bytes = repeated("12,abcd\n", 200'000) + "caf\xE9,caf\xE9\n";
   DetectSettings settings;
+  settings.num_lines = kAllLines;
   settings.max_bytes = bytes.size();
   EXPECT_EQ(detect_layout(folder.file("t", bytes), settings).encoding, "windows-1252");
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <new>
 #include <ostream>
@@ -69,6 +70,11 @@ DetectSettings in_utf8() {
   return settings;
 }
 
+DetectSettings with_all_lines(DetectSettings settings = {}) {
+  settings.num_lines = std::numeric_limits<unsigned long>::max();
+  return settings;
+}
+
 std::string long_table(std::size_t bytes) {
   std::string text;
   text.reserve(bytes + 8);
@@ -90,12 +96,13 @@ TEST(DetectionFromAFaultyDevice, IsTheSameWithShortReads) {
 
 TEST(DetectionFromAFaultyDevice, IsTheSameWithShortReadsOfALongFile) {
   const std::string bytes = long_table(3 * TextStream::kBufferUnits);
-  const std::string expected = undisturbed_answer(bytes);
+  FaultyDevice sound(bytes);
+  const std::string expected = answer_from(sound, with_all_lines());
   for (const std::size_t most :
        {1'000U, 4'095U, 4'096U, 65'534U, 65'535U, 65'536U, 65'537U, 131'072U}) {
     FaultyDevice device(bytes);
     device.shorten_reads(most);
-    EXPECT_EQ(answer_from(device), expected) << most;
+    EXPECT_EQ(answer_from(device, with_all_lines()), expected) << most;
   }
 }
 
@@ -158,14 +165,25 @@ class DetectionFromALongFaultyDevice : public testing::TestWithParam<PlaceCase> 
 TEST_P(DetectionFromALongFaultyDevice, IsAnError) {
   FaultyDevice device(long_table(3 * TextStream::kBufferUnits));
   device.fail_reads_at(GetParam().place, EIO);
-  EXPECT_EQ(error_from(device), message(EIO));
+  EXPECT_EQ(error_from(device, with_all_lines()), message(EIO));
   EXPECT_EQ(device.open_streams(), 0U);
 }
 
 TEST_P(DetectionFromALongFaultyDevice, IsAnErrorEvenIfTheFailureIsTemporary) {
   FaultyDevice device(long_table(3 * TextStream::kBufferUnits));
   device.fail_reads_at(GetParam().place, EIO, 1);
-  EXPECT_EQ(error_from(device, in_utf8()), message(EIO));
+  EXPECT_EQ(error_from(device, with_all_lines(in_utf8())), message(EIO));
+}
+
+// What follows the first buffer is not read for a hundred lines.
+TEST_P(DetectionFromALongFaultyDevice, IsTheSameWhereNoLineIsNeeded) {
+  const std::string bytes = long_table(3 * TextStream::kBufferUnits);
+  FaultyDevice device(bytes);
+  device.fail_reads_at(GetParam().place, EIO);
+  const bool is_read = GetParam().place <= TextStream::kBufferUnits;
+  EXPECT_EQ(error_from(device), is_read ? message(EIO) : "");
+  if (is_read) return;
+  EXPECT_EQ(answer_from(device), undisturbed_answer(bytes));
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, DetectionFromALongFaultyDevice, testing::ValuesIn(kPlaceCases),

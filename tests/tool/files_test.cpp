@@ -222,6 +222,7 @@ std::string with_wrong_byte(std::string bytes, std::size_t from_end) {
   return bytes;
 }
 
+const char* const kAllLines = "1000000";
 const char* const kTooEarly = "the compressed data end too early";
 const char* const kDamaged = "the compressed data are damaged";
 
@@ -241,7 +242,7 @@ const BadFile kBadFiles[] = {
     {"GzipOfWrongChecksum", with_wrong_byte(gzip_of(kTable), 8), kDamaged},
     {"GzipOfWrongLength", with_wrong_byte(gzip_of(kTable), 1), kDamaged},
     {"LongGzipOfWrongChecksum", with_wrong_byte(gzip_of(long_table()), 8), kDamaged},
-    {"OtherBytesBehindGzip", gzip_of(kTable) + kTable, kDamaged},
+    {"OtherBytesAfterGzip", gzip_of(kTable) + kTable, kDamaged},
     {"ZstdMagicAlone", "\x28\xB5\x2F\xFD", kTooEarly},
     {"ZstdCutOff", cut(zstd_of(kTable), 1), kTooEarly},
     {"LongZstdCutInHalf", cut(zstd_of(long_table()), 100'000), kTooEarly},
@@ -270,12 +271,23 @@ class ToolBadFile : public testing::TestWithParam<BadFile> {
 TEST_P(ToolBadFile, IsNamedWithTheReason) {
   const TempFolder folder;
   const std::string path = folder.file("table.gz", GetParam().bytes);
-  expect_complaint(vltext({path}), path);
-  expect_complaint(vltext({"--encoding", "UTF-8", path}), path);
-  expect_complaint(vltext({"-"}, GetParam().bytes), "-");
-  expect_complaint(vltext_with_a_pipe({"-"}, GetParam().bytes), "-");
+  const std::string& bytes = GetParam().bytes;
+  expect_complaint(vltext({"--lines", kAllLines, path}), path);
+  expect_complaint(vltext({"--lines", kAllLines, "--encoding", "UTF-8", path}), path);
+  expect_complaint(vltext({"--lines", kAllLines, "-"}, bytes), "-");
+  expect_complaint(vltext_with_a_pipe({"--lines", kAllLines, "-"}, bytes), "-");
 }
 INSTANTIATE_TEST_SUITE_P(Table, ToolBadFile, testing::ValuesIn(kBadFiles), ByRule());
+
+TEST(ToolDamagedFile, IsReadUpToTheLastLineThatIsNeeded) {
+  const TempFolder folder;
+  const std::string sound = folder.file("sound.gz", gzip_of(long_table()));
+  const std::string damaged = folder.file("damaged.gz", cut(gzip_of(long_table()), 1));
+  const CommandResult result = vltext({damaged});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.out.substr(damaged.size()), vltext({sound}).out.substr(sound.size()));
+}
 
 // Its parent folder cannot be entered. The superuser can, so the program runs as another user then.
 TEST(ToolClosedFolder, IsNamedWithTheReason) {

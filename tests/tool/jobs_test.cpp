@@ -259,7 +259,7 @@ class LimitedMemory {
  public:
   LimitedMemory() {
     std::string line;
-    for (std::size_t i = 0; i < 250'000; ++i) line += "1,";
+    for (std::size_t i = 0; i < 500'000; ++i) line += "1,";
     for (std::size_t i = 0; i < 4; ++i) {
       paths_.push_back(folder_.file(std::to_string(i), line + std::to_string(i) + "\n2,3\n"));
     }
