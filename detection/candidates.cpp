@@ -207,14 +207,14 @@ class CandidateBuilder {
       return;
     }
     record(*aligned.strategy, CandidateFate::made_fixed_width);
-    add_fixed_width(widths, begin, sample.size());
+    add_fixed_width(widths, begin, sample);
   }
 
   void add_fixed_width(const std::vector<unsigned long>& widths, std::size_t header_lines,
-                       std::size_t num_lines) {
+                       const DrawnSample& aligned) {
     const auto fixed = std::make_shared<FixedWidthStrategy>(input_.options, widths);
     fixed->header_lines(header_lines);
-    Candidate candidate = valued(fixed, samples_.draw(*fixed, num_lines));
+    Candidate candidate = valued(fixed, samples_.draw_like(aligned, *fixed));
     record(*fixed, CandidateFate::kept);
     keep(std::move(candidate));
   }

@@ -30,18 +30,23 @@ Candidate valued(std::shared_ptr<Strategy> strategy, DrawnSample sample) {
 }
 
 DrawnSample SampleStore::draw(Strategy& strategy, unsigned long num_lines) {
-  return draw(strategy, strategy.most_texts(num_lines), {});
+  return draw_within({strategy.most_texts(num_lines)}, strategy);
 }
 
 DrawnSample SampleStore::draw_past_blanks(Strategy& strategy) {
-  return draw(strategy, strategy.most_texts(num_lines_), blank_runs_);
+  SampleLimits limits{strategy.most_texts(num_lines_)};
+  limits.blank_runs = blank_runs_;
+  return draw_within(limits, strategy);
 }
 
-DrawnSample SampleStore::draw(Strategy& strategy, std::size_t most_texts,
-                              std::span<const BlankRun> blank_runs) {
-  SampleLimits limits{most_texts};
+DrawnSample SampleStore::draw_like(const DrawnSample& other, Strategy& strategy) {
+  SampleLimits limits{strategy.most_texts(other.size())};
+  limits.takes_last_comments = ends_at(text_, other.found.end);
+  return draw_within(limits, strategy);
+}
+
+DrawnSample SampleStore::draw_within(SampleLimits limits, Strategy& strategy) {
   limits.likely_lines = likely_lines_;
-  limits.blank_runs = blank_runs;
   DrawnSample sample = strategy.draw(text_, limits);
   likely_lines_ = sample.texts.size();
   reached_end_ = reached_end_ || sample.found.reached_end;
@@ -74,7 +79,7 @@ void SampleStore::keep_or_drop(Candidate& candidate) {
 // The limit is the same, so the sample ends at the same place.
 void SampleStore::restore(Candidate& candidate) {
   if (!candidate.most_texts) return;
-  candidate.sample = draw(*candidate.strategy, *candidate.most_texts, {});
+  candidate.sample = draw_within({*candidate.most_texts}, *candidate.strategy);
   candidate.counts = SampleCut(*candidate.strategy, candidate.sample).take_counts();
   candidate.most_texts.reset();
 }

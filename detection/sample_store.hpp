@@ -54,6 +54,10 @@ class SampleStore {
   DrawnSample draw(Strategy& strategy) { return draw(strategy, num_lines_); }
   DrawnSample draw(Strategy& strategy, unsigned long num_lines);
 
+  // A sample of the lines of `other`, which another strategy has drawn. If it reached the end of the
+  // text, so does this one: comments after the last line belong to it.
+  DrawnSample draw_like(const DrawnSample& other, Strategy& strategy);
+
   // The same, for a strategy that has the same blank lines as the remembered sample.
   DrawnSample draw_past_blanks(Strategy& strategy);
   void remember_blanks(const DrawnSample& sample);
@@ -71,8 +75,7 @@ class SampleStore {
   bool reached_end() const { return reached_end_; }
 
  private:
-  DrawnSample draw(Strategy& strategy, std::size_t most_texts,
-                   std::span<const BlankRun> blank_runs);
+  DrawnSample draw_within(SampleLimits limits, Strategy& strategy);
 
   const Field text_;
   const unsigned long num_lines_;

@@ -76,6 +76,7 @@ class Sampler {
     while (!ends_at(text_, pos_) && sample_.texts.size() < limits_.num_texts && room() > 0) {
       if (!take_known_blanks()) take_line();
     }
+    if (limits_.takes_last_comments) take_comments();
     return finish();
   }
 
@@ -99,6 +100,14 @@ class Sampler {
       case SampleLineKind::text:
         take_text(line);
         break;
+    }
+  }
+
+  void take_comments() {
+    while (!ends_at(text_, pos_)) {
+      const SplitLine line = lines_->line_at(pos_);
+      if (kind_of(line.extent.field, test_) != SampleLineKind::comment) return;
+      add(SampleLineKind::comment, 1, line.extent.next);
     }
   }
 

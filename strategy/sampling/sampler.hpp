@@ -76,6 +76,9 @@ struct SampleLimits {
   // Runs of lines that are known to be blank for this strategy as well, provided that it starts a
   // line where such a run begins.
   std::span<const BlankRun> blank_runs = {};
+
+  // Whether comments directly after the last text line belong to the sample.
+  bool takes_last_comments = false;
 };
 
 // Adds `num_lines` lines, fewer than 2^32, to the last run if it is of the same kind and has room

@@ -284,6 +284,26 @@ TEST(KnownBlanksUnits, AreThoseOfLongRunsAlone) {
   EXPECT_EQ(units, u"\t\n ");
 }
 
+// --- samples of the same lines ---------------------------------------------------------------------
+
+// A budget of two lines is used up before the comments.
+TEST(SampleStoreDrawLike, TakesTheCommentsAtTheEndIfTheOtherSampleDid) {
+  parser::options options;
+  options.comment_style = {u"#"};
+  const ExactText text(u"aa\nbb\n#x\n#y\n");
+  SpaceAlignedStrategy aligned(options);
+  FixedWidthStrategy fixed(options, {2});
+  fixed.header_lines(0);
+  SampleStore all(text.field(), 100);
+  const DrawnSample whole = all.draw_like(all.draw(aligned), fixed);
+  EXPECT_EQ(lines_of(whole), (Texts{u"aa", u"bb"}));
+  EXPECT_EQ(whole.found.end, text.size());
+  SampleStore few(text.field(), 2);
+  const DrawnSample part = few.draw_like(few.draw(aligned), fixed);
+  EXPECT_EQ(lines_of(part), (Texts{u"aa", u"bb"}));
+  EXPECT_EQ(part.found.end, 6U);
+}
+
 // --- whether a sample depends on where the text ends ----------------------------------------------
 
 struct EndCase {
