@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <vltextstream/scoring/datatype_code.hpp>
@@ -9,20 +10,8 @@
 namespace textio::testing_support {
 
 inline std::string name_of(DatatypeCode code) {
-  switch (code) {
-    case DatatypeCode::number:
-      return "number";
-    case DatatypeCode::text:
-      return "text";
-    case DatatypeCode::datetime:
-      return "datetime";
-    case DatatypeCode::empty:
-      return "empty";
-    case DatatypeCode::date:
-      return "date";
-    case DatatypeCode::duration:
-      return "duration";
-  }
+  const std::string_view name = to_string(code);
+  if (!name.empty()) return std::string(name);
   return "no code: " + std::to_string(static_cast<unsigned>(code));
 }
 
