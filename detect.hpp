@@ -76,7 +76,7 @@ struct VLTEXTSTREAM_EXPORT Known {
   // The characters that count as white space around fields; otherwise space, backspace and tab.
   std::optional<std::string> whitespace = std::nullopt;
 
-  // The encoding, by any name that ICU knows. detect_text does not use it.
+  // The encoding, by any name that ICU knows; others are refused. detect_text does not use it.
   std::optional<std::string> encoding = std::nullopt;
 
   // The locale of the dates, such as "de_DE", whose names of months and days count beside English.
@@ -85,8 +85,9 @@ struct VLTEXTSTREAM_EXPORT Known {
   // Data lines to sample, 1 to 4,194,304; otherwise 100.
   std::optional<std::size_t> lines_to_sample = std::nullopt;
 
-  // The most bytes to read for the sample, before and after decompression; otherwise 67,108,864.
-  // Only bytes that give no characters, such as endless shift sequences, need so many.
+  // The most bytes to read, before and after decompression; otherwise 67,108,864. Only bytes that give
+  // no characters, such as endless shift sequences, need so many. A look at a file may take the bytes
+  // of 262,144 characters even if few lines are sampled. detect_text does not use it.
   std::optional<std::uint64_t> max_bytes = std::nullopt;
 };
 

@@ -66,9 +66,10 @@ void SampleStore::remember_blanks(const DrawnSample& sample) {
 }
 
 void SampleStore::keep_or_drop(Candidate& candidate) {
-  const std::size_t lines = candidate.sample.texts.size();
-  if (lines <= room_ || !can_be_drawn_again(candidate)) {
-    room_ -= std::min(lines, room_);
+  const std::size_t entries = candidate.sample.texts.size() + candidate.sample.found.runs.size() +
+                              candidate.counts.runs().size();
+  if (entries <= room_ || !can_be_drawn_again(candidate)) {
+    room_ -= std::min(entries, room_);
     return;
   }
   candidate.most_texts = candidate.sample.most_texts;

@@ -43,24 +43,24 @@ Candidate valued(std::shared_ptr<Strategy> strategy, DrawnSample sample);
 
 class SampleStore {
  public:
-  // The largest number of text lines in all samples that are kept, unless a smaller number is
-  // given.
-  static constexpr std::size_t kMostLines = 2'097'152;
+  // The most entries in all samples that are kept, unless fewer are given. A text line is an entry,
+  // and so is a run of lines of one kind or of lines with equal numbers of fields.
+  static constexpr std::size_t kMostEntries = 2'097'152;
 
-  SampleStore(const Field& text, unsigned long num_lines, std::size_t most_lines = kMostLines)
-      : text_(text), num_lines_(num_lines), room_(most_lines) {}
+  SampleStore(const Field& text, unsigned long num_lines, std::size_t most_entries = kMostEntries)
+      : text_(text), num_lines_(num_lines), room_(most_entries) {}
 
   // A sample of the text, with as many data lines as the selection examines or with `num_lines`.
   DrawnSample draw(Strategy& strategy) { return draw(strategy, num_lines_); }
   DrawnSample draw(Strategy& strategy, unsigned long num_lines);
 
-  // A sample of the lines of `other`, which another strategy has drawn. If it reached the end of the
-  // text, so does this one: comments after the last line belong to it.
-  DrawnSample draw_like(const DrawnSample& other, Strategy& strategy);
-
   // The same, for a strategy that has the same blank lines as the remembered sample.
   DrawnSample draw_past_blanks(Strategy& strategy);
   void remember_blanks(const DrawnSample& sample);
+
+  // A sample of the lines of `other`, which another strategy has drawn. If it reached the end of the
+  // text, so does this one: comments after the last line belong to it.
+  DrawnSample draw_like(const DrawnSample& other, Strategy& strategy);
 
   // The distinct code units of the remembered blank lines and their line endings.
   const std::u16string& blank_units() const { return blank_units_; }
@@ -79,7 +79,7 @@ class SampleStore {
 
   const Field text_;
   const unsigned long num_lines_;
-  std::size_t room_;  // for this many more text lines
+  std::size_t room_;  // for this many more entries
   bool reached_end_ = false;
 
   // The number of lines of the last sample. All strategies find about the same number of lines in

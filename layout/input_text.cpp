@@ -23,13 +23,17 @@ namespace {
 // The part of a file that is searched for its encoding.
 constexpr std::size_t kHeadBytes = 65'536;
 
+// At least this many characters must agree with the encoding, whatever was sampled: as many as the
+// stream loads for the first prefix.
+constexpr std::size_t kEvidenceUnits = 131'072;
+
 // Memory that runs out is no error of the input.
 [[noreturn]] void refuse(const char* action, const std::string& name, int error) {
   if (error == ENOMEM) throw std::bad_alloc();
   const std::string problem =
       error == kTooManyBytes
           ? fmt::format(
-                "a sample of it takes more than {} bytes, before or after decompression; the limit "
+                "a look at it takes more than {} bytes, before or after decompression; the limit "
                 "is max_bytes (--max-bytes)",
                 read_limit())
           : read_problem(error);
@@ -121,7 +125,6 @@ InputText::InputText(FileContent content, const DetectSettings& settings)
 
 InputText::InputText(PlainBytes text, const DetectSettings& settings)
     : name_("the text"), settings_(settings) {
-  const ReadLimitScope limit(settings.max_bytes);
   errno = 0;
   read(File(as_c_stream(std::make_unique<MemoryBytes>(text.bytes))));
 }
@@ -154,12 +157,22 @@ TextPrefix InputText::prefix(std::size_t units) {
 
 bool InputText::confirm_encoding(std::size_t length) {
   const ReadLimitScope limit(settings_.max_bytes);
-  const std::u16string_view characters(stream_->window_begin(), length);
-  ill_formed_parts_ = ill_formed_among(characters);
-  if (encoding_.found != EncodingFound::valid_utf8 || ill_formed_parts_ == 0) return true;
+  const std::u16string_view evidence = first_characters(std::max(length, kEvidenceUnits));
+  ill_formed_parts_ = ill_formed_among(evidence.substr(0, length));
+  if (encoding_.found != EncodingFound::valid_utf8) return true;
+  const std::size_t contradictions = ill_formed_among(evidence);
+  if (contradictions == 0) return true;
   if (source_->getPos() >= 0 && is_other_past_the_head()) return false;
-  doubt_utf8(characters);
+  doubt_utf8(evidence, contradictions);
   return true;
+}
+
+// The first `most` characters of the text; fewer if it ends before.
+std::u16string_view InputText::first_characters(std::size_t most) const {
+  const bool is_full = stream_->at(most - 1) != TextStream::kEnd;
+  refuse_read_errors();
+  const std::size_t length = is_full ? most : stream_->find_first_pos_of(TextStream::kEnd, 0);
+  return {stream_->window_begin(), length};
 }
 
 // The converter counts what it has decoded for all that is loaded. Of the characters at the start of
@@ -192,11 +205,11 @@ bool InputText::is_other_past_the_head() {
 }
 
 // UTF-8 except for some parts: the more characters above 127 it has, the surer.
-void InputText::doubt_utf8(std::u16string_view characters) {
+void InputText::doubt_utf8(std::u16string_view characters, std::size_t contradictions) {
   const auto above_ascii = std::count_if(characters.begin(), characters.end(), [](char16_t unit) {
     return unit > 0x7F || unit == kFoldedCharacter;
   });
-  const double parts = static_cast<double>(ill_formed_parts_);
+  const auto parts = static_cast<double>(contradictions);
   encoding_.found = EncodingFound::statistics;
   encoding_.confidence =
       std::max(0.0, 1.0 - parts / std::max(parts, static_cast<double>(above_ascii)));

@@ -51,7 +51,7 @@ class InputText {
   const TextStream& text() const { return *stream_; }
 
   // Settles the encoding for an answer that rests on the first `length` characters of the last
-  // prefix. False when these prove another encoding than the one that was found in the first bytes:
+  // prefix. False when these or the first 131,072 prove another encoding than the one that was found in the first bytes:
   // then the text is decoded anew, and the answer must be found again. Otherwise the text can no
   // longer be read. The second call is always true.
   bool confirm_encoding(std::size_t length);
@@ -72,7 +72,8 @@ class InputText {
   void refuse_read_errors() const;
   std::size_t ill_formed_among(std::u16string_view characters);
   bool is_other_past_the_head();
-  void doubt_utf8(std::u16string_view characters);
+  void doubt_utf8(std::u16string_view characters, std::size_t contradictions);
+  std::u16string_view first_characters(std::size_t most) const;
 
   std::string name_;  // of the input, in messages
   const DetectSettings& settings_;

@@ -57,13 +57,14 @@ struct VLTEXTSTREAM_EXPORT Layout {
 
   // The encoding, how it was found, and how sure it is: 1 when it was given, marked or proved, 0
   // when there was no evidence, otherwise the likelihood that it reads the text correctly.
-  // docs/encodings.md has measurements.
+  // docs/encodings.md has measurements. What follows the first 131,072 characters and the sampled
+  // ones is not examined.
   std::string encoding;
   EncodingFound encoding_found = EncodingFound::none;
   double encoding_confidence = 0.0;
 
   // Ill-formed parts among the sampled characters, each decoded as one U+FFFD. Those that follow do
-  // not count, and the encoding is not compared with them.
+  // not count.
   std::size_t ill_formed_parts = 0;
 
   // The first line ending, if there is one.

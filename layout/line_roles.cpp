@@ -10,7 +10,7 @@ namespace {
 
 using Run = SampledTable::Run;
 
-// The first place behind `index`, `end` at most, at which another role may begin.
+// The first place after `index`, at most `end`, at which another role may begin.
 std::size_t end_of_role(std::size_t index, std::size_t end, const SampledTable& table,
                         const VariableNames& names) {
   const auto stop_at = [&](std::size_t place) {

@@ -1,8 +1,6 @@
-// The lines are found again where they were sampled. A walk over line endings, whatever stands
-// around them, counts the lines of the text, and most lines of a table are lines of the text: where
-// one of those ends as the next line that was kept does, that is it. The strategy is asked for the
-// others: records with line endings inside quotes, which take several lines, comments and lines of
-// blanks. What it kept tells a line from a comment.
+// The runs of the sample say which lines there are; a walk over the line endings of the text numbers
+// them. As a rule a sampled line is one line of the text. The strategy is asked again only for blank
+// lines and comments that may span several.
 #include <vltextstream/layout/sampled_table.hpp>
 
 #include <algorithm>

@@ -51,7 +51,7 @@ VLTEXTSTREAM_EXPORT std::size_t skip_to_data(std::size_t h,
                                              const std::vector<std::size_t>& empty_lines,
                                              const std::vector<std::size_t>& line_counts);
 
-// The same, with the empty lines of `line_counts`.
+// The same with the empty lines of `line_counts`, except that a number which wraps around is 0.
 std::size_t skip_to_data(std::size_t h, const LineCounts& line_counts);
 
 }  // namespace textio

@@ -122,8 +122,8 @@ class VLTEXTSTREAM_EXPORT Strategy {
   std::unique_ptr<LineCursor> lines_of(const Field& text) const;
 
   // Appends the fields of one line to `fields`, all or none. A fixed-width strategy continues with
-  // the column after that of the last field it cut. Throws std::invalid_argument if the line
-  // contains a line ending at which a field would end.
+  // the column after that of the last field it cut. Throws std::invalid_argument if a field of a
+  // delimited or space-aligned line would end at a line ending inside the line.
   void cut_line(const Field& line, std::vector<Field>& fields);
 
   // The fields of a single line. A fixed-width strategy starts at its first column, and its current

@@ -3,7 +3,9 @@
 #include <vltextstream/strategy/sampling/sampler.hpp>
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
+#include <limits>
 #include <memory>
 #include <span>
 #include <utility>
@@ -119,7 +121,8 @@ class Sampler {
 
   // Nothing replaces empty lines here; otherwise the previous line would not have been blank.
   void take_empty_lines() {
-    const EmptyLines more = lines_->empty_lines_at(pos_, room());
+    constexpr std::size_t kMostOfARun = std::numeric_limits<std::uint32_t>::max();
+    const EmptyLines more = lines_->empty_lines_at(pos_, std::min(room(), kMostOfARun));
     if (more.count > 0) add(SampleLineKind::blank, more.count, more.next);
   }
 

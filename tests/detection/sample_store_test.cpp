@@ -85,10 +85,17 @@ class SampleKept : public testing::TestWithParam<KeptCase> {
     EXPECT_EQ(candidate.counts.to_vector(), GetParam().counts);
   }
 
-  // The number of text lines; there is always room for blank lines.
-  std::size_t num_texts() const {
+  // The text lines, the runs of texts and blank lines, and those of equal numbers of fields.
+  std::size_t num_entries() const {
     const Counts& counts = GetParam().counts;
-    return counts.size() - static_cast<std::size_t>(std::count(counts.begin(), counts.end(), 0U));
+    std::size_t entries = 0;
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+      const bool begins = i == 0;
+      if (counts[i] > 0) ++entries;
+      if (begins || (counts[i] == 0) != (counts[i - 1] == 0)) ++entries;
+      if (begins || counts[i] != counts[i - 1]) ++entries;
+    }
+    return entries;
   }
 
   parser::options options_;
@@ -97,7 +104,7 @@ class SampleKept : public testing::TestWithParam<KeptCase> {
 };
 
 TEST_P(SampleKept, IsKeptIfThereIsRoom) {
-  SampleStore samples(text_.field(), GetParam().num_lines, num_texts());
+  SampleStore samples(text_.field(), GetParam().num_lines, num_entries());
   Candidate candidate = valued_by(samples, strategy_);
   samples.keep_or_drop(candidate);
   expect_sample(candidate);
@@ -107,7 +114,7 @@ TEST_P(SampleKept, IsKeptIfThereIsRoom) {
 }
 
 TEST_P(SampleKept, IsDroppedWithoutRoomAndDrawnAgain) {
-  SampleStore samples(text_.field(), GetParam().num_lines, num_texts() - 1);
+  SampleStore samples(text_.field(), GetParam().num_lines, num_entries() - 1);
   Candidate candidate = valued_by(samples, strategy_);
   const std::size_t end = candidate.sample.found.end;
   samples.keep_or_drop(candidate);
@@ -148,7 +155,7 @@ TEST(SampleStoreKeepOrDrop, KeepsASampleThatIsNewerThanTheValuation) {
 TEST(SampleStoreKeepOrDrop, CountsTheLinesOfAllKeptSamples) {
   const parser::options options;
   const ExactText text(u"a,b\n1,2\n");
-  SampleStore samples(text.field(), 100, 3);
+  SampleStore samples(text.field(), 100, 7);  // each has four entries
   Candidate first = valued_by(samples, commas(options));
   samples.keep_or_drop(first);
   Candidate second = valued_by(samples, commas(options));

@@ -138,7 +138,8 @@ const PartCase kParts[] = {
     {"WithAReplacementOfTheFile", kReplaced, 2, "UTF-8", 0},
     {"WithTheDamage", kReplaced, 3, "UTF-8", 1},
     {"BeforeMoreDamage", kReplaced + ascii(kHead) + "\xC3!", kReplaced.size(), "UTF-8", 1},
-    {"BeforeALegacyWord", ascii(kHead) + kWord, kHead, "UTF-8", 0},
+    {"BeforeALegacyWordNearTheStart", ascii(kHead) + kWord, kHead, "windows-1252", 0},
+    {"BeforeALegacyWordFarFromIt", ascii(2 * kHead) + kWord, kHead, "UTF-8", 0},
     {"UpToALegacyLetter", ascii(kHead) + kWord, kHead + 3, "windows-1252", 0},
 };
 

@@ -51,7 +51,7 @@ std::string problem_with(const std::string& path, const DetectSettings& settings
 }
 
 std::string too_many(const std::string& path, std::uint64_t max_bytes) {
-  return "cannot read '" + path + "': a sample of it takes more than " + std::to_string(max_bytes) +
+  return "cannot read '" + path + "': a look at it takes more than " + std::to_string(max_bytes) +
          " bytes, before or after decompression; the limit is max_bytes (--max-bytes)";
 }
 

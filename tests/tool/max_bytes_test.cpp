@@ -24,7 +24,7 @@ CommandResult vltext(const std::vector<std::string>& arguments) {
 }
 
 std::string too_many(const std::string& file, const std::string& limit) {
-  return "vltext: cannot read '" + file + "': a sample of it takes more than " + limit +
+  return "vltext: cannot read '" + file + "': a look at it takes more than " + limit +
          " bytes, before or after decompression; the limit is max_bytes (--max-bytes)\n";
 }
 

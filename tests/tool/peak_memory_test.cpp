@@ -50,9 +50,20 @@ TEST(ToolPeak, OfTheWidestFileIsBounded) {
 // Every second line is blank, so the JSON names each line: 370 MB.
 TEST(ToolPeak, OfTheLongestAnswerIsBounded) {
   const TempFolder folder;
+  for (const char* const line : {"1\n\n", ",\n\n", ",;\n\n"}) {
+    std::string text;
+    while (text.size() < 4'194'000) text += line;
+    EXPECT_LE(peak_of({"--json", "--lines", "4000000", folder.file("t", text)}), 400U) << line;
+  }
+}
+
+// Every candidate has a run of lines for each of them.
+TEST(ToolPeak, OfCommentsBetweenBlankLinesIsBounded) {
+  const TempFolder folder;
   std::string text;
-  for (std::size_t i = 0; i < 1'398'000; ++i) text += "1\n\n";
-  EXPECT_LE(peak_of({"--json", "--lines", "4000000", folder.file("t", text)}), 400U);
+  while (text.size() < 4'194'000) text += "#\n\n";
+  for (int i = 0; i < 8; ++i) text += "a;b,c|d:e\tf~!%^&*()_={}[]<>? g\n";
+  EXPECT_LE(peak_of({"--comment-style", "#", folder.file("t", text)}), 400U);
 }
 
 // The JSON of all of them is 136 MB.

@@ -75,7 +75,7 @@ TEST_F(Tool, PutsTheTraceIntoTheJson) {
   const CommandResult result =
       vltext({"--explain", "--json", folder_.file("t.csv", "x,y\n1,a\n2,b\n")});
   const auto document = nlohmann::json::parse(result.out);
-  EXPECT_EQ(document["schema"], 2);
+  EXPECT_EQ(document["schema"], 3);
   const auto& trace = document["files"][0]["trace"];
   EXPECT_EQ(trace["candidate_chars"], ",");
   ASSERT_EQ(trace["candidates"].size(), 1U);
