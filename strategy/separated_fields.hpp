@@ -28,7 +28,7 @@ class SeparatedCutter final : public FieldCutter {
                             std::vector<Field>& fields) override {
     fields_.move_to(line);
     append_fields_of(line, fields, [&](std::size_t pos) {
-      const FieldExtent extent = kFieldAt(fields_, pos);
+      FieldExtent extent = kFieldAt(fields_, pos);
       const bool is_stuck = extent.next == pos && !ends_at(line, pos);
       if (is_stuck) throw std::invalid_argument("a line to be cut holds a line ending");
       return extent;

@@ -35,7 +35,7 @@ class OperationCutter final : public FieldCutter {
                             std::vector<Field>& fields) override {
     std::size_t idle = 0;  // consecutive fields that did not advance
     append_fields_of(line, fields, [&](std::size_t pos) {
-      const FieldExtent extent = strategy_.get_next_field(line, pos);
+      FieldExtent extent = strategy_.get_next_field(line, pos);
       idle = extent.next > pos ? 0 : idle + 1;
       if (idle > kMostIdleFields) throw std::invalid_argument("a line is cut without end");
       return extent;
