@@ -95,8 +95,8 @@ struct VLTEXTSTREAM_EXPORT Layout {
   // All candidates and filters; only on request.
   std::optional<detection::SelectionTrace> trace;
 
-  // Whether the sample holds so many control characters that the bytes are probably no text, but a
-  // program, a picture or an archive. The layout is the one of the text that they were read as.
+  // Whether the sample has more control characters than any text would: the file is probably a
+  // program, a picture or an archive. The layout then describes its bytes decoded as text.
   bool looks_binary = false;
 };
 

@@ -191,15 +191,14 @@ VariableNames find_variable_names(const SampledTable& table) {
             either(units_of(line_above, above), units_of(line_after, after))};
   }
   if (has_names_below_units) {
-    return {NamesSource::line_after_header, "texts stand above values, below the units", below,
-            after};
+    return {NamesSource::line_after_header, "texts above values, below the units", below, after};
   }
   if (line_after.reads_as_names()) {
-    return {NamesSource::line_after_header, "texts stand above values", after,
+    return {NamesSource::line_after_header, "texts above values", after,
             either(units_of(line_below, below), units_of(last_line, last))};
   }
   if (!line_after.exists()) {
-    return {NamesSource::none, "no line stands where names could be", {}, {}};
+    return {NamesSource::none, "no line where names could be", {}, {}};
   }
   const Verdict verdict =
       why_not(line_after, table.classes(), table.line_number(after), below >= table.size());

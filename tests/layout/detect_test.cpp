@@ -127,7 +127,7 @@ TEST(DetectTextMembers, AreThoseOfTheText) {
   EXPECT_EQ(found.names_line, 4U);
   EXPECT_EQ(found.units_line, 5U);
   EXPECT_EQ(found.names_source, NamesSource::line_after_header);
-  EXPECT_EQ(found.names_reason, "texts stand above values");
+  EXPECT_EQ(found.names_reason, "texts above values");
   EXPECT_EQ(found.decided_by, "given");
   EXPECT_EQ(found.line_ending, "\n");
   EXPECT_EQ(found.ragged_lines, 1U);

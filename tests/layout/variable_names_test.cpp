@@ -77,10 +77,10 @@ constexpr auto kOpen = NamesSource::undecided;
 
 constexpr auto kLastNames = "the last header line names every variable";
 constexpr auto kLastButUnits = "the last header line but the units names every variable";
-constexpr auto kAbove = "texts stand above values";
-constexpr auto kAboveBelowUnits = "texts stand above values, below the units";
+constexpr auto kAbove = "texts above values";
+constexpr auto kAboveBelowUnits = "texts above values, below the units";
 constexpr auto kAllText = "every column is text, so line 1 may hold names or values";
-constexpr auto kNoLine = "no line stands where names could be";
+constexpr auto kNoLine = "no line where names could be";
 constexpr auto kAlone = "there is no line below line 1 to compare it with";
 constexpr auto kAlike = "line 1 reads like the lines below it";
 

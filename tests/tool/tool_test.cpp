@@ -42,7 +42,7 @@ TEST_F(Tool, PrintsTheLayoutInWords) {
                             "\n"
                             "  layout          delimited by comma\n"
                             "  header lines    0\n"
-                            "  names           in line 1: texts stand above values\n"
+                            "  names           in line 1: texts above values\n"
                             "  variables       2\n"
                             "               1  number    x\n"
                             "               2  text      y\n"
