@@ -150,7 +150,7 @@ class CandidateBuilder {
  private:
   // Counts and judges every candidate; classifies only those that are kept or traced.
   void add_delimited(char16_t delimiter) {
-    const auto strategy = std::make_shared<DelimitedStrategy>(input_.options, delimiter);
+    const auto strategy = std::make_shared<DelimitedStrategy>(input_.options, list_of(delimiter));
     DrawnSample sample = shares_blank_lines(delimiter) ? samples_.draw_past_blanks(*strategy)
                                                        : samples_.draw(*strategy);
     Trial trial(*strategy, sample);
@@ -219,6 +219,12 @@ class CandidateBuilder {
     keep(std::move(candidate));
   }
 
+  // A list of one delimiter, valid until the next call.
+  const std::vector<std::u16string>& list_of(char16_t delimiter) {
+    delimiters_.front().assign(1, delimiter);
+    return delimiters_;
+  }
+
   // The blank lines of the line reader are the same lines for a strategy, and blank, if they
   // contain neither its delimiter nor a quote.
   bool shares_blank_lines(char16_t delimiter) const {
@@ -263,6 +269,7 @@ class CandidateBuilder {
   SampleStore& samples_;
   SelectionTrace* trace_;
   Candidates candidates_;
+  std::vector<std::u16string> delimiters_{1};
 };
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <vltextstream/layout/input_text.hpp>
 #include <vltextstream/layout/line_roles.hpp>
 #include <vltextstream/layout/sampled_table.hpp>
+#include <vltextstream/layout/text_lines.hpp>
 #include <vltextstream/layout/text_prefix.hpp>
 #include <vltextstream/layout/variable_names.hpp>
 #include <vltextstream/source/memory_text_source.hpp>
@@ -19,7 +20,6 @@
 #include <vltextstream/standalone/decoding/utf_text.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>
 #include <vltextstream/strategy/fixed_width_strategy.hpp>
-#include <vltextstream/strategy/line_reader_strategy.hpp>
 
 namespace textio::standalone {
 namespace {
@@ -28,12 +28,6 @@ using detection::SelectionEnd;
 
 // ---------------------------------------------------------------------------------------------
 // The layout of a text
-
-// The first line as a line reader finds it.
-FieldExtent first_line_of(const Field& text, const parser::options& options) {
-  const LineReaderStrategy reader(options);
-  return reader.lines_of(text)->line_at(0).extent;
-}
 
 // Whether more text could change the first line: a longer line ending may be tried before the one
 // that was found.
@@ -120,10 +114,11 @@ FoundStrategy find_strategy(const Field& text, const DetectSettings& settings, L
   return {std::move(strategy), outcome.reached_end};
 }
 
-void describe_table(Strategy& strategy, const DetectSettings& settings, Layout& layout) {
+void describe_table(Strategy& strategy, const DetectSettings& settings, TextLines& text_lines,
+                    Layout& layout) {
   layout.header_lines = strategy.header_lines();
   describe_separators(strategy, layout);
-  const SampledTable table(strategy, settings);
+  const SampledTable table(strategy, settings, text_lines);
   layout.num_variables = table.num_variables();
   layout.classes = table.classes();
   const VariableNames names = find_variable_names(table);
@@ -136,11 +131,12 @@ std::optional<Layout> layout_of(const TextPrefix& prefix, const DetectSettings& 
   const datetime::DateLocaleScope date_locale(settings.options.date_locale);
   Layout layout;
   const auto [strategy, reached_end] = find_strategy(prefix.text, settings, layout);
-  const FieldExtent first_line = first_line_of(prefix.text, settings.options);
+  TextLines text_lines(prefix.text, settings.options);
+  const FieldExtent first_line = text_lines.line();
   const bool may_change =
       reached_end || first_line_reaches_end(first_line, prefix.text, settings.options);
   if (may_change && !prefix.is_sample) return std::nullopt;
-  describe_table(*strategy, settings, layout);
+  describe_table(*strategy, settings, text_lines, layout);
   layout.line_ending = ending_of(first_line);
   layout.lines_sampled = strategy->lines().size();
   layout.characters_sampled =

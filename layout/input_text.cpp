@@ -44,15 +44,15 @@ constexpr std::size_t kEvidenceUnits = 131'072;
 // reported: the second reading may succeed, and would give another text.
 class Preview {
  public:
-  Preview(std::FILE* file, const std::string& name) : file_(file), name_(name) {}
+  Preview(std::FILE* file, const std::string& name)
+      : file_(file), name_(name), bytes_(std::make_unique_for_overwrite<char[]>(kHeadBytes)) {}
 
-  // The next 64 KB; fewer at the end.
-  std::string read() {
-    std::string bytes(kHeadBytes, '\0');
+  // The next 64 KB; fewer at the end. Valid until the next call.
+  std::string_view read() {
     errno = 0;
-    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file_));
+    const std::size_t size = std::fread(bytes_.get(), 1, kHeadBytes, file_);
     if (std::ferror(file_) != 0) refuse("read", name_, errno != 0 ? errno : EIO);
-    return bytes;
+    return {bytes_.get(), size};
   }
 
   bool is_at_end() const { return std::feof(file_) != 0; }
@@ -65,6 +65,7 @@ class Preview {
  private:
   std::FILE* file_;
   const std::string& name_;
+  const std::unique_ptr<char[]> bytes_;
 };
 
 std::size_t count_of_ascii(std::string_view bytes) {
@@ -77,7 +78,7 @@ std::size_t count_of_ascii(std::string_view bytes) {
 FoundEncoding look_for_encoding(std::FILE* file, const std::string& name) {
   if (std::ftell(file) != 0) return {"UTF-8", EncodingFound::fallback, 0.0};
   Preview preview(file, name);
-  const std::string head = preview.read();
+  const std::string_view head = preview.read();
   preview.go_back();
   return find_encoding(head, head.size() < kHeadBytes);
 }
@@ -94,11 +95,11 @@ FoundEncoding encoding_of(std::FILE* file, const std::string& name,
 // when they begin inside the head, which was examined before.
 FoundEncoding encoding_past_ascii(Preview& preview) {
   bool is_head = true;
-  for (std::string bytes = preview.read(); !bytes.empty(); bytes = preview.read()) {
+  for (std::string_view bytes = preview.read(); !bytes.empty(); bytes = preview.read()) {
     const std::size_t ascii = count_of_ascii(bytes);
     if (ascii < bytes.size() && !is_head) {
-      const std::string region =
-          bytes.substr(ascii - std::min<std::size_t>(ascii, 1)) + preview.read();
+      std::string region(bytes.substr(ascii - std::min<std::size_t>(ascii, 1)));
+      region += preview.read();
       return find_encoding(region, preview.is_at_end());
     }
     if (ascii < bytes.size()) break;
@@ -179,9 +180,10 @@ std::u16string_view InputText::first_characters(std::size_t most) const {
 // the text, those that are U+FFFD may be so in the file. So these are decoded again, where that is
 // possible; it is not for a pipe of which too much was read to go back.
 std::size_t InputText::ill_formed_among(std::u16string_view characters) {
+  const std::size_t loaded = source_->converter()->ill_formed_parts();
+  if (loaded == 0) return 0;
   const auto replaced =
       static_cast<std::size_t>(std::count(characters.begin(), characters.end(), u'\uFFFD'));
-  const std::size_t loaded = source_->converter()->ill_formed_parts();
   const std::size_t most = std::min(loaded, replaced);
   if (most == 0 || source_->getPos() < 0) return most;
   source_->skipFromPos(0, characters.size());

@@ -12,49 +12,9 @@
 #include <vltextstream/scoring/datatype_recognizers.hpp>
 #include <vltextstream/strategy/field_text.hpp>
 #include <vltextstream/strategy/line_cursor.hpp>
-#include <vltextstream/strategy/line_reader_strategy.hpp>
 
 namespace textio::standalone {
 namespace {
-
-// The lines of a text, asked for in ascending order, and their numbers.
-class TextLines {
- public:
-  TextLines(const Field& text, const parser::options& options)
-      : text_(text),
-        reader_(options),
-        lines_(reader_.lines_of(text_)),
-        line_(lines_->line_at(0).extent) {}
-
-  // Goes on to the line that holds position `pos`. Every line has a code unit or a line ending, so
-  // this moves on. It does not pass a U+FFFF.
-  void go_to(std::size_t pos) {
-    while (pos >= line_.next && !ends_at(text_, line_.next)) {
-      line_ = lines_->line_at(line_.next).extent;
-      ++number_;
-    }
-  }
-
-  std::size_t number() const { return number_; }
-
-  // A line to return to.
-  struct Place {
-    FieldExtent line;
-    std::size_t number;
-  };
-  Place place() const { return {line_, number_}; }
-  void return_to(const Place& place) {
-    line_ = place.line;
-    number_ = place.number;
-  }
-
- private:
-  const Field text_;
-  LineReaderStrategy reader_;
-  std::unique_ptr<LineCursor> lines_;
-  FieldExtent line_;
-  std::size_t number_ = 1;
-};
 
 // Where `field` of `text` ends.
 std::size_t end_of(const Field& field, const Field& text) {
@@ -78,12 +38,12 @@ class LineNumbers {
  public:
   using AddLine = std::function<void(const SampledTable::Run&)>;
 
-  LineNumbers(Strategy& strategy, const parser::options& options, AddLine add_line)
+  LineNumbers(Strategy& strategy, TextLines& text_lines, AddLine add_line)
       : strategy_(strategy),
         runs_(strategy.take_sample_runs()),
         text_(strategy.sample().text),
-        skips_blanks_(strategy.dialect().mode == LayoutMode::space_aligned),
-        text_lines_(text_, options),
+        skips_blanks_(strategy.mode() == Strategy::kSpaceAligned),
+        text_lines_(text_lines),
         add_line_(std::move(add_line)) {}
 
   void add_all() {
@@ -156,20 +116,21 @@ class LineNumbers {
   const std::vector<SampleRun> runs_;
   const Field text_;
   const bool skips_blanks_;
-  TextLines text_lines_;
+  TextLines& text_lines_;
   const AddLine add_line_;
 };
 
 }  // namespace
 
-SampledTable::SampledTable(Strategy& strategy, const DetectSettings& settings)
+SampledTable::SampledTable(Strategy& strategy, const DetectSettings& settings,
+                           TextLines& text_lines)
     : strategy_(strategy), options_(settings.options) {
-  find_lines();
+  find_lines(text_lines);
   classes_ = column_classes();
 }
 
-void SampledTable::find_lines() {
-  LineNumbers numbers(strategy_, options_, [this](const Run& lines) { add_lines(lines); });
+void SampledTable::find_lines(TextLines& text_lines) {
+  LineNumbers numbers(strategy_, text_lines, [this](const Run& lines) { add_lines(lines); });
   runs_.reserve(numbers.num_runs());
   numbers.add_all();
 }

@@ -1,6 +1,7 @@
 // SampledTable: the lines that a strategy sampled, their line numbers in the text, and their fields.
 //
-//   SampledTable table(strategy, settings);
+//   TextLines lines(text, settings.options);
+//   SampledTable table(strategy, settings, lines);
 //   table.texts(table.fields(0));    // {u"date", u"level"}
 //   table.line_number(0);            // 6
 //
@@ -16,6 +17,7 @@
 #include <vector>
 
 #include <vltextstream/layout/detect_layout.hpp>
+#include <vltextstream/layout/text_lines.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>
 #include <vltextstream/strategy/field.hpp>
 #include <vltextstream/strategy/strategy.hpp>
@@ -38,7 +40,8 @@ class SampledTable {
     std::size_t count = 0;
   };
 
-  SampledTable(Strategy& strategy, const DetectSettings& settings);
+  // `text_lines` are the lines of the sampled text, at the first one.
+  SampledTable(Strategy& strategy, const DetectSettings& settings, TextLines& text_lines);
 
   // All lines that were looked at, comments included, in the order of the text.
   const std::vector<Run>& runs() const { return runs_; }
@@ -69,7 +72,7 @@ class SampledTable {
   bool is_single_column() const { return strategy_.num_variables() < 0; }
   std::vector<DatatypeCode> column_classes() const;
   DatatypeCode class_of_lines() const;
-  void find_lines();
+  void find_lines(TextLines& text_lines);
   void add_lines(const Run& lines);
 
   Strategy& strategy_;

@@ -18,42 +18,42 @@ constexpr double kMostVariation = 1.0;
 // The first line that may hold data: a header line has one field, a data line has another number.
 // The number of lines if there is none.
 std::size_t first_unlike_header(const LineCounts& counts) {
-  const std::vector<LineCounts::Run>& runs = counts.runs();
+  const std::span<const LineCounts::Run> runs = counts.runs();
   const auto found = std::find_if(runs.begin(), runs.end(),
                                   [](const LineCounts::Run& run) { return run.fields != 1; });
   return found == runs.end() ? counts.size() : found->first;
 }
 
-double data_variation(const std::vector<std::size_t>& diffs, const CountScore& score) {
-  return get_data_variation(diffs, *score.header_lines, score.valuation.total_variation);
+double data_variation(const LineCounts& diffs, const CountScore& score) {
+  return data_variation_of(diffs, *score.header_lines, score.valuation.total_variation);
 }
 
-void find_header_lines(const std::vector<std::size_t>& diffs, std::size_t first,
-                       const HeaderLines& headers, CountScore& score) {
+void find_header_lines(const LineCounts& diffs, std::size_t first, const HeaderLines& headers,
+                       CountScore& score) {
   if (score.header_lines) return;
-  score.header_lines = score.valuation.total_variation == 0.0
-                           ? 0
-                           : detection::get_header_lines(diffs, first, headers.are_space_separated);
+  score.header_lines =
+      score.valuation.total_variation == 0.0
+          ? 0
+          : detection::get_header_lines(diffs.to_vector(), first, headers.are_space_separated);
 }
 
 // If the data varies too much after the detected header, only the first lines count as the header.
-void doubt_header_lines(const std::vector<std::size_t>& diffs, std::size_t first,
-                        CountScore& score) {
+void doubt_header_lines(const LineCounts& diffs, std::size_t first, CountScore& score) {
   if (score.valuation.data_variation > kMostVariation && first < *score.header_lines) {
     score.header_lines = first;
     score.valuation.data_variation = data_variation(diffs, score);
   }
 }
 
-void measure_deviations(const LineCounts& counts, const std::vector<std::size_t>& diffs,
-                        std::size_t first, const HeaderLines& headers, CountScore& score) {
+void measure_deviations(const LineCounts& counts, const LineCounts& diffs, std::size_t first,
+                        const HeaderLines& headers, CountScore& score) {
   StrategyValuation& valuation = score.valuation;
   if (diffs.size() < 2) {
     // Too few lines to measure: given header lines are overridden as well.
     score.header_lines = std::max(skip_to_data(0, counts), first);
     return;
   }
-  valuation.total_variation = get_total_variation(diffs);
+  valuation.total_variation = total_variation_of(diffs);
   find_header_lines(diffs, first, headers, score);
   valuation.data_variation = data_variation(diffs, score);
   if (headers.are_to_be_found) {
@@ -78,7 +78,7 @@ CountScore score_counts(const LineCounts& counts, const HeaderLines& headers,
   score.has_columns = true;
   score.valuation.modal_field_count = static_cast<std::int32_t>(get_modified_median(counts, first));
   if (score.valuation.modal_field_count >= 2) {
-    const auto diffs = get_abs_diffs(counts, score.valuation.modal_field_count);
+    const LineCounts diffs = get_abs_diffs(counts, score.valuation.modal_field_count);
     measure_deviations(counts, diffs, first, headers, score);
   } else if (headers.are_to_be_found) {
     score.header_lines = first;

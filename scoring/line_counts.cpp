@@ -4,16 +4,18 @@
 #include <iterator>
 
 namespace textio {
+namespace {
+
+// Of runs that do not fit into the object, there are seldom more.
+constexpr std::size_t kUsualRuns = 128;
+
+}  // namespace
 
 LineCounts::LineCounts(const std::vector<std::size_t>& counts) {
   for (const std::size_t fields : counts) add(fields);
 }
 
-void LineCounts::add(std::size_t fields, std::size_t num_lines) {
-  if (num_lines == 0) return;
-  if (runs_.empty() || runs_.back().fields != fields) runs_.push_back({size_, fields});
-  size_ += num_lines;
-}
+void LineCounts::grow() { reserve(std::max(kUsualRuns, 2 * runs_.size())); }
 
 std::size_t LineCounts::run_at(std::size_t line) const {
   if (line >= size_) return runs_.size();

@@ -8,11 +8,15 @@
 // blank lines.
 //
 // Units  lines are numbered from 0.
-// Cost   16 bytes for each run of equal numbers.
+// Cost   16 bytes for each run of equal numbers. A few runs, as a regular table has, take no
+//        allocation.
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <vector>
+
+#include <boost/container/small_vector.hpp>
 
 namespace textio {
 
@@ -31,12 +35,16 @@ class LineCounts {
   void reserve(std::size_t runs) { runs_.reserve(runs); }
 
   // Appends `num_lines` lines with `fields` fields each.
-  void add(std::size_t fields, std::size_t num_lines = 1);
+  void add(std::size_t fields, std::size_t num_lines = 1) {
+    if (num_lines == 0) return;
+    if (runs_.empty() || runs_.back().fields != fields) start_run(fields);
+    size_ += num_lines;
+  }
 
   // The number of lines.
   std::size_t size() const { return size_; }
 
-  const std::vector<Run>& runs() const { return runs_; }
+  std::span<const Run> runs() const { return {runs_.data(), runs_.size()}; }
 
   // The number of the line after the last one of run `k`.
   std::size_t end_of(std::size_t k) const {
@@ -53,7 +61,15 @@ class LineCounts {
   std::vector<std::size_t> to_vector() const;
 
  private:
-  std::vector<Run> runs_;
+  static constexpr std::size_t kFewRuns = 8;
+
+  void start_run(std::size_t fields) {
+    if (runs_.size() == runs_.capacity()) grow();
+    runs_.push_back({size_, fields});
+  }
+  void grow();
+
+  boost::container::small_vector<Run, kFewRuns> runs_;
   std::size_t size_ = 0;
 };
 

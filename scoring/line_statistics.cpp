@@ -13,19 +13,43 @@ constexpr std::size_t kManyLines = 11;
 
 std::size_t abs_diff(std::size_t a, std::size_t b) { return a > b ? a - b : b - a; }
 
+// Calls `visit(fields, num_lines)` for each run of lines from line `first` on.
+template <typename Visit>
+void for_each_run(const LineCounts& counts, std::size_t first, Visit visit) {
+  const std::span<const LineCounts::Run> runs = counts.runs();
+  for (std::size_t k = counts.run_at(first); k < runs.size(); ++k) {
+    visit(runs[k].fields, counts.end_of(k) - std::max(first, runs[k].first));
+  }
+}
+
 double sum_from(const std::vector<std::size_t>& diffs, std::size_t begin) {
   double sum = 0.0;
   for (std::size_t i = begin; i < diffs.size(); ++i) sum += static_cast<double>(diffs[i]);
   return sum;
 }
 
-// Calls `visit(fields, num_lines)` for each run of lines from line `first` on.
-template <typename Visit>
-void for_each_run(const LineCounts& counts, std::size_t first, Visit visit) {
-  const std::vector<LineCounts::Run>& runs = counts.runs();
-  for (std::size_t k = counts.run_at(first); k < runs.size(); ++k) {
-    visit(runs[k].fields, counts.end_of(k) - std::max(first, runs[k].first));
-  }
+// The same sum: the deviations of a sample add up to far less than 2^53, so every step is exact.
+double sum_from(const LineCounts& diffs, std::size_t begin) {
+  double sum = 0.0;
+  for_each_run(diffs, begin, [&sum](std::size_t diff, std::size_t num_lines) {
+    sum += static_cast<double>(diff) * static_cast<double>(num_lines);
+  });
+  return sum;
+}
+
+// `diffs` is a vector or LineCounts.
+template <typename Diffs>
+double mean_of_all(const Diffs& diffs) {
+  if (diffs.size() == 0) return std::numeric_limits<double>::infinity();
+  return sum_from(diffs, 0) / static_cast<double>(diffs.size());
+}
+
+template <typename Diffs>
+double mean_after_header(const Diffs& diffs, std::size_t header_lines, double total_variation) {
+  if (header_lines == 0) return total_variation;
+  if (header_lines == diffs.size()) return std::numeric_limits<double>::infinity();
+  if (header_lines > diffs.size()) return -0.0;
+  return sum_from(diffs, header_lines) / static_cast<double>(diffs.size() - header_lines);
 }
 
 // If lines are ragged, most runs have a single line.
@@ -45,7 +69,7 @@ std::size_t runs_to_last(const LineCounts& counts, std::size_t fields) {
 }
 
 std::size_t first_line_with_several(const LineCounts& counts, std::size_t h) {
-  const std::vector<LineCounts::Run>& runs = counts.runs();
+  const std::span<const LineCounts::Run> runs = counts.runs();
   std::size_t k = counts.run_at(h);
   while (k < runs.size() && runs[k].fields <= 1) h = counts.end_of(k++);
   return h;
@@ -56,12 +80,18 @@ std::size_t first_line_with_several(const LineCounts& counts, std::size_t h) {
 std::size_t get_modified_median(const LineCounts& line_counts, std::size_t first) {
   std::size_t lines_with_fields = 0;
   std::size_t lines_with_several = 0;
+  std::size_t least = std::numeric_limits<std::size_t>::max();
+  std::size_t most = 0;
   for_each_run(line_counts, first, [&](std::size_t fields, std::size_t num_lines) {
     if (fields != 0) lines_with_fields += num_lines;
-    if (fields > 1) lines_with_several += num_lines;
+    if (fields <= 1) return;
+    lines_with_several += num_lines;
+    least = std::min(least, fields);
+    most = std::max(most, fields);
   });
   if (lines_with_several == 0) return 1;
   if (lines_with_fields >= kManyLines && lines_with_fields / 3 > lines_with_several) return 1;
+  if (least == most) return most;  // as in most tables
   std::vector<std::size_t> several;
   several.reserve(lines_with_several);
   for_each_run(line_counts, first, [&](std::size_t fields, std::size_t num_lines) {
@@ -76,40 +106,35 @@ std::size_t get_modified_median(const std::vector<std::size_t>& line_counts, std
   return get_modified_median(LineCounts(line_counts), first);
 }
 
-std::vector<std::size_t> get_abs_diffs(const LineCounts& line_counts,
-                                       std::int32_t modal_field_count) {
+LineCounts get_abs_diffs(const LineCounts& line_counts, std::int32_t modal_field_count) {
   const auto modal = static_cast<std::size_t>(modal_field_count);
   const std::size_t num_runs = runs_to_last(line_counts, modal);
-  const auto for_each_diff = [&](auto visit) {
-    for (std::size_t k = 0; k < num_runs; ++k) {
-      const LineCounts::Run& run = line_counts.runs()[k];
-      if (run.fields != 0) visit(abs_diff(run.fields, modal), line_counts.end_of(k) - run.first);
-    }
-  };
-  std::size_t size = 0;
-  for_each_diff([&](std::size_t, std::size_t num_lines) { size += num_lines; });
-  std::vector<std::size_t> diffs;
-  diffs.reserve(size);
-  for_each_diff([&](std::size_t diff, std::size_t num_lines) { append(diffs, num_lines, diff); });
+  LineCounts diffs;
+  diffs.reserve(num_runs);
+  for (std::size_t k = 0; k < num_runs; ++k) {
+    const LineCounts::Run& run = line_counts.runs()[k];
+    if (run.fields != 0) diffs.add(abs_diff(run.fields, modal), line_counts.end_of(k) - run.first);
+  }
   return diffs;
 }
 
 std::vector<std::size_t> get_abs_diffs(const std::vector<std::size_t>& line_counts,
                                        std::int32_t modal_field_count) {
-  return get_abs_diffs(LineCounts(line_counts), modal_field_count);
+  return get_abs_diffs(LineCounts(line_counts), modal_field_count).to_vector();
 }
 
-double get_total_variation(const std::vector<std::size_t>& diffs) {
-  if (diffs.empty()) return std::numeric_limits<double>::infinity();
-  return sum_from(diffs, 0) / static_cast<double>(diffs.size());
-}
+double get_total_variation(const std::vector<std::size_t>& diffs) { return mean_of_all(diffs); }
+
+double total_variation_of(const LineCounts& diffs) { return mean_of_all(diffs); }
 
 double get_data_variation(const std::vector<std::size_t>& diffs, std::size_t header_lines,
                           double total_variation) {
-  if (header_lines == 0) return total_variation;
-  if (header_lines == diffs.size()) return std::numeric_limits<double>::infinity();
-  if (header_lines > diffs.size()) return -0.0;
-  return sum_from(diffs, header_lines) / static_cast<double>(diffs.size() - header_lines);
+  return mean_after_header(diffs, header_lines, total_variation);
+}
+
+double data_variation_of(const LineCounts& diffs, std::size_t header_lines,
+                         double total_variation) {
+  return mean_after_header(diffs, header_lines, total_variation);
 }
 
 std::size_t get_number_of_variables(const LineCounts& line_counts, std::size_t header_lines) {
@@ -137,7 +162,7 @@ std::size_t skip_to_data(std::size_t h, const std::vector<std::size_t>& empty_li
 // line of the run into range. A position that wraps around continues from 0, before the rest of the
 // run.
 std::size_t skip_to_data(std::size_t h, const LineCounts& line_counts) {
-  const std::vector<LineCounts::Run>& runs = line_counts.runs();
+  const std::span<const LineCounts::Run> runs = line_counts.runs();
   for (std::size_t k = 0; k < runs.size() && runs[k].first <= h; ++k) {
     if (runs[k].fields != 0) continue;
     const std::size_t moved = h + (line_counts.end_of(k) - runs[k].first);

@@ -23,63 +23,30 @@ std::vector<std::u16string> delimiters_of(const DelimiterSet& set) {
   return set.strings;
 }
 
-FieldExtent field_at(FieldCursor& fields, std::size_t start) {
-  const auto [end, next] = fields.end_of_field(start);
-  return {slice(fields.text(), start, end), next};
-}
+struct Delimited {
+  static constexpr std::u16string_view kSkipped = u"";
+  static constexpr std::u16string_view kOpeners = kLineOpeners;
 
-class DelimitedLines final : public LineCursor {
- public:
-  DelimitedLines(const FieldRules& rules, const Field& text) : fields_(rules, text) {}
-
-  // A line consists of whole fields, so a line ending inside quotes does not end it. A field that
-  // consumed nothing stopped at a line ending or at the end of the text, so every pass advances. A
-  // delimiter at the end of the text has one more field after it, which is empty.
-  SplitLine line_at(std::size_t start) override {
-    const Field& text = fields_.text();
-    std::size_t num_fields = 0;
-    bool ends_with_delimiter = false;
-    std::size_t pos = start;
-    while (!ends_at(text, pos)) {
-      const auto [end, next] = fields_.end_of_field(pos);
-      pos = next;
-      ++num_fields;
-      ends_with_delimiter = pos != end;
-      if (ends_with_delimiter) continue;
-      if (const std::size_t ending = fields_.line_ending_at(end)) {
-        return {{slice(text, start, end), end + ending}, num_fields};
-      }
+  static Dialect dialect(const DelimiterSet& delimiters) {
+    if (delimiters.is_single_char) {
+      return {LayoutMode::delimited, {to_utf8_lossy({delimiters.single_char, 1})}, {}};
     }
-    return {{slice(text, start, pos), pos}, num_fields + (ends_with_delimiter ? 1 : 0)};
-  }
-
-  EmptyLines empty_lines_at(std::size_t start, std::size_t most) override {
-    return empty_lines_from(start, most, fields_.text(), fields_.line_endings(), kLineOpeners);
-  }
-
- private:
-  FieldCursor fields_;
-};
-
-class DelimitedSplitter final : public SeparatedSplitter<DelimitedLines, field_at> {
- public:
-  using SeparatedSplitter::SeparatedSplitter;
-
-  Dialect dialect() const override {
     Dialect dialect{LayoutMode::delimited, {}, {}};
-    for (const std::u16string& delimiter : delimiters_of(rules().delimiters.set())) {
+    for (const std::u16string& delimiter : delimiters.strings) {
       dialect.delimiters.push_back(to_utf8_lossy(delimiter));
     }
     return dialect;
   }
 };
 
+using DelimitedSplitter = SeparatedSplitter<Delimited>;
+
 }  // namespace
 
 DelimitedStrategy::DelimitedStrategy(const parser::options& options,
                                      const std::vector<std::u16string>& delimiters)
     : Strategy(options),
-      tokenizer_(delimiters, options.line_endings),
+      tokenizer_(std::make_shared<DelimitedSplitter>(delimiters, options.line_endings)),
       line_endings_(tokenizer_.line_endings_) {
   std::u16string whitespace = options.whitespace;
   for (const std::u16string& delimiter : delimiters) {
@@ -90,7 +57,8 @@ DelimitedStrategy::DelimitedStrategy(const parser::options& options,
     valuation_.priors_rank = priors_rank_of(delimiters[0][0]);
     space_separated_ = delimiters[0][0] == u' ';
   }
-  split_by(std::make_shared<DelimitedSplitter>(tokenizer_.rules_), typeid(DelimitedStrategy));
+  split_by(std::static_pointer_cast<const DelimitedSplitter>(tokenizer_.rules_),
+           typeid(DelimitedStrategy));
 }
 
 DelimitedStrategy::DelimitedStrategy(const parser::options& options)
@@ -108,12 +76,12 @@ std::vector<std::u16string> DelimitedStrategy::delimiters() const {
 int DelimitedStrategy::mode() const { return kDelimited; }
 
 FieldExtent DelimitedStrategy::get_line_extent(const Field& text, unsigned long start) const {
-  return DelimitedLines(*tokenizer_.rules_, text).line_at(start).extent;
+  return SeparatedLines<Delimited>(*tokenizer_.rules_, text).line_at(start).extent;
 }
 
 FieldExtent DelimitedStrategy::get_next_field(const Field& line, unsigned long start) {
   FieldCursor fields(*tokenizer_.rules_, line);
-  return field_at(fields, start);
+  return separated_field_at<Delimited>(fields, start);
 }
 
 }  // namespace textio

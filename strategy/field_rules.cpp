@@ -9,6 +9,21 @@ char16_t first_unit(const std::u16string& marker) { return marker.empty() ? u'\0
 
 }  // namespace
 
+FieldRules::FieldRules(const std::vector<std::u16string>& delimiter_list,
+                       const std::vector<std::u16string>& line_ending_list)
+    : quotes({&quote, 1}),
+      delimiters(get_or_create_delim(delimiter_list)),
+      line_endings(get_or_create_delim(line_ending_list)),
+      stop_chars(make_stop_chars(delimiter_list, line_ending_list)),
+      stops(stop_chars) {}
+
+FieldRules FieldRules::with_quote(char16_t other) const {
+  FieldRules rules = *this;
+  rules.quote = other;
+  rules.quotes = CodeUnitSet({&other, 1});
+  return rules;
+}
+
 std::u16string make_stop_chars(const std::vector<std::u16string>& a,
                                const std::vector<std::u16string>& b) {
   std::u16string units;

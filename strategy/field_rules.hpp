@@ -3,31 +3,29 @@
 // Ownership  shares the marker sets. Immutable, so all scans of a strategy share one object.
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 
-#include <vltextstream/host/delimiter_set.hpp>
 #include <vltextstream/strategy/search/code_unit_set.hpp>
 #include <vltextstream/strategy/search/marker_matcher.hpp>
 
 namespace textio {
 
 struct FieldRules {
-  FieldRules(char16_t quote_char, std::u16string_view stop_chars,
-             std::shared_ptr<const DelimiterSet> delimiter_set,
-             std::shared_ptr<const DelimiterSet> line_ending_set)
-      : quote(quote_char),
-        quotes(std::u16string_view(&quote_char, 1)),
-        stops(stop_chars),
-        delimiters(std::move(delimiter_set)),
-        line_endings(std::move(line_ending_set)) {}
+  FieldRules(const std::vector<std::u16string>& delimiter_list,
+             const std::vector<std::u16string>& line_ending_list);
 
-  char16_t quote;
+  // The same rules with another quote.
+  FieldRules with_quote(char16_t other) const;
+
+  char16_t quote = u'"';
   CodeUnitSet quotes;
-  CodeUnitSet stops;  // the code units that a delimiter or a line ending may begin with
   MarkerMatcher delimiters;
   MarkerMatcher line_endings;
+
+  // The code units that a delimiter or a line ending may begin with.
+  std::u16string stop_chars;
+  CodeUnitSet stops;
 };
 
 // The distinct first code units of all markers of both lists, in ascending order. An empty marker

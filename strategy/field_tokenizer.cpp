@@ -1,5 +1,7 @@
 #include <vltextstream/strategy/field_tokenizer.hpp>
 
+#include <utility>
+
 #include <vltextstream/strategy/field_cursor.hpp>
 #include <vltextstream/strategy/field_rules.hpp>
 
@@ -7,19 +9,20 @@ namespace textio {
 
 FieldTokenizer::FieldTokenizer(const std::vector<std::u16string>& delimiters,
                                const std::vector<std::u16string>& line_endings)
-    : delimiters_(get_or_create_delim(delimiters)),
-      line_endings_(get_or_create_delim(line_endings)),
-      stop_chars_(make_stop_chars(delimiters, line_endings)),
-      rules_(std::make_shared<FieldRules>(quote_, stop_chars_, delimiters_, line_endings_)) {}
+    : FieldTokenizer(std::make_shared<FieldRules>(delimiters, line_endings)) {}
+
+FieldTokenizer::FieldTokenizer(std::shared_ptr<const FieldRules> rules)
+    : delimiters_(rules->delimiters.shared_set()),
+      line_endings_(rules->line_endings.shared_set()),
+      stop_chars_(rules->stop_chars),
+      rules_(std::move(rules)) {}
 
 FieldExtent FieldTokenizer::tokenize(const Field& text, std::size_t pos) const {
-  if (quote_ != rules_->quote) {
-    FieldTokenizer other = *this;
-    other.rules_ = std::make_shared<FieldRules>(quote_, stop_chars_, delimiters_, line_endings_);
-    return other.tokenize(text, pos);
-  }
-  const FieldEnd field = FieldCursor(*rules_, text).end_of_field(pos);
-  return {slice(text, pos, field.end), field.next};
+  const auto field_at_pos = [&](const FieldRules& rules) -> FieldExtent {
+    const FieldEnd field = FieldCursor(rules, text).end_of_field(pos);
+    return {slice(text, pos, field.end), field.next};
+  };
+  return field_at_pos(quote_ == rules_->quote ? *rules_ : rules_->with_quote(quote_));
 }
 
 }  // namespace textio

@@ -22,6 +22,9 @@ struct VLTEXTSTREAM_EXPORT FieldTokenizer {
   FieldTokenizer(const std::vector<std::u16string>& delimiters,
                  const std::vector<std::u16string>& line_endings);
 
+  // For the strategies of the library; not exported.
+  VLTEXTSTREAM_LOCAL explicit FieldTokenizer(std::shared_ptr<const FieldRules> rules);
+
   // The field of `text` that starts at `pos`. `next` is after the delimiter if a delimiter ended
   // the field. At a line ending, a U+FFFF or the end of the text, `next` is where the field ends.
   FieldExtent tokenize(const Field& text, std::size_t pos) const;

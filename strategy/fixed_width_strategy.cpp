@@ -14,12 +14,22 @@
 
 namespace textio {
 
-struct FixedWidthRules {
+struct FixedWidthRules final : Splitter {
   FixedWidthRules(std::vector<std::size_t> column_widths,
                   std::shared_ptr<const DelimiterSet> line_ending_set)
       : widths(std::move(column_widths)),
         line_endings(std::move(line_ending_set)),
         stops(first_units_of(line_endings.set())) {}
+
+  Dialect dialect() const override { return {LayoutMode::fixed_width, {}, widths}; }
+  bool counts_fields() const override { return false; }
+  std::size_t num_columns() const override { return widths.size(); }
+  // A field may be wider than the rest of its line, and what follows the line is then in it.
+  std::size_t longest_marker() const override {
+    return std::max(line_endings.longest(), *std::max_element(widths.begin(), widths.end()));
+  }
+  std::unique_ptr<LineCursor> lines_of(const Field& text) const override;
+  std::unique_ptr<FieldCutter> field_cutter() const override;
 
   std::vector<std::size_t> widths;
   MarkerMatcher line_endings;
@@ -88,32 +98,15 @@ class FixedWidthCutter final : public FieldCutter {
   const std::vector<std::size_t>& widths_;
 };
 
-class FixedWidthSplitter final : public Splitter {
- public:
-  explicit FixedWidthSplitter(std::shared_ptr<const FixedWidthRules> rules)
-      : rules_(std::move(rules)) {}
-
-  Dialect dialect() const override { return {LayoutMode::fixed_width, {}, rules_->widths}; }
-  bool counts_fields() const override { return false; }
-  std::size_t num_columns() const override { return rules_->widths.size(); }
-  // A field may be wider than the rest of its line, and what follows the line is then in it.
-  std::size_t longest_marker() const override {
-    const std::vector<std::size_t>& widths = rules_->widths;
-    return std::max(rules_->line_endings.longest(),
-                    *std::max_element(widths.begin(), widths.end()));
-  }
-  std::unique_ptr<LineCursor> lines_of(const Field& text) const override {
-    return std::make_unique<FixedWidthLines>(*rules_, text);
-  }
-  std::unique_ptr<FieldCutter> field_cutter() const override {
-    return std::make_unique<FixedWidthCutter>(rules_->widths);
-  }
-
- private:
-  std::shared_ptr<const FixedWidthRules> rules_;
-};
-
 }  // namespace
+
+std::unique_ptr<LineCursor> FixedWidthRules::lines_of(const Field& text) const {
+  return std::make_unique<FixedWidthLines>(*this, text);
+}
+
+std::unique_ptr<FieldCutter> FixedWidthRules::field_cutter() const {
+  return std::make_unique<FixedWidthCutter>(widths);
+}
 
 FixedWidthStrategy::FixedWidthStrategy(const parser::options& options,
                                        const std::vector<unsigned long>& widths)
@@ -125,7 +118,7 @@ FixedWidthStrategy::FixedWidthStrategy(const parser::options& options,
     throw std::invalid_argument("the widths of a fixed-width table must add up to at least 1");
   }
   rules_ = std::make_shared<FixedWidthRules>(widths_, line_endings_);
-  split_by(std::make_shared<FixedWidthSplitter>(rules_), typeid(FixedWidthStrategy), &next_column_);
+  split_by(rules_, typeid(FixedWidthStrategy), &next_column_);
 }
 
 FixedWidthStrategy::~FixedWidthStrategy() = default;

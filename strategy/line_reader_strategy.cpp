@@ -11,10 +11,16 @@
 
 namespace textio {
 
-struct WholeLineRules {
+struct WholeLineRules final : Splitter {
   WholeLineRules(std::u16string_view stop_chars,
                  std::shared_ptr<const DelimiterSet> line_ending_set)
       : stops(stop_chars), line_endings(std::move(line_ending_set)) {}
+
+  Dialect dialect() const override { return {LayoutMode::line_reader, {}, {}}; }
+  bool counts_fields() const override { return true; }
+  std::size_t longest_marker() const override { return line_endings.longest(); }
+  std::unique_ptr<LineCursor> lines_of(const Field& text) const override;
+  std::unique_ptr<FieldCutter> field_cutter() const override;
 
   CodeUnitSet stops;  // the code units that a line ending may begin with
   MarkerMatcher line_endings;
@@ -72,26 +78,15 @@ class WholeLineCutter final : public FieldCutter {
   WholeLines lines_;
 };
 
-class LineReaderSplitter final : public Splitter {
- public:
-  explicit LineReaderSplitter(std::shared_ptr<const WholeLineRules> rules)
-      : rules_(std::move(rules)) {}
-
-  Dialect dialect() const override { return {LayoutMode::line_reader, {}, {}}; }
-  bool counts_fields() const override { return true; }
-  std::size_t longest_marker() const override { return rules_->line_endings.longest(); }
-  std::unique_ptr<LineCursor> lines_of(const Field& text) const override {
-    return std::make_unique<WholeLines>(*rules_, text);
-  }
-  std::unique_ptr<FieldCutter> field_cutter() const override {
-    return std::make_unique<WholeLineCutter>(*rules_);
-  }
-
- private:
-  std::shared_ptr<const WholeLineRules> rules_;
-};
-
 }  // namespace
+
+std::unique_ptr<LineCursor> WholeLineRules::lines_of(const Field& text) const {
+  return std::make_unique<WholeLines>(*this, text);
+}
+
+std::unique_ptr<FieldCutter> WholeLineRules::field_cutter() const {
+  return std::make_unique<WholeLineCutter>(*this);
+}
 
 LineReaderStrategy::LineReaderStrategy(const parser::options& options)
     : Strategy(options),
@@ -99,7 +94,7 @@ LineReaderStrategy::LineReaderStrategy(const parser::options& options)
       delimiters_(get_or_create_delim({})),
       stop_chars_(make_stop_chars(options.line_endings, {})),
       rules_(std::make_shared<WholeLineRules>(stop_chars_, line_endings_)) {
-  split_by(std::make_shared<LineReaderSplitter>(rules_), typeid(LineReaderStrategy));
+  split_by(rules_, typeid(LineReaderStrategy));
 }
 
 LineReaderStrategy::~LineReaderStrategy() = default;

@@ -14,6 +14,9 @@
 namespace textio {
 namespace {
 
+// A line seldom has more fields.
+constexpr std::size_t kUsualFields = 32;
+
 std::size_t saturating_add(std::size_t a, std::size_t b) {
   constexpr auto kMost = std::numeric_limits<std::size_t>::max();
   return a > kMost - b ? kMost : a + b;
@@ -156,6 +159,7 @@ void Strategy::cut_line(const Field& line, std::vector<Field>& fields) {
 
 std::vector<Field> Strategy::fields_of(const Field& line) {
   std::vector<Field> fields;
+  fields.reserve(kUsualFields);
   const std::shared_ptr<const Splitter> splitter = this->splitter();
   splitter->field_cutter()->append_fields(line, 0, fields);
   return fields;

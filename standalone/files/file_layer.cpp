@@ -75,9 +75,9 @@ std::unique_ptr<ByteStream> stream_of(Descriptor input, const struct stat& about
   return std::make_unique<RewindableStream>(std::make_unique<PipeBytes>(std::move(input)));
 }
 
-// The first bytes; the stream goes back to its start. A read error here occurs again when the text
-// is read.
-std::string head_of(ByteStream& stream) {
+// Looks at the first bytes; the stream goes back to its start. A read error here occurs again when
+// the text is read.
+CompressionFormat format_of(ByteStream& stream) {
   char head[kFormatBytes];
   std::size_t size = 0;
   ssize_t count = 1;
@@ -86,14 +86,14 @@ std::string head_of(ByteStream& stream) {
     if (count > 0) size += static_cast<std::size_t>(count);
   }
   stream.seek(0, SEEK_SET);
-  return {head, size};
+  return compression_format({head, size});
 }
 
 // An archive in an archive must not be taken for a text.
 std::unique_ptr<ByteStream> text_of(std::unique_ptr<ByteStream> archive,
                                     std::unique_ptr<Decoder> decoder) {
   auto text = std::make_unique<CompressedStream>(std::move(archive), std::move(decoder));
-  if (compression_format(head_of(*text)) != CompressionFormat::none) {
+  if (format_of(*text) != CompressionFormat::none) {
     return refuse(kCompressedTwice);
   }
   return bounded(std::move(text));
@@ -102,7 +102,7 @@ std::unique_ptr<ByteStream> text_of(std::unique_ptr<ByteStream> archive,
 // The text of the file, within the limit before and after decompression.
 std::unique_ptr<ByteStream> decompressed(std::unique_ptr<ByteStream> stream) {
   stream = bounded(std::move(stream));
-  switch (compression_format(head_of(*stream))) {
+  switch (format_of(*stream)) {
     case CompressionFormat::none:
       return stream;
     case CompressionFormat::gzip:

@@ -45,9 +45,8 @@ SampleLineKind kind_of(const Field& line, const LineTest& test) {
   return is_comment(cleaned, test.comment_style) ? SampleLineKind::comment : SampleLineKind::text;
 }
 
-// A table seldom has more runs of lines of one kind, or of lines with the same number of fields.
+// A table seldom has more runs of lines of one kind.
 constexpr std::size_t kUsualRuns = 16;
-constexpr std::size_t kUsualCounts = 128;
 
 // A list may have room for far more than it keeps. Room for `enough` entries is kept in any case.
 template <typename Entry>
@@ -69,7 +68,6 @@ class Sampler {
         std::min({limits.num_texts, saturating_next(text.length), limits.likely_lines});
     sample_.texts.reserve(room);
     sample_.found.runs.reserve(std::min(room, kUsualRuns));
-    if (splitter.counts_fields()) sample_.counts.reserve(std::min(room, kUsualCounts));
   }
 
   // While there is text, every line ends after its start: it has a code unit, a line ending or

@@ -42,6 +42,7 @@ class MarkerMatcher {
   std::size_t longest() const;
 
   const DelimiterSet& set() const { return *set_; }
+  const std::shared_ptr<const DelimiterSet>& shared_set() const { return set_; }
 
  private:
   std::size_t compare_at(const Field& text, std::size_t i) const;

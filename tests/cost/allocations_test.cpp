@@ -31,7 +31,7 @@ constexpr std::size_t kVectorsThatGrowWithLines = 2;
 constexpr std::size_t kVectorsThatGrowWithColumns = 1;
 
 // A strategy, its two sets of markers and its splitter, its sample, and the lists for its score.
-constexpr std::size_t kPerStrategy = 17;
+constexpr std::size_t kPerStrategy = 15;
 
 // The lists of the candidates and of those that the filters keep; the empty lines of a hundred.
 constexpr std::size_t kPerSelection = 15;

@@ -18,6 +18,7 @@
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
 #include "support/rule_name.hpp"
+#include "support/sampled_table.hpp"
 
 namespace textio::standalone {
 namespace {
@@ -25,6 +26,7 @@ namespace {
 using testing_support::ByRule;
 using testing_support::ExactText;
 using testing_support::readable;
+using testing_support::table_of;
 
 using Number = std::optional<std::size_t>;
 using Change = void (*)(DetectSettings&);
@@ -445,7 +447,7 @@ TEST(DescribeLinesProperty, GivesEachLineItsRole) {
     DelimitedStrategy strategy(settings.options, u',');
     strategy.populate_fields(text.field(), settings.num_lines);
     strategy.valuation();
-    const SampledTable table(strategy, settings);
+    const SampledTable table = table_of(strategy, settings);
     const VariableNames names = random.names();
     Layout layout;
     describe_lines(table, names, layout);

@@ -22,6 +22,7 @@
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
 #include "support/rule_name.hpp"
+#include "support/sampled_table.hpp"
 
 namespace textio::standalone {
 namespace {
@@ -29,6 +30,7 @@ namespace {
 using testing_support::ByRule;
 using testing_support::ExactText;
 using testing_support::readable;
+using testing_support::table_of;
 using testing_support::text_of;
 
 using Kind = SampledTable::Kind;
@@ -113,7 +115,7 @@ TEST_P(SampledTableRuns, HoldLinesThatLookAlike) {
   const std::shared_ptr<Strategy> strategy = GetParam().make(settings.options);
   strategy->populate_fields(text.field(), settings.num_lines);
   strategy->valuation();
-  const SampledTable table(*strategy, settings);
+  const SampledTable table = table_of(*strategy, settings);
   EXPECT_EQ(described(table.runs()), GetParam().runs);
   std::vector<std::size_t> line_numbers;
   for (std::size_t i = 0; i < table.size(); ++i) line_numbers.push_back(table.line_number(i));
@@ -144,7 +146,7 @@ TEST_P(SampledTableOfOneColumn, HasTheClassOfItsLines) {
   const ExactText text(GetParam().text);
   DelimitedStrategy strategy(settings.options, u',');
   strategy.populate_fields(text.field(), settings.num_lines);
-  const SampledTable table(strategy, settings);
+  const SampledTable table = table_of(strategy, settings);
   EXPECT_EQ(table.classes(), std::vector<DatatypeCode>{GetParam().code});
 }
 INSTANTIATE_TEST_SUITE_P(Table, SampledTableOfOneColumn, testing::ValuesIn(kColumnCases), ByRule());
@@ -262,7 +264,7 @@ TEST(SampledTableProperty, TellsWhatAPlainWalkTells) {
     const std::shared_ptr<Strategy> strategy = random.strategy(text.field(), settings);
     SCOPED_TRACE("'" + readable(text.view()) + "' mode " + std::to_string(strategy->mode()));
     const std::vector<std::string> plain = plain_lines(*strategy, text.field(), settings);
-    const SampledTable table(*strategy, settings);
+    const SampledTable table = table_of(*strategy, settings);
     EXPECT_EQ(lines_of_the_runs(table), plain);
   }
 }
@@ -275,7 +277,7 @@ TEST(SampledTableFields, AreThoseOfTheLineAndEndWithIt) {
   const std::shared_ptr<Strategy> strategy = widths(settings.options);
   strategy->populate_fields(text.field(), settings.num_lines);
   strategy->valuation();
-  const SampledTable table(*strategy, settings);
+  const SampledTable table = table_of(*strategy, settings);
   EXPECT_EQ(table.texts(table.fields(0)), (std::vector<std::u16string>{u"ab", u"1"}));
   EXPECT_EQ(table.texts(table.fields(1)), (std::vector<std::u16string>{u"c", u""}));
   EXPECT_EQ(table.class_of(table.fields(0)[1]), DatatypeCode::number);
@@ -288,7 +290,7 @@ TEST(SampledTableFields, AreTrimmedAndUnquotedAsTexts) {
   const std::shared_ptr<Strategy> strategy = commas(settings.options);
   strategy->populate_fields(text.field(), settings.num_lines);
   strategy->valuation();
-  const SampledTable table(*strategy, settings);
+  const SampledTable table = table_of(*strategy, settings);
   EXPECT_EQ(table.texts(table.fields(0)), (std::vector<std::u16string>{u"a", u"b \"c"}));
 }
 

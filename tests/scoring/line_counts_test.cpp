@@ -49,5 +49,13 @@ TEST(LineCounts, GivesBackWhatItIsMadeOf) {
   }
 }
 
+TEST(LineCounts, KeepsAllOfManyRuns) {
+  Series series;
+  for (std::size_t i = 0; i < 1'000; ++i) series.push_back(i % 7);
+  const LineCounts counts(series);
+  EXPECT_EQ(counts.runs().size(), series.size());
+  EXPECT_EQ(counts.to_vector(), series);
+}
+
 }  // namespace
 }  // namespace textio
