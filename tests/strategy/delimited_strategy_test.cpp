@@ -8,41 +8,15 @@
 #include <string>
 #include <vector>
 
-#include "support/cut_text.hpp"
-#include "support/exact_text.hpp"
-#include "support/rule_name.hpp"
-#include "support/table_strategy.hpp"
+#include "support/strategy_cases.hpp"
 
 namespace textio {
 namespace {
 
-using testing_support::cut_of;
-using testing_support::ExactText;
-using testing_support::field_counts_of;
-using testing_support::field_steps;
-using testing_support::line_steps;
-using testing_support::lines_of;
-using testing_support::Rows;
-using testing_support::Step;
-using testing_support::step_of;
-using testing_support::Steps;
-using testing_support::Texts;
-using testing_support::with_nul;
+using namespace testing_support;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNotInTheOrder = 18446744073709551616.0;  // 2 to the 64th
-
-const Texts kDefault = {u"\r\n", u"\n", u"\r"};
-
-// Gives the tests access to the members.
-struct OpenDelimited : DelimitedStrategy {
-  using DelimitedStrategy::DelimitedStrategy;
-  using Strategy::number_format_;
-  using Strategy::quoted_format_;
-  using Strategy::space_separated_;
-  using Strategy::text_format_;
-  using Strategy::valuation_;
-};
 
 // -- construction -------------------------------------------------------------------------------
 
@@ -75,7 +49,7 @@ class DelimitedRank : public testing::TestWithParam<RankCase> {};
 
 TEST_P(DelimitedRank, IsThePositionOfItsOnlyCharacter) {
   const parser::options options;
-  const OpenDelimited strategy(options, GetParam().delimiters);
+  const Open<DelimitedStrategy> strategy(options, GetParam().delimiters);
   EXPECT_EQ(strategy.valuation_.priors_rank, GetParam().priors_rank);
   EXPECT_EQ(strategy.space_separated_, GetParam().space_separated);
 }
@@ -83,7 +57,7 @@ TEST_P(DelimitedRank, IsThePositionOfItsOnlyCharacter) {
 TEST_P(DelimitedRank, IsTheSameForTheDelimitersOfTheOptions) {
   parser::options options;
   options.delimiters = GetParam().delimiters;
-  const OpenDelimited strategy(options);
+  const Open<DelimitedStrategy> strategy(options);
   EXPECT_EQ(strategy.valuation_.priors_rank, GetParam().priors_rank);
   EXPECT_EQ(strategy.space_separated_, GetParam().space_separated);
   EXPECT_EQ(strategy.delimiter()->strings, GetParam().delimiters);
@@ -92,14 +66,13 @@ TEST_P(DelimitedRank, IsTheSameForTheDelimitersOfTheOptions) {
 TEST_P(DelimitedRank, IsTheSameForASingleCharacter) {
   if (GetParam().delimiters.size() != 1 || GetParam().delimiters[0].size() != 1) return;
   const parser::options options;
-  const OpenDelimited strategy(options, GetParam().delimiters[0][0]);
+  const Open<DelimitedStrategy> strategy(options, GetParam().delimiters[0][0]);
   EXPECT_EQ(strategy.valuation_.priors_rank, GetParam().priors_rank);
   EXPECT_EQ(strategy.space_separated_, GetParam().space_separated);
   EXPECT_EQ(strategy.delimiter()->strings, GetParam().delimiters);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, DelimitedRank, testing::ValuesIn(kRankCases),
-                         testing_support::ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, DelimitedRank, testing::ValuesIn(kRankCases), ByRule());
 
 TEST(DelimitedConstructor, IsModeZero) {
   const parser::options options;
@@ -150,15 +123,14 @@ class DelimitedWhitespace : public testing::TestWithParam<WhitespaceCase> {};
 TEST_P(DelimitedWhitespace, LosesTheDelimitersButNotItsLength) {
   parser::options options;
   options.whitespace = GetParam().whitespace;
-  const OpenDelimited strategy(options, GetParam().delimiters);
+  const Open<DelimitedStrategy> strategy(options, GetParam().delimiters);
   EXPECT_EQ(strategy.text_format_.whitespace, GetParam().left);
   EXPECT_EQ(strategy.quoted_format_.whitespace, GetParam().left);
   EXPECT_EQ(strategy.number_format_.whitespace, GetParam().left);
   EXPECT_EQ(options.whitespace, GetParam().whitespace);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, DelimitedWhitespace, testing::ValuesIn(kWhitespaceCases),
-                         testing_support::ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, DelimitedWhitespace, testing::ValuesIn(kWhitespaceCases), ByRule());
 
 TEST(DelimitedPopulate, CleansLinesWithTheRemainingWhiteSpace) {
   const parser::options options;
@@ -173,13 +145,6 @@ TEST(DelimitedPopulate, CleansLinesWithTheRemainingWhiteSpace) {
 }
 
 // -- lines --------------------------------------------------------------------------------------
-
-struct LineCase {
-  const char* rule;
-  std::u16string text;
-  Steps steps;
-};
-std::ostream& operator<<(std::ostream& out, const LineCase& row) { return out << row.rule; }
 
 const LineCase kLineCases[] = {
     {"AnEmptyTextHasNoLine", u"", {}},
@@ -210,29 +175,18 @@ TEST_P(DelimitedGetLineExtent, EndsALineAtAnEndingOutsideQuotes) {
   EXPECT_EQ(line_steps(strategy, text), GetParam().steps);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, DelimitedGetLineExtent, testing::ValuesIn(kLineCases),
-                         testing_support::ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, DelimitedGetLineExtent, testing::ValuesIn(kLineCases), ByRule());
 
 TEST(DelimitedScan, FindsNothingFromTheEndOn) {
   const parser::options options;
   DelimitedStrategy strategy(options, u',');
-  const ExactText text(u"a,");
-  for (const std::size_t start : {std::size_t{2}, std::size_t{3}, std::size_t{1000}}) {
-    const FieldExtent line = strategy.get_line_extent(text.field(), start);
-    EXPECT_EQ(line.field.length, 0u);
-    EXPECT_EQ(line.next, start);
-    const FieldExtent field = strategy.get_next_field(text.field(), start);
-    EXPECT_EQ(field.field.length, 0u);
-    EXPECT_EQ(field.next, start);
-  }
+  expect_nothing_from_the_end_on(strategy, ExactText(u"a,"));
 }
 
 TEST(DelimitedScan, FindsNothingAtAnEndMark) {
   const parser::options options;
   DelimitedStrategy strategy(options, u',');
-  const ExactText text(u"a\uFFFFb,c");
-  EXPECT_EQ(step_of(strategy.get_line_extent(text.field(), 1)), (Step{u"", 1}));
-  EXPECT_EQ(step_of(strategy.get_next_field(text.field(), 1)), (Step{u"", 1}));
+  expect_nothing_at(strategy, ExactText(u"a\uFFFFb,c"), 1);
 }
 
 TEST(DelimitedScan, StartsAnywhere) {
@@ -272,8 +226,6 @@ struct CutCase {
 std::ostream& operator<<(std::ostream& out, const CutCase& row) { return out << row.rule; }
 
 const Texts kComma = {u","};
-const std::u16string kMixed = u"a;b \t\nc";
-
 const CutCase kCutCases[] = {
     // Plain fields.
     {"DelimitersSeparateFields", kComma, kDefault, u"a,b,c", {{u"a", u"b", u"c"}}},
@@ -392,14 +344,10 @@ TEST_P(DelimitedCut, IsTheSameTwice) {
   parser::options options;
   options.line_endings = GetParam().line_endings;
   DelimitedStrategy strategy(options, GetParam().delimiters);
-  const ExactText text(GetParam().text);
-  cut_of(strategy, text);
-  EXPECT_EQ(cut_of(strategy, text), GetParam().rows);
-  EXPECT_EQ(cut_of(strategy), GetParam().rows);
+  expect_the_same_cut_twice(strategy, ExactText(GetParam().text), GetParam().rows);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, DelimitedCut, testing::ValuesIn(kCutCases),
-                         testing_support::ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, DelimitedCut, testing::ValuesIn(kCutCases), ByRule());
 
 // The rules for consecutive and leading delimiters belong to the import, not to the cut.
 TEST(DelimitedOptions, RulesForRunsAndLeadingDelimitersAreIgnored) {

@@ -10,24 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "support/cut_text.hpp"
-#include "support/exact_text.hpp"
-#include "support/rule_name.hpp"
-#include "support/table_strategy.hpp"
+#include "support/strategy_cases.hpp"
 
 namespace textio {
 namespace {
 
-using testing_support::cut_of;
-using testing_support::ExactText;
-using testing_support::line_steps;
-using testing_support::lines_of;
-using testing_support::Rows;
-using testing_support::Step;
-using testing_support::step_of;
-using testing_support::Steps;
-using testing_support::Texts;
-using testing_support::with_nul;
+using namespace testing_support;
 
 using Widths = std::vector<unsigned long>;
 using Counts = std::vector<std::size_t>;
@@ -35,21 +23,11 @@ using Counts = std::vector<std::size_t>;
 constexpr unsigned long kLongest = std::numeric_limits<unsigned long>::max();
 constexpr unsigned long kHalf = 1UL << 63;
 
-const Texts kDefault = {u"\r\n", u"\n", u"\r"};
-
-// Gives the tests access to the members.
-struct OpenFixedWidth : FixedWidthStrategy {
-  using FixedWidthStrategy::FixedWidthStrategy;
-  using Strategy::space_separated_;
-  using Strategy::text_format_;
-  using Strategy::valuation_;
-};
-
 // -- construction -------------------------------------------------------------------------------
 
 TEST(FixedWidthConstructor, IsModeTwoWithoutRankOrSeparator) {
   const parser::options options;
-  const OpenFixedWidth strategy(options, {2, 3});
+  const Open<FixedWidthStrategy> strategy(options, {2, 3});
   EXPECT_EQ(strategy.mode(), 2);
   EXPECT_FALSE(strategy.space_separated_);
   EXPECT_EQ(strategy.valuation_.priors_rank, std::numeric_limits<double>::infinity());
@@ -84,8 +62,7 @@ TEST_P(FixedWidthRefused, AtConstruction) {
   EXPECT_THROW(FixedWidthStrategy(options, GetParam().widths), std::invalid_argument);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, FixedWidthRefused, testing::ValuesIn(kRefusedCases),
-                         testing_support::ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, FixedWidthRefused, testing::ValuesIn(kRefusedCases), ByRule());
 
 TEST(FixedWidthConstructor, DoesNotMistakeASumThatWrapsForZero) {
   const parser::options options;
@@ -96,17 +73,7 @@ TEST(FixedWidthConstructor, DoesNotMistakeASumThatWrapsForZero) {
 
 // -- lines --------------------------------------------------------------------------------------
 
-struct LineCase {
-  const char* rule;
-  Texts line_endings;
-  std::u16string text;
-  Steps steps;
-};
-std::ostream& operator<<(std::ostream& out, const LineCase& row) { return out << row.rule; }
-
-const std::u16string kMixed = u"a;b \t\nc";
-
-const LineCase kLineCases[] = {
+const EndingCase kLineCases[] = {
     {"AnEmptyTextHasNoLine", kDefault, u"", {}},
     {"TheTwoUnitEndingIsConsumedAsOne", kDefault, u"ab\r\ncd\r\n", {{u"ab", 4}, {u"cd", 8}}},
     {"TheLastLineNeedsNoEnding", kDefault, u"ab", {{u"ab", 2}}},
@@ -139,7 +106,7 @@ const LineCase kLineCases[] = {
      {{u"a", 3}, {u"b", 4}}},
 };
 
-class FixedWidthGetLineExtent : public testing::TestWithParam<LineCase> {};
+class FixedWidthGetLineExtent : public testing::TestWithParam<EndingCase> {};
 
 TEST_P(FixedWidthGetLineExtent, EndsALineAtItsEnding) {
   parser::options options;
@@ -149,8 +116,7 @@ TEST_P(FixedWidthGetLineExtent, EndsALineAtItsEnding) {
   EXPECT_EQ(line_steps(strategy, text), GetParam().steps);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, FixedWidthGetLineExtent, testing::ValuesIn(kLineCases),
-                         testing_support::ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, FixedWidthGetLineExtent, testing::ValuesIn(kLineCases), ByRule());
 
 TEST(FixedWidthScan, SeesTheLineAfterAnEndMark) {
   const parser::options options;
@@ -360,8 +326,7 @@ TEST_P(FixedWidthCut, ReportsTheWidthsAsLengths) {
   EXPECT_EQ(lengths, GetParam().lengths);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, FixedWidthCut, testing::ValuesIn(kCutCases),
-                         testing_support::ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, FixedWidthCut, testing::ValuesIn(kCutCases), ByRule());
 
 TEST(FixedWidthColumn, ContinuesFromCutToCut) {
   const parser::options options;

@@ -8,57 +8,23 @@
 #include <string>
 #include <vector>
 
-#include "support/cut_text.hpp"
-#include "support/exact_text.hpp"
-#include "support/rule_name.hpp"
-#include "support/table_strategy.hpp"
+#include "support/strategy_cases.hpp"
 
 namespace textio {
 namespace {
 
-using testing_support::cut_of;
-using testing_support::ExactText;
-using testing_support::field_counts_of;
-using testing_support::field_steps;
-using testing_support::line_steps;
-using testing_support::lines_of;
-using testing_support::Rows;
-using testing_support::Step;
-using testing_support::step_of;
-using testing_support::Steps;
-using testing_support::Texts;
-using testing_support::with_nul;
-
-const Texts kDefault = {u"\r\n", u"\n", u"\r"};
-
-// Gives the tests access to the members.
-struct OpenLineReader : LineReaderStrategy {
-  using LineReaderStrategy::LineReaderStrategy;
-  using Strategy::space_separated_;
-  using Strategy::text_format_;
-  using Strategy::valuation_;
-};
+using namespace testing_support;
 
 TEST(LineReaderConstructor, IsModeThreeWithoutRankOrSeparator) {
   const parser::options options;
-  const OpenLineReader strategy(options);
+  const Open<LineReaderStrategy> strategy(options);
   EXPECT_EQ(strategy.mode(), 3);
   EXPECT_FALSE(strategy.space_separated_);
   EXPECT_EQ(strategy.valuation_.priors_rank, std::numeric_limits<double>::infinity());
   EXPECT_EQ(strategy.text_format_.whitespace, u" \b\t");
 }
 
-struct LineCase {
-  const char* rule;
-  Texts line_endings;
-  std::u16string text;
-  Steps steps;
-};
-std::ostream& operator<<(std::ostream& out, const LineCase& row) { return out << row.rule; }
-
-const std::u16string kMixed = u"a;b \t\nc";
-
-const LineCase kLineCases[] = {
+const EndingCase kLineCases[] = {
     {"AnEmptyTextHasNoLine", kDefault, u"", {}},
     {"TheTwoUnitEndingIsConsumedAsOne", kDefault, u"ab\r\ncd", {{u"ab", 4}, {u"cd", 6}}},
     {"TheLastLineNeedsNoEnding", kDefault, u"ab", {{u"ab", 2}}},
@@ -107,7 +73,7 @@ const LineCase kLineCases[] = {
     {"AnEndingThatStartsWithAnEndMarkStopsTheScan", {u"\uFFFF\n"}, u"a\uFFFF\nb", {{u"a", 1}}},
 };
 
-class LineReaderGetLineExtent : public testing::TestWithParam<LineCase> {};
+class LineReaderGetLineExtent : public testing::TestWithParam<EndingCase> {};
 
 TEST_P(LineReaderGetLineExtent, EndsALineAtItsEnding) {
   parser::options options;
@@ -129,29 +95,18 @@ TEST_P(LineReaderGetLineExtent, MakesEveryLineThatIsNotEmptyOneField) {
   EXPECT_EQ(cut_of(strategy, text), rows);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, LineReaderGetLineExtent, testing::ValuesIn(kLineCases),
-                         testing_support::ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, LineReaderGetLineExtent, testing::ValuesIn(kLineCases), ByRule());
 
 TEST(LineReaderScan, FindsNothingFromTheEndOn) {
   const parser::options options;
   LineReaderStrategy strategy(options);
-  const ExactText text(u"ab");
-  for (const std::size_t start : {std::size_t{2}, std::size_t{3}, std::size_t{1000}}) {
-    const FieldExtent line = strategy.get_line_extent(text.field(), start);
-    EXPECT_EQ(line.field.length, 0u);
-    EXPECT_EQ(line.next, start);
-    const FieldExtent field = strategy.get_next_field(text.field(), start);
-    EXPECT_EQ(field.field.length, 0u);
-    EXPECT_EQ(field.next, start);
-  }
+  expect_nothing_from_the_end_on(strategy, ExactText(u"ab"));
 }
 
 TEST(LineReaderScan, FindsNothingAtAnEndMark) {
   const parser::options options;
   LineReaderStrategy strategy(options);
-  const ExactText text(u"a\uFFFFb");
-  EXPECT_EQ(step_of(strategy.get_line_extent(text.field(), 1)), (Step{u"", 1}));
-  EXPECT_EQ(step_of(strategy.get_next_field(text.field(), 1)), (Step{u"", 1}));
+  expect_nothing_at(strategy, ExactText(u"a\uFFFFb"), 1);
 }
 
 TEST(LineReaderScan, MayStartInTheMiddleOfALine) {

@@ -409,26 +409,31 @@ void expect_cuts(Strategy& strategy, const std::u16string& units, const Rows& ex
   EXPECT_EQ(cut_of(strategy, text), expected) << readable(units);
 }
 
-TEST(SecondRoute, CommasCutLikeSimpleSplitting) {
-  Random random(7);
-  const parser::options options;
+// Calls `check` with random texts of the plain alphabet.
+void for_plain_texts(std::uint32_t seed, const std::function<void(const std::u16string&)>& check) {
+  Random random(seed);
   for (int k = 0; k < kPlainTexts && !testing::Test::HasFailure(); ++k) {
-    const std::u16string units = random.text(kPlainAlphabet);
-    Rows expected;
-    for (const std::u16string& line : plain_lines(units)) {
-      const bool blank = line.find_first_not_of(u" \t") == line.npos;
-      expected.push_back(blank ? Texts{} : split_at(line, u','));
-    }
-    DelimitedStrategy strategy(options, u',');
-    expect_cuts(strategy, units, expected);
+    check(random.text(kPlainAlphabet));
   }
 }
 
-TEST(SecondRoute, BlanksCutLikeSimpleSplitting) {
-  Random random(8);
+bool is_blank(const std::u16string& line) { return line.find_first_not_of(u" \t") == line.npos; }
+
+TEST(SecondRoute, CommasCutLikeSimpleSplitting) {
   const parser::options options;
-  for (int k = 0; k < kPlainTexts && !testing::Test::HasFailure(); ++k) {
-    const std::u16string units = random.text(kPlainAlphabet);
+  for_plain_texts(7, [&](const std::u16string& units) {
+    Rows expected;
+    for (const std::u16string& line : plain_lines(units)) {
+      expected.push_back(is_blank(line) ? Texts{} : split_at(line, u','));
+    }
+    DelimitedStrategy strategy(options, u',');
+    expect_cuts(strategy, units, expected);
+  });
+}
+
+TEST(SecondRoute, BlanksCutLikeSimpleSplitting) {
+  const parser::options options;
+  for_plain_texts(8, [&](const std::u16string& units) {
     Rows expected;
     for (const std::u16string& line : plain_lines(units)) {
       const std::size_t first = line.find_first_not_of(u" \t");
@@ -436,22 +441,19 @@ TEST(SecondRoute, BlanksCutLikeSimpleSplitting) {
     }
     SpaceAlignedStrategy strategy(options);
     expect_cuts(strategy, units, expected);
-  }
+  });
 }
 
 TEST(SecondRoute, LinesAreThoseOfASimpleLoop) {
-  Random random(9);
   const parser::options options;
-  for (int k = 0; k < kPlainTexts && !testing::Test::HasFailure(); ++k) {
-    const std::u16string units = random.text(kPlainAlphabet);
+  for_plain_texts(9, [&](const std::u16string& units) {
     Rows expected;
     for (const std::u16string& line : plain_lines(units)) {
-      const bool blank = line.find_first_not_of(u" \t") == line.npos;
-      expected.push_back(blank ? Texts{} : Texts{line});
+      expected.push_back(is_blank(line) ? Texts{} : Texts{line});
     }
     LineReaderStrategy strategy(options);
     expect_cuts(strategy, units, expected);
-  }
+  });
 }
 
 }  // namespace

@@ -7,43 +7,18 @@
 #include <string>
 #include <vector>
 
-#include "support/cut_text.hpp"
-#include "support/exact_text.hpp"
-#include "support/rule_name.hpp"
-#include "support/table_strategy.hpp"
+#include "support/strategy_cases.hpp"
 
 namespace textio {
 namespace {
 
-using testing_support::cut_of;
-using testing_support::ExactText;
-using testing_support::field_counts_of;
-using testing_support::field_steps;
-using testing_support::line_steps;
-using testing_support::lines_of;
-using testing_support::Rows;
-using testing_support::Step;
-using testing_support::step_of;
-using testing_support::Steps;
-using testing_support::Texts;
-
-const Texts kDefault = {u"\r\n", u"\n", u"\r"};
-
-// Gives the tests access to the members.
-struct OpenSpaceAligned : SpaceAlignedStrategy {
-  using SpaceAlignedStrategy::SpaceAlignedStrategy;
-  using Strategy::number_format_;
-  using Strategy::quoted_format_;
-  using Strategy::space_separated_;
-  using Strategy::text_format_;
-  using Strategy::valuation_;
-};
+using namespace testing_support;
 
 // -- construction -------------------------------------------------------------------------------
 
 TEST(SpaceAlignedConstructor, IsModeOneAndRanksAfterTheDelimitersInOrder) {
   const parser::options options;
-  const OpenSpaceAligned strategy(options);
+  const Open<SpaceAlignedStrategy> strategy(options);
   EXPECT_EQ(strategy.mode(), 1);
   EXPECT_TRUE(strategy.space_separated_);
   EXPECT_EQ(strategy.valuation_.priors_rank, 3.5);
@@ -80,7 +55,7 @@ class SpaceAlignedWhitespace : public testing::TestWithParam<WhitespaceCase> {};
 TEST_P(SpaceAlignedWhitespace, LosesTabAndBlankButNotItsLength) {
   parser::options options;
   options.whitespace = GetParam().whitespace;
-  const OpenSpaceAligned strategy(options);
+  const Open<SpaceAlignedStrategy> strategy(options);
   EXPECT_EQ(strategy.text_format_.whitespace, GetParam().left);
   EXPECT_EQ(strategy.quoted_format_.whitespace, GetParam().left);
   EXPECT_EQ(strategy.number_format_.whitespace, GetParam().left);
@@ -88,16 +63,9 @@ TEST_P(SpaceAlignedWhitespace, LosesTabAndBlankButNotItsLength) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, SpaceAlignedWhitespace, testing::ValuesIn(kWhitespaceCases),
-                         testing_support::ByRule());
+                         ByRule());
 
 // -- lines --------------------------------------------------------------------------------------
-
-struct LineCase {
-  const char* rule;
-  std::u16string text;
-  Steps steps;
-};
-std::ostream& operator<<(std::ostream& out, const LineCase& row) { return out << row.rule; }
 
 const LineCase kLineCases[] = {
     {"AnEmptyTextHasNoLine", u"", {}},
@@ -132,25 +100,18 @@ TEST_P(SpaceAlignedGetLineExtent, SkipsLeadingBlanksAndEndsAtAnEndingOutsideQuot
   EXPECT_EQ(line_steps(strategy, text), GetParam().steps);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, SpaceAlignedGetLineExtent, testing::ValuesIn(kLineCases),
-                         testing_support::ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, SpaceAlignedGetLineExtent, testing::ValuesIn(kLineCases), ByRule());
 
-TEST(SpaceAlignedScan, FindsNothingAtTheEnd) {
+TEST(SpaceAlignedScan, FindsNothingFromTheEndOn) {
   const parser::options options;
   SpaceAlignedStrategy strategy(options);
-  const ExactText text(u"a ");
-  EXPECT_EQ(step_of(strategy.get_line_extent(text.field(), 2)), (Step{u"", 2}));
-  EXPECT_EQ(step_of(strategy.get_next_field(text.field(), 2)), (Step{u"", 2}));
-  EXPECT_EQ(strategy.get_line_extent(text.field(), 100).field.length, 0u);
-  EXPECT_EQ(strategy.get_next_field(text.field(), 100).field.length, 0u);
+  expect_nothing_from_the_end_on(strategy, ExactText(u"a "));
 }
 
 TEST(SpaceAlignedScan, FindsNothingAtAnEndMark) {
   const parser::options options;
   SpaceAlignedStrategy strategy(options);
-  const ExactText text(u"a\uFFFFb c");
-  EXPECT_EQ(step_of(strategy.get_line_extent(text.field(), 1)), (Step{u"", 1}));
-  EXPECT_EQ(step_of(strategy.get_next_field(text.field(), 1)), (Step{u"", 1}));
+  expect_nothing_at(strategy, ExactText(u"a\uFFFFb c"), 1);
 }
 
 // A line ending that is only the end mark is also found after the last code unit.
@@ -188,8 +149,6 @@ struct CutCase {
   Rows rows;
 };
 std::ostream& operator<<(std::ostream& out, const CutCase& row) { return out << row.rule; }
-
-const std::u16string kMixed = u"a;b \t\nc";
 
 const CutCase kCutCases[] = {
     {"ARunOfBlanksSeparates", kDefault, u"   a   b", {{u"a", u"b"}}},
@@ -259,14 +218,10 @@ TEST_P(SpaceAlignedCut, IsTheSameTwice) {
   parser::options options;
   options.line_endings = GetParam().line_endings;
   SpaceAlignedStrategy strategy(options);
-  const ExactText text(GetParam().text);
-  cut_of(strategy, text);
-  EXPECT_EQ(cut_of(strategy, text), GetParam().rows);
-  EXPECT_EQ(cut_of(strategy), GetParam().rows);
+  expect_the_same_cut_twice(strategy, ExactText(GetParam().text), GetParam().rows);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, SpaceAlignedCut, testing::ValuesIn(kCutCases),
-                         testing_support::ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, SpaceAlignedCut, testing::ValuesIn(kCutCases), ByRule());
 
 TEST(SpaceAlignedPopulate, CountsTheEmptyFieldAfterTrailingBlanks) {
   const parser::options options;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -191,52 +192,54 @@ std::size_t fields_by_cutting(Strategy& strategy, const Field& line) {
   return fields.size();
 }
 
+// With one of the lists of line endings, drawn at random.
+void for_each_strategy(const ExactText& text,
+                       const std::function<void(Strategy&, LineCursor&)>& check) {
+  parser::options options;
+  options.line_endings = *rc::gen::elementOf(kLineEndings);
+  for (const Make make : {commas, blanks, widths, whole_lines}) {
+    const std::unique_ptr<Strategy> strategy = make(options);
+    check(*strategy, *strategy->lines_of(text.field()));
+  }
+}
+
 // Each line is the one that get_line_extent finds, with as many fields as cutting it gives.
 RC_GTEST_PROP(SplitterProperty, AgreesWithCutting, ()) {
   const auto text = *rc::gen::container<std::u16string>(rc::gen::weightedElement<char16_t>(
       {{6, u'a'}, {6, u','}, {4, u' '}, {3, u'"'}, {3, u'\n'}, {1, u'\r'}, {1, u'\uFFFF'}}));
-  parser::options options;
-  options.line_endings = *rc::gen::elementOf(kLineEndings);
   const ExactText exact(text);
-  for (const Make make : {commas, blanks, widths, whole_lines}) {
-    const std::unique_ptr<Strategy> strategy = make(options);
-    const std::unique_ptr<LineCursor> lines = strategy->lines_of(exact.field());
+  for_each_strategy(exact, [&](Strategy& strategy, LineCursor& lines) {
     for (std::size_t pos = 0; !ends_at(exact.field(), pos);) {
-      const SplitLine line = lines->line_at(pos);
-      const FieldExtent plain = strategy->get_line_extent(exact.field(), pos);
+      const SplitLine line = lines.line_at(pos);
+      const FieldExtent plain = strategy.get_line_extent(exact.field(), pos);
       RC_ASSERT(line.extent.next == plain.next);
       const bool begins_there = line.extent.field.data == plain.field.data;
       RC_ASSERT(begins_there);
       RC_ASSERT(line.extent.field.length == plain.field.length);
-      if (strategy->splitter()->counts_fields() && plain.field.length > 0) {
-        RC_ASSERT(line.num_fields == fields_by_cutting(*strategy, plain.field));
+      if (strategy.splitter()->counts_fields() && plain.field.length > 0) {
+        RC_ASSERT(line.num_fields == fields_by_cutting(strategy, plain.field));
       }
       pos = plain.next;
     }
-  }
+  });
 }
 
 // Empty lines are those that the scan finds to be empty one by one, wherever it starts.
 RC_GTEST_PROP(SplitterProperty, FindsEmptyLinesThatAreEmpty, ()) {
   const auto text = *rc::gen::container<std::u16string>(rc::gen::weightedElement<char16_t>(
       {{1, u'a'}, {2, u','}, {3, u' '}, {3, u'"'}, {9, u'\n'}, {2, u'\r'}, {1, u'\uFFFF'}}));
-  parser::options options;
-  options.line_endings = *rc::gen::elementOf(kLineEndings);
-  const ExactText exact(text);
-  for (const Make make : {commas, blanks, widths, whole_lines}) {
-    const std::unique_ptr<Strategy> strategy = make(options);
-    const std::unique_ptr<LineCursor> lines = strategy->lines_of(exact.field());
+  for_each_strategy(ExactText(text), [&](Strategy&, LineCursor& lines) {
     for (std::size_t start = 0; start < text.size(); ++start) {
-      const EmptyLines empty = lines->empty_lines_at(start, kAny);
+      const EmptyLines empty = lines.empty_lines_at(start, kAny);
       std::size_t pos = start;
       for (std::size_t i = 0; i < empty.count; ++i) {
-        const FieldExtent line = lines->line_at(pos).extent;
+        const FieldExtent line = lines.line_at(pos).extent;
         RC_ASSERT(line.field.length == 0U);
         pos = line.next;
       }
       RC_ASSERT(pos == empty.next);
     }
-  }
+  });
 }
 
 }  // namespace
