@@ -7,7 +7,7 @@
 #include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/layout/input_text.hpp>
 #include <vltextstream/layout/known_settings.hpp>
-#include <vltextstream/strategy/utf8.hpp>
+#include <vltextstream/text/utf8.hpp>
 
 namespace textio {
 namespace {

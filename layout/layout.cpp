@@ -1,6 +1,6 @@
 #include <vltextstream/layout/layout.hpp>
 
-#include <vltextstream/strategy/utf8.hpp>
+#include <vltextstream/text/utf8.hpp>
 
 namespace textio::standalone {
 

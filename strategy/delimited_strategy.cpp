@@ -5,8 +5,8 @@
 #include <vltextstream/strategy/delimiter_priority.hpp>
 #include <vltextstream/strategy/field_cursor.hpp>
 #include <vltextstream/strategy/separated_fields.hpp>
-#include <vltextstream/strategy/utf8.hpp>
 #include <vltextstream/strategy/whitespace.hpp>
+#include <vltextstream/text/utf8.hpp>
 
 namespace textio {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include <vltextstream/strategy/utf8.hpp>
+#include <vltextstream/text/utf8.hpp>
 
 namespace textio {
 namespace {
@@ -94,7 +94,11 @@ std::string marker_name(std::string_view marker) {
     if (marker == common.marker) return std::string(common.name);
   }
   std::string out = "\"";
-  for (const char32_t c : code_points_of(marker)) append_shown(out, c);
+  while (!marker.empty()) {
+    const Utf8Character c = first_character(marker);
+    for (std::size_t i = 0; i < (c.is_well_formed ? 1 : c.length); ++i) append_shown(out, c.code);
+    marker.remove_prefix(c.length);
+  }
   return out + "\"";
 }
 

@@ -10,12 +10,10 @@
 
 #include <fmt/format.h>
 
-#include "tool/safe_text.hpp"
+#include <vltextstream/text/utf8.hpp>
 
 namespace textio::tool {
 namespace {
-
-constexpr std::string_view kReplacementUtf8 = "\xEF\xBF\xBD";
 
 // A piece of JSON of a few characters.
 class Piece {
@@ -136,7 +134,7 @@ void JsonWriter::value(std::u16string_view text) {
   std::string character;
   for (std::size_t pos = 0; pos < text.size();) {
     character.clear();
-    tool::append_utf8(character, next_character(text, pos));
+    textio::append_utf8(character, next_character(text, pos));
     append_utf8(character);
   }
   append("\"");

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include <vltextstream/text/utf8.hpp>
 #include "tool/safe_text.hpp"
 
 namespace textio::tool {
@@ -23,11 +24,7 @@ using standalone::LineRun;
 using Out = std::back_insert_iterator<std::string>;
 
 // A delimiter or line ending as people write it.
-std::string shown(std::u16string_view marker) {
-  std::string utf8;
-  for (std::size_t pos = 0; pos < marker.size();) append_utf8(utf8, next_character(marker, pos));
-  return marker_name(utf8);
-}
+std::string shown(std::u16string_view marker) { return marker_name(to_utf8_lossy(marker)); }
 
 std::string joined(const std::vector<std::size_t>& numbers) {
   return fmt::format("{}", fmt::join(numbers, ", "));

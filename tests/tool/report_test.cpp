@@ -8,8 +8,8 @@
 #include <rapidcheck.h>
 #include <nlohmann/json.hpp>
 
+#include <vltextstream/text/utf8.hpp>
 #include "tool/json_report.hpp"
-#include "tool/safe_text.hpp"
 
 namespace textio::tool {
 namespace {

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <vltextstream/standalone/decoding/utf_text.hpp>
-
+#include <vltextstream/text/utf8.hpp>
 #include "support/rule_name.hpp"
 
 namespace textio::tool {
@@ -18,71 +18,6 @@ using testing_support::ByRule;
 
 const std::string kReplaced = "\xEF\xBF\xBD";
 const std::string kEllipsis = "...";
-
-// --- characters ----------------------------------------------------------------------------------
-
-struct CharacterCase {
-  const char* rule;
-  std::string bytes;
-  char32_t code;
-  std::size_t length;
-  bool is_well_formed;
-};
-std::ostream& operator<<(std::ostream& out, const CharacterCase& row) { return out << row.rule; }
-
-const CharacterCase kCharacters[] = {
-    {"Letter", "ab", U'a', 1, true},
-    {"Nul", std::string(1, '\0'), 0, 1, true},
-    {"FirstOfTwoBytes", "\xC2\x80", 0x80, 2, true},
-    {"LastOfTwoBytes", "\xDF\xBF", 0x7FF, 2, true},
-    {"FirstOfThreeBytes", "\xE0\xA0\x80", 0x800, 3, true},
-    {"LastBeforeTheSurrogates", "\xED\x9F\xBF", 0xD7FF, 3, true},
-    {"FirstAfterTheSurrogates", "\xEE\x80\x80", 0xE000, 3, true},
-    {"LastOfThreeBytes", "\xEF\xBF\xBF", 0xFFFF, 3, true},
-    {"FirstOfFourBytes", "\xF0\x90\x80\x80", 0x10000, 4, true},
-    {"LastOfAll", "\xF4\x8F\xBF\xBF", 0x10FFFF, 4, true},
-
-    {"LoneContinuation", "\x80", 0xFFFD, 1, false},
-    {"OverlongTwoBytes", "\xC1\xBF", 0xFFFD, 1, false},
-    {"OverlongThreeBytes", "\xE0\x9F\xBF", 0xFFFD, 1, false},
-    {"OverlongFourBytes", "\xF0\x8F\xBF\xBF", 0xFFFD, 1, false},
-    {"Surrogate", "\xED\xA0\x80", 0xFFFD, 1, false},
-    {"AboveTheLast", "\xF4\x90\x80\x80", 0xFFFD, 1, false},
-    {"NoLead", "\xF5\x80\x80\x80", 0xFFFD, 1, false},
-    {"CutAfterOne", "\xE2", 0xFFFD, 1, false},
-    {"CutAfterTwo", "\xE2\x82", 0xFFFD, 2, false},
-    {"CutAfterThree", "\xF0\x9F\x92", 0xFFFD, 3, false},
-    {"ThirdDoesNotFit",
-     "\xF0\x9F"
-     "ab",
-     0xFFFD, 2, false},
-};
-
-class FirstCharacter : public testing::TestWithParam<CharacterCase> {};
-TEST_P(FirstCharacter, IsDecodedOrReplaced) {
-  const CharacterCase& row = GetParam();
-  const Utf8Character c = first_character(row.bytes);
-  EXPECT_EQ(c.code, row.code);
-  EXPECT_EQ(c.length, row.length);
-  EXPECT_EQ(c.is_well_formed, row.is_well_formed);
-}
-INSTANTIATE_TEST_SUITE_P(Table, FirstCharacter, testing::ValuesIn(kCharacters), ByRule());
-
-// Two routes: our decoder and encoder, and those of the library.
-TEST(Utf8, OfEveryCharacterComesBack) {
-  for (char32_t code = 0; code <= 0x10FFFF; ++code) {
-    if (code >= 0xD800 && code <= 0xDFFF) continue;
-    std::string bytes;
-    append_utf8(bytes, code);
-    const Utf8Character c = first_character(bytes);
-    ASSERT_TRUE(c.is_well_formed && c.code == code && c.length == bytes.size())
-        << static_cast<unsigned>(code);
-    const std::u16string text = standalone::from_utf8(bytes);
-    std::size_t pos = 0;
-    ASSERT_EQ(next_character(text, pos), code);
-    ASSERT_EQ(pos, text.size());
-  }
-}
 
 // --- what is shown -------------------------------------------------------------------------------
 

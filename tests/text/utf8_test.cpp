@@ -1,4 +1,4 @@
-#include <vltextstream/strategy/utf8.hpp>
+#include <vltextstream/text/utf8.hpp>
 
 #include <initializer_list>
 #include <ostream>
@@ -53,53 +53,63 @@ class Utf8Lossy : public testing::TestWithParam<LossyCase> {};
 TEST_P(Utf8Lossy, IsWellFormed) { EXPECT_EQ(to_utf8_lossy(GetParam().text), GetParam().utf8); }
 INSTANTIATE_TEST_SUITE_P(Table, Utf8Lossy, testing::ValuesIn(kLossy), ByRule());
 
-// --- code points -------------------------------------------------------------------------------
+// --- from UTF-8 ---------------------------------------------------------------------------------
 
-struct CodePointsCase {
+struct CharacterCase {
   const char* rule;
-  std::string utf8;
-  std::u32string code_points;
+  std::string bytes;
+  char32_t code;
+  std::size_t length;
+  bool is_well_formed;
 };
-std::ostream& operator<<(std::ostream& out, const CodePointsCase& row) { return out << row.rule; }
+std::ostream& operator<<(std::ostream& out, const CharacterCase& row) { return out << row.rule; }
 
-const CodePointsCase kCodePoints[] = {
-    {"Empty", "", U""},
-    {"EachLength", "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x92\x80", U"a\u00E9\u20AC\U0001F480"},
-    {"TrailAlone",
-     "\x80"
-     "a",
-     U"\uFFFDa"},
-    {"CutTwo", "\xC3", U"\uFFFD"},
-    {"CutByAnother",
-     "\xE2\x82"
-     "a",
-     U"\uFFFD\uFFFD"
-     U"a"},
-    {"CutFour", "\xF0\x9F\x92", U"\uFFFD\uFFFD\uFFFD"},
-    {"OverlongTwo", "\xC1\xBF", U"\uFFFD\uFFFD"},
-    {"SmallestOfTwo", "\xC2\x80", U"\u0080"},
-    {"OverlongThree", "\xE0\x9F\xBF", U"\uFFFD\uFFFD\uFFFD"},
-    {"SmallestOfThree", "\xE0\xA0\x80", U"\u0800"},
-    {"OverlongFour", "\xF0\x8F\xBF\xBF", U"\uFFFD\uFFFD\uFFFD\uFFFD"},
-    {"SmallestOfFour", "\xF0\x90\x80\x80", U"\U00010000"},
-    {"LargestOfFour", "\xF4\x8F\xBF\xBF", U"\U0010FFFF"},
-    {"BeyondTheLargest", "\xF4\x90\x80\x80", U"\uFFFD\uFFFD\uFFFD\uFFFD"},
-    {"Surrogate", "\xED\xA0\x80", U"\uFFFD\uFFFD\uFFFD"},
-    {"FiveByteLead", "\xF8\x88\x80\x80\x80", U"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},
+const CharacterCase kCharacters[] = {
+    {"Letter", "ab", U'a', 1, true},
+    {"Nul", std::string(1, '\0'), 0, 1, true},
+    {"FirstOfTwoBytes", "\xC2\x80", 0x80, 2, true},
+    {"LastOfTwoBytes", "\xDF\xBF", 0x7FF, 2, true},
+    {"FirstOfThreeBytes", "\xE0\xA0\x80", 0x800, 3, true},
+    {"LastBeforeTheSurrogates", "\xED\x9F\xBF", 0xD7FF, 3, true},
+    {"FirstAfterTheSurrogates", "\xEE\x80\x80", 0xE000, 3, true},
+    {"LastOfThreeBytes", "\xEF\xBF\xBF", 0xFFFF, 3, true},
+    {"FirstOfFourBytes", "\xF0\x90\x80\x80", 0x10000, 4, true},
+    {"LastOfAll", "\xF4\x8F\xBF\xBF", 0x10FFFF, 4, true},
+
+    {"LoneContinuation", "\x80", 0xFFFD, 1, false},
+    {"OverlongTwoBytes", "\xC1\xBF", 0xFFFD, 1, false},
+    {"OverlongThreeBytes", "\xE0\x9F\xBF", 0xFFFD, 1, false},
+    {"OverlongFourBytes", "\xF0\x8F\xBF\xBF", 0xFFFD, 1, false},
+    {"Surrogate", "\xED\xA0\x80", 0xFFFD, 1, false},
+    {"AboveTheLast", "\xF4\x90\x80\x80", 0xFFFD, 1, false},
+    {"NoLead", "\xF5\x80\x80\x80", 0xFFFD, 1, false},
+    {"CutAfterOne", "\xE2", 0xFFFD, 1, false},
+    {"CutAfterTwo", "\xE2\x82", 0xFFFD, 2, false},
+    {"CutAfterThree", "\xF0\x9F\x92", 0xFFFD, 3, false},
+    {"ThirdDoesNotFit",
+     "\xF0\x9F"
+     "ab",
+     0xFFFD, 2, false},
 };
 
-class Utf8CodePoints : public testing::TestWithParam<CodePointsCase> {};
-TEST_P(Utf8CodePoints, MarkEachIllFormedByte) {
-  EXPECT_EQ(code_points_of(GetParam().utf8), GetParam().code_points);
+class FirstCharacter : public testing::TestWithParam<CharacterCase> {};
+TEST_P(FirstCharacter, IsDecodedOrReplaced) {
+  const CharacterCase& row = GetParam();
+  const Utf8Character c = first_character(row.bytes);
+  EXPECT_EQ(c.code, row.code);
+  EXPECT_EQ(c.length, row.length);
+  EXPECT_EQ(c.is_well_formed, row.is_well_formed);
 }
-INSTANTIATE_TEST_SUITE_P(Table, Utf8CodePoints, testing::ValuesIn(kCodePoints), ByRule());
+INSTANTIATE_TEST_SUITE_P(Table, FirstCharacter, testing::ValuesIn(kCharacters), ByRule());
 
-TEST(Utf8, EveryCodePointSurvivesTheWayThereAndBack) {
-  for (char32_t c = 0; c <= 0x10FFFF; ++c) {
-    if (c == 0xD800) c = 0xE000;
-    std::string utf8;
-    append_utf8(utf8, c);
-    ASSERT_EQ(code_points_of(utf8), std::u32string(1, c));
+TEST(Utf8, OfEveryCharacterComesBack) {
+  for (char32_t code = 0; code <= 0x10FFFF; ++code) {
+    if (code >= 0xD800 && code <= 0xDFFF) continue;
+    std::string bytes;
+    append_utf8(bytes, code);
+    const Utf8Character c = first_character(bytes);
+    ASSERT_TRUE(c.is_well_formed && c.code == code && c.length == bytes.size())
+        << static_cast<unsigned>(code);
   }
 }
 
@@ -123,6 +133,7 @@ const PrintableCase kUnprintable[] = {
     {"WordJoiner", 0x2060, 0x2060},
     {"IsolatesAndDeprecatedFormats", 0x2066, 0x206F},
     {"ByteOrderMark", 0xFEFF, 0xFEFF},
+    {"Surrogates", 0xD800, 0xDFFF},
     {"Tags", 0xE0000, 0xE007F},
 };
 
