@@ -25,11 +25,6 @@ inline bool ends_at(const Field& text, std::size_t i) {
   return i >= text.length || text.data[i] == kEndMark;
 }
 
-// The code unit at `i`; the end mark if `i` is past the end.
-inline char16_t code_unit_at(const Field& text, std::size_t i) {
-  return i < text.length ? text.data[i] : kEndMark;
-}
-
 // 'a' to 'z' in upper case; any other code unit unchanged.
 inline char16_t fold_ascii(char16_t unit) {
   return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 32) : unit;

@@ -17,9 +17,7 @@ namespace textio {
 struct FixedWidthRules final : Splitter {
   FixedWidthRules(std::vector<std::size_t> column_widths,
                   std::shared_ptr<const DelimiterSet> line_ending_set)
-      : widths(std::move(column_widths)),
-        line_endings(std::move(line_ending_set)),
-        stops(first_units_of(line_endings.set())) {}
+      : widths(std::move(column_widths)), line_endings(std::move(line_ending_set)) {}
 
   Dialect dialect() const override { return {LayoutMode::fixed_width, {}, widths}; }
   bool counts_fields() const override { return false; }
@@ -33,7 +31,6 @@ struct FixedWidthRules final : Splitter {
 
   std::vector<std::size_t> widths;
   MarkerMatcher line_endings;
-  CodeUnitSet stops;  // the code units that a line ending may begin with
 };
 
 namespace {
@@ -54,7 +51,9 @@ FieldExtent field_at(const Field& line, std::size_t start, std::size_t width) {
 class FixedWidthLines final : public LineCursor {
  public:
   FixedWidthLines(const FixedWidthRules& rules, const Field& text)
-      : text_(text), stops_(text, rules.stops), line_endings_(rules.line_endings, text) {}
+      : text_(text),
+        stops_(text, rules.line_endings.first_units()),
+        line_endings_(rules.line_endings, text) {}
 
   // A line ending may be anywhere. A U+FFFF in the text does not end the line: a read past the end
   // of the text gives the same value, and a line ending may consist of it.

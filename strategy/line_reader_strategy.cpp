@@ -12,9 +12,8 @@
 namespace textio {
 
 struct WholeLineRules final : Splitter {
-  WholeLineRules(std::u16string_view stop_chars,
-                 std::shared_ptr<const DelimiterSet> line_ending_set)
-      : stops(stop_chars), line_endings(std::move(line_ending_set)) {}
+  explicit WholeLineRules(std::shared_ptr<const DelimiterSet> line_ending_set)
+      : line_endings(std::move(line_ending_set)) {}
 
   Dialect dialect() const override { return {LayoutMode::line_reader, {}, {}}; }
   bool counts_fields() const override { return true; }
@@ -22,7 +21,6 @@ struct WholeLineRules final : Splitter {
   std::unique_ptr<LineCursor> lines_of(const Field& text) const override;
   std::unique_ptr<FieldCutter> field_cutter() const override;
 
-  CodeUnitSet stops;  // the code units that a line ending may begin with
   MarkerMatcher line_endings;
 };
 
@@ -31,7 +29,9 @@ namespace {
 class WholeLines final : public LineCursor {
  public:
   WholeLines(const WholeLineRules& rules, const Field& text)
-      : text_(text), stops_(text, rules.stops), line_endings_(rules.line_endings, text) {}
+      : text_(text),
+        stops_(text, rules.line_endings.first_units()),
+        line_endings_(rules.line_endings, text) {}
 
   SplitLine line_at(std::size_t start) override {
     if (ends_at(text_, start)) return {{slice(text_, start, start), start}, 0};
@@ -93,7 +93,7 @@ LineReaderStrategy::LineReaderStrategy(const parser::options& options)
       line_endings_(get_or_create_delim(options.line_endings)),
       delimiters_(get_or_create_delim({})),
       stop_chars_(make_stop_chars(options.line_endings, {})),
-      rules_(std::make_shared<WholeLineRules>(stop_chars_, line_endings_)) {
+      rules_(std::make_shared<WholeLineRules>(line_endings_)) {
   split_by(rules_, typeid(LineReaderStrategy));
 }
 

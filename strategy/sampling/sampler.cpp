@@ -64,8 +64,7 @@ class Sampler {
         limits_(limits),
         known_(limits.blank_runs),
         lines_(splitter.lines_of(text)) {
-    const std::size_t room =
-        std::min({limits.num_texts, saturating_next(text.length), limits.likely_lines});
+    const std::size_t room = std::min({limits.num_texts, text.length, limits.likely_lines});
     sample_.texts.reserve(room);
     sample_.found.runs.reserve(std::min(room, kUsualRuns));
   }
@@ -81,10 +80,6 @@ class Sampler {
   }
 
  private:
-  static std::size_t saturating_next(std::size_t n) {
-    return n == SampleLimits::kNoLimit ? n : n + 1;
-  }
-
   std::size_t room() const { return limits_.num_lines - size_; }
 
   void take_line() {
@@ -149,12 +144,11 @@ class Sampler {
     sample_.most_texts = limits_.num_texts;
     sample_.found.text = text_;
     sample_.found.end = pos_;
-    sample_.found.reached_end = text_.length - std::min(pos_, text_.length) <= reach();
+    // Text further away than the longest marker cannot change a line.
+    const std::size_t rest = text_.length - std::min(pos_, text_.length);
+    sample_.found.reached_end = rest <= splitter_.longest_marker();
     return std::move(sample_);
   }
-
-  // Text this many code units after a line or further cannot change it.
-  std::size_t reach() const { return splitter_.longest_marker(); }
 
   const Field text_;
   const Splitter& splitter_;

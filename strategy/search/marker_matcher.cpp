@@ -18,14 +18,14 @@ bool is_large_set(const DelimiterSet& set) {
   return false;
 }
 
-}  // namespace
-
 CodeUnitSet first_units_of(const DelimiterSet& set) {
   if (set.is_single_char) return CodeUnitSet({set.single_char, 1});
   if (set.first_chars_begin == nullptr) return {};
   const auto count = static_cast<std::size_t>(set.first_chars_end - set.first_chars_begin);
   return CodeUnitSet({set.first_chars_begin, count});
 }
+
+}  // namespace
 
 MarkerMatcher::MarkerMatcher(std::shared_ptr<const DelimiterSet> set)
     : set_(std::move(set)), first_units_(first_units_of(*set_)), is_large_(is_large_set(*set_)) {}

@@ -27,13 +27,13 @@ class MarkerMatcher {
 
   // The length of the first marker that matches at `i`; 0 if none does.
   std::size_t length_at(const Field& text, std::size_t i) const {
-    const char16_t unit = code_unit_at(text, i);
+    const char16_t unit = i < text.length ? text.data[i] : kEndMark;
     if (set_->is_single_char) return unit == *set_->single_char ? 1 : 0;
     return first_units_.contains(unit) ? compare_at(text, i) : 0;
   }
 
-  // Whether a marker begins with `unit`. Not for a set of a single character.
-  bool may_begin_with(char16_t unit) const { return first_units_.contains(unit); }
+  // The code units with which a match can begin.
+  const CodeUnitSet& first_units() const { return first_units_; }
 
   // Whether comparing all markers takes more than a few code units.
   bool is_large() const { return is_large_; }
@@ -51,8 +51,5 @@ class MarkerMatcher {
   CodeUnitSet first_units_;
   bool is_large_;
 };
-
-// The code units with which a match can begin.
-CodeUnitSet first_units_of(const DelimiterSet& set);
 
 }  // namespace textio

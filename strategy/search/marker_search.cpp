@@ -21,7 +21,7 @@ std::vector<std::u16string_view> usable_markers(const MarkerMatcher& matcher) {
   std::vector<std::u16string_view> markers;
   for (const std::u16string& marker : matcher.set().strings) {
     if (marker.empty()) break;
-    if (matcher.may_begin_with(marker.front())) markers.emplace_back(marker);
+    if (matcher.first_units().contains(marker.front())) markers.emplace_back(marker);
   }
   return markers;
 }
@@ -66,7 +66,7 @@ void MarkerSearch::move_to(const Field& text) {
 bool MarkerSearch::is_indexed() const { return index_ && index_->is_made; }
 
 std::size_t MarkerSearch::indexed_length_at(std::size_t i) {
-  if (i >= text_.length || !matcher_.may_begin_with(text_.data[i])) return 0;
+  if (i >= text_.length || !matcher_.first_units().contains(text_.data[i])) return 0;
   if (!index_->is_made) {
     const bool may_compare = index_->compared < index_->allowed || !index_->fits;
     if (may_compare && !index_->automaton) return compare_at(i);
