@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include <vltextstream/scoring/deviations.hpp>
 #include <vltextstream/scoring/header_lines.hpp>
 #include <vltextstream/scoring/line_statistics.hpp>
 
@@ -24,11 +25,7 @@ std::size_t first_unlike_header(const LineCounts& counts) {
   return found == runs.end() ? counts.size() : found->first;
 }
 
-double data_variation(const LineCounts& diffs, const CountScore& score) {
-  return data_variation_of(diffs, *score.header_lines, score.valuation.total_variation);
-}
-
-void find_header_lines(const LineCounts& diffs, std::size_t first, const HeaderLines& headers,
+void find_header_lines(const Deviations& diffs, std::size_t first, const HeaderLines& headers,
                        CountScore& score) {
   if (score.header_lines) return;
   score.header_lines =
@@ -38,14 +35,15 @@ void find_header_lines(const LineCounts& diffs, std::size_t first, const HeaderL
 }
 
 // If the data varies too much after the detected header, only the first lines count as the header.
-void doubt_header_lines(const LineCounts& diffs, std::size_t first, CountScore& score) {
+void doubt_header_lines(const Deviations& diffs, std::size_t first, CountScore& score) {
   if (score.valuation.data_variation > kMostVariation && first < *score.header_lines) {
     score.header_lines = first;
-    score.valuation.data_variation = data_variation(diffs, score);
+    score.valuation.data_variation =
+        diffs.data_variation(*score.header_lines, score.valuation.total_variation);
   }
 }
 
-void measure_deviations(const LineCounts& counts, const LineCounts& diffs, std::size_t first,
+void measure_deviations(const LineCounts& counts, const Deviations& diffs, std::size_t first,
                         const HeaderLines& headers, CountScore& score) {
   StrategyValuation& valuation = score.valuation;
   if (diffs.size() < 2) {
@@ -53,9 +51,9 @@ void measure_deviations(const LineCounts& counts, const LineCounts& diffs, std::
     score.header_lines = std::max(skip_to_data(0, counts), first);
     return;
   }
-  valuation.total_variation = total_variation_of(diffs);
+  valuation.total_variation = diffs.total_variation();
   find_header_lines(diffs, first, headers, score);
-  valuation.data_variation = data_variation(diffs, score);
+  valuation.data_variation = diffs.data_variation(*score.header_lines, valuation.total_variation);
   if (headers.are_to_be_found) {
     doubt_header_lines(diffs, first, score);
     score.header_lines = skip_to_data(*score.header_lines, counts);
@@ -78,7 +76,7 @@ CountScore score_counts(const LineCounts& counts, const HeaderLines& headers,
   score.has_columns = true;
   score.valuation.modal_field_count = static_cast<std::int32_t>(get_modified_median(counts, first));
   if (score.valuation.modal_field_count >= 2) {
-    const LineCounts diffs = get_abs_diffs(counts, score.valuation.modal_field_count);
+    const Deviations diffs(counts, score.valuation.modal_field_count);
     measure_deviations(counts, diffs, first, headers, score);
   } else if (headers.are_to_be_found) {
     score.header_lines = first;

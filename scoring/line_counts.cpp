@@ -29,7 +29,7 @@ std::vector<std::size_t> LineCounts::to_vector() const {
   std::vector<std::size_t> counts;
   counts.reserve(size_);
   for (std::size_t k = 0; k < runs_.size(); ++k) {
-    counts.insert(counts.end(), end_of(k) - runs_[k].first, runs_[k].fields);
+    append_times(counts, end_of(k) - runs_[k].first, runs_[k].fields);
   }
   return counts;
 }

@@ -73,4 +73,13 @@ class LineCounts {
   std::size_t size_ = 0;
 };
 
+// Appends `value` `count` times. If lines are ragged, most runs have a single line.
+inline void append_times(std::vector<std::size_t>& list, std::size_t count, std::size_t value) {
+  if (count == 1) {
+    list.push_back(value);
+  } else {
+    list.insert(list.end(), count, value);
+  }
+}
+
 }  // namespace textio

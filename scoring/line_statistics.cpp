@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include <vltextstream/scoring/deviations.hpp>
 #include <vltextstream/scoring/line_counts.hpp>
 
 namespace textio {
@@ -10,8 +11,6 @@ namespace {
 
 // With this many lines or more, a few lines with several fields do not make a table.
 constexpr std::size_t kManyLines = 11;
-
-std::size_t abs_diff(std::size_t a, std::size_t b) { return a > b ? a - b : b - a; }
 
 // Calls `visit(fields, num_lines)` for each run of lines from line `first` on.
 template <typename Visit>
@@ -26,46 +25,6 @@ double sum_from(const std::vector<std::size_t>& diffs, std::size_t begin) {
   double sum = 0.0;
   for (std::size_t i = begin; i < diffs.size(); ++i) sum += static_cast<double>(diffs[i]);
   return sum;
-}
-
-// The same sum: the deviations of a sample add up to far less than 2^53, so every step is exact.
-double sum_from(const LineCounts& diffs, std::size_t begin) {
-  double sum = 0.0;
-  for_each_run(diffs, begin, [&sum](std::size_t diff, std::size_t num_lines) {
-    sum += static_cast<double>(diff) * static_cast<double>(num_lines);
-  });
-  return sum;
-}
-
-// `diffs` is a vector or LineCounts.
-template <typename Diffs>
-double mean_of_all(const Diffs& diffs) {
-  if (diffs.size() == 0) return std::numeric_limits<double>::infinity();
-  return sum_from(diffs, 0) / static_cast<double>(diffs.size());
-}
-
-template <typename Diffs>
-double mean_after_header(const Diffs& diffs, std::size_t header_lines, double total_variation) {
-  if (header_lines == 0) return total_variation;
-  if (header_lines == diffs.size()) return std::numeric_limits<double>::infinity();
-  if (header_lines > diffs.size()) return -0.0;
-  return sum_from(diffs, header_lines) / static_cast<double>(diffs.size() - header_lines);
-}
-
-// If lines are ragged, most runs have a single line.
-void append(std::vector<std::size_t>& list, std::size_t count, std::size_t value) {
-  if (count == 1) {
-    list.push_back(value);
-  } else {
-    list.insert(list.end(), count, value);
-  }
-}
-
-// The number of runs up to and including the last one with `fields` fields; 0 if there is none.
-std::size_t runs_to_last(const LineCounts& counts, std::size_t fields) {
-  std::size_t k = counts.runs().size();
-  while (k > 0 && counts.runs()[k - 1].fields != fields) --k;
-  return k;
 }
 
 std::size_t first_line_with_several(const LineCounts& counts, std::size_t h) {
@@ -95,7 +54,7 @@ std::size_t get_modified_median(const LineCounts& line_counts, std::size_t first
   std::vector<std::size_t> several;
   several.reserve(lines_with_several);
   for_each_run(line_counts, first, [&](std::size_t fields, std::size_t num_lines) {
-    if (fields > 1) append(several, num_lines, fields);
+    if (fields > 1) append_times(several, num_lines, fields);
   });
   const auto middle = several.begin() + static_cast<std::ptrdiff_t>((several.size() - 1) / 2);
   std::nth_element(several.begin(), middle, several.end());
@@ -106,35 +65,20 @@ std::size_t get_modified_median(const std::vector<std::size_t>& line_counts, std
   return get_modified_median(LineCounts(line_counts), first);
 }
 
-LineCounts get_abs_diffs(const LineCounts& line_counts, std::int32_t modal_field_count) {
-  const auto modal = static_cast<std::size_t>(modal_field_count);
-  const std::size_t num_runs = runs_to_last(line_counts, modal);
-  LineCounts diffs;
-  diffs.reserve(num_runs);
-  for (std::size_t k = 0; k < num_runs; ++k) {
-    const LineCounts::Run& run = line_counts.runs()[k];
-    if (run.fields != 0) diffs.add(abs_diff(run.fields, modal), line_counts.end_of(k) - run.first);
-  }
-  return diffs;
-}
-
 std::vector<std::size_t> get_abs_diffs(const std::vector<std::size_t>& line_counts,
                                        std::int32_t modal_field_count) {
-  return get_abs_diffs(LineCounts(line_counts), modal_field_count).to_vector();
+  return Deviations(LineCounts(line_counts), modal_field_count).to_vector();
 }
 
-double get_total_variation(const std::vector<std::size_t>& diffs) { return mean_of_all(diffs); }
-
-double total_variation_of(const LineCounts& diffs) { return mean_of_all(diffs); }
+double get_total_variation(const std::vector<std::size_t>& diffs) {
+  if (diffs.empty()) return std::numeric_limits<double>::infinity();
+  return sum_from(diffs, 0) / static_cast<double>(diffs.size());
+}
 
 double get_data_variation(const std::vector<std::size_t>& diffs, std::size_t header_lines,
                           double total_variation) {
-  return mean_after_header(diffs, header_lines, total_variation);
-}
-
-double data_variation_of(const LineCounts& diffs, std::size_t header_lines,
-                         double total_variation) {
-  return mean_after_header(diffs, header_lines, total_variation);
+  return mean_after_header(diffs.size(), header_lines, total_variation,
+                           [&] { return sum_from(diffs, header_lines); });
 }
 
 std::size_t get_number_of_variables(const LineCounts& line_counts, std::size_t header_lines) {

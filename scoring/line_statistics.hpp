@@ -2,8 +2,8 @@
 //
 // A good cut gives the same number on every data line. `line_counts` has one number of fields for
 // each sampled line (0 for an empty line). `diffs` has the deviations from the modal count, as
-// computed by get_abs_diffs. The library passes both as LineCounts, because a list may have millions
-// of blank lines; the results are the same.
+// computed by get_abs_diffs. Lists that may have millions of blank lines are passed as LineCounts,
+// and the library does not list their deviations (scoring/deviations.hpp).
 //
 // Cost  linear, except the median, which is a selection among the counts greater than 1. For
 //       LineCounts, linear in the runs and the lines that are not blank.
@@ -30,17 +30,14 @@ std::size_t get_modified_median(const LineCounts& line_counts, std::size_t first
 // modal count. Empty if no line has it.
 VLTEXTSTREAM_EXPORT std::vector<std::size_t> get_abs_diffs(
     const std::vector<std::size_t>& line_counts, std::int32_t modal_field_count);
-LineCounts get_abs_diffs(const LineCounts& line_counts, std::int32_t modal_field_count);
 
 // The mean deviation; infinity for an empty list.
 VLTEXTSTREAM_EXPORT double get_total_variation(const std::vector<std::size_t>& diffs);
-double total_variation_of(const LineCounts& diffs);
 
 // The mean deviation from position `header_lines` on: `total_variation` if that position is 0,
 // infinity directly after the list, negative zero beyond.
 VLTEXTSTREAM_EXPORT double get_data_variation(const std::vector<std::size_t>& diffs,
                                               std::size_t header_lines, double total_variation);
-double data_variation_of(const LineCounts& diffs, std::size_t header_lines, double total_variation);
 
 // The largest number of fields from line `header_lines` on, at least 1.
 VLTEXTSTREAM_EXPORT std::size_t get_number_of_variables(const std::vector<std::size_t>& line_counts,

@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <vltextstream/options/parser_options.hpp>
-#include <vltextstream/scoring/line_counts.hpp>
 #include "support/rule_name.hpp"
 #include "support/unit_strategy.hpp"
 
@@ -145,12 +144,6 @@ TEST(TotalVariation, DoesNotWrapWhereTheSumPassesTheLargestInteger) {
   EXPECT_EQ(get_total_variation({half, half}), 9223372036854775808.0);
 }
 
-TEST(TotalVariation, IsTheSameForRuns) {
-  for (const Series& diffs : {Series{}, {7}, {0, 0}, {1, 2}, {2, 2, 0, 0, 0}, {3, 0, 0, 3, 1}}) {
-    EXPECT_EQ(total_variation_of(LineCounts(diffs)), get_total_variation(diffs));
-  }
-}
-
 struct DataVariationCase {
   const char* rule;
   Series diffs;
@@ -179,12 +172,6 @@ const DataVariationCase kDataVariationCases[] = {
 class DataVariation : public testing::TestWithParam<DataVariationCase> {};
 TEST_P(DataVariation, IsTheMeanAfterTheHeader) {
   const double variation = get_data_variation(GetParam().diffs, GetParam().header_lines, kStored);
-  EXPECT_EQ(variation, GetParam().variation);
-  EXPECT_EQ(std::signbit(variation), std::signbit(GetParam().variation));
-}
-TEST_P(DataVariation, IsTheSameForRuns) {
-  const LineCounts diffs(GetParam().diffs);
-  const double variation = data_variation_of(diffs, GetParam().header_lines, kStored);
   EXPECT_EQ(variation, GetParam().variation);
   EXPECT_EQ(std::signbit(variation), std::signbit(GetParam().variation));
 }
