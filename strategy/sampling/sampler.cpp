@@ -72,7 +72,7 @@ class Sampler {
   // While there is text, every line ends after its start: it has a code unit, a line ending or
   // both. So the loop ends.
   DrawnSample draw() {
-    while (!ends_at(text_, pos_) && sample_.texts.size() < limits_.num_texts && room() > 0) {
+    while (!ends_at(text_, pos_) && sample_.texts.size() < limits_.num_texts) {
       if (!take_known_blanks()) take_line();
     }
     if (limits_.takes_last_comments) take_comments();
@@ -80,8 +80,6 @@ class Sampler {
   }
 
  private:
-  std::size_t room() const { return limits_.num_lines - size_; }
-
   void take_line() {
     const SplitLine line = lines_->line_at(pos_);
     switch (kind_of(line.extent.field, test_)) {
@@ -115,14 +113,13 @@ class Sampler {
   // Nothing replaces empty lines here; otherwise the previous line would not have been blank.
   void take_empty_lines() {
     constexpr std::size_t kMostOfARun = std::numeric_limits<std::uint32_t>::max();
-    const EmptyLines more = lines_->empty_lines_at(pos_, std::min(room(), kMostOfARun));
+    const EmptyLines more = lines_->empty_lines_at(pos_, kMostOfARun);
     if (more.count > 0) add(SampleLineKind::blank, more.count, more.next);
   }
 
   bool take_known_blanks() {
     while (!known_.empty() && known_.front().begin < pos_) known_ = known_.subspan(1);
     if (known_.empty() || known_.front().begin != pos_) return false;
-    if (known_.front().num_lines > room()) return false;
     add(SampleLineKind::blank, known_.front().num_lines, known_.front().end);
     return true;
   }

@@ -13,7 +13,6 @@
 #pragma once
 
 #include <cstddef>
-#include <limits>
 #include <span>
 #include <string>
 #include <vector>
@@ -64,13 +63,10 @@ struct BlankRun {
 };
 
 struct SampleLimits {
-  static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
-
   // The largest number of text lines.
   std::size_t num_texts;
 
-  // The largest number of lines in all, and the number that is likely.
-  std::size_t num_lines = kNoLimit;
+  // The number that is likely.
   std::size_t likely_lines = 16'384;
 
   // Runs of lines that are known to be blank for this strategy as well, provided that it starts a

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <vltextstream/detection/candidates.hpp>
+#include <vltextstream/strategy/line_reader_strategy.hpp>
 #include "support/exact_text.hpp"
 #include "support/printing.hpp"
 #include "support/rule_name.hpp"
@@ -558,6 +559,52 @@ TEST_F(BuildOneCandidate, ReadsQuotedLineEndingsAsText) {
   ASSERT_EQ(candidates.size(), 1U);
   EXPECT_EQ(testing_support::sampled_lines_of(*candidates[0]),
             (std::vector<std::u16string>{u"a,b", u"\"x\ny\",1", u"2,3", u"4,5"}));
+}
+
+TEST_F(BuildOneCandidate, LooksForColumnsBelowTheLastBlankLine) {
+  // Without header lines the blank line is one of those that are compared, and is shorter. The blank
+  // before the numbers belongs to their column.
+  const std::u16string with_blank = u"Zoe         55\n\n" + kNames;
+  options_.detect_header_lines = false;
+  options_.header_lines = 0;
+  EXPECT_TRUE(widths_of(*build(u" ", ExactText(with_blank)).at(0)).empty());
+  options_.header_lines = 2;
+  EXPECT_EQ(widths_of(*build(u" ", ExactText(with_blank)).at(0)),
+            (std::vector<unsigned long>{11, 3}));
+}
+
+// Ten lines that are blank to the line reader are known to the store. A candidate for which they are
+// other lines, or not blank, reads them.
+TEST_F(BuildOneCandidate, ReadsKnownBlankLinesIfTheyMayBeOthers) {
+  struct Case {
+    std::u16string blank;
+    std::u16string whitespace;
+    std::vector<std::u16string> line_endings;
+  };
+  const Case cases[] = {
+      {u" \n", u" \t", {u"\n"}},  // a delimiter is in them
+      {u"\t\n", u" \t", {u"\n"}},     {u"\n", u" \t", {u"\n"}},
+      {u"\v\n", u" \v", {u"\n"}},      // white space that aligned fields do not skip
+      {u"\"\n", u" \"", {u"\n"}},      // they open a quoted field
+      {u"\t ", u"\t", {u" ", u"\n"}},  // they end with a blank
+      {u" \t", u" ", {u"\t", u"\n"}},
+  };
+  for (const Case& row : cases) {
+    options_.whitespace = row.whitespace;
+    options_.line_endings = row.line_endings;
+    const ExactText text(u"a,b c\n1,2 3\n" + times(10, row.blank) + u"4,5 6\n7,8 9\n");
+    SampleStore samples(text.field(), 100);
+    LineReaderStrategy reader(options_);
+    samples.remember_blanks(samples.draw(reader));
+    const Strategies known = strategies_of(
+        build_candidates(u", \t", {options_, options_.header_lines, samples}, nullptr));
+    const Strategies plain = build(u", \t", text);
+    ASSERT_EQ(known.size(), plain.size()) << readable(row.blank);
+    for (std::size_t i = 0; i < plain.size(); ++i) {
+      EXPECT_EQ(describe(*known[i]), describe(*plain[i])) << readable(row.blank);
+      EXPECT_EQ(describe(known[i]->valuation()), describe(plain[i]->valuation()));
+    }
+  }
 }
 
 TEST_F(BuildOneCandidate, CandidatesOutliveTheInputAndTheTrace) {

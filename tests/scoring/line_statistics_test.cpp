@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <vltextstream/options/parser_options.hpp>
+#include <vltextstream/scoring/line_counts.hpp>
 #include "support/rule_name.hpp"
 #include "support/unit_strategy.hpp"
 
@@ -248,6 +249,13 @@ TEST_P(SkipToData, FindsTheLineOfAPosition) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, SkipToData, testing::ValuesIn(kSkipCases),
                          testing_support::ByRule());
+
+// For LineCounts, a position that wraps around continues from 0: one after the largest is line 0,
+// which is empty, and the first line with several fields follows.
+TEST(SkipToDataOfRuns, ContinuesFromTheFirstLineWhereItWraps) {
+  EXPECT_EQ(skip_to_data(SIZE_MAX, LineCounts({0, 3})), 1U);
+  EXPECT_EQ(skip_to_data(SIZE_MAX, LineCounts({3, 3})), SIZE_MAX);
+}
 
 // --- the member functions of the strategy --------------------------------------------------------
 

@@ -179,6 +179,12 @@ TEST(EmptyLinesOfAStrategyFromOutside, AreNotGrouped) {
   EXPECT_EQ(strategy.lines_of(text.field())->empty_lines_at(0, kAny).count, 0U);
 }
 
+TEST(SplitterOfAStrategyFromOutside, KnowsOnlyTheMode) {
+  const parser::options options;
+  EveryCodeUnit strategy(options);
+  EXPECT_EQ(strategy.splitter()->dialect(), (Dialect{LayoutMode::line_reader, {}, {}}));
+}
+
 // --- against simple loops ------------------------------------------------------------------------
 
 // Markers that overlap one another, the blanks and the quote.

@@ -46,6 +46,7 @@ const LossyCase kLossy[] = {
     {"LeadAtTheEnd", units({'a', 0xDBFF}), "a" + kBad},
     {"TrailAlone", units({0xDC80, 'b'}), kBad + "b"},
     {"TwoLeadsThenATrail", units({0xD800, 0xD83D, 0xDC80}), kBad + "\xF0\x9F\x92\x80"},
+    {"LeadBeforeALargerUnit", units({0xD800, 0xE000}), kBad + "\xEE\x80\x80"},
     {"TrailThenLead", units({0xDC00, 0xD800}), kBad + kBad},
 };
 

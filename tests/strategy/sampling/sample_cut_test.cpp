@@ -63,6 +63,16 @@ TEST(SampleCut, CutsBlankSeparatedAndWholeLines) {
   EXPECT_EQ(fields_of(lines, sample_of_lines, 1), (Texts{u"1 2  3"}));
 }
 
+TEST(SampleCut, CutsNoComments) {
+  parser::options options;
+  options.comment_style = {u"#"};
+  const ExactText text(u"#abc\nabc\n#\nd\n");
+  FixedWidthStrategy fixed(options, {1, 2});
+  DrawnSample sample_of_cut = sample_of(fixed, text);
+  SampleCut cut(fixed, sample_of_cut);
+  EXPECT_EQ(cut.counts().to_vector(), (Counts{2, 1}));
+}
+
 // Widths 1, 2, 3. "abcd" uses the columns 1, 2, 3. The last is short, so one more field follows:
 // column 1 again. So "ef" starts at width 2, which it fills, and "ghi" starts at width 3.
 class SampleCutOfFixedWidths : public testing::Test {

@@ -93,6 +93,18 @@ TEST_P(DrawSample, FindsLinesAndRuns) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, DrawSample, testing::ValuesIn(kSampleCases), ByRule());
 
+TEST(DrawSampleLastComments, AreTakenUpToTheNextLine) {
+  parser::options options;
+  options.comment_style = {u"#"};
+  DelimitedStrategy commas(options, u',');
+  const ExactText text(u"a\n#x\n#y\nb\n#z\n");
+  SampleLimits limits{1};
+  limits.takes_last_comments = true;
+  const DrawnSample sample = commas.draw(text.field(), limits);
+  EXPECT_EQ(described(sample), "1 text at 0, 2 comment at 2");
+  EXPECT_EQ(sample.found.end, 8U);
+}
+
 TEST(DrawnSample, TakesItsLinesWithTheBlankOnes) {
   const parser::options options;
   DelimitedStrategy commas(options, u',');

@@ -91,6 +91,7 @@ TEST_P(MarkerSearchLengthAt, ComparesAFewMarkers) {
   const MarkerMatcher matcher = matcher_of(GetParam().markers);
   MarkerSearch search(matcher, text.field());
   EXPECT_EQ(answers(search, text.field()), GetParam().lengths);
+  EXPECT_FALSE(search.is_indexed());
 }
 
 TEST_P(MarkerSearchLengthAt, ComparesManyMarkersAtFirst) {
