@@ -181,8 +181,17 @@ std::string sentence_of(const MessageIdentifiedError& error, std::string_view Me
   return fmt::format("{} {}", identifier, argument);
 }
 
+// A message is read as a C string, which a zero would end, so U+FFFD replaces it.
 std::string problem_of(std::string_view option, std::string_view sentence) {
-  return fmt::format("{}: {}", option.empty() ? "''" : option, sentence);
+  std::string problem;
+  for (const char c : fmt::format("{}: {}", option.empty() ? "''" : option, sentence)) {
+    if (c != '\0') {
+      problem += c;
+    } else {
+      problem += "\xEF\xBF\xBD";
+    }
+  }
+  return problem;
 }
 
 }  // namespace

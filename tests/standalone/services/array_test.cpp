@@ -402,6 +402,14 @@ const ProblemCase kProblems[] = {
      "InvalidEscapeSequence",
      std::string("TreatAsMissing"),
      "TreatAsEmpty: Expected only the escapes \\\\, \\b, \\n, \\r and \\t."},
+
+    // Former bugs.
+    {"NameThatStartsWithAZero",
+     {std::string("\0a", 2), make_array(1)},
+     "UnknownParameter",
+     std::u16string(u"\0a", 2),
+     "\xEF\xBF\xBD"
+     "a: Expected the name of an option."},
 };
 
 class ApplyOptionsProblem : public testing::TestWithParam<ProblemCase> {};
