@@ -93,6 +93,19 @@ TEST_P(DrawSample, FindsLinesAndRuns) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, DrawSample, testing::ValuesIn(kSampleCases), ByRule());
 
+// Where something stands for empty lines, they are texts, but have no field.
+TEST(DrawSampleEmptyText, CountsNoFields) {
+  const parser::options options;
+  DelimitedStrategy commas(options, u',');
+  FieldFormat format;
+  format.empty_text = u"-";
+  const ExactText text(u"a,b\n\nc\n");
+  const DrawnSample sample =
+      draw_sample(text.field(), *commas.splitter(), {format, options.comment_style}, {9});
+  EXPECT_EQ(described(sample), "3 text at 0");
+  EXPECT_EQ(sample.counts.to_vector(), (std::vector<std::size_t>{2, 0, 1}));
+}
+
 TEST(DrawSampleLastComments, AreTakenUpToTheNextLine) {
   parser::options options;
   options.comment_style = {u"#"};
