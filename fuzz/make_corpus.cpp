@@ -213,6 +213,22 @@ void make_counts(Seeds seeds) {
   }
 }
 
+// Short tables, and the starts of the examples.
+void make_assessment(Seeds seeds, const std::vector<std::string>& examples) {
+  const std::string texts[] = {"a,b\n1,2\n3,4\n",
+                               "'a';'b'\n'x;y';2\n'it''s';3\n",
+                               "a\\,b,c\n\"x\\\"y\",z\n",
+                               "+---+---+\n| a | b |\n+===+===+\n| 1 | 2 |\n+---+---+\n",
+                               "  x    y\n 1.5  2024-01-05 10:15\n 2.5  2024-01-06 10:30\n",
+                               "# a b\n1 2\n3 4\n",
+                               "k1;v1;;\n;;;\nn;m;o;p\n1;2;3;4\n5;6;7;8\n9;8;7;6\n",
+                               "a::b::c\n1::2::3\n",
+                               "int main() {\n  return 0;\n}\n",
+                               "The quick brown fox jumps, and then it rests.\n"};
+  for (const std::string& text : texts) seeds.add(byte(40) + text);
+  for (const std::string& text : examples) seeds.add(byte(20) + text.substr(0, 380));
+}
+
 std::vector<std::string> texts_of_files(const fs::path& folder) {
   std::set<fs::path> files;
   for (const auto& entry : fs::directory_iterator(folder)) files.insert(entry.path());
@@ -253,6 +269,7 @@ void make_all(const fs::path& folder, const fs::path& examples_folder) {
   make_strategies(Seeds(folder, "strategies"));
   make_classification(Seeds(folder, "classification"));
   make_counts(Seeds(folder, "counts"));
+  make_assessment(Seeds(folder, "assessment"), examples);
   make_tables(Seeds(folder, "detection"), 1, examples, {""});
   // Size of a read, read fault (3) or allocation, once or from then on, which one, trace, encoding.
   make_tables(Seeds(folder, "faults"), 2, examples,

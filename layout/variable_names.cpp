@@ -11,7 +11,7 @@
 
 #include <fmt/format.h>
 
-#include <vltextstream/layout/unit_symbols.hpp>
+#include <vltextstream/assessment/unit_symbols.hpp>
 
 namespace textio::standalone {
 namespace {
@@ -76,9 +76,9 @@ class NamesCandidate {
     bool has_unit = false;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       const std::u16string& text = texts()[i];
-      const bool is_unit_here = is_unit(text) || is_time_pattern(text);
+      const bool is_unit_here = assessment::is_unit(text) || assessment::is_time_pattern(text);
       const bool is_allowed_here = is_typed(columns_[i])
-                                       ? is_unit_here || is_no_unit(text)
+                                       ? is_unit_here || assessment::is_no_unit(text)
                                        : text.size() <= kLongestRemark && !is_typed(class_of(i));
       if (!is_allowed_here) return false;
       has_unit = has_unit || (is_typed(columns_[i]) && is_unit_here);

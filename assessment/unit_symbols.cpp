@@ -1,7 +1,7 @@
 // A unit is a product of symbols, each with or without an exponent: "kg m-2 s^-1", "km/h". A symbol
 // is in one list, or is a metric prefix and a symbol of another list, or is a currency code.
 // Brackets around the whole text are ignored.
-#include <vltextstream/layout/unit_symbols.hpp>
+#include <vltextstream/assessment/unit_symbols.hpp>
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@
 
 #include <unicode/ucurr.h>
 
-namespace textio::standalone {
+namespace textio::assessment {
 namespace {
 
 using View = std::u16string_view;
@@ -289,4 +289,4 @@ bool is_no_unit(View text) {
   return is_one_of(kNoUnit, text) || is_one_of(kNoUnit, trimmed(without_brackets(text)));
 }
 
-}  // namespace textio::standalone
+}  // namespace textio::assessment

@@ -1,4 +1,4 @@
-#include <vltextstream/layout/unit_symbols.hpp>
+#include <vltextstream/assessment/unit_symbols.hpp>
 
 #include <ostream>
 #include <string>
@@ -10,7 +10,7 @@
 #include "support/printing.hpp"
 #include "support/rule_name.hpp"
 
-namespace textio::standalone {
+namespace textio::assessment {
 namespace {
 
 using testing_support::ByRule;
@@ -204,4 +204,4 @@ TEST(UnitSymbols, AUnitIsNeverASignOfNone) {
 }
 
 }  // namespace
-}  // namespace textio::standalone
+}  // namespace textio::assessment

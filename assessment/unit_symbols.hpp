@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-namespace textio::standalone {
+namespace textio::assessment {
 
 // A unit of measure: "cm", "km/h", "W m-2", "[kg/m^3]", "(degC)", "%", "EUR", "seconds".
 bool is_unit(std::u16string_view text);
@@ -17,4 +17,4 @@ bool is_time_pattern(std::u16string_view text);
 // A sign that a column has no unit: "-", "n/a", "[-]", "none", or the empty text.
 bool is_no_unit(std::u16string_view text);
 
-}  // namespace textio::standalone
+}  // namespace textio::assessment

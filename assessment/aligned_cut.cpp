@@ -1,0 +1,233 @@
+#include <algorithm>
+#include <optional>
+
+#include <vltextstream/assessment/cell_kind.hpp>
+#include <vltextstream/assessment/cuts.hpp>
+
+namespace textio::assessment {
+namespace {
+
+struct Span {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+
+  bool operator==(const Span&) const = default;
+};
+using Spans = std::vector<Span>;
+
+// The pieces of a line between runs of at least `least_blanks` blanks or tabs.
+Spans pieces_of(std::u16string_view line, std::size_t least_blanks) {
+  Spans pieces;
+  std::size_t blanks = least_blanks;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    if (is_blank(line[i])) {
+      blanks = line[i] == u'\t' ? least_blanks : blanks + 1;
+      continue;
+    }
+    if (blanks >= least_blanks || pieces.empty()) {
+      pieces.push_back({i, i + 1});
+    } else {
+      pieces.back().end = i + 1;
+    }
+    blanks = 0;
+  }
+  return pieces;
+}
+
+bool is_date_with_time(std::u16string_view date, std::u16string_view time) {
+  return time.find(u':') != time.npos && kind_of(time) == CellKind::time &&
+         kind_of(date) == CellKind::date;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Gaps
+
+// The union of two series of spans, joined where fewer than `least_blanks` are between them.
+Spans join(const Spans& a, const Spans& b, std::size_t least_blanks) {
+  Spans joined;
+  joined.reserve(a.size() + b.size());
+  std::merge(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(joined),
+             [](const Span& x, const Span& y) { return x.begin < y.begin; });
+  std::size_t last = 0;
+  for (std::size_t i = 1; i < joined.size(); ++i) {
+    if (joined[i].begin < joined[last].end + least_blanks) {
+      joined[last].end = std::max(joined[last].end, joined[i].end);
+    } else {
+      joined[++last] = joined[i];
+    }
+  }
+  if (!joined.empty()) joined.resize(last + 1);
+  return joined;
+}
+
+// Whether each of `old` columns is in a column of its own in `columns`.
+bool keeps_apart(const Spans& old, const Spans& columns) {
+  std::size_t j = 0;
+  const Span* last = nullptr;
+  for (const Span& column : old) {
+    while (columns[j].end < column.end) ++j;
+    if (last == &columns[j]) return false;
+    last = &columns[j];
+  }
+  return true;
+}
+
+class GapCut {
+ public:
+  GapCut(const SampledLines& lines, std::size_t least_blanks)
+      : lines_(lines), least_blanks_(least_blanks), records_(lines.text()) {}
+
+  Records take() {
+    find_table_lines();
+    if (table_lines_.size() < 2) return std::move(records_);
+    find_columns();
+    if (columns_.size() < 2) return std::move(records_);
+    join_dates_and_times();
+    add_records();
+    return std::move(records_);
+  }
+
+ private:
+  Spans pieces(std::size_t line) const { return pieces_of(lines_.view(line), 1); }
+
+  // Lines that may belong to the table.
+  void find_table_lines() {
+    for (std::size_t k = 0; k < lines_.size(); ++k) {
+      const std::u16string_view line = lines_.view(k);
+      if (!is_blank(line) && !is_rule(line) && !lines_.is_comment(k)) table_lines_.push_back(k);
+    }
+  }
+
+  // No columns if they would make far more cells than the text has code units: then nearly all cells
+  // would be empty, and cutting would not be linear.
+  void find_columns() {
+    const std::size_t most_cells = lines_.end() + kCellsOfSmallTable;
+    const std::size_t size = table_lines_.size();
+    std::size_t cells = 0;
+    std::size_t longest = 0;
+    for (const std::size_t line : table_lines_)
+      longest = std::max(longest, lines_.view(line).size());
+    const std::size_t first_sure =
+        std::max(std::min(size / 2, kLinesAbove), size - std::min(size, kSureLines));
+    for (std::size_t i = first_sure; i < size; ++i) {
+      columns_ = join(columns_, pieces(table_lines_[i]), least_blanks_);
+      if (columns_.size() == 1 && has_no_room_beside(columns_[0], longest)) return;
+      cells += columns_.size();
+      if (cells > most_cells) return columns_.clear();
+    }
+    is_data_.assign(lines_.size(), false);
+    for (std::size_t i = size; i-- > 0;) {
+      const std::size_t line = table_lines_[i];
+      if (i >= first_sure) {
+        is_data_[line] = true;
+        continue;
+      }
+      cells += columns_.size();
+      if (cells > most_cells) return columns_.clear();
+      Spans wider = join(columns_, pieces(line), least_blanks_);
+      if (!keeps_apart(columns_, wider)) continue;
+      is_data_[line] = true;
+      columns_ = std::move(wider);
+    }
+    if (columns_.size() > most_cells / size) columns_.clear();
+  }
+
+  // Whether no line of `longest` code units can have another column before or after this one.
+  bool has_no_room_beside(const Span& column, std::size_t longest) const {
+    return column.begin <= least_blanks_ && longest <= column.end + least_blanks_;
+  }
+
+  // A date and the time beside it are one column.
+  void join_dates_and_times() {
+    for (std::size_t c = columns_.size() - 1; c-- > 0;) {
+      if (columns_[c + 1].begin - columns_[c].end != 1 || !has_dates_and_times(c)) continue;
+      columns_[c].end = columns_[c + 1].end;
+      columns_.erase(columns_.begin() + static_cast<std::ptrdiff_t>(c) + 1);
+    }
+  }
+
+  bool has_dates_and_times(std::size_t column) const {
+    std::size_t looked_at = 0;
+    std::size_t found = 0;
+    for (std::size_t i = table_lines_.size(); i-- > 0 && looked_at < 40;) {
+      if (!is_data_[table_lines_[i]]) continue;
+      ++looked_at;
+      const std::u16string_view line = lines_.view(table_lines_[i]);
+      if (is_date_with_time(part(line, columns_[column]), part(line, columns_[column + 1])))
+        ++found;
+    }
+    return 10 * found >= 6 * looked_at;
+  }
+
+  static std::u16string_view part(std::u16string_view line, const Span& span) {
+    const std::size_t begin = std::min(span.begin, line.size());
+    return trimmed(line.substr(begin, std::min(span.end, line.size()) - begin));
+  }
+
+  void add_records() {
+    for (const Span& column : columns_) {
+      records_.column_starts.push_back(column.begin);
+      records_.column_ends.push_back(column.end);
+    }
+    for (std::size_t k = 0; k < lines_.size(); ++k) {
+      const std::u16string_view line = lines_.view(k);
+      if (is_blank(line) || is_rule(line)) continue;
+      records_.add_record(k);
+      if (!is_data_[k]) {
+        add_part(k, line);
+        continue;
+      }
+      for (const Span& column : columns_) add_part(k, part(line, column));
+    }
+  }
+
+  void add_part(std::size_t line, std::u16string_view part) {
+    const std::size_t begin = part.empty()
+                                  ? lines_[line].end
+                                  : static_cast<std::size_t>(part.data() - lines_.text().data());
+    records_.add_cell(begin, begin + part.size());
+  }
+
+  // Columns are sought in the lower half of the lines, but above the last twelve only in the last
+  // hundred; lines above these join if they agree.
+  static constexpr std::size_t kLinesAbove = 12;
+  static constexpr std::size_t kSureLines = 100;
+  static constexpr std::size_t kCellsOfSmallTable = 10'000;
+
+  const SampledLines& lines_;
+  const std::size_t least_blanks_;
+  Records records_;
+  std::vector<std::size_t> table_lines_;
+  std::vector<bool> is_data_;
+  Spans columns_;
+};
+
+}  // namespace
+
+Records cut_gaps(const SampledLines& lines, std::size_t least_blanks) {
+  return GapCut(lines, least_blanks).take();
+}
+
+Records cut_runs(const SampledLines& lines, std::size_t least_blanks) {
+  Records records(lines.text());
+  for (std::size_t k = 0; k < lines.size(); ++k) {
+    const std::u16string_view line = lines.view(k);
+    if (is_blank(line) || is_rule(line)) continue;
+    records.add_record(k);
+    Spans pieces = pieces_of(line, least_blanks);
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+      Span piece = pieces[i];
+      const auto text = [&](const Span& span) {
+        return line.substr(span.begin, span.end - span.begin);
+      };
+      if (i + 1 < pieces.size() && is_date_with_time(text(piece), text(pieces[i + 1]))) {
+        piece.end = pieces[++i].end;
+        records.joins_times = true;
+      }
+      records.add_cell(lines[k].begin + piece.begin, lines[k].begin + piece.end);
+    }
+  }
+  return records;
+}
+
+}  // namespace textio::assessment

@@ -1,0 +1,35 @@
+// How the readings cut a sample: one function for each form.
+#pragma once
+
+#include <string_view>
+
+#include <vltextstream/assessment/reading.hpp>
+#include <vltextstream/assessment/records.hpp>
+#include <vltextstream/assessment/sampled_lines.hpp>
+
+namespace textio::assessment {
+
+// Delimited, or a single column. A quote opens at the start of a cell. What it opens ends at a
+// delimiter or line ending before which the quotes are even in number. A quote that is not closed
+// within 60 lines is an ordinary character, except at the end of a sample that the text continues.
+Records cut_delimited(const SampledLines& lines, const Reading& reading);
+
+// Frames: rules are left out, and so are bars at the ends of lines.
+Records cut_framed(const SampledLines& lines);
+
+// Runs of at least `least_blanks` blanks, or a tab, separate cells. A time belongs to the date before it.
+Records cut_runs(const SampledLines& lines, std::size_t least_blanks);
+
+// Blank columns through the data separate cells. The data are found from the bottom: a line belongs
+// to them if it closes no gap between two columns. Other lines are one cell each. No records if
+// there are no two columns.
+Records cut_gaps(const SampledLines& lines, std::size_t least_blanks);
+
+// A line of nothing but `-`, `=`, `+`, `|`, `:`, `_`, `~`, `*` and blanks, with three of the signs that draw rules
+// or more.
+bool is_rule(std::u16string_view line);
+
+// What separates cells in frames.
+bool is_bar(char16_t unit);
+
+}  // namespace textio::assessment

@@ -1,0 +1,165 @@
+#include <algorithm>
+
+#include <vltextstream/assessment/cuts.hpp>
+
+namespace textio::assessment {
+namespace {
+
+constexpr std::size_t kLongestQuote = 60;  // lines
+constexpr std::size_t kMostUnclosedQuotes =
+    8;  // then quotes are given up, so that cutting is linear
+
+class DelimitedCut {
+ public:
+  DelimitedCut(const SampledLines& lines, const Reading& reading)
+      : lines_(lines), reading_(reading), text_(lines.text()), records_(text_) {}
+
+  Records take() {
+    while (line_ < lines_.size()) {
+      if (is_blank(lines_.view(line_))) {
+        ++line_;
+      } else {
+        add_record();
+      }
+    }
+    return std::move(records_);
+  }
+
+ private:
+  void add_record() {
+    const std::size_t first_line = line_;
+    is_open_ = false;
+    records_.add_record(first_line);
+    pos_ = lines_[line_].begin;
+    while (add_cell()) {
+    }
+    records_.add_lines(line_ - first_line);
+    ++line_;
+    if (is_open_ && records_.size() > 1) records_.drop_last();
+  }
+
+  std::size_t line_end() const { return lines_[line_].end; }
+
+  // Adds the cell at pos_; whether another one follows.
+  bool add_cell() {
+    std::size_t start = pos_;
+    if (reading_.delimiter != u" ") {
+      while (start < line_end() && text_[start] == u' ') ++start;
+    }
+    const bool may_quote =
+        reading_.quote != 0 && start < line_end() && text_[start] == reading_.quote;
+    if (may_quote && unclosed_ < kMostUnclosedQuotes) {
+      const std::size_t line = line_;
+      if (add_quoted(start)) return goes_on();
+      line_ = line;
+      ++unclosed_;
+      records_.ill_placed_quotes += 2;
+    }
+    const std::size_t end = find_delimiter(pos_);
+    if (reading_.quote != 0 && !may_quote) note_stray_quotes(pos_, end);
+    records_.add_cell(pos_, end);
+    pos_ = end;
+    return goes_on();
+  }
+
+  // pos_ is at a delimiter or at the end of the line.
+  bool goes_on() {
+    if (pos_ >= line_end() || reading_.delimiter.empty()) return false;
+    pos_ += reading_.delimiter.size();
+    return true;
+  }
+
+  std::size_t find_delimiter(std::size_t from) const {
+    if (reading_.delimiter.empty()) return line_end();
+    if (reading_.escape != 0 && reading_.quote == 0) return find_unescaped(from);
+    const std::u16string_view rest = text_.substr(0, line_end());
+    if (reading_.delimiter.size() == 1)
+      return std::min(rest.find(reading_.delimiter[0], from), line_end());
+    return std::min(rest.find(reading_.delimiter, from), line_end());
+  }
+
+  std::size_t find_unescaped(std::size_t from) const {
+    while (from < line_end() && !is_delimiter_at(from))
+      from += text_[from] == reading_.escape ? 2 : 1;
+    return std::min(from, line_end());
+  }
+
+  bool is_delimiter_at(std::size_t pos) const {
+    const std::u16string& delimiter = reading_.delimiter;
+    return !delimiter.empty() && text_[pos] == delimiter[0] &&
+           text_.substr(pos, std::min(delimiter.size(), line_end() - pos)) == delimiter;
+  }
+
+  void note_stray_quotes(std::size_t begin, std::size_t end) {
+    const std::size_t at = text_.substr(0, end).find(reading_.quote, begin);
+    if (at == text_.npos) return;
+    // An apostrophe within a word is one.
+    const bool in_word = at > begin && reading_.quote == u'\'' && is_word(text_[at - 1]);
+    records_.ill_placed_quotes += in_word ? 0.15 : 1;
+  }
+
+  static bool is_word(char16_t unit) {
+    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
+           (unit >= u'0' && unit <= u'9') || unit >= 0xC0;
+  }
+
+  // Adds the cell whose quote is at `open`, which may take further lines. False if it is not closed.
+  bool add_quoted(std::size_t open) {
+    const std::size_t last = std::min(line_ + kLongestQuote, lines_.size() - 1);
+    bool inside = false;
+    for (std::size_t i = open;;) {
+      if (i >= line_end()) {
+        if (!inside) return finish_quoted(open, line_end());
+        if (line_ >= last) break;
+        ++line_;
+        i = lines_[line_].begin;
+        continue;
+      }
+      if (reading_.escape != 0 && inside && text_[i] == reading_.escape) {
+        i += 2;
+      } else if (text_[i] == reading_.quote) {
+        inside = !inside;
+        ++i;
+      } else if (!inside && is_delimiter_at(i)) {
+        return finish_quoted(open, i);
+      } else {
+        ++i;
+      }
+    }
+    if (!lines_.has_more() || line_ + 1 < lines_.size()) return false;
+    is_open_ = true;
+    records_.add_cell(open + 1, line_end(), true);
+    pos_ = line_end();
+    return true;
+  }
+
+  bool finish_quoted(std::size_t open, std::size_t end) {
+    std::size_t close = end;
+    while (close > open + 1 && is_blank(text_[close - 1])) --close;
+    if (close > open + 1 && text_[close - 1] == reading_.quote) {
+      records_.add_cell(open + 1, close - 1, true);
+    } else {
+      records_.ill_placed_quotes += 1;
+      records_.add_cell(open, end);
+    }
+    pos_ = end;
+    return true;
+  }
+
+  const SampledLines& lines_;
+  const Reading& reading_;
+  const std::u16string_view text_;
+  Records records_;
+  std::size_t line_ = 0;
+  std::size_t pos_ = 0;
+  std::size_t unclosed_ = 0;
+  bool is_open_ = false;  // the last cell of the record goes on behind the sample
+};
+
+}  // namespace
+
+Records cut_delimited(const SampledLines& lines, const Reading& reading) {
+  return DelimitedCut(lines, reading).take();
+}
+
+}  // namespace textio::assessment

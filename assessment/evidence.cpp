@@ -1,0 +1,559 @@
+#include <vltextstream/assessment/evidence.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+#include <unicode/uchar.h>
+
+#include <vltextstream/assessment/cell_kind.hpp>
+#include <vltextstream/assessment/cuts.hpp>
+#include <vltextstream/assessment/table_top.hpp>
+
+namespace textio::assessment {
+namespace {
+
+constexpr std::size_t kLongestCellLookedInto = 2000;
+
+double ratio(std::size_t part, std::size_t whole) {
+  return static_cast<double>(part) / static_cast<double>(std::max<std::size_t>(whole, 1));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Within a cell
+
+bool is_letter(char16_t unit) {
+  return unit < 0x80 ? (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z' : u_isalpha(unit);
+}
+bool is_letter_or_digit(char16_t unit) {
+  return (unit >= u'0' && unit <= u'9') || unit == u'_' || is_letter(unit);
+}
+bool is_usual_separator(char16_t unit) {
+  return unit == u',' || unit == u';' || unit == u'|' || unit == u'\t';
+}
+bool is_quote(char16_t unit) { return unit == u'"' || unit == u'\''; }
+
+// The first usual separator that stands tight between two pieces of which one is a word.
+std::size_t tight_separator(std::u16string_view cell) {
+  for (std::size_t i = 1; i + 1 < cell.size(); ++i) {
+    if (!is_usual_separator(cell[i])) continue;
+    const char16_t before = is_quote(cell[i - 1]) && i > 1 ? cell[i - 2] : cell[i - 1];
+    const char16_t after = is_quote(cell[i + 1]) && i + 2 < cell.size() ? cell[i + 2] : cell[i + 1];
+    if (is_letter(before) && is_letter_or_digit(after)) return i;
+    if (is_letter_or_digit(cell[i - 1]) && is_letter(cell[i + 1])) return i;
+  }
+  return cell.npos;
+}
+
+// 1 if a usual separator stands between unlike things, as fields left together are; 0.3 between
+// things of a kind, as in a list.
+double unsplit(std::u16string_view cell) {
+  const std::size_t at = tight_separator(cell);
+  if (at == cell.npos) return 0;
+  const char16_t separator = cell[at];
+  CellKind common = CellKind::empty;
+  for (;;) {
+    const std::size_t end = std::min(cell.find(separator), cell.size());
+    const CellKind kind = kind_of(cell.substr(0, end));
+    if (kind != CellKind::empty) {
+      if (common != CellKind::empty && kind != common) return 1;
+      common = kind;
+    }
+    if (end == cell.size()) return 0.3;
+    cell.remove_prefix(end + 1);
+  }
+}
+
+bool is_torn(std::u16string_view cell) {
+  cell = trimmed(cell);
+  int quotes = 0;
+  int round = 0;
+  int square = 0;
+  int curly = 0;
+  for (const char16_t unit : cell) {
+    switch (unit) {
+      case u'"':
+        ++quotes;
+        break;
+      case u'(':
+        ++round;
+        break;
+      case u')':
+        --round;
+        break;
+      case u'[':
+        ++square;
+        break;
+      case u']':
+        --square;
+        break;
+      case u'{':
+        ++curly;
+        break;
+      case u'}':
+        --curly;
+        break;
+      default:
+        break;
+    }
+  }
+  const bool half_quoted = cell.size() > 1 && (cell.front() == u'\'') != (cell.back() == u'\'');
+  return quotes % 2 != 0 || round != 0 || square != 0 || curly != 0 || half_quoted;
+}
+
+// Whether the cell is two values or more with blanks between them.
+bool has_values_together(std::u16string_view cell) {
+  cell = trimmed(cell);
+  std::size_t values = 0;
+  while (!cell.empty()) {
+    const std::size_t end = std::min(cell.find_first_of(u" \t"), cell.size());
+    if (end > 0) {
+      if (!is_value(kind_of(cell.substr(0, end)))) return false;
+      ++values;
+    }
+    cell.remove_prefix(std::min(end + 1, cell.size()));
+  }
+  return values > 1;
+}
+
+// A blank, a word in lower case and another word.
+bool is_clause(std::u16string_view cell) {
+  if (cell.size() < 4 || cell[0] != u' ' || !u_islower(cell[1])) return false;
+  const std::size_t blank = cell.find(u' ', 1);
+  return blank != cell.npos && blank + 1 < cell.size() && is_letter(cell[blank + 1]);
+}
+
+// A comma or the like at an end, where a cell would have lost its separator.
+bool is_dangling(std::u16string_view cell) {
+  cell = trimmed(cell);
+  if (cell.empty()) return false;
+  return is_usual_separator(cell.front()) || is_usual_separator(cell.back());
+}
+
+// ---------------------------------------------------------------------------------------------
+// Values that are cut
+
+bool is_whole_value(std::u16string_view text) {
+  switch (kind_of(text)) {
+    case CellKind::time:
+    case CellKind::date:
+    case CellKind::date_time:
+    case CellKind::url:
+    case CellKind::path:
+    case CellKind::ip:
+    case CellKind::uuid:
+    case CellKind::email:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// A number whose comma groups digits or precedes at least two decimals: one digit after a comma is a
+// column of its own as a rule.
+bool may_have_comma(std::u16string_view text) {
+  const CellKind kind = kind_of(text);
+  if (kind == CellKind::integer) return true;
+  const std::size_t comma = text.rfind(u',');
+  return is_number(kind) && comma != text.npos && text.size() - comma > 2;
+}
+
+// ---------------------------------------------------------------------------------------------
+// The pieces of evidence
+
+double& at(EvidenceAmounts& amounts, Evidence evidence) {
+  return amounts[static_cast<std::size_t>(evidence)];
+}
+
+// A line ending counts as one code unit, however it is written.
+std::size_t size_of_text(std::u16string_view text) {
+  return text.size() - static_cast<std::size_t>(std::count(text.begin(), text.end(), u'\r'));
+}
+
+class ContentWeigher {
+ public:
+  ContentWeigher(const Records& records, const Reading& reading, const TableFrame& table,
+                 const CellKinds& kinds, EvidenceAmounts& amounts)
+      : records_(records),
+        reading_(reading),
+        table_(table),
+        kinds_(kinds),
+        looked_into_(kinds.size()),
+        amounts_(amounts) {}
+
+  void weigh() {
+    amount(Evidence::named) = is_named() ? 1 : 0;
+    weigh_columns();
+    weigh_cells();
+  }
+
+ private:
+  double& amount(Evidence evidence) { return at(amounts_, evidence); }
+
+  // Every cell of the first record begins with a letter, is short and differs from the others.
+  bool is_named() const {
+    if (table_.columns < 2) return false;
+    std::vector<std::u16string_view> names;
+    for (const Cell& cell : records_.cells(table_.data[0])) {
+      const std::u16string_view name = trimmed(records_.view(cell));
+      if (name.empty() || size_of_text(name) > kLongestName || !is_letter(name[0])) return false;
+      names.push_back(name);
+    }
+    std::sort(names.begin(), names.end());
+    return std::adjacent_find(names.begin(), names.end()) == names.end();
+  }
+
+  // The first record may hold names and is left out.
+  void weigh_columns() {
+    const std::size_t first = looked_into_ > table_.names_rows ? table_.names_rows : 0;
+    double worth = 0;
+    std::size_t empty = 0;
+    std::size_t wordy = 0;
+    for (std::size_t c = 0; c < table_.columns; ++c) {
+      std::array<std::size_t, kCellKinds> counts = {};
+      double sum = 0;
+      const std::size_t size = looked_into_ - first;
+      for (std::size_t i = first; i < looked_into_; ++i) {
+        const Cell& cell = records_.cells(table_.data[i])[c];
+        const CellKind kind = kinds_.at(i, c);
+        ++counts[static_cast<std::size_t>(kind)];
+        sum += cell.is_quoted ? std::max(worth_of(kind), kWorthOfQuoted) : worth_of(kind);
+      }
+      const std::size_t blanks = counts[static_cast<std::size_t>(CellKind::empty)];
+      const std::size_t filled = size - blanks;
+      if (filled == 0) ++empty;
+      if (filled > 0) sum *= 0.8 + 0.2 * ratio(largest_class(counts), filled);
+      worth += sum / static_cast<double>(size);
+      const std::size_t words = counts[static_cast<std::size_t>(CellKind::word)] +
+                                counts[static_cast<std::size_t>(CellKind::sentence)];
+      if (10 * (words + blanks) >= 9 * size) ++wordy;
+    }
+    amount(Evidence::worth) = worth / static_cast<double>(table_.columns);
+    amount(Evidence::empty) = ratio(empty, table_.columns);
+    const bool by_single_blanks =
+        reading_.is_aligned() ? reading_.least_blanks == 1 : reading_.delimiter == u" ";
+    if (by_single_blanks && table_.columns > 1)
+      amount(Evidence::wordy) = ratio(wordy, table_.columns);
+  }
+
+  // Numbers of all writings are one class.
+  static std::size_t largest_class(const std::array<std::size_t, kCellKinds>& counts) {
+    std::size_t numbers = 0;
+    std::size_t largest = 0;
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+      const auto kind = static_cast<CellKind>(i);
+      if (kind == CellKind::empty) continue;
+      if (is_number(kind)) {
+        numbers += counts[i];
+      } else {
+        largest = std::max(largest, counts[i]);
+      }
+    }
+    return std::max(numbers, largest);
+  }
+
+  void weigh_cells() {
+    double unsplit_sum = 0;
+    std::size_t torn = 0;
+    std::size_t cut = 0;
+    std::size_t cut_numbers = 0;
+    std::size_t together = 0;
+    std::size_t dangling = 0;
+    std::size_t clauses = 0;
+    for (std::size_t i = 0; i < looked_into_; ++i) {
+      double most_unsplit = 0;
+      bool is_record_torn = false;
+      bool has_together = false;
+      bool has_dangling = false;
+      bool has_clause = false;
+      std::size_t column = 0;
+      for (const Cell& cell : records_.cells(table_.data[i])) {
+        const std::u16string_view text = records_.view(cell);
+        const CellKind kind = kinds_.at(i, column++);
+        if (cell.is_quoted || text.size() > kLongestCellLookedInto) continue;
+        most_unsplit = std::max(most_unsplit, unsplit(text));
+        is_record_torn = is_record_torn || is_torn(text);
+        has_together = has_together || (is_text(kind) && has_values_together(text));
+        has_dangling = has_dangling || is_dangling(text);
+        const bool may_go_on = column > 1 && kind == CellKind::sentence;
+        has_clause = has_clause || (may_go_on && is_clause(text) && follows_tight(cell));
+      }
+      together += has_together;
+      dangling += has_dangling;
+      clauses += has_clause;
+      unsplit_sum += most_unsplit;
+      torn += is_record_torn;
+      const CutKinds found = cut_in(records_.cells(table_.data[i]));
+      cut += found.value;
+      cut_numbers += found.number;
+    }
+    const auto size = static_cast<double>(std::max<std::size_t>(looked_into_, 1));
+    amount(Evidence::unsplit) = unsplit_sum / size;
+    amount(Evidence::torn) = ratio(torn, looked_into_);
+    amount(Evidence::numbers_cut) = ratio(cut_numbers, looked_into_);
+    amount(Evidence::cut_values) = ratio(cut, looked_into_);
+    amount(Evidence::left_together) = ratio(together, looked_into_);
+    if (reading_.form == Form::delimited) amount(Evidence::clauses) = ratio(clauses, looked_into_);
+    amount(Evidence::dangling) = ratio(dangling, looked_into_);
+  }
+
+  struct CutKinds {
+    bool value = false;
+    bool number = false;
+  };
+
+  // Whether neighbouring cells are together a value that has the sign within itself.
+  CutKinds cut_in(std::span<const Cell> cells) const {
+    CutKinds found;
+    if (reading_.form != Form::delimited || reading_.delimiter.size() != 1) return found;
+    const char16_t sign = reading_.delimiter[0];
+    if (sign == u' ') {
+      found.value = has_date_with_time(cells);
+      return found;
+    }
+    if (std::u16string_view(u",:-/").find(sign) == std::u16string_view::npos) return found;
+    const std::u16string_view text = records_.text();
+    for (std::size_t c = 0; c + 1 < cells.size();) {
+      // From the border in the one cell to the border in the other, over cells without borders.
+      const std::size_t begin = value_begin(cells[c]);
+      std::size_t last = c + 1;
+      while (last + 1 < cells.size() && has_no_border(cells[last])) ++last;
+      const std::size_t end = value_end(cells[last]);
+      if (begin < cells[c].end && end > cells[last].begin && end - begin <= 40) {
+        const std::u16string_view whole = text.substr(begin, end - begin);
+        found.value = found.value || is_whole_value(whole);
+        found.number = found.number || (sign == u',' && may_have_comma(whole));
+      }
+      c = last;
+    }
+    return found;
+  }
+
+  // Whether the separator before a cell has no blank before it.
+  bool follows_tight(const Cell& cell) const {
+    const std::size_t length = reading_.delimiter.size();
+    return cell.begin > length && !is_blank(records_.text()[cell.begin - length - 1]);
+  }
+
+  bool has_date_with_time(std::span<const Cell> cells) const {
+    for (std::size_t c = 0; c + 1 < cells.size(); ++c) {
+      if (cells[c].is_quoted || cells[c + 1].is_quoted || cells[c + 1].begin != cells[c].end + 1)
+        continue;
+      if (kind_of(records_.view(cells[c])) == CellKind::date &&
+          kind_of(records_.view(cells[c + 1])) == CellKind::time) {
+        return true;
+      }
+    }
+    return false;
+  }
+
+  static bool is_border(char16_t unit) {
+    return is_blank(unit) || is_usual_separator(unit) || is_quote(unit);
+  }
+  bool has_no_border(const Cell& cell) const {
+    const std::u16string_view text = records_.view(cell);
+    return !cell.is_quoted && !text.empty() && std::none_of(text.begin(), text.end(), is_border);
+  }
+  std::size_t value_begin(const Cell& cell) const {
+    std::size_t begin = cell.end;
+    if (cell.is_quoted) return begin;
+    while (begin > cell.begin && !is_border(records_.text()[begin - 1])) --begin;
+    return begin;
+  }
+  std::size_t value_end(const Cell& cell) const {
+    std::size_t end = cell.begin;
+    if (cell.is_quoted) return end;
+    while (end < cell.end && !is_border(records_.text()[end])) ++end;
+    return end;
+  }
+
+  static constexpr double kWorthOfQuoted = 0.75;
+  static constexpr std::size_t kLongestName = 40;
+
+  const Records& records_;
+  const Reading& reading_;
+  const TableFrame& table_;
+  const CellKinds& kinds_;
+  const std::size_t looked_into_;
+  EvidenceAmounts& amounts_;
+};
+
+Evidence class_of_sign(const std::u16string& delimiter) {
+  if (delimiter.size() > 1) return Evidence::several;
+  switch (delimiter[0]) {
+    case u'\t':
+      return Evidence::tab;
+    case u',':
+      return Evidence::comma;
+    case u';':
+      return Evidence::semicolon;
+    case u':':
+      return Evidence::colon;
+    case u'|':
+      return Evidence::bar;
+    case u' ':
+      return Evidence::blank;
+    case u'^':
+    case u'~':
+    case u'\u00A7':
+    case u'\u00A6':
+      return Evidence::caret;
+    default:
+      return delimiter[0] < 0x20 ? Evidence::control : Evidence::rare;
+  }
+}
+
+void weigh_separator(const Reading& reading, EvidenceAmounts& amounts) {
+  switch (reading.form) {
+    case Form::one:
+      at(amounts, Evidence::one) = 1;
+      return;
+    case Form::none:
+      return;
+    case Form::framed:
+      at(amounts, Evidence::framed) = 1;
+      return;
+    case Form::runs:
+      at(amounts, Evidence::runs) = 1;
+      [[fallthrough]];
+    case Form::gaps:
+      at(amounts, Evidence::narrow) = reading.least_blanks == 1 ? 1 : 0;
+      return;
+    case Form::delimited:
+      at(amounts, class_of_sign(reading.delimiter)) = 1;
+  }
+}
+
+bool has_quoted(std::span<const Cell> cells) {
+  return std::any_of(cells.begin(), cells.end(), [](const Cell& cell) { return cell.is_quoted; });
+}
+
+// Quotes within cells of the records that are looked into, as shares of these.
+void weigh_quotes(const Records& records, const Reading& reading, const TableFrame& table,
+                  EvidenceAmounts& amounts) {
+  const std::size_t size = std::min(table.data.size(), kRecordsLookedInto);
+  std::size_t quoted = 0;
+  std::size_t lost = 0;
+  for (std::size_t i = 0; i < size; ++i) {
+    const std::span<const Cell> cells = records.cells(table.data[i]);
+    quoted += has_quoted(cells);
+    if (reading.quote == u'"') continue;
+    lost += std::any_of(cells.begin(), cells.end(), [&](const Cell& cell) {
+      return !cell.is_quoted && records.view(cell).find(u'"') != std::u16string_view::npos;
+    });
+  }
+  at(amounts, Evidence::well_quoted) = ratio(quoted, size);
+  at(amounts, Evidence::lost_quotes) =
+      reading.quote == u'"'
+          ? std::min(1.0, records.ill_placed_quotes / static_cast<double>(records.size()))
+          : ratio(lost, size);
+}
+
+// The most frequent number of cells from record `first` on; a single cell counts for less, and of two
+// numbers the larger wins.
+std::size_t most_frequent(const SampledLines& lines, const Records& records, std::size_t first) {
+  std::map<std::size_t, std::size_t> counts;
+  for (std::size_t i = first; i < records.size(); ++i) {
+    if (!lines.is_comment(records[i].line)) ++counts[records.cells(i).size()];
+  }
+  std::size_t columns = 1;
+  double most = 0;
+  for (const auto& [cells, count] : counts) {
+    const double weight = static_cast<double>(count) * (cells > 1 ? 1.0 : 0.6);
+    if (weight >= most) {
+      most = weight;
+      columns = cells;
+    }
+  }
+  return columns;
+}
+
+}  // namespace
+
+std::string_view to_string(Evidence evidence) {
+  static constexpr std::array<std::string_view, kNumEvidence> kNames = {
+      "ragged",        "outside",     "worth",       "unsplit",     "torn",      "cut-values",
+      "left-together", "dangling",    "well-quoted", "lost-quotes", "wordy",     "empty",
+      "few",           "one",         "runs",        "narrow",      "framed",    "named",
+      "clauses",       "numbers-cut", "tab",         "comma",       "semicolon", "colon",
+      "bar",           "blank",       "caret",       "control",     "several",   "rare",
+      "no-table",      "prose",       "code",        "markup",      "keyed",     "indented"};
+  return kNames[static_cast<std::size_t>(evidence)];
+}
+
+std::vector<std::size_t> likely_columns(const SampledLines& lines, const Records& records,
+                                        const Reading& reading) {
+  if (records.empty()) return {};
+  if (reading.form == Form::one || reading.form == Form::none) return {1};
+  std::vector<std::size_t> columns;
+  for (const std::size_t first : {std::size_t{0}, records.size() / 2,
+                                  records.size() - std::min<std::size_t>(records.size(), 8)}) {
+    const std::size_t found = most_frequent(lines, records, first);
+    if (found > 1 && std::find(columns.begin(), columns.end(), found) == columns.end())
+      columns.push_back(found);
+  }
+  return columns;
+}
+
+TableFrame find_table(const SampledLines& lines, const Records& records, const Reading& reading,
+                      std::size_t columns) {
+  TableFrame table;
+  table.columns = columns;
+  std::vector<bool> fits(records.size());
+  std::vector<bool> notes(records.size());
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    const std::size_t line = records[i].line;
+    const bool has_columns = records.cells(i).size() == columns;
+    notes[i] = (lines.is_comment(line) && (reading.is_aligned() || !has_columns)) ||
+               (reading.form == Form::delimited && !is_bar(reading.delimiter[0]) &&
+                is_rule(lines.view(line)));
+    fits[i] = has_columns && !notes[i];
+  }
+  // The table begins at the record from which on most fit.
+  double sum = 0;
+  double most = -1e9;
+  table.end = 0;
+  for (std::size_t i = records.size(); i-- > 0;) {
+    if (notes[i]) continue;
+    sum += fits[i] ? 1 : -0.3;
+    if (!fits[i]) continue;
+    if (table.end == 0) table.end = i + 1;
+    if (sum >= most) {
+      most = sum;
+      table.first = i;
+    }
+  }
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    if (i < table.first || i >= table.end) {
+      table.num_outside += !notes[i];
+      continue;
+    }
+    table.num_fitting += fits[i];
+    if (notes[i]) {
+      ++table.num_notes;
+    } else if (fits[i]) {
+      table.data.push_back(i);
+    }
+  }
+  return table;
+}
+
+EvidenceAmounts weigh_shape(const Records& records, const Reading& reading,
+                            const TableFrame& table) {
+  EvidenceAmounts amounts = {};
+  const std::size_t size = table.end - table.first;
+  at(amounts, Evidence::ragged) = -std::log((static_cast<double>(table.num_fitting) + 0.5) /
+                                            static_cast<double>(size - table.num_notes + 1));
+  at(amounts, Evidence::outside) = ratio(table.num_outside, table.num_outside + size);
+  if (table.columns > 1) at(amounts, Evidence::few) = 2.0 / static_cast<double>(table.columns);
+  weigh_separator(reading, amounts);
+  weigh_quotes(records, reading, table, amounts);
+  return amounts;
+}
+
+void weigh_content(const Records& records, const Reading& reading, const TableFrame& table,
+                   const CellKinds& kinds, EvidenceAmounts& amounts) {
+  ContentWeigher(records, reading, table, kinds, amounts).weigh();
+}
+
+}  // namespace textio::assessment

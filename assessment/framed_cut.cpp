@@ -1,0 +1,61 @@
+#include <algorithm>
+
+#include <vltextstream/assessment/cuts.hpp>
+
+namespace textio::assessment {
+namespace {
+
+bool draws_rule(char16_t unit) {
+  return unit == u'-' || unit == u'=' || unit == u'+' || unit == u'_' || unit == u'~' ||
+         unit == u'*' || (unit >= u'\u2500' && unit <= u'\u257F' && !is_bar(unit));
+}
+
+}  // namespace
+
+bool is_bar(char16_t unit) { return unit == u'|' || unit == u'\u2502' || unit == u'\u2551'; }
+
+bool is_rule(std::u16string_view line) {
+  std::size_t drawn = 0;
+  bool has_run = false;
+  char16_t before = u' ';
+  for (const char16_t unit : line) {
+    if (draws_rule(unit)) {
+      ++drawn;
+      has_run = has_run || draws_rule(before);
+    } else if (is_bar(unit)) {
+      has_run = true;
+    } else if (unit != u':' && !is_blank(unit)) {
+      return false;
+    }
+    before = unit;
+  }
+  return drawn >= 3 && has_run;
+}
+
+Records cut_framed(const SampledLines& lines) {
+  Records records(lines.text());
+  for (std::size_t k = 0; k < lines.size(); ++k) {
+    std::u16string_view line = trimmed(lines.view(k));
+    if (line.empty() || is_rule(line)) continue;
+    records.add_record(k);
+    if (is_bar(line.front())) line.remove_prefix(1);
+    if (!line.empty() && is_bar(line.back())) line.remove_suffix(1);
+    const auto add = [&](std::u16string_view cell) {
+      const bool is_quoted = cell.size() > 1 && cell.front() == cell.back() &&
+                             (cell.front() == u'"' || cell.front() == u'\'');
+      if (is_quoted) cell = cell.substr(1, cell.size() - 2);
+      const auto begin = static_cast<std::size_t>(cell.data() - lines.text().data());
+      records.add_cell(begin, begin + cell.size(), is_quoted);
+    };
+    for (;;) {
+      const auto bar = std::find_if(line.begin(), line.end(), is_bar);
+      const auto length = static_cast<std::size_t>(bar - line.begin());
+      add(trimmed(line.substr(0, length)));
+      if (bar == line.end()) break;
+      line.remove_prefix(length + 1);
+    }
+  }
+  return records;
+}
+
+}  // namespace textio::assessment

@@ -1,0 +1,35 @@
+// What speaks for names in the first record of a table.
+//
+// Cost  linear in the first hundred records.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include <vltextstream/assessment/evidence.hpp>
+#include <vltextstream/assessment/records.hpp>
+
+namespace textio::assessment {
+
+enum class NamesEvidence {
+  value_among_names,  // 1 if a cell of the record is a number, date, time or address
+  text_over_values,   // 1 if a text is above a column of at least 80 % values
+  name_below,         // 1 if a name occurs again in its column
+  like_names,         // share of cells that begin with a letter and are short
+  odd_length,  // how many spreads a name's length is away from its column's mean, at most 3; mean
+  no_data,     // 1 if there is no second record
+  column_of_texts,  // 1 if the only column is of texts, so that there is little to compare
+};
+inline constexpr std::size_t kNumNamesEvidence =
+    static_cast<std::size_t>(NamesEvidence::column_of_texts) + 1;
+
+using NamesAmounts = std::array<double, kNumNamesEvidence>;
+
+std::string_view to_string(NamesEvidence evidence);
+
+// For the first of the data records, or for `names` in its place if these are given.
+NamesAmounts weigh_names(const Records& records, const TableFrame& table,
+                         const std::vector<std::u16string_view>* names = nullptr);
+
+}  // namespace textio::assessment

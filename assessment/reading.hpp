@@ -1,0 +1,49 @@
+// Reading: one hypothesis about how the lines of a text are cut into cells.
+//
+//   for (const Reading& reading : find_readings(lines)) {
+//     const Records records = cut(lines, reading);
+//   }
+//
+// Which readings are tried:
+//
+//   delimited  by a single character: the usual ones wherever they occur, others if most lines have
+//              them; by marks of several characters if nearly all lines have them. Each with the
+//              quotes and escapes that the text shows next to the mark.
+//   framed     bars between the cells, and perhaps around them, with rules between the rows
+//   runs       columns aligned by runs of at least `least_blanks` blanks
+//   gaps       columns aligned by blank columns, at least `least_blanks` wide, through the data
+//   one        a single column: each line, or each quoted record, is a cell
+//   none       not a table: prose, source code, a document
+//
+// Cost  both functions are linear in the sampled text.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include <vltextstream/assessment/records.hpp>
+#include <vltextstream/assessment/sampled_lines.hpp>
+
+namespace textio::assessment {
+
+enum class Form { delimited, framed, runs, gaps, one, none };
+
+struct Reading {
+  Form form = Form::one;
+  std::u16string delimiter = {};
+  char16_t quote = 0;            // 0: none
+  char16_t escape = 0;           // in quotes, besides a doubled quote; 0: none
+  std::size_t least_blanks = 1;  // between aligned columns
+
+  bool is_aligned() const { return form == Form::runs || form == Form::gaps; }
+  bool operator==(const Reading&) const = default;
+};
+
+std::vector<Reading> find_readings(const SampledLines& lines);
+
+// The records of the sample, blank lines without. Of a sample that ends inside a quoted cell, that
+// record is missing.
+Records cut(const SampledLines& lines, const Reading& reading);
+
+}  // namespace textio::assessment

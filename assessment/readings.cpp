@@ -1,0 +1,329 @@
+// First the characters of the sample are counted, then each sign is asked whether the lines have it.
+#include <algorithm>
+#include <array>
+#include <map>
+
+#include <unicode/uchar.h>
+
+#include <vltextstream/assessment/cuts.hpp>
+#include <vltextstream/assessment/reading.hpp>
+
+namespace textio::assessment {
+namespace {
+
+// Tried wherever they occur.
+constexpr std::u16string_view kUsualSigns = u",\t;|: ";
+
+// Tried only if nine in ten lines have them, for they stand inside dates, paths and words.
+constexpr std::u16string_view kSignsOfValues = u"-_/";
+
+// How many signs are tried besides the usual ones.
+constexpr std::size_t kMostUnusualSigns = 16;
+
+// Never tried: they belong to numbers, quotes and brackets.
+constexpr std::u16string_view kNeverSigns = u".\"'()[]{}`\r\n\u2019\u201C\u201D\uFFFD\u001A";
+
+constexpr std::array<std::u16string_view, 20> kMarks = {
+    u"||", u"::", u";;", u"~|~", u"^|^", u"|~|",  u"@@",  u"##",  u"$$", u"%%",
+    u"~~", u"^^", u"<>", u"->",  u"=>",  u"\t\t", u"<|>", u"|;|", u",,", u" : "};
+
+bool may_separate(char16_t unit) {
+  if (kNeverSigns.find(unit) != kNeverSigns.npos) return false;
+  if (unit < 0x80)
+    return !((unit >= u'0' && unit <= u'9') || (unit >= u'a' && unit <= u'z') ||
+             (unit >= u'A' && unit <= u'Z'));
+  if (unit < 0xA0) return true;
+  const int type = u_charType(unit);
+  return u_ispunct(unit) || type == U_MATH_SYMBOL || type == U_CURRENCY_SYMBOL ||
+         type == U_OTHER_SYMBOL || type == U_MODIFIER_SYMBOL || type == U_SPACE_SEPARATOR;
+}
+
+// How often a sign occurs, and in how many lines that begin outside of quotes.
+struct Census {
+  std::size_t count = 0;
+  std::size_t lines = 0;
+  std::size_t last_line = static_cast<std::size_t>(-1);
+};
+
+class Signs {
+ public:
+  explicit Signs(const SampledLines& lines) : lines_(lines) {
+    find_plain_lines();
+    count_signs();
+  }
+
+  std::size_t num_plain() const { return plain_.size(); }
+  std::size_t num_texts() const { return num_texts_; }
+  const std::vector<std::size_t>& plain() const { return plain_; }
+  const std::map<char16_t, Census>& others() const { return others_; }
+
+  Census of(char16_t unit) const {
+    if (unit < ascii_.size()) return ascii_[unit];
+    const auto found = others_.find(unit);
+    return found == others_.end() ? Census() : found->second;
+  }
+
+  double share(char16_t unit) const { return share_of(of(unit).lines); }
+  double share_of(std::size_t lines) const {
+    return static_cast<double>(lines) /
+           static_cast<double>(std::max<std::size_t>(plain_.size(), 1));
+  }
+
+ private:
+  // Lines that begin outside of quotes, by the parity of `"`: else long quoted cells would hide the
+  // separator. All lines if these are few.
+  void find_plain_lines() {
+    std::vector<std::size_t> texts;
+    bool inside = false;
+    for (std::size_t k = 0; k < lines_.size(); ++k) {
+      const std::u16string_view line = lines_.view(k);
+      if (is_blank(line)) continue;
+      texts.push_back(k);
+      if (!inside) plain_.push_back(k);
+      inside = inside != (std::count(line.begin(), line.end(), u'"') % 2 == 1);
+    }
+    num_texts_ = texts.size();
+    if (10 * plain_.size() < 3 * texts.size()) plain_ = std::move(texts);
+  }
+
+  void count_signs() {
+    std::size_t next_plain = 0;
+    for (std::size_t k = 0; k < lines_.size(); ++k) {
+      const bool is_plain = next_plain < plain_.size() && plain_[next_plain] == k;
+      if (is_plain) ++next_plain;
+      for (const char16_t unit : lines_.view(k)) add(unit, k, is_plain);
+    }
+  }
+
+  void add(char16_t unit, std::size_t line, bool is_plain) {
+    if (unit >= ascii_.size() && !may_separate(unit)) return;
+    Census& census = unit < ascii_.size() ? ascii_[unit] : others_[unit];
+    ++census.count;
+    if (is_plain && census.last_line != line) {
+      census.last_line = line;
+      ++census.lines;
+    }
+  }
+
+  const SampledLines& lines_;
+  std::size_t num_texts_ = 0;
+  std::vector<std::size_t> plain_;
+  std::array<Census, 128> ascii_ = {};
+  std::map<char16_t, Census> others_;
+};
+
+// What stands next to the quotes of the sample: separators, or the ends of lines.
+class QuoteNeighbours {
+ public:
+  QuoteNeighbours(const SampledLines& lines, char16_t quote) : quote_(quote) {
+    for (std::size_t k = 0; k < lines.size(); ++k) look_at(lines.view(k));
+  }
+
+  bool next_to(std::u16string_view delimiter) const {
+    if (count_ < 2) return false;
+    return at_line_end_ || before_.find(delimiter.back()) != before_.npos ||
+           after_.find(delimiter.front()) != after_.npos;
+  }
+  bool at_line_end() const { return count_ > 1 && at_line_end_; }
+  bool has_escapes() const { return has_escapes_; }
+
+ private:
+  void look_at(std::u16string_view line) {
+    for (std::size_t i = line.find(quote_); i != line.npos; i = line.find(quote_, i + 1)) {
+      ++count_;
+      if (i > 0 && line[i - 1] == u'\\') has_escapes_ = true;
+      std::size_t before = i;
+      while (before > 0 && line[before - 1] == u' ') --before;
+      std::size_t after = i + 1;
+      while (after < line.size() && line[after] == u' ') ++after;
+      if (before == 0 || after == line.size()) at_line_end_ = true;
+      if (i > 0) add(before_, line[i - 1]);
+      if (before > 0) add(before_, line[before - 1]);
+      if (i + 1 < line.size()) add(after_, line[i + 1]);
+      if (after < line.size()) add(after_, line[after]);
+    }
+  }
+
+  static void add(std::u16string& set, char16_t unit) {
+    if (set.size() < 64 && set.find(unit) == set.npos) set.push_back(unit);
+  }
+
+  const char16_t quote_;
+  std::size_t count_ = 0;
+  bool at_line_end_ = false;
+  bool has_escapes_ = false;
+  std::u16string before_;
+  std::u16string after_;
+};
+
+class Finder {
+ public:
+  explicit Finder(const SampledLines& lines)
+      : lines_(lines), signs_(lines), double_(lines, u'"'), single_(lines, u'\'') {
+    if (signs_.of(u'\\').count > 0) find_escaped();
+  }
+
+  std::vector<Reading> take() {
+    for (const char16_t unit : kUsualSigns) try_sign(unit);
+    for (const char16_t unit : unusual_signs()) try_sign(unit);
+    for (const std::u16string_view mark : kMarks) try_mark(mark);
+    if (has_frame()) add({Form::framed, std::u16string(1, most_frequent_bar())});
+    add_aligned();
+    add({Form::one});
+    if (double_.at_line_end()) add({Form::one, u"", u'"'});
+    add({Form::none});
+    return std::move(readings_);
+  }
+
+ private:
+  void add(Reading reading) { readings_.push_back(std::move(reading)); }
+
+  // Signs directly after a backslash.
+  void find_escaped() {
+    for (std::size_t k = 0; k < lines_.size(); ++k) {
+      const std::u16string_view line = lines_.view(k);
+      for (std::size_t i = line.find(u'\\'); i < line.size() - 1; i = line.find(u'\\', i + 2)) {
+        const char16_t unit = line[i + 1];
+        const bool has_room = escaped_.size() < kMostEscaped;
+        if (has_room && escaped_.find(unit) == escaped_.npos && may_separate(unit))
+          escaped_ += unit;
+        if (i + 2 >= line.size()) break;
+      }
+    }
+  }
+
+  // Those that enough lines have; of very many, those that most lines have.
+  std::vector<char16_t> unusual_signs() const {
+    std::vector<char16_t> found;
+    const auto look_at = [&](char16_t unit) {
+      const double least = kSignsOfValues.find(unit) != kSignsOfValues.npos ? 0.9 : 0.5;
+      const bool is_usual = kUsualSigns.find(unit) != kUsualSigns.npos;
+      if (!is_usual && signs_.share(unit) >= least && may_separate(unit)) found.push_back(unit);
+    };
+    for (char16_t unit = 0; unit < 128; ++unit) look_at(unit);
+    for (const auto& [unit, census] : signs_.others()) look_at(unit);
+    std::stable_sort(found.begin(), found.end(), [&](char16_t a, char16_t b) {
+      return signs_.of(a).lines > signs_.of(b).lines;
+    });
+    found.resize(std::min(found.size(), kMostUnusualSigns));
+    return found;
+  }
+
+  void try_sign(char16_t unit) {
+    const double share = signs_.share(unit);
+    if (share == 0) return;
+    if (share < 0.1 && signs_.of(unit).count < 3 && signs_.num_texts() > 5) return;
+    add_delimited(std::u16string(1, unit), true);
+  }
+
+  void try_mark(std::u16string_view mark) {
+    if (signs_.of(mark[0]).count < 2) return;
+    std::size_t lines = 0;
+    std::size_t count = 0;
+    for (const std::size_t k : signs_.plain()) {
+      const std::u16string_view line = lines_.view(k);
+      const std::size_t before = count;
+      for (std::size_t i = line.find(mark); i != line.npos; i = line.find(mark, i + mark.size()))
+        ++count;
+      if (count > before) ++lines;
+    }
+    if (signs_.share_of(lines) < 0.8) return;
+    // Else empty cells would look like doubled signs.
+    const bool is_doubled = mark.find_first_not_of(mark[0]) == mark.npos;
+    if (is_doubled && 2 * count * mark.size() < signs_.of(mark[0]).count) return;
+    add_delimited(std::u16string(mark), false);
+  }
+
+  void add_delimited(const std::u16string& delimiter, bool is_sign) {
+    add({Form::delimited, delimiter});
+    if (is_sign && escaped_.find(delimiter[0]) != escaped_.npos) {
+      add({Form::delimited, delimiter, 0, u'\\'});
+    }
+    add_quoted(delimiter, double_, u'"');
+    if (is_sign) add_quoted(delimiter, single_, u'\'');
+  }
+
+  void add_quoted(const std::u16string& delimiter, const QuoteNeighbours& neighbours,
+                  char16_t quote) {
+    if (delimiter[0] == quote || !neighbours.next_to(delimiter)) return;
+    add({Form::delimited, delimiter, quote});
+    if (neighbours.has_escapes()) add({Form::delimited, delimiter, quote, u'\\'});
+  }
+
+  char16_t most_frequent_bar() const {
+    char16_t most = u'|';
+    for (const char16_t bar : {u'\u2502', u'\u2551'}) {
+      if (signs_.of(bar).count > signs_.of(most).count) most = bar;
+    }
+    return most;
+  }
+
+  // Bars in most lines that are no rules, and rules or bars at both ends of lines.
+  bool has_frame() const {
+    std::size_t rules = 0;
+    std::size_t barred = 0;
+    std::size_t framed = 0;
+    for (const std::size_t k : signs_.plain()) {
+      const std::u16string_view line = trimmed(lines_.view(k));
+      if (is_rule(line)) {
+        ++rules;
+      } else if (std::any_of(line.begin(), line.end(), is_bar)) {
+        ++barred;
+        if (is_bar(line.front()) && is_bar(line.back())) ++framed;
+      }
+    }
+    const std::size_t others = signs_.num_plain() - rules;
+    return 2 * barred >= std::max<std::size_t>(others, 1) &&
+           (rules > 0 || 10 * framed >= 8 * others);
+  }
+
+  // Whether one line in five has a tab, or two blanks within it.
+  bool have_runs() const {
+    std::size_t lines = 0;
+    for (const std::size_t k : signs_.plain()) {
+      const std::u16string_view line = trimmed(lines_.view(k));
+      lines += line.find(u"  ") != line.npos || line.find(u'\t') != line.npos;
+    }
+    return 5 * lines >= signs_.num_plain();
+  }
+
+  void add_aligned() {
+    if (signs_.of(u' ').count + signs_.of(u'\t').count == 0) return;
+    const bool has_runs = have_runs();
+    for (const Form form : {Form::runs, Form::gaps}) {
+      add({form, u" ", 0, 0, 1});
+      if (has_runs) add({form, u" ", 0, 0, 2});
+    }
+  }
+
+  static constexpr std::size_t kMostEscaped = 64;
+
+  const SampledLines& lines_;
+  const Signs signs_;
+  const QuoteNeighbours double_;
+  const QuoteNeighbours single_;
+  std::u16string escaped_;
+  std::vector<Reading> readings_;
+};
+
+}  // namespace
+
+std::vector<Reading> find_readings(const SampledLines& lines) { return Finder(lines).take(); }
+
+Records cut(const SampledLines& lines, const Reading& reading) {
+  switch (reading.form) {
+    case Form::delimited:
+    case Form::one:
+    case Form::none:
+      return cut_delimited(lines, reading);
+    case Form::framed:
+      return cut_framed(lines);
+    case Form::runs:
+      return cut_runs(lines, reading.least_blanks);
+    case Form::gaps:
+      return cut_gaps(lines, reading.least_blanks);
+  }
+  return Records(lines.text());
+}
+
+}  // namespace textio::assessment

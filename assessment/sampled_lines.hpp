@@ -1,0 +1,65 @@
+// SampledLines: the first lines of a text, as an editor shows them.
+//
+//   const SampledLines lines = sample_lines(u"a,b\r\n1,2\n", 100);
+//   lines.view(0);      // u"a,b"
+//   lines.has_more();   // false
+//
+// Units      positions and lengths count code units, lines are numbered from 0.
+// Ownership  the lines are views of the text, which must outlive them.
+// Cost       linear in the sampled text.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace textio::assessment {
+
+struct TextLine {
+  std::size_t begin = 0;
+  std::size_t end = 0;   // before the line ending
+  std::size_t next = 0;  // after it
+};
+
+class SampledLines {
+ public:
+  SampledLines(std::u16string_view text, std::vector<TextLine> lines, bool has_more);
+
+  std::size_t size() const { return lines_.size(); }
+  bool empty() const { return lines_.empty(); }
+  const TextLine& operator[](std::size_t index) const { return lines_[index]; }
+  std::u16string_view view(std::size_t index) const {
+    return text_.substr(lines_[index].begin, lines_[index].end - lines_[index].begin);
+  }
+  std::u16string_view text() const { return text_; }
+
+  // Whether a line begins with one of the usual comment signs and is probably a comment: it is above all
+  // other lines, or fewer than half of those have such a sign.
+  bool is_comment(std::size_t index) const { return is_comment_[index]; }
+
+  // Whether the text continues after the last line.
+  bool has_more() const { return has_more_; }
+
+  // The end of the last line and its line ending.
+  std::size_t end() const { return lines_.empty() ? 0 : lines_.back().next; }
+
+ private:
+  std::u16string_view text_;
+  std::vector<TextLine> lines_;
+  std::vector<bool> is_comment_;
+  bool has_more_;
+};
+
+// Lines end with "\r\n", "\n" or "\r". Takes lines until `num_lines` of them are neither blank nor comments
+// above all others, of which the first 1,000 do not count. A last line without an ending is one; an empty one is none.
+SampledLines sample_lines(std::u16string_view text, std::size_t num_lines);
+
+bool is_blank(char16_t unit);             // space or tab
+bool is_blank(std::u16string_view line);  // has nothing but spaces, tabs and other white space
+std::u16string_view trimmed(std::u16string_view text);  // without such characters at its ends
+
+// A line that begins with one of the usual comment signs, # % // ! ; or *, and what follows the sign.
+bool has_comment_sign(std::u16string_view line);
+std::u16string_view without_comment_sign(std::u16string_view line);
+
+}  // namespace textio::assessment

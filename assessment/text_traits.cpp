@@ -1,0 +1,144 @@
+#include <vltextstream/assessment/text_traits.hpp>
+
+#include <algorithm>
+#include <cstddef>
+
+#include <unicode/uchar.h>
+
+#include <vltextstream/assessment/cuts.hpp>
+
+namespace textio::assessment {
+namespace {
+
+using View = std::u16string_view;
+
+bool is_one_of(char16_t unit, View set) { return set.find(unit) != set.npos; }
+bool is_letter(char16_t unit) {
+  return unit < 0x80 ? (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z' : u_isalpha(unit);
+}
+bool is_digit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+bool is_name_unit(char16_t unit) { return is_letter(unit) || is_digit(unit) || unit == u'_'; }
+bool starts_with(View line, View start) { return line.substr(0, start.size()) == start; }
+
+// A word of running text: letters, perhaps with a mark of punctuation behind or a quote before them.
+bool is_plain_word(View word) {
+  while (!word.empty() && is_one_of(word.front(), u"\"'(\u201C\u201E\u00AB\u2018\u00BF\u00A1"))
+    word.remove_prefix(1);
+  while (!word.empty() && is_one_of(word.back(), u".,;:!?\"')\u201D\u00BB\u2019\u2026"))
+    word.remove_suffix(1);
+  return !word.empty() && std::all_of(word.begin(), word.end(), [](char16_t unit) {
+    return is_letter(unit) || unit == u'\'' || unit == u'\u2019' || unit == u'-';
+  });
+}
+
+constexpr std::size_t kFewestWords = 5;
+
+// Whether a usual separator stands tight between two things that are not both digits.
+bool has_tight_separator(View line) {
+  for (std::size_t i = 1; i + 1 < line.size(); ++i) {
+    if (!is_one_of(line[i], u",;|")) continue;
+    const char16_t before = line[i - 1];
+    const char16_t after = line[i + 1];
+    const bool is_tight = before != u' ' && after != u' ';
+    const bool ends_speech = is_one_of(after, u"\"'\u201D\u2019");
+    if (is_tight && !ends_speech && !(is_digit(before) && is_digit(after))) return true;
+  }
+  return false;
+}
+
+bool is_prose(View line) {
+  std::size_t words = 0;
+  std::size_t plain = 0;
+  std::size_t wide_gaps = 0;
+  for (std::size_t i = 0; i < line.size();) {
+    const std::size_t end = std::min(line.find_first_of(u" \t", i), line.size());
+    if (end == i) {
+      ++wide_gaps;
+    } else {
+      ++words;
+      plain += is_plain_word(line.substr(i, end - i));
+    }
+    if (end < line.size() && line[end] == u'\t') return false;
+    i = end + 1;
+  }
+  return words >= kFewestWords && 4 * plain >= 3 * words && wide_gaps <= 1 &&
+         !has_tight_separator(line);
+}
+
+// A name with an opening bracket directly behind it, and no blank before that.
+bool has_call(View line) {
+  for (std::size_t i = line.find(u'('); i != line.npos; i = line.find(u'(', i + 1)) {
+    if (i > 0 && is_name_unit(line[i - 1])) return true;
+  }
+  return false;
+}
+
+bool is_code(View line) {
+  const bool is_bracketed = line.find_first_of(u"{}()[]") != line.npos;
+  if (is_one_of(line.back(), u"{\\")) return true;
+  if (is_bracketed && line.find_first_not_of(u"{}()[];,") == line.npos) return true;
+  const bool ends_statement = line.back() == u';' && line.find(u';') + 1 == line.size();
+  if (ends_statement && line.find_first_of(u"(=") != line.npos) return true;
+  if (starts_with(line, u"//") || starts_with(line, u"/*") || starts_with(line, u"* ") ||
+      starts_with(line, u"#!") || starts_with(line, u"#include") || starts_with(line, u"#define") ||
+      starts_with(line, u"import ") || starts_with(line, u"from ") || starts_with(line, u"def ") ||
+      starts_with(line, u"return") || starts_with(line, u"}") || starts_with(line, u")")) {
+    return true;
+  }
+  return has_call(line) || line.find(u" = ") != line.npos || line.find(u"->") != line.npos ||
+         line.find(u"==") != line.npos;
+}
+
+bool is_markup(View line) {
+  if (line.front() == u'<') return true;
+  if (is_one_of(line.front(), u"{}[]")) return true;
+  if (line.back() == u'>' && line.find(u"</") != line.npos) return true;
+  // "key": value
+  if (line.front() != u'"') return false;
+  const std::size_t close = line.find(u'"', 1);
+  return close != line.npos && trimmed(line.substr(close + 1)).substr(0, 1) == u":";
+}
+
+bool is_keyed(View line) {
+  if (line.front() == u'[' && line.back() == u']') return true;
+  if (starts_with(line, u"- ")) line = trimmed(line.substr(2));
+  if (line.empty() || !is_letter(line[0])) return false;
+  std::size_t i = 0;
+  while (i < line.size() && (is_name_unit(line[i]) || is_one_of(line[i], u".-/"))) ++i;
+  const View rest = trimmed(line.substr(i));
+  return !rest.empty() && (rest[0] == u'=' || rest[0] == u':');
+}
+
+}  // namespace
+
+TextTraits traits_of(const SampledLines& lines, std::size_t most) {
+  TextTraits traits;
+  double texts = 0;
+  std::size_t indent_before = 0;
+  bool inside = false;  // of quotes
+  for (std::size_t k = 0; k < lines.size() && texts < static_cast<double>(most); ++k) {
+    const View line = trimmed(lines.view(k));
+    if (line.empty() || is_rule(line)) continue;
+    const bool begins_inside = inside;
+    inside = inside != (std::count(line.begin(), line.end(), u'"') % 2 == 1);
+    if (begins_inside) continue;
+    const View whole = lines.view(k);
+    const auto indent = static_cast<std::size_t>(line.data() - whole.data());
+    traits.indented += indent != indent_before && texts > 0;
+    indent_before = indent;
+    ++texts;
+    traits.prose += is_prose(line);
+    traits.code += is_code(line);
+    traits.markup += is_markup(line);
+    traits.keyed += is_keyed(line);
+  }
+  if (texts == 0) return traits;
+  traits.prose /= texts;
+  traits.code /= texts;
+  traits.markup /= texts;
+  traits.keyed /= texts;
+  traits.indented /= texts;
+  return traits;
+}
+
+}  // namespace textio::assessment

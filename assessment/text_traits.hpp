@@ -1,0 +1,35 @@
+// What a text is when it is not a table, told from the look of its lines.
+//
+// Cost  linear in the sampled text.
+#pragma once
+
+#include <cstddef>
+#include <limits>
+
+#include <vltextstream/assessment/sampled_lines.hpp>
+
+namespace textio::assessment {
+
+// Shares of the lines that are not blank.
+struct TextTraits {
+  // Running text: at least five words, most of them plain, one blank between them.
+  double prose = 0;
+
+  // As in source code: a bracket or semicolon at the end, a call, a comment, a preprocessor line.
+  double code = 0;
+
+  // As in documents with tags or brackets: tags, or quoted keys, or brackets at an end.
+  double markup = 0;
+
+  // One key and its value with `=` or `:` between them, or a heading in brackets.
+  double keyed = 0;
+
+  // Lines that begin further in or out than the line before.
+  double indented = 0;
+};
+
+// Of the first `most` lines that are not blank.
+TextTraits traits_of(const SampledLines& lines,
+                     std::size_t most = std::numeric_limits<std::size_t>::max());
+
+}  // namespace textio::assessment

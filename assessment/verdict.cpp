@@ -1,0 +1,345 @@
+#include <vltextstream/assessment/verdict.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+#include <vltextstream/assessment/cell_kind.hpp>
+#include <vltextstream/assessment/cuts.hpp>
+#include <vltextstream/assessment/table_top.hpp>
+#include <vltextstream/assessment/text_traits.hpp>
+#include <vltextstream/assessment/weights.hpp>
+
+namespace textio::assessment {
+namespace {
+
+template <typename Amounts>
+double weighted(const Amounts& amounts, const Amounts& weights) {
+  return std::inner_product(amounts.begin(), amounts.end(), weights.begin(), 0.0);
+}
+
+constexpr std::size_t kRecordsForFirstLook = 12;
+constexpr std::size_t kLinesForFirstLook = 20;
+
+// The evidence in some records from all over the table.
+EvidenceAmounts first_look(const Cut& cut, const Hypothesis& hypothesis) {
+  TableFrame part = hypothesis.table;
+  const std::vector<std::size_t>& data = hypothesis.table.data;
+  part.data.clear();
+  const std::size_t size = std::min(data.size(), kRecordsForFirstLook);
+  for (std::size_t i = 0; i < size; ++i) part.data.push_back(data[i * data.size() / size]);
+  EvidenceAmounts amounts = hypothesis.amounts;
+  weigh_content(cut.records, cut.reading, part,
+                CellKinds(cut.records, part.data, part.columns, size), amounts);
+  return amounts;
+}
+
+// Drops records above the names or the first data. Returns the kinds of the first ones that are left.
+CellKinds find_top(const Cut& cut, TableFrame& table) {
+  CellKinds kinds(cut.records, table.data, table.columns, kRecordsLookedInto);
+  const TableTop top = assessment::find_top(cut.records, table.data, kinds);
+  table.data.erase(table.data.begin(), table.data.begin() + static_cast<std::ptrdiff_t>(top.first));
+  table.names_rows = top.names_rows;
+  kinds.drop_before(top.first);
+  return kinds;
+}
+
+void look_closely(const Cut& cut, Hypothesis& hypothesis) {
+  const CellKinds kinds = find_top(cut, hypothesis.table);
+  weigh_content(cut.records, cut.reading, hypothesis.table, kinds, hypothesis.amounts);
+}
+
+EvidenceAmounts weigh_text(const SampledLines& lines, std::size_t most) {
+  const TextTraits traits = traits_of(lines, most);
+  EvidenceAmounts amounts = {};
+  const auto set = [&](Evidence evidence, double amount) {
+    amounts[static_cast<std::size_t>(evidence)] = amount;
+  };
+  set(Evidence::no_table, 1);
+  set(Evidence::prose, traits.prose);
+  set(Evidence::code, traits.code);
+  set(Evidence::markup, traits.markup);
+  set(Evidence::keyed, traits.keyed);
+  set(Evidence::indented, traits.indented);
+  return amounts;
+}
+
+// Whether no cell of several columns has any text.
+bool is_void(const Records& records, const TableFrame& table) {
+  return table.columns > 1 &&
+         std::all_of(table.data.begin(), table.data.end(), [&](std::size_t row) {
+           const auto cells = records.cells(row);
+           return std::all_of(cells.begin(), cells.end(), [&](const Cell& cell) {
+             return trimmed(records.view(cell)).empty();
+           });
+         });
+}
+
+// Hypotheses with the evidence of their shape.
+void add_hypotheses(Verdict& verdict, Reading reading) {
+  Cut cut{std::move(reading), Records(verdict.lines.text())};
+  cut.records = assessment::cut(verdict.lines, cut.reading);
+  for (const std::size_t columns : likely_columns(verdict.lines, cut.records, cut.reading)) {
+    Hypothesis hypothesis;
+    hypothesis.cut = verdict.cuts.size();
+    hypothesis.table = find_table(verdict.lines, cut.records, cut.reading, columns);
+    if (hypothesis.table.data.empty() || is_void(cut.records, hypothesis.table)) continue;
+    hypothesis.amounts = cut.reading.form == Form::none
+                             ? weigh_text(verdict.lines, kLinesForFirstLook)
+                             : weigh_shape(cut.records, cut.reading, hypothesis.table);
+    hypothesis.score = weighted(hypothesis.amounts, kWeights);
+    verdict.hypotheses.push_back(std::move(hypothesis));
+  }
+  verdict.cuts.push_back(std::move(cut));
+}
+
+// Adds the evidence of the content.
+void weigh_contents(Verdict& verdict, double margin) {
+  double best = std::numeric_limits<double>::lowest();
+  std::vector<EvidenceAmounts> looks;
+  for (Hypothesis& each : verdict.hypotheses) {
+    const Cut& cut = verdict.cut_of(each);
+    looks.push_back(cut.reading.form == Form::none ? each.amounts : first_look(cut, each));
+    each.score = weighted(looks.back(), kWeights);
+    best = std::max(best, each.score);
+  }
+  for (std::size_t i = 0; i < looks.size(); ++i) {
+    Hypothesis& each = verdict.hypotheses[i];
+    const Cut& cut = verdict.cut_of(each);
+    if (each.score < best - margin) {
+      each.amounts = looks[i];
+      continue;
+    }
+    if (cut.reading.form == Form::none) {
+      each.amounts = weigh_text(verdict.lines, verdict.lines.size());
+    } else {
+      look_closely(cut, each);
+    }
+    each.score = weighted(each.amounts, kWeights);
+  }
+}
+
+void make_probabilities(Verdict& verdict) {
+  std::vector<Hypothesis>& all = verdict.hypotheses;
+  const auto best =
+      std::max_element(all.begin(), all.end(),
+                       [](const Hypothesis& a, const Hypothesis& b) { return a.score < b.score; });
+  verdict.best = static_cast<std::size_t>(best - all.begin());
+  double sum = 0;
+  for (Hypothesis& each : all) sum += each.probability = std::exp(each.score - best->score);
+  for (Hypothesis& each : all) each.probability /= sum;
+  for (const Hypothesis& each : all) {
+    if (is_same_answer(verdict, each, *best)) verdict.confidence += each.probability;
+  }
+}
+
+// Whether there are fewer than half as many texts as names.
+bool are_alike(std::vector<std::u16string_view> names) {
+  const std::size_t size = names.size();
+  std::sort(names.begin(), names.end());
+  names.erase(std::unique(names.begin(), names.end()), names.end());
+  return 2 * names.size() < size;
+}
+
+// Whether the cells of aligned columns cannot be told from single blanks alone.
+bool needs_positions(const Cut& cut) {
+  return cut.reading.least_blanks > 1 || cut.records.joins_times;
+}
+
+// How far in score another alignment may be from the best: odds of one to twenty.
+constexpr double kLikely = 3;
+
+// Of aligned hypotheses with the answer of the best, the one that fits most records; if that is by runs of
+// blanks, and single blanks are within cells, one by positions that fits as many.
+void choose_alignment(Verdict& verdict) {
+  if (!verdict.cut_of(verdict.winner()).reading.is_aligned()) return;
+  const auto find_better = [&](auto is_better) {
+    for (std::size_t i = 0; i < verdict.hypotheses.size(); ++i) {
+      const Hypothesis& each = verdict.hypotheses[i];
+      const bool is_rival = verdict.cut_of(each).reading.is_aligned() &&
+                            is_same_answer(verdict, each, verdict.winner()) &&
+                            each.score > verdict.winner().score - kLikely;
+      if (is_rival && is_better(each)) verdict.best = i;
+    }
+  };
+  find_better([&](const Hypothesis& each) {
+    return each.table.data.size() > verdict.winner().table.data.size();
+  });
+  const bool is_by_runs = verdict.cut_of(verdict.winner()).reading.form == Form::runs;
+  if (!is_by_runs || !needs_positions(verdict.cut_of(verdict.winner()))) return;
+  find_better([&](const Hypothesis& each) {
+    return verdict.cut_of(each).reading.form == Form::gaps &&
+           each.table.data.size() >= verdict.winner().table.data.size();
+  });
+}
+
+// The cells of a part of a line, if there are as many as columns and none is a value. There may be one
+// fewer if the first column has no name.
+std::optional<std::vector<std::u16string_view>> names_in(const SampledLines& lines,
+                                                         std::u16string_view part,
+                                                         const Reading& reading,
+                                                         std::size_t columns) {
+  if (part.empty()) return std::nullopt;
+  const auto begin = static_cast<std::size_t>(part.data() - lines.text().data());
+  const SampledLines one(lines.text(), {{begin, begin + part.size(), begin + part.size()}}, false);
+  std::vector<Reading> readings = {reading};
+  const bool by_blanks = reading.is_aligned() || reading.delimiter == u" ";
+  if (reading.is_aligned()) readings.clear();
+  if (by_blanks)
+    readings.insert(readings.end(), {{Form::runs, u" ", 0, 0, 2}, {Form::runs, u" ", 0, 0, 1}});
+  for (const Reading& each : readings) {
+    const Records records = cut(one, each);
+    if (records.size() != 1) continue;
+    const std::size_t size = records.cells(0).size();
+    const bool lacks_first = size + 1 == columns && columns > 2 && !reading.is_aligned();
+    if (size != columns && !lacks_first) continue;
+    std::vector<std::u16string_view> names;
+    if (lacks_first) names.emplace_back();
+    for (const Cell& cell : records.cells(0)) names.push_back(trimmed(records.view(cell)));
+    const auto is_name = [](std::u16string_view name) {
+      return name.empty() || is_text(kind_of(name));
+    };
+    if (std::all_of(names.begin(), names.end(), is_name) && !are_alike(names)) return names;
+  }
+  return std::nullopt;
+}
+
+// Whether a mark other than a blank separates the cells, with or without a frame.
+bool separates(const Reading& reading) {
+  return (reading.form == Form::delimited && reading.delimiter != u" ") ||
+         reading.form == Form::framed;
+}
+
+}  // namespace
+
+bool is_same_answer(const Verdict& verdict, const Hypothesis& a, const Hypothesis& b) {
+  if (a.table.columns != b.table.columns) return false;
+  const Reading& x = verdict.cut_of(a).reading;
+  const Reading& y = verdict.cut_of(b).reading;
+  if ((x.form == Form::none) != (y.form == Form::none)) return false;
+  return separates(x) == separates(y) && (!separates(x) || x.delimiter == y.delimiter);
+}
+
+NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFrame& table) {
+  const auto weighed = [](std::size_t line, NamesAmounts amounts) {
+    NamesVerdict names;
+    names.line = line;
+    names.amounts = amounts;
+    names.probability = 1 / (1 + std::exp(-(kNamesStart + weighted(amounts, kNamesWeights))));
+    return names;
+  };
+  const std::size_t first_line = cut.records[table.data[0]].line;
+  NamesVerdict in_table = weighed(first_line, weigh_names(cut.records, table));
+  for (const Cell& cell : cut.records.cells(table.data[table.names_rows - 1])) {
+    in_table.texts.push_back(trimmed(cut.records.view(cell)));
+  }
+  // The sign of a comment before names is no part of the first one.
+  if (has_comment_sign(lines.view(first_line)) && has_comment_sign(in_table.texts[0])) {
+    in_table.texts[0] = without_comment_sign(in_table.texts[0]);
+  }
+  if (cut.reading.form == Form::one || cut.reading.form == Form::none) return in_table;
+  std::size_t above = first_line;
+  while (above > 0 && (is_blank(lines.view(above - 1)) || is_rule(lines.view(above - 1)))) --above;
+  if (above == 0) return in_table;
+  const std::u16string_view line = lines.view(above - 1);
+  const bool is_note = has_comment_sign(line);
+  const bool is_next = above == first_line;
+  if (!is_note && in_table.probability > 0.5 && !is_next) return in_table;
+  const auto found = names_in(lines, is_note ? without_comment_sign(line) : trimmed(line),
+                              cut.reading, table.columns);
+  if (!found) return in_table;
+  const bool lacks_first = found->front().empty();
+  if (!is_note && !lacks_first && in_table.probability > 0.5) return in_table;
+  NamesVerdict names = weighed(above - 1, weigh_names(cut.records, table, &*found));
+  names.is_above_table = true;
+  names.texts = *found;
+  return names.probability > in_table.probability ? names : in_table;
+}
+
+std::vector<Rival> rivals_of(const Verdict& verdict, std::size_t most) {
+  std::vector<std::size_t> order(verdict.hypotheses.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+    return verdict.hypotheses[a].probability > verdict.hypotheses[b].probability;
+  });
+  std::vector<Rival> rivals;
+  for (const std::size_t index : order) {
+    const Hypothesis& each = verdict.hypotheses[index];
+    if (is_same_answer(verdict, each, verdict.winner())) continue;
+    const auto same = std::find_if(rivals.begin(), rivals.end(), [&](const Rival& rival) {
+      return is_same_answer(verdict, each, verdict.hypotheses[rival.hypothesis]);
+    });
+    if (same == rivals.end()) {
+      rivals.push_back({index, each.probability});
+    } else {
+      same->probability += each.probability;
+    }
+  }
+  std::stable_sort(rivals.begin(), rivals.end(),
+                   [](const Rival& a, const Rival& b) { return a.probability > b.probability; });
+  if (rivals.size() > most) rivals.resize(most);
+  return rivals;
+}
+
+namespace {
+
+// What is judged: the first lines that end within kMostJudgedUnits after the blank lines above them, or a
+// part of the first line.
+SampledLines lines_to_judge(std::u16string_view text, std::size_t num_lines) {
+  const auto first = static_cast<std::size_t>(
+      std::find_if_not(text.begin(), text.end(),
+                       [](char16_t unit) { return is_blank(std::u16string_view(&unit, 1)); }) -
+      text.begin());
+  const std::size_t end_of_part = std::min(text.size(), first + kMostJudgedUnits);
+  const SampledLines lines =
+      sample_lines(text.substr(0, end_of_part), std::min(num_lines, kMostJudgedLines));
+  std::vector<TextLine> kept;
+  for (std::size_t k = 0; k < lines.size(); ++k) kept.push_back(lines[k]);
+  const bool is_cut = end_of_part < text.size() && lines.end() == end_of_part;
+  if (is_cut && kept.size() > 1) kept.pop_back();
+  const bool has_more = !kept.empty() && kept.back().next < text.size();
+  return {text, std::move(kept), has_more};
+}
+
+// Cuts all lines of the sample as the winner cuts those that were judged.
+void extend(Verdict& verdict, SampledLines lines) {
+  Hypothesis& winner = verdict.hypotheses[verdict.best];
+  Cut& cut = verdict.cuts[winner.cut];
+  cut.records = Records(lines.text());  // frees the memory of those that were judged
+  cut.records = assessment::cut(lines, cut.reading);
+  const auto table_of = [&](std::size_t columns) {
+    return find_table(lines, cut.records, cut.reading, columns);
+  };
+  TableFrame table = table_of(winner.table.columns);
+  const std::vector<std::size_t> likely = likely_columns(lines, cut.records, cut.reading);
+  if (table.data.empty() && !likely.empty()) table = table_of(likely.front());
+  if (table.data.empty()) {
+    cut.records = assessment::cut(verdict.lines, cut.reading);
+    return;
+  }
+  winner.table = std::move(table);
+  if (cut.reading.form != Form::none) find_top(cut, winner.table);
+  verdict.lines = std::move(lines);
+}
+
+}  // namespace
+
+Verdict judge(std::u16string_view text, std::size_t num_lines, double margin) {
+  Verdict verdict{lines_to_judge(text, num_lines), {}, {}, 0, 0, {}};
+  for (Reading& reading : find_readings(verdict.lines)) add_hypotheses(verdict, std::move(reading));
+  if (verdict.hypotheses.empty()) return verdict;
+  weigh_contents(verdict, margin);
+  make_probabilities(verdict);
+  choose_alignment(verdict);
+  if (verdict.lines.has_more()) {
+    SampledLines all = sample_lines(text, num_lines);
+    if (all.end() > verdict.lines.end()) extend(verdict, std::move(all));
+  }
+  verdict.names =
+      find_names(verdict.lines, verdict.cut_of(verdict.winner()), verdict.winner().table);
+  return verdict;
+}
+
+}  // namespace textio::assessment

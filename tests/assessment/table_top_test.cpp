@@ -1,0 +1,98 @@
+#include <vltextstream/assessment/table_top.hpp>
+
+#include <cstddef>
+#include <numeric>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <vltextstream/assessment/cell_kind.hpp>
+#include <vltextstream/assessment/cuts.hpp>
+
+#include "assessment/shown.hpp"
+#include "support/rule_name.hpp"
+
+namespace textio::assessment {
+namespace {
+
+using testing_support::ByRule;
+using testing_support::Sample;
+
+constexpr std::size_t kRecordsLookedInto = 200;
+
+TableTop top_of(std::u16string_view text, const std::vector<std::size_t>& left_out = {}) {
+  const Sample sample(text);
+  const Records records = cut_delimited(sample.lines(), {Form::delimited, u","});
+  std::vector<std::size_t> data(records.size());
+  std::iota(data.begin(), data.end(), std::size_t{0});
+  for (const std::size_t row : left_out) std::erase(data, row);
+  const std::size_t columns = records.cells(data[0]).size();
+  return find_top(records, data, CellKinds(records, data, columns, kRecordsLookedInto));
+}
+
+struct TopCase {
+  const char* rule;
+  std::u16string text;
+  std::size_t first;
+  std::size_t names_rows = 1;
+};
+std::ostream& operator<<(std::ostream& out, const TopCase& row) { return out << row.rule; }
+
+const std::u16string kTwoColumns = u"1,10\n2,20\n3,30\n4,40\n5,50\n";
+const std::u16string kThreeColumns = u"1,10,a\n2,20,b\n3,30,c\n4,40,d\n5,50,e\n";
+const std::u16string kFiveNumbers = u"1,2,3,4,5\n2,3,4,5,6\n3,4,5,6,7\n4,5,6,7,8\n5,6,7,8,9\n";
+
+const TopCase kTopCases[] = {
+    {"OnlyData", kThreeColumns, 0},
+    {"Names", u"day,level,name\n" + kThreeColumns, 0},
+    {"NamesOfTwoColumns", u"day,level\n" + kTwoColumns, 0},
+
+    {"PaddedTitle", u"Report,,\nday,level,name\n" + kThreeColumns, 1},
+    {"PaddedTitleAndEmptyRecord", u"Report,,\n,,\nday,level,name\n" + kThreeColumns, 2},
+    {"PaddedTitleWithoutNames", u"Report,,\n" + kThreeColumns, 1},
+    {"EmptyRecords", u",,\n,,\nday,level,name\n" + kThreeColumns, 2},
+    {"TooFewRecordsToTell", u"Report,,\nday,level,name\n1,10,a\n2,20,b\n", 0},
+
+    {"KeysAndValuesAboveTwoColumns", u"site,oslo\nby,ann\nday,level\n" + kTwoColumns, 2},
+    {"KeysAndValuesWithoutNames", u"site,oslo\nby,ann\n" + kTwoColumns, 1},
+
+    {"UnitsBelowTheNames", u"length,mass,name\nm,kg,-\n" + kThreeColumns, 0},
+    {"UnitsOfTwoColumns", u"length,mass\nm,kg\n" + kTwoColumns, 0},
+    {"DescriptionsBelowTheNames",
+     u"day,level,name\nthe day it was,how high it was then,who wrote it all down\n" + kThreeColumns,
+     0},
+
+    {"GroupsAboveTheNames", u",north,,south,\nday,min,max,low,high\n" + kFiveNumbers, 0, 2},
+    {"TitleAboveGroups", u"Report,,,,\n,north,,south,\nday,min,max,low,high\n" + kFiveNumbers, 1,
+     2},
+    {"OneTextIsNoGroup", u",north,,,\nday,min,max,low,high\n" + kFiveNumbers, 1},
+
+    {"YearsAreNames", u"name,2019,2020\na,5,6\nb,7,8\nc,9,10\nd,11,12\ne,13,14\n", 0},
+    {"OnlyTexts", u"a,b,c\nd,e,f\ng,h,i\nj,k,l\nm,n,o\n", 0},
+    {"PaddedTitleAboveTexts", u"Title,,\na,b,c\nd,e,f\ng,h,i\nj,k,l\nm,n,o\n", 1},
+    {"MissingValuesAreData", u"day,level,name\n1,,a\n" + kThreeColumns, 0},
+};
+
+class FindTop : public testing::TestWithParam<TopCase> {};
+TEST_P(FindTop, IsWhereTheNamesOrTheDataBegin) {
+  const TableTop top = top_of(GetParam().text);
+  EXPECT_EQ(top.first, GetParam().first);
+  EXPECT_EQ(top.names_rows, GetParam().names_rows);
+}
+INSTANTIATE_TEST_SUITE_P(Table, FindTop, testing::ValuesIn(kTopCases), ByRule());
+
+TEST(FindTopIndex, CountsTheGivenRecordsOnly) {
+  // The second record has two cells and is not given.
+  EXPECT_EQ(top_of(u"Report,,\na,b\nday,level,name\n" + kThreeColumns, {1}).first, 1U);
+}
+
+TEST(FindTopOfManyRecords, TakesTypesFromTheirLowerHalf) {
+  std::u16string text = u"Report,,\nday,level,name\n";
+  for (int k = 0; k < 300; ++k) text += u"1,10,a\n";
+  EXPECT_EQ(top_of(text).first, 1U);
+}
+
+}  // namespace
+}  // namespace textio::assessment

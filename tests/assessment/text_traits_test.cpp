@@ -1,0 +1,129 @@
+#include <vltextstream/assessment/text_traits.hpp>
+
+#include <ostream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "assessment/shown.hpp"
+#include "support/rule_name.hpp"
+
+namespace textio::assessment {
+namespace {
+
+using testing_support::ByRule;
+using testing_support::Sample;
+
+// Whether one line counts for a trait.
+struct LineCase {
+  const char* rule;
+  double TextTraits::*trait;
+  std::u16string line;
+  bool has_trait;
+};
+std::ostream& operator<<(std::ostream& out, const LineCase& row) { return out << row.rule; }
+
+const LineCase kProseLines[] = {
+    {"FiveWords", &TextTraits::prose, u"It was a dark night.", true},
+    {"FourWords", &TextTraits::prose, u"It was a night.", false},
+    {"WithPunctuation", &TextTraits::prose, u"\"Well,\" he said, \"it's a half-day (today)!\"",
+     true},
+    {"WithANumberAmongFour", &TextTraits::prose, u"There are 5 dogs here today", true},
+    {"WithTooManyNumbers", &TextTraits::prose, u"Dogs 5 cats 7 birds", false},
+    {"OtherAlphabets", &TextTraits::prose,
+     u"\u0437\u0430 \u0434\u0435\u043D\u044C \u0438 \u043D\u043E\u0447\u044C \u0434\u043E", true},
+    {"OneWideGap", &TextTraits::prose, u"It was late.  He went home.", true},
+    {"TwoWideGaps", &TextTraits::prose, u"red  green  blue black white", false},
+    {"Tab", &TextTraits::prose, u"It was\ta dark night.", false},
+    {"TightComma", &TextTraits::prose, u"it was,not a dark night", false},
+    {"CommaWithinANumber", &TextTraits::prose, u"There were 1,234 dogs here today", true},
+};
+
+const LineCase kCodeLines[] = {
+    {"OpeningBracket", &TextTraits::code, u"while x > 1 {", true},
+    {"OnlyBrackets", &TextTraits::code, u"});", true},
+    {"OnlyCommas", &TextTraits::code, u",,,", false},
+    {"Continued", &TextTraits::code, u"one two \\", true},
+    {"Assignment", &TextTraits::code, u"x=1;", true},
+    {"ListOfNumbers", &TextTraits::code, u"1;2;3;", false},
+    {"Call", &TextTraits::code, u"print(x", true},
+    {"BracketAfterABlank", &TextTraits::code, u"level (m)", false},
+    {"Comment", &TextTraits::code, u"// note", true},
+    {"Directive", &TextTraits::code, u"#include <x>", true},
+    {"Import", &TextTraits::code, u"import os", true},
+    {"Definition", &TextTraits::code, u"def f", true},
+    {"AssignmentWithBlanks", &TextTraits::code, u"x = 1", true},
+    {"Comparison", &TextTraits::code, u"a==b", true},
+    {"Arrow", &TextTraits::code, u"a->b", true},
+    {"Words", &TextTraits::code, u"red green blue", false},
+    {"Numbers", &TextTraits::code, u"1,2,3", false},
+};
+
+const LineCase kMarkupLines[] = {
+    {"OpeningTag", &TextTraits::markup, u"<p>text", true},
+    {"ClosingTag", &TextTraits::markup, u"text</p>", true},
+    {"Arrow", &TextTraits::markup, u"a ->", false},
+    {"CurlyBracket", &TextTraits::markup, u"{", true},
+    {"ClosingSquareBracket", &TextTraits::markup, u"],", true},
+    {"QuotedKey", &TextTraits::markup, u"  \"key\" : 1,", true},
+    {"QuotedText", &TextTraits::markup, u"\"text\", 1", false},
+    {"OpenQuote", &TextTraits::markup, u"\"text", false},
+    {"Words", &TextTraits::markup, u"red", false},
+};
+
+const LineCase kKeyedLines[] = {
+    {"EqualsSign", &TextTraits::keyed, u"key=value", true},
+    {"Colon", &TextTraits::keyed, u"key: value", true},
+    {"BlanksBefore", &TextTraits::keyed, u"  key.a-b/c = value", true},
+    {"WithoutValue", &TextTraits::keyed, u"key:", true},
+    {"Heading", &TextTraits::keyed, u"[section one]", true},
+    {"ItemOfAList", &TextTraits::keyed, u"- key: value", true},
+    {"OnlyADash", &TextTraits::keyed, u"- ", false},
+    {"TwoWords", &TextTraits::keyed, u"my key: value", false},
+    {"DigitFirst", &TextTraits::keyed, u"12:30", false},
+    {"NoKey", &TextTraits::keyed, u"= value", false},
+    {"OnlyAKey", &TextTraits::keyed, u"key", false},
+};
+
+class TraitOfLine : public testing::TestWithParam<LineCase> {};
+TEST_P(TraitOfLine, CountsOrNot) {
+  const Sample sample(GetParam().line);
+  EXPECT_EQ(traits_of(sample.lines()).*GetParam().trait, GetParam().has_trait ? 1 : 0);
+}
+INSTANTIATE_TEST_SUITE_P(Prose, TraitOfLine, testing::ValuesIn(kProseLines), ByRule());
+INSTANTIATE_TEST_SUITE_P(Code, TraitOfLine, testing::ValuesIn(kCodeLines), ByRule());
+INSTANTIATE_TEST_SUITE_P(Markup, TraitOfLine, testing::ValuesIn(kMarkupLines), ByRule());
+INSTANTIATE_TEST_SUITE_P(Keyed, TraitOfLine, testing::ValuesIn(kKeyedLines), ByRule());
+
+struct ShareCase {
+  const char* rule;
+  double TextTraits::*trait;
+  std::u16string text;
+  double share;
+};
+std::ostream& operator<<(std::ostream& out, const ShareCase& row) { return out << row.rule; }
+
+const ShareCase kShareCases[] = {
+    {"NoText", &TextTraits::prose, u"", 0},
+    {"BlankLines", &TextTraits::keyed, u"\n  \n", 0},
+    {"OneOfTwoLines", &TextTraits::keyed, u"a=b\nc\n", 0.5},
+    {"BlankLinesDoNotCount", &TextTraits::keyed, u"\na=b\n\n\nc\n", 0.5},
+    {"RulesDoNotCount", &TextTraits::keyed, u"a=b\n------\n", 1},
+    {"LinesWithinQuotesDoNotCount", &TextTraits::keyed, u"a=\"b\nc\nd\"\n", 1},
+    {"LinesAfterQuotesCount", &TextTraits::keyed, u"a=\"b\nc\"\nd\n", 0.5},
+
+    {"NotIndented", &TextTraits::indented, u"a\nb\nc\n", 0},
+    {"FurtherInOnce", &TextTraits::indented, u"a\n  b\n  c\n  d\n", 0.25},
+    {"InAndOut", &TextTraits::indented, u"a\n\tb\nc\n d\n", 0.75},
+    {"AllIndented", &TextTraits::indented, u"  a\n  b\n", 0},
+};
+
+class TraitShare : public testing::TestWithParam<ShareCase> {};
+TEST_P(TraitShare, IsOfTheLinesWithText) {
+  const Sample sample(GetParam().text);
+  EXPECT_DOUBLE_EQ(traits_of(sample.lines()).*GetParam().trait, GetParam().share);
+}
+INSTANTIATE_TEST_SUITE_P(Table, TraitShare, testing::ValuesIn(kShareCases), ByRule());
+
+}  // namespace
+}  // namespace textio::assessment
