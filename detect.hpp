@@ -139,8 +139,14 @@ struct VLTEXTSTREAM_EXPORT Detection {
   std::size_t characters_sampled = 0;
   bool has_more_text = false;
 
-  // What settled the layout: "only-candidate", "given", "reduce_by_dates" and so on.
+  // What settled the layout of the cascade: "only-candidate", "given", "reduce_by_dates" and so on.
   std::string decided_by;
+
+  // How probable dialect and number of columns are, if they were chosen among all sensible readings; and
+  // what the text is if it is not a table: "running text", "source code", "a document", "settings",
+  // "binary data" or "empty".
+  std::optional<double> confidence;
+  std::string no_table;
 };
 
 // The file at `path`, a path in the file system's own bytes; "-" is standard input. What is

@@ -6,6 +6,8 @@
 //   find_encoding/<text>/100_lines       and here found
 //   detect_small_file                    10 KB, nothing given
 //   detect_large_file                    100 MB of the same table
+//   assess_small_file, assess_large_file 10 KB and 4 MB of it, chosen by the assessment; all of the
+//                                        others are chosen by the cascade
 //
 // A selection reads no more than the lines that it samples. Of a file as much is read as the lines
 // need, at least 131,072 characters of a longer one. `candidates` are the strategies that were built.
@@ -79,6 +81,7 @@ Step detect_file(const std::string& bytes, const std::function<DetectSettings()>
 std::function<DetectSettings()> settings_for(const char* encoding, unsigned long num_lines) {
   return [=] {
     DetectSettings settings;
+    settings.judge = standalone::Judge::cascade;
     settings.num_lines = num_lines;
     settings.encoding = encoding;
     return settings;
@@ -87,9 +90,15 @@ std::function<DetectSettings()> settings_for(const char* encoding, unsigned long
 
 DetectSettings default_settings() { return {}; }
 
+DetectSettings cascade_settings() {
+  DetectSettings settings;
+  settings.judge = standalone::Judge::cascade;
+  return settings;
+}
+
 // A table of 20 columns.
-Step detect_file_of(std::size_t bytes) {
-  return detect_file(ascii_bytes(find_shape("regular")->make(bytes)), default_settings);
+Step detect_file_of(std::size_t bytes, const std::function<DetectSettings()>& make_settings) {
+  return detect_file(ascii_bytes(find_shape("regular")->make(bytes)), make_settings);
 }
 
 void add_all() {
@@ -110,10 +119,12 @@ void add_all() {
   }
   for (const EncodedText& text : encoded_texts()) {
     add_step(std::string("find_encoding/") + text.name + "/100_lines",
-             [&] { return detect_file(text.make(kSampleUnits), default_settings); });
+             [&] { return detect_file(text.make(kSampleUnits), cascade_settings); });
   }
-  add_step("detect_small_file", [] { return detect_file_of(10'000); });
-  add_step("detect_large_file", [] { return detect_file_of(100'000'000); });
+  add_step("detect_small_file", [] { return detect_file_of(10'000, cascade_settings); });
+  add_step("detect_large_file", [] { return detect_file_of(100'000'000, cascade_settings); });
+  add_step("assess_small_file", [] { return detect_file_of(10'000, default_settings); });
+  add_step("assess_large_file", [] { return detect_file_of(4'000'000, default_settings); });
 }
 
 }  // namespace

@@ -54,6 +54,8 @@ Detection detection_of(Layout layout) {
   found.lines_sampled = layout.lines_sampled;
   found.characters_sampled = layout.characters_sampled;
   found.has_more_text = layout.has_more_text;
+  found.confidence = layout.confidence;
+  found.no_table = std::move(layout.no_table);
   found.decided_by = decider_of(layout);
   return found;
 }

@@ -5,10 +5,12 @@
 #include <stdexcept>
 #include <utility>
 
+#include <vltextstream/assessment/verdict.hpp>
 #include <vltextstream/detection/strategy_selector.hpp>
 #include <vltextstream/layout/binary_look.hpp>
 #include <vltextstream/layout/detect_input.hpp>
 #include <vltextstream/layout/input_text.hpp>
+#include <vltextstream/layout/judged_layout.hpp>
 #include <vltextstream/layout/line_roles.hpp>
 #include <vltextstream/layout/sampled_table.hpp>
 #include <vltextstream/layout/text_lines.hpp>
@@ -19,6 +21,7 @@
 #include <vltextstream/standalone/dates/date_locale.hpp>
 #include <vltextstream/standalone/decoding/utf_text.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>
+#include <vltextstream/strategy/field_text.hpp>
 #include <vltextstream/strategy/fixed_width_strategy.hpp>
 
 namespace textio::standalone {
@@ -126,22 +129,55 @@ void describe_table(Strategy& strategy, const DetectSettings& settings, TextLine
   describe_lines(table, names, layout);
 }
 
+// Whether nothing is given that only the cascade obeys.
+bool may_assess(const DetectSettings& settings) {
+  static const parser::options defaults;
+  const parser::options& given = settings.options;
+  return settings.judge == Judge::assessment && settings.num_lines > 0 && given.detect_delimiters &&
+         given.detect_header_lines && given.detect_num_variables && given.comment_style.empty() &&
+         given.line_endings == defaults.line_endings && given.whitespace == defaults.whitespace &&
+         given.parser_type == defaults.parser_type;
+}
+
+CascadeAnswer cascade_answer(const Layout& layout) {
+  return {layout.mode,         layout.delimiters,    layout.widths,
+          layout.header_lines, layout.num_variables, false};
+}
+
 // Without a value, the answer for the whole sample may be another one.
 std::optional<Layout> layout_of(const TextPrefix& prefix, const DetectSettings& settings) {
   const datetime::DateLocaleScope date_locale(settings.options.date_locale);
   Layout layout;
-  const auto [strategy, reached_end] = find_strategy(prefix.text, settings, layout);
+  auto [strategy, reached_end] = find_strategy(prefix.text, settings, layout);
   TextLines text_lines(prefix.text, settings.options);
   const FieldExtent first_line = text_lines.line();
   const bool may_change =
       reached_end || first_line_reaches_end(first_line, prefix.text, settings.options);
   if (may_change && !prefix.is_sample) return std::nullopt;
-  describe_table(*strategy, settings, text_lines, layout);
   layout.line_ending = ending_of(first_line);
-  layout.lines_sampled = strategy->lines().size();
-  layout.characters_sampled =
-      std::min(std::max(strategy->sample().end, first_line.next), prefix.text.length);
+  const bool is_assessed = may_assess(settings) && layout.selection_end != SelectionEnd::given;
+  if (is_assessed && !assessment::is_blank(view_of(prefix.text))) {
+    describe_separators(*strategy, layout);
+    layout.header_lines = strategy->header_lines();
+    layout.num_variables = static_cast<std::size_t>(std::max(strategy->num_variables(), 1L));
+    layout.cascade = cascade_answer(layout);
+    strategy.reset();  // its sample may be large
+    const assessment::Verdict verdict = assessment::judge(view_of(prefix.text), settings.num_lines);
+    const bool reached_prefix_end = verdict.lines.end() >= prefix.text.length;
+    if (reached_prefix_end && !prefix.is_sample) return std::nullopt;
+    describe_verdict(verdict, settings, layout);
+  } else {
+    describe_table(*strategy, settings, text_lines, layout);
+    layout.lines_sampled = strategy->lines().size();
+    layout.characters_sampled =
+        std::min(std::max(strategy->sample().end, first_line.next), prefix.text.length);
+    if (is_assessed) {
+      layout.confidence = 1.0;
+      layout.no_table = "empty";
+    }
+  }
   layout.looks_binary = looks_binary({prefix.text.data, layout.characters_sampled});
+  if (layout.looks_binary && is_assessed) layout.no_table = "binary data";
   return layout;
 }
 

@@ -59,6 +59,11 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
   // would be needed for the sample. Only bytes that give no characters, such as endless shift
   // sequences, need so many: the default is 15 bytes for each character of the largest sample.
   std::uint64_t max_bytes = 67'108'864;
+
+  // Who chooses the layout. What is given settles it without a choice if it is delimiters or widths. Where
+  // header lines, comments, line endings, white space or a number of variables are given, the cascade
+  // chooses, which obeys them.
+  Judge judge = Judge::assessment;
 };
 
 // Settings with these options; an "Encoding" becomes `encoding`. Throws OptionProblem at the first

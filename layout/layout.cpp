@@ -4,6 +4,16 @@
 
 namespace textio::standalone {
 
+std::string_view to_string(Judge judge) {
+  switch (judge) {
+    case Judge::assessment:
+      return "assessment";
+    case Judge::cascade:
+      return "cascade";
+  }
+  return {};
+}
+
 Dialect dialect_of(const Layout& layout) {
   Dialect dialect;
   dialect.mode = layout.mode;

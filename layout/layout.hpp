@@ -26,6 +26,46 @@ namespace textio::standalone {
 
 using textio::LayoutMode;
 
+// Who chooses among the layouts a text may have.
+enum class Judge {
+  assessment,  // the reading for which most speaks, with a probability
+  cascade,     // the filters of the StrategySelector
+};
+
+// The name of the enumerator; empty for any other value.
+VLTEXTSTREAM_EXPORT std::string_view to_string(Judge judge);
+
+// A piece of evidence, and what it is worth: how much it raises, or lowers, the natural logarithm of
+// the odds.
+struct VLTEXTSTREAM_EXPORT EvidenceItem {
+  std::string name;
+  double worth = 0.0;
+  std::string sentence;
+};
+
+// Another layout that the text may have, and the evidence that decides most between it and the answer.
+struct VLTEXTSTREAM_EXPORT Rival {
+  LayoutMode mode = LayoutMode::line_reader;
+  std::vector<std::u16string> delimiters;
+  std::vector<std::size_t> widths;
+  std::optional<char16_t> quote;
+  std::size_t num_variables = 1;
+  double probability = 0.0;
+  std::string reason;
+};
+
+// What the cascade answers.
+struct VLTEXTSTREAM_EXPORT CascadeAnswer {
+  LayoutMode mode = LayoutMode::line_reader;
+  std::vector<std::u16string> delimiters;
+  std::vector<std::size_t> widths;
+  std::size_t header_lines = 0;
+  std::size_t num_variables = 1;
+
+  // Whether it has the mode, the delimiters and the number of variables of the answer.
+  bool agrees = false;
+};
+
 struct VLTEXTSTREAM_EXPORT Layout {
   LayoutMode mode = LayoutMode::line_reader;
 
@@ -98,6 +138,36 @@ struct VLTEXTSTREAM_EXPORT Layout {
   // Whether the sample has more control characters than any text would: the file is probably a
   // program, a picture or an archive. The layout then describes its bytes decoded as text.
   bool looks_binary = false;
+
+  // --- of the assessment; without a value or empty if the layout was given or chosen by the cascade
+
+  // How probable the answer is: mode, delimiters and number of variables.
+  std::optional<double> confidence;
+
+  // What quotes cells, and what escapes a quote within them besides a second one, if anything does.
+  std::optional<char16_t> quote;
+  std::optional<char16_t> escape;
+
+  // Space-aligned: the fewest blanks between two columns, since fewer are part of a cell; and whether a
+  // time belongs to the date before it, though one blank is between them.
+  std::size_t least_blanks = 1;
+  bool joins_times = false;
+
+  // What else the text may be, the most probable first, and what speaks for the answer and against it,
+  // the weightiest first.
+  std::vector<Rival> rivals;
+  std::vector<EvidenceItem> evidence;
+
+  // How probable it is that a line holds names; and which line this would be, if it is not the line of
+  // the names.
+  std::optional<double> names_probability;
+  std::optional<std::size_t> names_candidate;
+
+  // What the text is if it is not a table: "running text", "source code", "a document", "settings",
+  // "binary data", or "empty" without a line that is not blank; otherwise empty.
+  std::string no_table;
+
+  std::optional<CascadeAnswer> cascade;
 };
 
 // Mode, delimiters and widths of `layout`. An unpaired surrogate in a delimiter becomes U+FFFD.

@@ -91,6 +91,7 @@ class AnswerWriter {
     if (answer.lacked_memory) return report_lack_of_memory(file);
     if (answer.problem) return report_problem(*answer.problem);
     try {
+      if (answer.is_doubtful) status_ = std::max(status_, static_cast<int>(kDoubtful));
       return answer.layout ? write_layout(file, *answer.layout) : write_text(answer.text);
     } catch (const std::bad_alloc&) {
       return report_lack_of_memory(file);
@@ -213,6 +214,14 @@ std::size_t size_of(const Layout& layout) {
          (layout.names.size() + layout.units.size()) * sizeof(std::u16string);
 }
 
+// No table was found, or not with confidence.
+bool is_doubtful(const Layout& layout, const Arguments& arguments) {
+  if (arguments.settings.judge != standalone::Judge::assessment) return false;
+  if (!layout.no_table.empty()) return true;
+  return layout.confidence &&
+         *layout.confidence * 100 < static_cast<double>(arguments.least_percent);
+}
+
 // As text, or as the layout if that takes less memory: each line of the JSON takes some dozen bytes.
 Answer json_answer(const std::string& file, Layout layout) {
   const std::size_t size = size_of(layout);
@@ -223,8 +232,11 @@ Answer json_answer(const std::string& file, Layout layout) {
 Answer try_to_answer(const std::string& file, const Arguments& arguments) {
   try {
     Layout layout = standalone::detect_layout(file, arguments.settings);
-    if (arguments.json) return json_answer(file, std::move(layout));
-    return {report(file, layout, arguments.given), std::nullopt};
+    const bool doubtful = is_doubtful(layout, arguments);
+    Answer answer = arguments.json ? json_answer(file, std::move(layout))
+                                   : Answer{report(file, layout, arguments.given), std::nullopt};
+    answer.is_doubtful = doubtful;
+    return answer;
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& error) {

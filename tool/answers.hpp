@@ -23,12 +23,14 @@ struct Streams {
 };
 
 inline constexpr int kSucceeded = 0;
+inline constexpr int kDoubtful = 1;
 inline constexpr int kFailed = 2;
 
 // What is printed about a file.
 Answer answer_for(const std::string& file, const Arguments& arguments);
 
-// The exit status: kFailed when a file could not be read or standard output not be written.
+// The exit status: kFailed when a file could not be read or standard output not be written, otherwise
+// kDoubtful when no table was found in a file, or not with confidence.
 int answer_files(const Arguments& arguments, const Streams& streams);
 
 // All that the program does.

@@ -45,17 +45,28 @@ CLI::Option* add_repeatable(CLI::App& app, const std::string& flag, const char* 
 // What was typed for the options that take a number.
 struct TypedNumbers {
   std::string lines = "100";
+  std::optional<std::string> strict;
   std::optional<std::string> jobs;
   std::optional<std::string> max_bytes;
 };
 
-void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numbers) {
+void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numbers,
+                         std::optional<std::string>& judge) {
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.set_version_flag("--version", std::string("vltext ") + libvltextstream_version,
                        "Print the version and exit");
   app.add_flag("--json", arguments.json, "Print one JSON document instead of text");
   app.add_flag("--explain", arguments.explain,
-               "Also print the candidates, their scores and what each filter left");
+               "Also print the evidence, and the candidates of the cascade, their scores and what "
+               "each filter left");
+  app.add_option(
+         "--judge", judge,
+         "Who chooses the layout: assessment, the likeliest of all sensible readings, which "
+         "is what happens if not given, or cascade, a series of filters")
+      ->type_name("NAME");
+  app.add_option("--strict", numbers.strict,
+                 "Exit with 1 unless the answer is at least P percent sure, 50 if not given")
+      ->type_name("P");
   app.add_option("--lines", numbers.lines,
                  "Sample N data lines from the start of each file, 100 if not given")
       ->type_name("N");
@@ -232,6 +243,14 @@ unsigned long to_number(const char* flag, const std::string& text, unsigned long
                                       largest, shortened(text)));
 }
 
+standalone::Judge judge_named(const std::string& name) {
+  for (const auto judge : {standalone::Judge::assessment, standalone::Judge::cascade}) {
+    if (name == to_string(judge)) return judge;
+  }
+  throw BadArgument("--judge",
+                    fmt::format("Expected assessment or cascade, got '{}'.", shortened(name)));
+}
+
 void parse(CLI::App& app, const std::vector<std::string>& typed) {
   try {
     app.parse(reversed_arguments(app, typed));
@@ -251,7 +270,8 @@ Arguments parse_command_line(int argc, const char* const* argv) {
   app.formatter(std::make_shared<HelpFormatter>());
   Arguments arguments;
   TypedNumbers numbers;
-  declare_own_options(app, arguments, numbers);
+  std::optional<std::string> judge;
+  declare_own_options(app, arguments, numbers, judge);
   const Flags flags = declare_library_options(app);
   const CLI::Option* const files = declare_files(app, argc);
 
@@ -265,6 +285,8 @@ Arguments parse_command_line(int argc, const char* const* argv) {
   if (numbers.max_bytes) {
     arguments.settings.max_bytes = to_number("--max-bytes", *numbers.max_bytes, 1, kAnyNumber);
   }
+  if (judge) arguments.settings.judge = judge_named(*judge);
+  if (numbers.strict) arguments.least_percent = to_number("--strict", *numbers.strict, 0, 100);
   if (numbers.jobs) arguments.num_jobs = to_number("--jobs", *numbers.jobs, 1, kMostJobs);
   return arguments;
 }

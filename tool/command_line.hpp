@@ -25,6 +25,9 @@ struct Arguments {
   std::vector<GivenOption> given;
   standalone::DetectSettings settings;
   std::optional<std::size_t> num_jobs;
+
+  // How sure an answer must be for the exit status 0.
+  unsigned long least_percent = 50;
   bool json = false;
   bool explain = false;
   bool no_progress = false;

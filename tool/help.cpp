@@ -82,8 +82,11 @@ std::string HelpFormatter::make_footer(const CLI::App* /*app*/) const {
       "backslash. Words may be shortened.",
       0);
   out += '\n';
-  append_wrapped(out, "Exits with 0, or with 2 when a file cannot be read or an argument is wrong.",
-                 0);
+  append_wrapped(
+      out,
+      "Exits with 0, with 1 when no table was found in a file or not with confidence, or "
+      "with 2 when a file cannot be read or an argument is wrong.",
+      0);
   return out;
 }
 

@@ -118,6 +118,7 @@ void write_settings(JsonWriter& json, const standalone::DetectSettings& settings
   write_options(json, settings.options);
   json.member("trace", settings.trace);
   json.member("max_bytes", settings.max_bytes);
+  json.member("judge", to_string(settings.judge));
   json.end_object();
 }
 
@@ -127,6 +128,59 @@ void write_given(JsonWriter& json, const GivenOption& option) {
   json.member("values", option.values);
   if (option.is_json) json.member("json", true);
   json.end_object();
+}
+
+std::optional<std::u16string> text_of(std::optional<char16_t> unit) {
+  return unit ? std::optional<std::u16string>(std::u16string(1, *unit)) : std::nullopt;
+}
+
+void write_rival(JsonWriter& json, const standalone::Rival& rival) {
+  json.begin_object();
+  json.member("mode", to_string(rival.mode));
+  json.member("delimiters", rival.delimiters);
+  json.member("widths", rival.widths);
+  json.member("quote", text_of(rival.quote));
+  json.member("num_variables", rival.num_variables);
+  json.member("probability", rival.probability);
+  json.member("reason", rival.reason);
+  json.end_object();
+}
+
+void write_cascade(JsonWriter& json, const standalone::CascadeAnswer& cascade) {
+  json.begin_object();
+  json.member("mode", to_string(cascade.mode));
+  json.member("delimiters", cascade.delimiters);
+  json.member("widths", cascade.widths);
+  json.member("header_lines", cascade.header_lines);
+  json.member("num_variables", cascade.num_variables);
+  json.member("agrees", cascade.agrees);
+  json.end_object();
+}
+
+// The members of the assessment; only where it chose the layout.
+void write_assessment(JsonWriter& json, const Layout& layout) {
+  if (!layout.confidence) return;
+  json.member("confidence", layout.confidence);
+  json.member("quote", text_of(layout.quote));
+  json.member("escape", text_of(layout.escape));
+  json.member("least_blanks", layout.least_blanks);
+  json.member("joins_times", layout.joins_times);
+  json.member("no_table", or_null(layout.no_table));
+  json.member("names_probability", layout.names_probability);
+  json.member("names_candidate", layout.names_candidate);
+  json.key("rivals");
+  json.array(layout.rivals, [&](const auto& rival) { write_rival(json, rival); });
+  json.key("evidence");
+  json.array(layout.evidence, [&](const standalone::EvidenceItem& item) {
+    json.begin_object();
+    json.member("name", item.name);
+    json.member("worth", item.worth);
+    json.member("sentence", item.sentence);
+    json.end_object();
+  });
+  json.key("cascade");
+  if (!layout.cascade) return json.value(nullptr);
+  write_cascade(json, *layout.cascade);
 }
 
 constexpr std::size_t kFileDepth = 2;  // within the list of the files
@@ -164,6 +218,7 @@ void write_members(JsonWriter& json, const std::string& file, const Layout& layo
   json.key("trace");
   write_trace(json, layout.trace);
   if (layout.looks_binary) json.member("looks_binary", true);
+  write_assessment(json, layout);
   json.end_object();
 }
 

@@ -42,6 +42,9 @@ struct Answer {
   std::shared_ptr<const standalone::Layout> layout = nullptr;
   std::size_t layout_bytes = 0;
 
+  // No table was found, or not with confidence.
+  bool is_doubtful = false;
+
   std::size_t held_bytes() const { return text.size() + layout_bytes; }
 };
 

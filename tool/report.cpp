@@ -109,6 +109,53 @@ std::string lines(const Layout& layout) {
   return fmt::format("{} in all", fmt::join(parts, ", "));
 }
 
+// Rounded down, so that only what is certain is 100 %.
+std::string percent(double share) {
+  return share < 0.01 ? "less than 1 %" : fmt::format("{} %", static_cast<int>(share * 100));
+}
+
+std::string dialect_and_columns(const Dialect& dialect, std::size_t columns) {
+  Dialect short_form = dialect;
+  short_form.widths.clear();
+  return fmt::format("{}, {} column{}", to_string(short_form), columns, columns == 1 ? "" : "s");
+}
+
+Dialect dialect_with(LayoutMode mode, const std::vector<std::u16string>& delimiters) {
+  Layout layout;
+  layout.mode = mode;
+  layout.delimiters = delimiters;
+  return dialect_of(layout);
+}
+
+void add_confidence(std::string& out, const Layout& layout) {
+  if (!layout.confidence || layout.no_table == "empty") return;
+  const char* const doubt = *layout.confidence < 0.5 ? ": no answer is likely" : "";
+  fmt::format_to(Out(out), "  confidence      {} sure{}\n", percent(*layout.confidence), doubt);
+  for (const standalone::Rival& rival : layout.rivals) {
+    const Dialect dialect = dialect_with(rival.mode, rival.delimiters);
+    fmt::format_to(Out(out), "  next best       {}, {}: {}\n",
+                   dialect_and_columns(dialect, rival.num_variables), percent(rival.probability),
+                   printable(rival.reason));
+    break;
+  }
+  if (layout.cascade && !layout.cascade->agrees) {
+    const Dialect dialect = dialect_with(layout.cascade->mode, layout.cascade->delimiters);
+    fmt::format_to(Out(out), "  cascade         {}\n",
+                   dialect_and_columns(dialect, layout.cascade->num_variables));
+  }
+}
+
+void add_evidence(std::string& out, const Layout& layout) {
+  for (const standalone::EvidenceItem& item : layout.evidence) {
+    fmt::format_to(Out(out), "  {:>+14.1f}  {}\n", item.worth, printable(item.sentence));
+  }
+  for (const standalone::Rival& rival : layout.rivals) {
+    const Dialect dialect = dialect_with(rival.mode, rival.delimiters);
+    fmt::format_to(Out(out), "  {:>14}  {}: {}\n", percent(rival.probability),
+                   dialect_and_columns(dialect, rival.num_variables), printable(rival.reason));
+  }
+}
+
 std::string candidate_name(const CandidateTrace& candidate) {
   return to_string(Dialect{candidate.dialect.mode, candidate.dialect.delimiters, {}});
 }
@@ -147,6 +194,12 @@ std::string report(const std::string& file, const Layout& layout,
                    const std::vector<GivenOption>& given) {
   std::string out = printable(file) + "\n";
   fmt::format_to(Out(out), "  layout          {}\n", to_string(dialect_of(layout)));
+  if (!layout.no_table.empty()) {
+    fmt::format_to(Out(out), "  no table        {}\n",
+                   layout.no_table == "empty" ? "there is no line that is not blank"
+                                              : "this is probably " + layout.no_table);
+  }
+  add_confidence(out, layout);
   if (layout.looks_binary) {
     out += "  looks binary    control characters as no text has them; this is probably no table\n";
   }
@@ -169,8 +222,14 @@ std::string report(const std::string& file, const Layout& layout,
                    layout.ragged_lines, *layout.first_ragged_line);
   }
   fmt::format_to(Out(out), "  sampled         {}\n", sampled(layout));
-  fmt::format_to(Out(out), "  decided by      {}\n", name_of_end(layout));
-  if (layout.trace) add_trace(out, *layout.trace);
+  if (!layout.confidence) fmt::format_to(Out(out), "  decided by      {}\n", name_of_end(layout));
+  if (!layout.trace) return out;
+  if (layout.confidence) {
+    out += "  evidence\n";
+    add_evidence(out, layout);
+    fmt::format_to(Out(out), "  cascade ended   {}\n", name_of_end(layout));
+  }
+  add_trace(out, *layout.trace);
   return out;
 }
 

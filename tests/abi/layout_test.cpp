@@ -183,13 +183,27 @@ TEST(MemberOrder, OfTheFrontHeader) {
           MEMBER(Known, lines_to_sample), MEMBER(Known, max_bytes)});
   expect_in_order(0, {MEMBER(Column, name), MEMBER(Column, unit), MEMBER(Column, type)});
   using D = Detection;
-  expect_in_order(
-      0, {MEMBER(D, dialect), MEMBER(D, columns), MEMBER(D, header_lines), MEMBER(D, names_line),
-          MEMBER(D, units_line), MEMBER(D, names_source), MEMBER(D, names_reason),
-          MEMBER(D, encoding), MEMBER(D, encoding_found), MEMBER(D, encoding_confidence),
-          MEMBER(D, ill_formed_parts), MEMBER(D, line_ending), MEMBER(D, lines),
-          MEMBER(D, ragged_lines), MEMBER(D, first_ragged_line), MEMBER(D, lines_sampled),
-          MEMBER(D, characters_sampled), MEMBER(D, has_more_text), MEMBER(D, decided_by)});
+  expect_in_order(0, {MEMBER(D, dialect),
+                      MEMBER(D, columns),
+                      MEMBER(D, header_lines),
+                      MEMBER(D, names_line),
+                      MEMBER(D, units_line),
+                      MEMBER(D, names_source),
+                      MEMBER(D, names_reason),
+                      MEMBER(D, encoding),
+                      MEMBER(D, encoding_found),
+                      MEMBER(D, encoding_confidence),
+                      MEMBER(D, ill_formed_parts),
+                      MEMBER(D, line_ending),
+                      MEMBER(D, lines),
+                      MEMBER(D, ragged_lines),
+                      MEMBER(D, first_ragged_line),
+                      MEMBER(D, lines_sampled),
+                      MEMBER(D, characters_sampled),
+                      MEMBER(D, has_more_text),
+                      MEMBER(D, decided_by),
+                      MEMBER(D, confidence),
+                      MEMBER(D, no_table)});
 }
 
 // What a strategy from outside the library, derived from one of its own, can access.

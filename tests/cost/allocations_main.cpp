@@ -37,6 +37,7 @@ struct Cost {
 // The counted detection does not request the trace, which lists the candidates.
 Cost cost_of_detection(const std::string& path, unsigned long num_lines) {
   DetectSettings settings;
+  settings.judge = textio::standalone::Judge::cascade;
   settings.num_lines = num_lines;
   settings.encoding = "UTF-8";
   DetectSettings traced = settings;

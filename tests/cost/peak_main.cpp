@@ -50,6 +50,7 @@ int main(int argc, char** argv) {
   const textio::testing_support::TempFolder folder;
   const std::string path = folder.file("text", bytes_of(shape->make(units)));
   textio::standalone::DetectSettings settings;
+  settings.judge = textio::standalone::Judge::cascade;
   settings.num_lines = lines > 0 ? lines : std::numeric_limits<unsigned long>::max();
   if (shape->set != nullptr) shape->set(settings, units);
 

@@ -248,7 +248,6 @@ class TextDetection : public Attempt {
 
   void call() override { layout_ = standalone::detect_layout(text_.view(), settings_); }
   std::string answer() override { return every_member_of(layout_); }
-  const Layout& layout() const { return layout_; }
 
  private:
   ExactText text_;
@@ -279,10 +278,11 @@ TEST_P(LayoutMemory, RunsOutInATextDetection) {
 }
 
 TEST_P(LayoutMemory, IsThatOfTheEndInTheTable) {
-  TextDetection detection(GetParam());
-  detection.call();
-  EXPECT_EQ(static_cast<int>(detection.layout().mode), GetParam().mode);
-  EXPECT_EQ(detection.layout().selection_end, GetParam().end);
+  DetectSettings settings = settings_of(GetParam());
+  settings.judge = standalone::Judge::cascade;
+  const Layout layout = standalone::detect_layout(ExactText(GetParam().text).view(), settings);
+  EXPECT_EQ(static_cast<int>(layout.mode), GetParam().mode);
+  EXPECT_EQ(layout.selection_end, GetParam().end);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, LayoutMemory, testing::ValuesIn(all_cases()), ByRule());

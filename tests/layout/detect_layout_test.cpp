@@ -102,6 +102,7 @@ Layout layout_of_file(const std::string& bytes, const DetectSettings& settings =
 
 DetectSettings with_header_lines(Lines count) {
   DetectSettings settings;
+  settings.judge = Judge::cascade;
   if (count) {
     settings.options.header_lines = *count;
     settings.options.detect_header_lines = false;
@@ -608,8 +609,14 @@ TEST(DetectLayoutBudget, CountsNeitherGivenHeaderLinesNorEmptyOnes) {
 
 constexpr std::size_t kMostCharacters = 4'194'304;
 
-DetectSettings with_all_lines() {
+DetectSettings with_cascade() {
   DetectSettings settings;
+  settings.judge = Judge::cascade;
+  return settings;
+}
+
+DetectSettings with_all_lines() {
+  DetectSettings settings = with_cascade();
   settings.num_lines = std::numeric_limits<unsigned long>::max();
   return settings;
 }
@@ -619,7 +626,7 @@ TEST(DetectLayoutOfALongText, RestsOnWholeLinesWithinTheLimit) {
   text.reserve(kMostCharacters + 10);
   while (text.size() + 5 <= kMostCharacters + 10) text += u"1,23\n";
   text.resize(kMostCharacters + 10, u'7');
-  const Layout layout = layout_of(text);
+  const Layout layout = layout_of(text, with_cascade());
   EXPECT_EQ(layout.mode, kDelimited);
   EXPECT_EQ(layout.num_variables, 2U);
   EXPECT_EQ(layout.lines_sampled, 100U);

@@ -229,7 +229,9 @@ class FindVariableNames : public testing::TestWithParam<NamesCase> {};
 
 TEST_P(FindVariableNames, TellsTheLineTheNamesAndWhy) {
   const NamesCase& row = GetParam();
-  const Layout layout = detect_layout(ExactText(row.text).view(), settings_of(row.given));
+  DetectSettings settings = settings_of(row.given);
+  settings.judge = Judge::cascade;
+  const Layout layout = detect_layout(ExactText(row.text).view(), settings);
   EXPECT_EQ(static_cast<int>(layout.names_source), static_cast<int>(row.source));
   EXPECT_EQ(layout.names_reason, row.reason);
   EXPECT_EQ(layout.names_line.value_or(0), row.names_line.value_or(0));

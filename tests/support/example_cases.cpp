@@ -12,6 +12,22 @@ std::ostream& operator<<(std::ostream& out, const ExampleCase& example) {
   return out << example.file;
 }
 
+namespace {
+
+// The assessment gives the layout of the cascade but for what the case says.
+void assess(const nlohmann::json& entry, ExampleCase& example) {
+  example.assessed = example.expect;
+  if (!entry.contains("assessed")) return;
+  const nlohmann::json& assessed = entry["assessed"];
+  for (const auto& [name, value] : assessed.at("expect").items()) example.assessed[name] = value;
+  const auto doubtful = assessed.value("doubtful", std::vector<std::string>());
+  for (const std::string& name : doubtful) example.assessed.erase(name);
+  example.is_doubtful = !doubtful.empty();
+  example.status = assessed.value("status", 0);
+}
+
+}  // namespace
+
 std::vector<ExampleCase> example_cases() {
   std::ifstream file(EXAMPLES_DIR "/expected.json");
   std::vector<ExampleCase> cases;
@@ -32,6 +48,7 @@ std::vector<ExampleCase> example_cases() {
       example.settings.options.comment_style.push_back(standalone::from_utf8(marker));
       example.arguments.insert(example.arguments.end(), {"--comment-style", marker});
     }
+    assess(entry, example);
     cases.push_back(example);
   }
   return cases;

@@ -15,7 +15,10 @@ struct ExampleCase {
   std::string file;  // name in the folder of the examples
   standalone::DetectSettings settings;
   std::vector<std::string> arguments;  // the same for the tool
-  nlohmann::json expect;               // members that the layout must have
+  nlohmann::json expect;               // members that the layout of the cascade must have
+  nlohmann::json assessed;             // those that the layout of the assessment must have
+  bool is_doubtful = false;            // whether its confidence must be below 80 %
+  int status = 0;                      // of the tool
 
   std::string path() const;
 };

@@ -54,13 +54,16 @@ std::string content_of(const std::string& path) {
 // --- every way in gives the same answer ---------------------------------------------------------
 
 // The answer for the one file, without its name.
-nlohmann::json document_of(const CommandResult& result) {
-  EXPECT_EQ(result.status, 0);
+nlohmann::json document_of(const CommandResult& result, int highest_status = 0) {
+  EXPECT_LE(result.status, highest_status);
   EXPECT_EQ(result.err, "");
   nlohmann::json document = nlohmann::json::parse(result.out, nullptr, false);
   if (document.is_object() && document["files"].size() == 1) document["files"][0].erase("file");
   return document;
 }
+
+// Some examples are no tables, or doubtful.
+constexpr int kHighestStatus = 1;
 
 class ExamplesFromElsewhere : public testing::TestWithParam<ExampleCase> {
  protected:
@@ -72,21 +75,23 @@ class ExamplesFromElsewhere : public testing::TestWithParam<ExampleCase> {
 
   nlohmann::json document_of_file(const std::string& bytes) const {
     const TempFolder folder;
-    return document_of(vltext(arguments(folder.file("table", bytes))));
+    return document_of(vltext(arguments(folder.file("table", bytes))), kHighestStatus);
   }
 
   const std::string bytes_ = content_of(GetParam().path());
-  const nlohmann::json expected_ = document_of(vltext(arguments(GetParam().path())));
+  const nlohmann::json expected_ =
+      document_of(vltext(arguments(GetParam().path())), kHighestStatus);
 };
 
 TEST_P(ExamplesFromElsewhere, AreLaidOutAlike) {
   ASSERT_EQ(expected_["files"].size(), 1U);
   EXPECT_EQ(document_of_file(gzip_of(bytes_)), expected_);
   EXPECT_EQ(document_of_file(zstd_of(bytes_)), expected_);
-  EXPECT_EQ(document_of(vltext(arguments("-"), bytes_)), expected_);
-  EXPECT_EQ(document_of(vltext(arguments("-"), gzip_of(bytes_))), expected_);
-  EXPECT_EQ(document_of(vltext_with_a_pipe(arguments("-"), bytes_)), expected_);
-  EXPECT_EQ(document_of(vltext_with_a_pipe(arguments("-"), zstd_of(bytes_))), expected_);
+  EXPECT_EQ(document_of(vltext(arguments("-"), bytes_), kHighestStatus), expected_);
+  EXPECT_EQ(document_of(vltext(arguments("-"), gzip_of(bytes_)), kHighestStatus), expected_);
+  EXPECT_EQ(document_of(vltext_with_a_pipe(arguments("-"), bytes_), kHighestStatus), expected_);
+  EXPECT_EQ(document_of(vltext_with_a_pipe(arguments("-"), zstd_of(bytes_)), kHighestStatus),
+            expected_);
 }
 
 std::string name_of_case(const testing::TestParamInfo<ExampleCase>& info) {
@@ -179,7 +184,7 @@ TEST(ToolStandardInput, OfAFileIsReadAsOftenAsAsked) {
 TEST(ToolStandardInput, MayBeEmpty) {
   for (const CommandResult& result : {vltext({"-"}), vltext_with_a_pipe({"-"}, ""),
                                       vltext({"-"}, gzip_of("")), vltext({"-"}, zstd_of(""))}) {
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.out, HasSubstr("0 lines of 0 characters"));
   }
 }

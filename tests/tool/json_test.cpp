@@ -51,7 +51,7 @@ std::string faults(const json& document) {
 
 json printed(const std::vector<std::string>& arguments) {
   const CommandResult result = run_command(VLTEXT_PROGRAM, arguments);
-  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_LE(result.status, 1) << result.err;
   return json::parse(result.out);
 }
 

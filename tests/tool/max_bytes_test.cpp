@@ -35,8 +35,8 @@ TEST(ToolMaxBytes, BoundsAFileThatGivesNoCharacters) {
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err, too_many(file, "99999"));
-  EXPECT_EQ(vltext({"--encoding", "BOCU-1", "--max-bytes", "100000", file}).status, 0);
-  EXPECT_EQ(vltext({"--encoding", "BOCU-1", file}).status, 0);
+  EXPECT_EQ(vltext({"--encoding", "BOCU-1", "--max-bytes", "100000", file}).status, 1);
+  EXPECT_EQ(vltext({"--encoding", "BOCU-1", file}).status, 1);
 }
 
 TEST(ToolMaxBytes, BoundsEachFileOnItsOwn) {

@@ -115,7 +115,7 @@ const std::vector<OptionCase> kOptions = {
     {"Delimiter", "--delimiter", ";", kBoth, {}, "delimiters", {","}, {";"}},
     {"LineEnding", "--line-ending", "|", "1,2|3,4|5,6", {}, "lines_sampled", 1, 3},
     {"EndOfLine", "--end-of-line", "|", "1,2|3,4|5,6", {}, "line_ending", nullptr, "|"},
-    {"CommentStyle", "--comment-style", "%", "1,2\n%c\n3,4\n", {}, "lines_sampled", 3, 2},
+    {"CommentStyle", "--comment-style", "$", "1,2\n$c\n3,4\n", {}, "lines_sampled", 3, 2},
     {"Whitespace",
      "--whitespace",
      "x",

@@ -30,7 +30,7 @@ std::size_t peak_of(const Words& arguments) {
   Words script = {"-c", "exec \"$0\" \"$@\" > /dev/null", VLTEXT_PROGRAM};
   script.insert(script.end(), arguments.begin(), arguments.end());
   const CommandResult result = run_command("/bin/sh", script);
-  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_LE(result.status, 1) << result.err;  // some of these are no tables
   return result.peak_kilobytes / 1024;
 }
 
