@@ -24,7 +24,10 @@ std::u16string_view trimmed(std::u16string_view text) {
 bool has_comment_sign(std::u16string_view line) {
   line = trimmed(line);
   constexpr std::u16string_view kSigns = u"#%!;*";
-  return !line.empty() && (kSigns.find(line[0]) != line.npos || line.substr(0, 2) == u"//");
+  if (line.empty()) return false;
+  // Nothing but semicolons is a record of empty cells.
+  if (line[0] == u';') return line.find_first_not_of(u"; \t") != line.npos;
+  return kSigns.find(line[0]) != line.npos || line.substr(0, 2) == u"//";
 }
 
 std::u16string_view without_comment_sign(std::u16string_view line) {

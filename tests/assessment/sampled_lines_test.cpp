@@ -132,6 +132,7 @@ struct SignCase {
 std::ostream& operator<<(std::ostream& out, const SignCase& row) { return out << row.rule; }
 
 const SignCase kSignCases[] = {
+    {"SemicolonsAlone", u" ;;; ;", false, u""},
     {"Hash", u"# a b", true, u"a b"},
     {"Percent", u"%a", true, u"a"},
     {"Exclamation", u"! a", true, u"a"},
