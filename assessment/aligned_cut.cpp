@@ -60,7 +60,7 @@ Spans join(const Spans& a, const Spans& b, std::size_t least_blanks) {
   return joined;
 }
 
-// Whether each of `old` columns is in a column of its own in `columns`.
+// Whether no two of the `old` columns have become one in `columns`.
 bool keeps_apart(const Spans& old, const Spans& columns) {
   std::size_t j = 0;
   const Span* last = nullptr;
@@ -188,8 +188,8 @@ class GapCut {
     records_.add_cell(begin, begin + part.size());
   }
 
-  // Columns are sought in the lower half of the lines, but above the last twelve only in the last
-  // hundred; lines above these join if they agree.
+  // The columns come from the lower half of the lines, or from all lines after the first twelve, but
+  // from at most a hundred. Lines above these belong to the table if they agree.
   static constexpr std::size_t kLinesAbove = 12;
   static constexpr std::size_t kSureLines = 100;
   static constexpr std::size_t kCellsOfSmallTable = 10'000;

@@ -9,9 +9,9 @@
 
 namespace textio::assessment {
 
-// Delimited, or a single column. A quote opens at the start of a cell. What it opens ends at a
-// delimiter or line ending before which the quotes are even in number. A quote that is not closed
-// within 60 lines is an ordinary character, except at the end of a sample that the text continues.
+// Delimited, or a single column. A quote at the start of a cell opens a quoted cell, which ends at
+// the first delimiter or line ending with an even number of quotes before it. A quote that is not
+// closed within 60 lines is an ordinary character, unless the sample ends before the text does.
 Records cut_delimited(const SampledLines& lines, const Reading& reading);
 
 // Frames: rules are left out, and so are bars at the ends of lines.
@@ -25,8 +25,8 @@ Records cut_runs(const SampledLines& lines, std::size_t least_blanks);
 // there are no two columns.
 Records cut_gaps(const SampledLines& lines, std::size_t least_blanks);
 
-// A line of nothing but `-`, `=`, `+`, `|`, `:`, `_`, `~`, `*` and blanks, with three of the signs that draw rules
-// or more.
+// Whether a line consists of `-`, `=`, `+`, `|`, `:`, `_`, `~`, `*` and blanks alone and draws a rule
+// with at least three of them.
 bool is_rule(std::u16string_view line);
 
 // What separates cells in frames.

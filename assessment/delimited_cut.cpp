@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::size_t kLongestQuote = 60;  // lines
 constexpr std::size_t kMostUnclosedQuotes =
-    8;  // then quotes are given up, so that cutting is linear
+    8;  // after these, quotes are ignored, which keeps the cut linear
 
 class DelimitedCut {
  public:
@@ -93,7 +93,7 @@ class DelimitedCut {
   void note_stray_quotes(std::size_t begin, std::size_t end) {
     const std::size_t at = text_.substr(0, end).find(reading_.quote, begin);
     if (at == text_.npos) return;
-    // An apostrophe within a word is one.
+    // An apostrophe inside a word is not a quote.
     const bool in_word = at > begin && reading_.quote == u'\'' && is_word(text_[at - 1]);
     records_.ill_placed_quotes += in_word ? 0.15 : 1;
   }
@@ -153,7 +153,7 @@ class DelimitedCut {
   std::size_t line_ = 0;
   std::size_t pos_ = 0;
   std::size_t unclosed_ = 0;
-  bool is_open_ = false;  // the last cell of the record goes on behind the sample
+  bool is_open_ = false;  // the last cell of the record continues after the sample
 };
 
 }  // namespace

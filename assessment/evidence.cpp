@@ -33,7 +33,7 @@ bool is_usual_separator(char16_t unit) {
 }
 bool is_quote(char16_t unit) { return unit == u'"' || unit == u'\''; }
 
-// The first usual separator that stands tight between two pieces of which one is a word.
+// The first usual separator without blanks around it, between two pieces of which at least one is a word.
 std::size_t tight_separator(std::u16string_view cell) {
   for (std::size_t i = 1; i + 1 < cell.size(); ++i) {
     if (!is_usual_separator(cell[i])) continue;
@@ -45,8 +45,8 @@ std::size_t tight_separator(std::u16string_view cell) {
   return cell.npos;
 }
 
-// 1 if a usual separator stands between unlike things, as fields left together are; 0.3 between
-// things of a kind, as in a list.
+// 1 if a usual separator is between values of different kinds, which are probably unsplit fields;
+// 0.3 if they are of one kind, as in a list.
 double unsplit(std::u16string_view cell) {
   const std::size_t at = tight_separator(cell);
   if (at == cell.npos) return 0;
@@ -149,8 +149,8 @@ bool is_whole_value(std::u16string_view text) {
   }
 }
 
-// A number whose comma groups digits or precedes at least two decimals: one digit after a comma is a
-// column of its own as a rule.
+// Whether this is a number whose comma groups digits or precedes at least two decimals. A single digit
+// after a comma is usually a column of its own.
 bool may_have_comma(std::u16string_view text) {
   const CellKind kind = kind_of(text);
   if (kind == CellKind::integer) return true;
@@ -203,7 +203,7 @@ class ContentWeigher {
     return std::adjacent_find(names.begin(), names.end()) == names.end();
   }
 
-  // The first record may hold names and is left out.
+  // The first record is skipped because it may hold names.
   void weigh_columns() {
     const std::size_t first = looked_into_ > table_.names_rows ? table_.names_rows : 0;
     double worth = 0;
@@ -236,7 +236,7 @@ class ContentWeigher {
       amount(Evidence::wordy) = ratio(wordy, table_.columns);
   }
 
-  // Numbers of all writings are one class.
+  // Numbers are one class, however they are written.
   static std::size_t largest_class(const std::array<std::size_t, kCellKinds>& counts) {
     std::size_t numbers = 0;
     std::size_t largest = 0;
@@ -302,7 +302,7 @@ class ContentWeigher {
     bool number = false;
   };
 
-  // Whether neighbouring cells are together a value that has the sign within itself.
+  // Whether neighbouring cells together form a value that contains the delimiter.
   CutKinds cut_in(std::span<const Cell> cells) const {
     CutKinds found;
     if (reading_.form != Form::delimited || reading_.delimiter.size() != 1) return found;
@@ -509,7 +509,7 @@ TableFrame find_table(const SampledLines& lines, const Records& records, const R
                 is_rule(lines.view(line)));
     fits[i] = has_columns && !notes[i];
   }
-  // The table begins at the record from which on most fit.
+  // The table begins with the first record after which most records fit.
   double sum = 0;
   double most = -1e9;
   table.end = 0;

@@ -1,10 +1,11 @@
 // What speaks for a reading, in numbers.
 //
 //   const Records records = cut(lines, reading);
-//   for (const std::size_t columns : likely_columns(records, reading)) {
+//   for (const std::size_t columns : likely_columns(lines, records, reading)) {
 //     const TableFrame table = find_table(lines, records, reading, columns);
 //     EvidenceAmounts amounts = weigh_shape(records, reading, table);
-//     weigh_content(records, reading, table, CellKinds(records, table.data, columns, kRecordsLookedInto), amounts);
+//     const CellKinds kinds(records, table.data, columns, kRecordsLookedInto);
+//     weigh_content(records, reading, table, kinds, amounts);
 //   }
 //
 // Units  lines and records are numbered from 0; amounts are shares from 0 to 1 unless Evidence says
@@ -27,7 +28,7 @@ enum class Evidence {
   ragged,      // -ln of the share of records with as many cells as the table has columns
   outside,     // share of records before and after the table, comments and rules not counted
   worth,       // how recognisable the cells are, and how much alike in each column; mean of columns
-  unsplit,     // share of records in which a usual separator stands between unlike things in a cell
+  unsplit,     // share of records with a cell in which a separator is between unlike things
   torn,        // share of records with a cell in which brackets or quotes are not balanced
   cut_values,  // share of records in which a date, time or address is cut in two
   left_together,  // share of records with a cell of several values with blanks between them
@@ -51,7 +52,7 @@ enum class Evidence {
   colon,
   bar,
   blank,
-  caret,    // ^ ~ and signs that are no punctuation of texts
+  caret,    // ^ ~ and signs that are not used as punctuation
   control,  // a control character
   several,  // a mark of several characters
   rare,     // any other sign

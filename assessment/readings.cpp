@@ -1,4 +1,4 @@
-// First the characters of the sample are counted, then each sign is asked whether the lines have it.
+// The characters of the sample are counted first. A sign is tried if enough lines contain it.
 #include <algorithm>
 #include <array>
 #include <map>
@@ -14,13 +14,13 @@ namespace {
 // Tried wherever they occur.
 constexpr std::u16string_view kUsualSigns = u",\t;|: ";
 
-// Tried only if nine in ten lines have them, for they stand inside dates, paths and words.
+// Tried only if nine in ten lines contain them, because they also occur inside dates, paths and words.
 constexpr std::u16string_view kSignsOfValues = u"-_/";
 
 // How many signs are tried besides the usual ones.
 constexpr std::size_t kMostUnusualSigns = 16;
 
-// Never tried: they belong to numbers, quotes and brackets.
+// Never tried: they are part of numbers, quotes or brackets.
 constexpr std::u16string_view kNeverSigns = u".\"'()[]{}`\r\n\u2019\u201C\u201D\uFFFD\u001A";
 
 constexpr std::array<std::u16string_view, 20> kMarks = {
@@ -277,7 +277,7 @@ class Finder {
            (rules > 0 || 10 * framed >= 8 * others);
   }
 
-  // Whether one line in five has a tab, or two blanks within it.
+  // Whether at least one line in five contains a tab or two consecutive blanks.
   bool have_runs() const {
     std::size_t lines = 0;
     for (const std::size_t k : signs_.plain()) {

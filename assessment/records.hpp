@@ -15,7 +15,7 @@
 
 namespace textio::assessment {
 
-// What stands between two separators: without the enclosing quotes if it is quoted.
+// The text between two separators, without enclosing quotes.
 struct Cell {
   std::uint32_t begin = 0;
   std::uint32_t end = 0;

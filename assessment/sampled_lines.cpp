@@ -58,7 +58,7 @@ SampledLines::SampledLines(std::u16string_view text, std::vector<TextLine> lines
               false);
 }
 
-// Comments above all other lines that do not count as lines of the sample.
+// The number of comments above all other lines that do not count towards the sample.
 constexpr std::size_t kMostComments = 1000;
 
 SampledLines sample_lines(std::u16string_view text, std::size_t num_lines) {

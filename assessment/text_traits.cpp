@@ -33,7 +33,7 @@ bool is_plain_word(View word) {
 
 constexpr std::size_t kFewestWords = 5;
 
-// Whether a usual separator stands tight between two things that are not both digits.
+// Whether a usual separator has no blanks around it and is not between two digits.
 bool has_tight_separator(View line) {
   for (std::size_t i = 1; i + 1 < line.size(); ++i) {
     if (!is_one_of(line[i], u",;|")) continue;
@@ -65,7 +65,7 @@ bool is_prose(View line) {
          !has_tight_separator(line);
 }
 
-// A name with an opening bracket directly behind it, and no blank before that.
+// A name directly followed by an opening bracket.
 bool has_call(View line) {
   for (std::size_t i = line.find(u'('); i != line.npos; i = line.find(u'(', i + 1)) {
     if (i > 0 && is_name_unit(line[i - 1])) return true;

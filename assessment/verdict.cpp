@@ -235,7 +235,7 @@ NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFr
   for (const Cell& cell : cut.records.cells(table.data[table.names_rows - 1])) {
     in_table.texts.push_back(trimmed(cut.records.view(cell)));
   }
-  // The sign of a comment before names is no part of the first one.
+  // A comment sign before the names is not part of the first name.
   if (has_comment_sign(lines.view(first_line)) && has_comment_sign(in_table.texts[0])) {
     in_table.texts[0] = without_comment_sign(in_table.texts[0]);
   }

@@ -63,11 +63,11 @@ struct Verdict {
   const Cut& cut_of(const Hypothesis& hypothesis) const { return cuts[hypothesis.cut]; }
 };
 
-// The cells of a few records are looked into for every hypothesis, those of all only where the score is then
-// within `margin` of the best: by default where the odds are better than one in five hundred.
+// Every hypothesis is first weighed by the cells of a few records. All records are examined only if the
+// score is then within `margin` of the best: by default, if the odds exceed one in five hundred.
 inline constexpr double kMargin = 6.2;
 
-// At most so much of the sample is judged; all of it is cut as the winner cuts that.
+// The most that is judged. The rest of the sample is only cut, by the winning reading.
 inline constexpr std::size_t kMostJudgedLines = 1000;
 inline constexpr std::size_t kMostJudgedUnits = 262'144;
 

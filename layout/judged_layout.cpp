@@ -174,7 +174,7 @@ class VerdictDescription {
     std::vector<std::u16string> texts;
     for (const std::u16string_view name : verdict_.names.texts) texts.push_back(plain(name));
     if (verdict_.names.is_above_table || table_.names_rows < 2) return texts;
-    // Names of groups of columns stand above the first column of each group.
+    // The name of a group of columns is above its first column.
     std::u16string group;
     const auto groups = records_.cells(table_.data[0]);
     for (std::size_t c = 0; c < texts.size(); ++c) {
