@@ -134,11 +134,17 @@ std::optional<std::u16string> text_of(std::optional<char16_t> unit) {
   return unit ? std::optional<std::u16string>(std::u16string(1, *unit)) : std::nullopt;
 }
 
+// The members that a layout, a rival and the cascade's answer have in common.
+template <typename Answer>
+void write_separators(JsonWriter& json, const Answer& answer) {
+  json.member("mode", to_string(answer.mode));
+  json.member("delimiters", answer.delimiters);
+  json.member("widths", answer.widths);
+}
+
 void write_rival(JsonWriter& json, const standalone::Rival& rival) {
   json.begin_object();
-  json.member("mode", to_string(rival.mode));
-  json.member("delimiters", rival.delimiters);
-  json.member("widths", rival.widths);
+  write_separators(json, rival);
   json.member("quote", text_of(rival.quote));
   json.member("num_variables", rival.num_variables);
   json.member("probability", rival.probability);
@@ -148,9 +154,7 @@ void write_rival(JsonWriter& json, const standalone::Rival& rival) {
 
 void write_cascade(JsonWriter& json, const standalone::CascadeAnswer& cascade) {
   json.begin_object();
-  json.member("mode", to_string(cascade.mode));
-  json.member("delimiters", cascade.delimiters);
-  json.member("widths", cascade.widths);
+  write_separators(json, cascade);
   json.member("header_lines", cascade.header_lines);
   json.member("num_variables", cascade.num_variables);
   json.member("agrees", cascade.agrees);
@@ -188,9 +192,7 @@ constexpr std::size_t kFileDepth = 2;  // within the list of the files
 void write_members(JsonWriter& json, const std::string& file, const Layout& layout) {
   json.begin_object();
   json.member("file", file);
-  json.member("mode", to_string(layout.mode));
-  json.member("delimiters", layout.delimiters);
-  json.member("widths", layout.widths);
+  write_separators(json, layout);
   json.member("header_lines", layout.header_lines);
   json.member("names_found", to_string(layout.names_source));
   json.member("names_reason", layout.names_reason);
