@@ -3,6 +3,7 @@
 
 #include <vltextstream/assessment/cell_kind.hpp>
 #include <vltextstream/assessment/cuts.hpp>
+#include <vltextstream/assessment/find_unit.hpp>
 
 namespace textio::assessment {
 namespace {
@@ -15,49 +16,55 @@ struct Span {
 };
 using Spans = std::vector<Span>;
 
-// The pieces of a line between runs of at least `least_blanks` blanks or tabs.
-Spans pieces_of(std::u16string_view line, std::size_t least_blanks) {
-  Spans pieces;
-  std::size_t blanks = least_blanks;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    if (is_blank(line[i])) {
+// The pieces of line `k` between runs of at least `least_blanks` blanks or tabs.
+void find_pieces(const SampledLines& lines, std::size_t k, std::size_t least_blanks,
+                 Spans& pieces) {
+  const std::u16string_view line = lines.view(k);
+  const bool has_tabs = (lines.characters(k) & set_of(u'\t')) != 0;
+  pieces.clear();
+  for (std::size_t i = 0;;) {
+    std::size_t blanks = 0;
+    for (; i < line.size() && is_blank(line[i]); ++i) {
       blanks = line[i] == u'\t' ? least_blanks : blanks + 1;
-      continue;
     }
+    if (i == line.size()) return;
+    const std::size_t begin = i;
+    const std::size_t blank = find_unit(line, u' ', i, line.size());
+    i = has_tabs ? find_unit(line, u'\t', i, blank) : blank;
     if (blanks >= least_blanks || pieces.empty()) {
-      pieces.push_back({i, i + 1});
+      pieces.push_back({begin, i});
     } else {
-      pieces.back().end = i + 1;
+      pieces.back().end = i;
     }
-    blanks = 0;
   }
-  return pieces;
 }
 
+constexpr std::size_t kLongestTime = 40;
+
 bool is_date_with_time(std::u16string_view date, std::u16string_view time) {
-  return time.find(u':') != time.npos && kind_of(time) == CellKind::time &&
-         kind_of(date) == CellKind::date;
+  return time.size() <= kLongestTime && time.find(u':') != time.npos &&
+         kind_of(time) == CellKind::time && kind_of(date) == CellKind::date;
 }
 
 // ---------------------------------------------------------------------------------------------
 // Gaps
 
 // The union of two series of spans, joined where fewer than `least_blanks` are between them.
-Spans join(const Spans& a, const Spans& b, std::size_t least_blanks) {
-  Spans joined;
-  joined.reserve(a.size() + b.size());
-  std::merge(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(joined),
-             [](const Span& x, const Span& y) { return x.begin < y.begin; });
-  std::size_t last = 0;
-  for (std::size_t i = 1; i < joined.size(); ++i) {
-    if (joined[i].begin < joined[last].end + least_blanks) {
-      joined[last].end = std::max(joined[last].end, joined[i].end);
+void join(const Spans& a, const Spans& b, std::size_t least_blanks, Spans& joined) {
+  joined.clear();
+  const auto add = [&](const Span& span) {
+    if (!joined.empty() && span.begin < joined.back().end + least_blanks) {
+      joined.back().end = std::max(joined.back().end, span.end);
     } else {
-      joined[++last] = joined[i];
+      joined.push_back(span);
     }
+  };
+  std::size_t i = 0;
+  for (const Span& span : a) {
+    while (i < b.size() && b[i].begin < span.begin) add(b[i++]);
+    add(span);
   }
-  if (!joined.empty()) joined.resize(last + 1);
-  return joined;
+  while (i < b.size()) add(b[i++]);
 }
 
 // Whether no two of the `old` columns have become one in `columns`.
@@ -88,13 +95,19 @@ class GapCut {
   }
 
  private:
-  Spans pieces(std::size_t line) const { return pieces_of(lines_.view(line), 1); }
+  // The columns with the pieces of a line joined to them.
+  const Spans& joined_with(std::size_t line) {
+    find_pieces(lines_, line, 1, pieces_);
+    join(columns_, pieces_, least_blanks_, joined_);
+    return joined_;
+  }
 
   // Lines that may belong to the table.
   void find_table_lines() {
     for (std::size_t k = 0; k < lines_.size(); ++k) {
       const std::u16string_view line = lines_.view(k);
-      if (!is_blank(line) && !is_rule(line) && !lines_.is_comment(k)) table_lines_.push_back(k);
+      if (!is_blank(line) && !is_rule(lines_, k) && !lines_.is_comment(k))
+        table_lines_.push_back(k);
     }
   }
 
@@ -110,7 +123,8 @@ class GapCut {
     const std::size_t first_sure =
         std::max(std::min(size / 2, kLinesAbove), size - std::min(size, kSureLines));
     for (std::size_t i = first_sure; i < size; ++i) {
-      columns_ = join(columns_, pieces(table_lines_[i]), least_blanks_);
+      joined_with(table_lines_[i]);
+      columns_.swap(joined_);
       if (columns_.size() == 1 && has_no_room_beside(columns_[0], longest)) return;
       cells += columns_.size();
       if (cells > most_cells) return columns_.clear();
@@ -124,10 +138,9 @@ class GapCut {
       }
       cells += columns_.size();
       if (cells > most_cells) return columns_.clear();
-      Spans wider = join(columns_, pieces(line), least_blanks_);
-      if (!keeps_apart(columns_, wider)) continue;
+      if (!keeps_apart(columns_, joined_with(line))) continue;
       is_data_[line] = true;
-      columns_ = std::move(wider);
+      columns_.swap(joined_);
     }
     if (columns_.size() > most_cells / size) columns_.clear();
   }
@@ -171,7 +184,7 @@ class GapCut {
     }
     for (std::size_t k = 0; k < lines_.size(); ++k) {
       const std::u16string_view line = lines_.view(k);
-      if (is_blank(line) || is_rule(line)) continue;
+      if (is_blank(line) || is_rule(lines_, k)) continue;
       records_.add_record(k);
       if (!is_data_[k]) {
         add_part(k, line);
@@ -200,6 +213,10 @@ class GapCut {
   std::vector<std::size_t> table_lines_;
   std::vector<bool> is_data_;
   Spans columns_;
+
+  // Of the line that is looked at.
+  Spans pieces_;
+  Spans joined_;
 };
 
 }  // namespace
@@ -210,11 +227,12 @@ Records cut_gaps(const SampledLines& lines, std::size_t least_blanks) {
 
 Records cut_runs(const SampledLines& lines, std::size_t least_blanks) {
   Records records(lines.text());
+  Spans pieces;
   for (std::size_t k = 0; k < lines.size(); ++k) {
     const std::u16string_view line = lines.view(k);
-    if (is_blank(line) || is_rule(line)) continue;
+    if (is_blank(line) || is_rule(lines, k)) continue;
     records.add_record(k);
-    Spans pieces = pieces_of(line, least_blanks);
+    find_pieces(lines, k, least_blanks, pieces);
     for (std::size_t i = 0; i < pieces.size(); ++i) {
       Span piece = pieces[i];
       const auto text = [&](const Span& span) {

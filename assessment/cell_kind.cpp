@@ -1603,21 +1603,6 @@ CellKind kind_of(std::u16string_view cell_text) noexcept {
   return number != CellKind::unknown ? number : kind_by_rules(inside);
 }
 
-bool is_number(CellKind kind) noexcept {
-  return kind >= CellKind::integer && kind <= CellKind::money;
-}
-
-bool is_text(CellKind kind) noexcept {
-  return kind == CellKind::word || kind == CellKind::code || kind == CellKind::sentence ||
-         kind == CellKind::unknown;
-}
-
-bool is_value(CellKind kind) noexcept {
-  const bool is_other = kind == CellKind::empty || kind == CellKind::missing ||
-                        kind == CellKind::structure || is_text(kind);
-  return !is_other;
-}
-
 double worth_of(CellKind kind) noexcept {
   switch (kind) {
     case CellKind::url:

@@ -55,14 +55,23 @@ inline constexpr std::size_t kLongestExaminedCell = 200;
 CellKind kind_of(std::u16string_view cell) noexcept;
 
 // integer, decimal, scientific, complex, percentage or money.
-bool is_number(CellKind kind) noexcept;
+constexpr bool is_number(CellKind kind) noexcept {
+  return kind >= CellKind::integer && kind <= CellKind::money;
+}
+
+// word, code, sentence or unknown.
+constexpr bool is_text(CellKind kind) noexcept {
+  return kind == CellKind::word || kind == CellKind::code || kind == CellKind::sentence ||
+         kind == CellKind::unknown;
+}
 
 // A kind with strict rules: a number, time, date, date_time, duration, boolean, url, path, email,
 // ip or uuid.
-bool is_value(CellKind kind) noexcept;
-
-// word, code, sentence or unknown.
-bool is_text(CellKind kind) noexcept;
+constexpr bool is_value(CellKind kind) noexcept {
+  const bool is_other = kind == CellKind::empty || kind == CellKind::missing ||
+                        kind == CellKind::structure || is_text(kind);
+  return !is_other;
+}
 
 // How recognisable a cell of this kind is: 0 (not at all) to 1. What is cut at the wrong place
 // seldom leaves a cell of a kind that is worth much.

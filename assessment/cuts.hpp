@@ -1,6 +1,7 @@
 // How the readings cut a sample: one function for each form.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 #include <vltextstream/assessment/reading.hpp>
@@ -28,6 +29,7 @@ Records cut_gaps(const SampledLines& lines, std::size_t least_blanks);
 // Whether a line consists of `-`, `=`, `+`, `|`, `:`, `_`, `~`, `*` and blanks alone and draws a rule
 // with at least three of them.
 bool is_rule(std::u16string_view line);
+bool is_rule(const SampledLines& lines, std::size_t line);
 
 // What separates cells in frames.
 bool is_bar(char16_t unit);

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include <vltextstream/assessment/cuts.hpp>
+#include <vltextstream/assessment/find_unit.hpp>
 
 namespace textio::assessment {
 namespace {
@@ -43,7 +44,7 @@ class DelimitedCut {
   // Adds the cell at pos_; whether another one follows.
   bool add_cell() {
     std::size_t start = pos_;
-    if (reading_.delimiter != u" ") {
+    if (reading_.quote != 0 && reading_.delimiter != u" ") {
       while (start < line_end() && text_[start] == u' ') ++start;
     }
     const bool may_quote =
@@ -72,10 +73,9 @@ class DelimitedCut {
   std::size_t find_delimiter(std::size_t from) const {
     if (reading_.delimiter.empty()) return line_end();
     if (reading_.escape != 0 && reading_.quote == 0) return find_unescaped(from);
-    const std::u16string_view rest = text_.substr(0, line_end());
     if (reading_.delimiter.size() == 1)
-      return std::min(rest.find(reading_.delimiter[0], from), line_end());
-    return std::min(rest.find(reading_.delimiter, from), line_end());
+      return find_unit(text_, reading_.delimiter[0], from, line_end());
+    return find_text(text_, reading_.delimiter, from, line_end());
   }
 
   std::size_t find_unescaped(std::size_t from) const {
@@ -91,8 +91,9 @@ class DelimitedCut {
   }
 
   void note_stray_quotes(std::size_t begin, std::size_t end) {
-    const std::size_t at = text_.substr(0, end).find(reading_.quote, begin);
-    if (at == text_.npos) return;
+    if ((lines_.characters(line_) & set_of(reading_.quote)) == 0) return;
+    const std::size_t at = find_unit(text_, reading_.quote, begin, end);
+    if (at == end) return;
     // An apostrophe inside a word is not a quote.
     const bool in_word = at > begin && reading_.quote == u'\'' && is_word(text_[at - 1]);
     records_.ill_placed_quotes += in_word ? 0.15 : 1;

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <map>
 
 #include <unicode/uchar.h>
 
 #include <vltextstream/assessment/cell_kind.hpp>
 #include <vltextstream/assessment/cuts.hpp>
+#include <vltextstream/assessment/find_unit.hpp>
 #include <vltextstream/assessment/table_top.hpp>
 
 namespace textio::assessment {
@@ -33,27 +35,39 @@ bool is_usual_separator(char16_t unit) {
 }
 bool is_quote(char16_t unit) { return unit == u'"' || unit == u'\''; }
 
-// The first usual separator without blanks around it, between two pieces of which at least one is a word.
-std::size_t tight_separator(std::u16string_view cell) {
-  for (std::size_t i = 1; i + 1 < cell.size(); ++i) {
-    if (!is_usual_separator(cell[i])) continue;
-    const char16_t before = is_quote(cell[i - 1]) && i > 1 ? cell[i - 2] : cell[i - 1];
-    const char16_t after = is_quote(cell[i + 1]) && i + 2 < cell.size() ? cell[i + 2] : cell[i + 1];
-    if (is_letter(before) && is_letter_or_digit(after)) return i;
-    if (is_letter_or_digit(cell[i - 1]) && is_letter(cell[i + 1])) return i;
+constexpr std::u16string_view kUsualSeparators = u",;|\t";
+
+// Whether what separates at `i` has no blanks around it, and is between two pieces of which at least one is
+// a word.
+bool is_tight(std::u16string_view cell, std::size_t i) {
+  if (i == 0 || i + 1 == cell.size()) return false;
+  const char16_t before = is_quote(cell[i - 1]) && i > 1 ? cell[i - 2] : cell[i - 1];
+  const char16_t after = is_quote(cell[i + 1]) && i + 2 < cell.size() ? cell[i + 2] : cell[i + 1];
+  return (is_letter(before) && is_letter_or_digit(after)) ||
+         (is_letter_or_digit(cell[i - 1]) && is_letter(cell[i + 1]));
+}
+
+// The first usual separator, of those in `characters`, that is tight.
+std::size_t tight_separator(std::u16string_view cell, CharacterSet characters) {
+  std::size_t first = cell.size();
+  for (const char16_t separator : kUsualSeparators) {
+    if ((characters & set_of(separator)) == 0) continue;
+    std::size_t i = find_unit(cell, separator, 0, first);
+    while (i < first && !is_tight(cell, i)) i = find_unit(cell, separator, i + 1, first);
+    first = i;
   }
-  return cell.npos;
+  return first;
 }
 
 // 1 if a usual separator is between values of different kinds, which are probably unsplit fields;
 // 0.3 if they are of one kind, as in a list.
-double unsplit(std::u16string_view cell) {
-  const std::size_t at = tight_separator(cell);
-  if (at == cell.npos) return 0;
+double unsplit(std::u16string_view cell, CharacterSet characters) {
+  const std::size_t at = tight_separator(cell, characters);
+  if (at == cell.size()) return 0;
   const char16_t separator = cell[at];
   CellKind common = CellKind::empty;
   for (;;) {
-    const std::size_t end = std::min(cell.find(separator), cell.size());
+    const std::size_t end = find_unit(cell, separator, 0, cell.size());
     const CellKind kind = kind_of(cell.substr(0, end));
     if (kind != CellKind::empty) {
       if (common != CellKind::empty && kind != common) return 1;
@@ -101,19 +115,24 @@ bool is_torn(std::u16string_view cell) {
   return quotes % 2 != 0 || round != 0 || square != 0 || curly != 0 || half_quoted;
 }
 
+// Where the first word of a text ends.
+std::size_t word_end(std::u16string_view text) {
+  const std::size_t blank = find_unit(text, u' ', 0, text.size());
+  return find_unit(text, u'\t', 0, blank);
+}
+
 // Whether the cell is two values or more with blanks between them.
 bool has_values_together(std::u16string_view cell) {
   cell = trimmed(cell);
-  std::size_t values = 0;
-  while (!cell.empty()) {
-    const std::size_t end = std::min(cell.find_first_of(u" \t"), cell.size());
-    if (end > 0) {
-      if (!is_value(kind_of(cell.substr(0, end)))) return false;
-      ++values;
-    }
-    cell.remove_prefix(std::min(end + 1, cell.size()));
+  std::size_t end = word_end(cell);
+  if (end == cell.size()) return false;
+  for (;;) {
+    if (!is_value(kind_of(cell.substr(0, end)))) return false;
+    if (end == cell.size()) return true;
+    while (is_blank(cell[end])) ++end;
+    cell.remove_prefix(end);
+    end = word_end(cell);
   }
-  return values > 1;
 }
 
 // A blank, a word in lower case and another word.
@@ -133,8 +152,8 @@ bool is_dangling(std::u16string_view cell) {
 // ---------------------------------------------------------------------------------------------
 // Values that are cut
 
-bool is_whole_value(std::u16string_view text) {
-  switch (kind_of(text)) {
+bool may_contain_sign(CellKind kind) {
+  switch (kind) {
     case CellKind::time:
     case CellKind::date:
     case CellKind::date_time:
@@ -149,10 +168,9 @@ bool is_whole_value(std::u16string_view text) {
   }
 }
 
-// Whether this is a number whose comma groups digits or precedes at least two decimals. A single digit
+// Whether this is a number, of this kind, whose comma groups digits or precedes at least two decimals. A single digit
 // after a comma is usually a column of its own.
-bool may_have_comma(std::u16string_view text) {
-  const CellKind kind = kind_of(text);
+bool may_have_comma(std::u16string_view text, CellKind kind) {
   if (kind == CellKind::integer) return true;
   const std::size_t comma = text.rfind(u',');
   return is_number(kind) && comma != text.npos && text.size() - comma > 2;
@@ -160,6 +178,15 @@ bool may_have_comma(std::u16string_view text) {
 
 // ---------------------------------------------------------------------------------------------
 // The pieces of evidence
+
+// The characters on the lines of a record.
+CharacterSet characters_of(const SampledLines& lines, const Record& record) {
+  CharacterSet characters = 0;
+  for (std::size_t k = record.line; k < record.line + record.num_lines; ++k) {
+    characters |= lines.characters(k);
+  }
+  return characters;
+}
 
 double& at(EvidenceAmounts& amounts, Evidence evidence) {
   return amounts[static_cast<std::size_t>(evidence)];
@@ -172,9 +199,10 @@ std::size_t size_of_text(std::u16string_view text) {
 
 class ContentWeigher {
  public:
-  ContentWeigher(const Records& records, const Reading& reading, const TableFrame& table,
-                 const CellKinds& kinds, EvidenceAmounts& amounts)
-      : records_(records),
+  ContentWeigher(const SampledLines& lines, const Records& records, const Reading& reading,
+                 const TableFrame& table, const CellKinds& kinds, EvidenceAmounts& amounts)
+      : lines_(lines),
+        records_(records),
         reading_(reading),
         table_(table),
         kinds_(kinds),
@@ -253,48 +281,73 @@ class ContentWeigher {
   }
 
   void weigh_cells() {
+    CellFaults sum;
     double unsplit_sum = 0;
-    std::size_t torn = 0;
     std::size_t cut = 0;
     std::size_t cut_numbers = 0;
+    for (std::size_t i = 0; i < looked_into_; ++i) {
+      const CellFaults found = faults_of(i);
+      unsplit_sum += found.unsplit;
+      sum.torn += found.torn;
+      sum.together += found.together;
+      sum.dangling += found.dangling;
+      sum.clauses += found.clauses;
+      const CutKinds values = cut_in(i);
+      cut += values.value;
+      cut_numbers += values.number;
+    }
+    amount(Evidence::unsplit) =
+        unsplit_sum / static_cast<double>(std::max<std::size_t>(looked_into_, 1));
+    amount(Evidence::torn) = ratio(sum.torn, looked_into_);
+    amount(Evidence::numbers_cut) = ratio(cut_numbers, looked_into_);
+    amount(Evidence::cut_values) = ratio(cut, looked_into_);
+    amount(Evidence::left_together) = ratio(sum.together, looked_into_);
+    if (reading_.form == Form::delimited)
+      amount(Evidence::clauses) = ratio(sum.clauses, looked_into_);
+    amount(Evidence::dangling) = ratio(sum.dangling, looked_into_);
+  }
+
+  // What is wrong with cells: of one record 0 or 1 each, or the number of records.
+  struct CellFaults {
+    double unsplit = 0;
+    std::size_t torn = 0;
     std::size_t together = 0;
     std::size_t dangling = 0;
     std::size_t clauses = 0;
-    for (std::size_t i = 0; i < looked_into_; ++i) {
-      double most_unsplit = 0;
-      bool is_record_torn = false;
-      bool has_together = false;
-      bool has_dangling = false;
-      bool has_clause = false;
-      std::size_t column = 0;
-      for (const Cell& cell : records_.cells(table_.data[i])) {
-        const std::u16string_view text = records_.view(cell);
-        const CellKind kind = kinds_.at(i, column++);
-        if (cell.is_quoted || text.size() > kLongestCellLookedInto) continue;
-        most_unsplit = std::max(most_unsplit, unsplit(text));
-        is_record_torn = is_record_torn || is_torn(text);
-        has_together = has_together || (is_text(kind) && has_values_together(text));
-        has_dangling = has_dangling || is_dangling(text);
-        const bool may_go_on = column > 1 && kind == CellKind::sentence;
-        has_clause = has_clause || (may_go_on && is_clause(text) && follows_tight(cell));
+  };
+
+  CellFaults faults_of(std::size_t row) const {
+    CellFaults found;
+    const CharacterSet characters = characters_in_cells(row);
+    const bool has_separators = (characters & kSeparators) != 0;
+    const bool has_pairs = (characters & kPaired) != 0;
+    const bool has_blanks = (characters & kBlanks) != 0;
+    if (!has_separators && !has_pairs && !has_blanks) return found;
+    std::size_t column = 0;
+    for (const Cell& cell : records_.cells(table_.data[row])) {
+      const std::u16string_view text = records_.view(cell);
+      const CellKind kind = kinds_.at(row, column++);
+      if (cell.is_quoted || text.size() > kLongestCellLookedInto) continue;
+      if (has_separators) {
+        found.unsplit = std::max(found.unsplit, unsplit(text, characters));
+        if (is_dangling(text)) found.dangling = 1;
       }
-      together += has_together;
-      dangling += has_dangling;
-      clauses += has_clause;
-      unsplit_sum += most_unsplit;
-      torn += is_record_torn;
-      const CutKinds found = cut_in(records_.cells(table_.data[i]));
-      cut += found.value;
-      cut_numbers += found.number;
+      if (has_pairs && found.torn == 0 && is_torn(text)) found.torn = 1;
+      if (!has_blanks) continue;
+      if (is_text(kind) && found.together == 0 && has_values_together(text)) found.together = 1;
+      const bool may_go_on = column > 1 && kind == CellKind::sentence;
+      if (may_go_on && is_clause(text) && follows_tight(cell)) found.clauses = 1;
     }
-    const auto size = static_cast<double>(std::max<std::size_t>(looked_into_, 1));
-    amount(Evidence::unsplit) = unsplit_sum / size;
-    amount(Evidence::torn) = ratio(torn, looked_into_);
-    amount(Evidence::numbers_cut) = ratio(cut_numbers, looked_into_);
-    amount(Evidence::cut_values) = ratio(cut, looked_into_);
-    amount(Evidence::left_together) = ratio(together, looked_into_);
-    if (reading_.form == Form::delimited) amount(Evidence::clauses) = ratio(clauses, looked_into_);
-    amount(Evidence::dangling) = ratio(dangling, looked_into_);
+    return found;
+  }
+
+  // Those that may be in cells without quotes: cells do not contain the delimiter if nothing quotes or
+  // escapes it.
+  CharacterSet characters_in_cells(std::size_t row) const {
+    const CharacterSet characters = characters_of(lines_, records_[table_.data[row]]);
+    const bool is_excluded = reading_.form == Form::delimited && reading_.delimiter.size() == 1 &&
+                             reading_.quote == 0 && reading_.escape == 0;
+    return is_excluded ? characters & ~set_of(reading_.delimiter[0]) : characters;
   }
 
   struct CutKinds {
@@ -303,12 +356,13 @@ class ContentWeigher {
   };
 
   // Whether neighbouring cells together form a value that contains the delimiter.
-  CutKinds cut_in(std::span<const Cell> cells) const {
+  CutKinds cut_in(std::size_t row) const {
+    const std::span<const Cell> cells = records_.cells(table_.data[row]);
     CutKinds found;
     if (reading_.form != Form::delimited || reading_.delimiter.size() != 1) return found;
     const char16_t sign = reading_.delimiter[0];
     if (sign == u' ') {
-      found.value = has_date_with_time(cells);
+      found.value = has_date_with_time(row);
       return found;
     }
     if (std::u16string_view(u",:-/").find(sign) == std::u16string_view::npos) return found;
@@ -321,8 +375,9 @@ class ContentWeigher {
       const std::size_t end = value_end(cells[last]);
       if (begin < cells[c].end && end > cells[last].begin && end - begin <= 40) {
         const std::u16string_view whole = text.substr(begin, end - begin);
-        found.value = found.value || is_whole_value(whole);
-        found.number = found.number || (sign == u',' && may_have_comma(whole));
+        const CellKind kind = kind_of(whole);
+        found.value = found.value || may_contain_sign(kind);
+        found.number = found.number || (sign == u',' && may_have_comma(whole, kind));
       }
       c = last;
     }
@@ -335,12 +390,12 @@ class ContentWeigher {
     return cell.begin > length && !is_blank(records_.text()[cell.begin - length - 1]);
   }
 
-  bool has_date_with_time(std::span<const Cell> cells) const {
+  bool has_date_with_time(std::size_t row) const {
+    const std::span<const Cell> cells = records_.cells(table_.data[row]);
     for (std::size_t c = 0; c + 1 < cells.size(); ++c) {
       if (cells[c].is_quoted || cells[c + 1].is_quoted || cells[c + 1].begin != cells[c].end + 1)
         continue;
-      if (kind_of(records_.view(cells[c])) == CellKind::date &&
-          kind_of(records_.view(cells[c + 1])) == CellKind::time) {
+      if (kinds_.at(row, c) == CellKind::date && kinds_.at(row, c + 1) == CellKind::time) {
         return true;
       }
     }
@@ -352,7 +407,7 @@ class ContentWeigher {
   }
   bool has_no_border(const Cell& cell) const {
     const std::u16string_view text = records_.view(cell);
-    return !cell.is_quoted && !text.empty() && std::none_of(text.begin(), text.end(), is_border);
+    return !cell.is_quoted && !text.empty() && (characters_in(text) & kBorders) == 0;
   }
   std::size_t value_begin(const Cell& cell) const {
     std::size_t begin = cell.end;
@@ -370,6 +425,12 @@ class ContentWeigher {
   static constexpr double kWorthOfQuoted = 0.75;
   static constexpr std::size_t kLongestName = 40;
 
+  static constexpr CharacterSet kSeparators = characters_in(u",;|\t");
+  static constexpr CharacterSet kPaired = characters_in(u"\"'()[]{}");
+  static constexpr CharacterSet kBlanks = characters_in(u" \t");
+  static constexpr CharacterSet kBorders = kSeparators | kBlanks | characters_in(u"\"'");
+
+  const SampledLines& lines_;
   const Records& records_;
   const Reading& reading_;
   const TableFrame& table_;
@@ -429,15 +490,17 @@ bool has_quoted(std::span<const Cell> cells) {
 }
 
 // Quotes within cells of the records that are looked into, as shares of these.
-void weigh_quotes(const Records& records, const Reading& reading, const TableFrame& table,
-                  EvidenceAmounts& amounts) {
+void weigh_quotes(const SampledLines& lines, const Records& records, const Reading& reading,
+                  const TableFrame& table, EvidenceAmounts& amounts) {
+  if ((lines.characters() & (set_of(u'"') | set_of(u'\''))) == 0) return;
   const std::size_t size = std::min(table.data.size(), kRecordsLookedInto);
   std::size_t quoted = 0;
   std::size_t lost = 0;
   for (std::size_t i = 0; i < size; ++i) {
     const std::span<const Cell> cells = records.cells(table.data[i]);
     quoted += has_quoted(cells);
-    if (reading.quote == u'"') continue;
+    const bool has_quotes = (characters_of(lines, records[table.data[i]]) & set_of(u'"')) != 0;
+    if (reading.quote == u'"' || !has_quotes) continue;
     lost += std::any_of(cells.begin(), cells.end(), [&](const Cell& cell) {
       return !cell.is_quoted && records.view(cell).find(u'"') != std::u16string_view::npos;
     });
@@ -499,14 +562,14 @@ TableFrame find_table(const SampledLines& lines, const Records& records, const R
                       std::size_t columns) {
   TableFrame table;
   table.columns = columns;
-  std::vector<bool> fits(records.size());
-  std::vector<bool> notes(records.size());
+  std::vector<std::uint8_t> fits(records.size());
+  std::vector<std::uint8_t> notes(records.size());
   for (std::size_t i = 0; i < records.size(); ++i) {
     const std::size_t line = records[i].line;
     const bool has_columns = records.cells(i).size() == columns;
-    notes[i] = (lines.is_comment(line) && (reading.is_aligned() || !has_columns)) ||
-               (reading.form == Form::delimited && !is_bar(reading.delimiter[0]) &&
-                is_rule(lines.view(line)));
+    notes[i] =
+        (lines.is_comment(line) && (reading.is_aligned() || !has_columns)) ||
+        (reading.form == Form::delimited && !is_bar(reading.delimiter[0]) && is_rule(lines, line));
     fits[i] = has_columns && !notes[i];
   }
   // The table begins with the first record after which most records fit.
@@ -538,8 +601,8 @@ TableFrame find_table(const SampledLines& lines, const Records& records, const R
   return table;
 }
 
-EvidenceAmounts weigh_shape(const Records& records, const Reading& reading,
-                            const TableFrame& table) {
+EvidenceAmounts weigh_shape(const SampledLines& lines, const Records& records,
+                            const Reading& reading, const TableFrame& table) {
   EvidenceAmounts amounts = {};
   const std::size_t size = table.end - table.first;
   at(amounts, Evidence::ragged) = -std::log((static_cast<double>(table.num_fitting) + 0.5) /
@@ -547,13 +610,13 @@ EvidenceAmounts weigh_shape(const Records& records, const Reading& reading,
   at(amounts, Evidence::outside) = ratio(table.num_outside, table.num_outside + size);
   if (table.columns > 1) at(amounts, Evidence::few) = 2.0 / static_cast<double>(table.columns);
   weigh_separator(reading, amounts);
-  weigh_quotes(records, reading, table, amounts);
+  weigh_quotes(lines, records, reading, table, amounts);
   return amounts;
 }
 
-void weigh_content(const Records& records, const Reading& reading, const TableFrame& table,
-                   const CellKinds& kinds, EvidenceAmounts& amounts) {
-  ContentWeigher(records, reading, table, kinds, amounts).weigh();
+void weigh_content(const SampledLines& lines, const Records& records, const Reading& reading,
+                   const TableFrame& table, const CellKinds& kinds, EvidenceAmounts& amounts) {
+  ContentWeigher(lines, records, reading, table, kinds, amounts).weigh();
 }
 
 }  // namespace textio::assessment

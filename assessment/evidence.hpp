@@ -3,9 +3,9 @@
 //   const Records records = cut(lines, reading);
 //   for (const std::size_t columns : likely_columns(lines, records, reading)) {
 //     const TableFrame table = find_table(lines, records, reading, columns);
-//     EvidenceAmounts amounts = weigh_shape(records, reading, table);
+//     EvidenceAmounts amounts = weigh_shape(lines, records, reading, table);
 //     const CellKinds kinds(records, table.data, columns, kRecordsLookedInto);
-//     weigh_content(records, reading, table, kinds, amounts);
+//     weigh_content(lines, records, reading, table, kinds, amounts);
 //   }
 //
 // Units  lines and records are numbered from 0; amounts are shares from 0 to 1 unless Evidence says
@@ -102,11 +102,11 @@ TableFrame find_table(const SampledLines& lines, const Records& records, const R
                       std::size_t columns);
 
 // The amounts that follow from the shape alone: from `ragged` and `outside` to what separates.
-EvidenceAmounts weigh_shape(const Records& records, const Reading& reading,
-                            const TableFrame& table);
+EvidenceAmounts weigh_shape(const SampledLines& lines, const Records& records,
+                            const Reading& reading, const TableFrame& table);
 
 // Adds the amounts that follow from what the cells hold. `kinds` are those of the first data.
-void weigh_content(const Records& records, const Reading& reading, const TableFrame& table,
-                   const CellKinds& kinds, EvidenceAmounts& amounts);
+void weigh_content(const SampledLines& lines, const Records& records, const Reading& reading,
+                   const TableFrame& table, const CellKinds& kinds, EvidenceAmounts& amounts);
 
 }  // namespace textio::assessment

@@ -32,11 +32,15 @@ bool is_rule(std::u16string_view line) {
   return drawn >= 3 && has_run;
 }
 
+bool is_rule(const SampledLines& lines, std::size_t line) {
+  return (lines.characters(line) & kLettersAndDigits) == 0 && is_rule(lines.view(line));
+}
+
 Records cut_framed(const SampledLines& lines) {
   Records records(lines.text());
   for (std::size_t k = 0; k < lines.size(); ++k) {
     std::u16string_view line = trimmed(lines.view(k));
-    if (line.empty() || is_rule(line)) continue;
+    if (line.empty() || is_rule(lines, k)) continue;
     records.add_record(k);
     if (is_bar(line.front())) line.remove_prefix(1);
     if (!line.empty() && is_bar(line.back())) line.remove_suffix(1);

@@ -11,7 +11,6 @@
 namespace textio::assessment {
 namespace {
 
-constexpr std::size_t kRecordsCompared = 100;
 constexpr std::size_t kLongestName = 40;
 
 bool is_name_like(std::u16string_view text) {
@@ -29,9 +28,9 @@ bool is_value_of_data(CellKind kind) {
 
 class NamesWeigher {
  public:
-  NamesWeigher(const Records& records, const TableFrame& table,
+  NamesWeigher(const Records& records, const TableFrame& table, const CellKinds& kinds,
                std::vector<std::u16string_view> names, std::size_t first)
-      : records_(records), table_(table), names_(std::move(names)), first_(first) {}
+      : records_(records), table_(table), kinds_(kinds), names_(std::move(names)), first_(first) {}
 
   NamesAmounts take() {
     const auto like = std::count_if(names_.begin(), names_.end(), is_name_like);
@@ -52,31 +51,36 @@ class NamesWeigher {
   double& amount(NamesEvidence evidence) { return amounts_[static_cast<std::size_t>(evidence)]; }
 
   void compare(std::size_t column) {
-    const std::size_t end = std::min(table_.data.size(), first_ + kRecordsCompared);
+    const std::size_t end = std::min(kinds_.size(), first_ + kRecordsForNames);
     std::size_t filled = 0;
-    std::size_t values = 0;
     std::size_t years = 0;
-    std::size_t others = 0;  // values that are neither numbers nor dates
-    std::size_t alike = 0;   // cells of the kind of the name
+    std::array<std::size_t, kCellKinds> counts = {};
     const CellKind name_kind = kind_of(names_[column]);
+    const bool is_name_year = is_year(names_[column]);
     double sum = 0;
     double squares = 0;
     for (std::size_t i = first_; i < end; ++i) {
       const std::u16string_view text =
           trimmed(records_.view(records_.cells(table_.data[i])[column]));
       if (text.empty()) continue;
-      const CellKind kind = kind_of(text);
       ++filled;
-      values += is_value(kind);
-      years += is_year(text);
-      others += is_value(kind) && !is_value_of_data(kind);
-      alike += kind == name_kind;
+      ++counts[static_cast<std::size_t>(kinds_.at(i, column))];
+      years += is_name_year && is_year(text);
       sum += static_cast<double>(text.size());
       squares += static_cast<double>(text.size()) * static_cast<double>(text.size());
       if (text == names_[column]) amount(NamesEvidence::name_below) = 1;
     }
+    std::size_t values = 0;
+    std::size_t others = 0;  // values that are neither numbers nor dates
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+      const auto kind = static_cast<CellKind>(i);
+      if (!is_value(kind)) continue;
+      values += counts[i];
+      if (!is_value_of_data(kind)) others += counts[i];
+    }
+    const std::size_t alike = counts[static_cast<std::size_t>(name_kind)];
     // Years may be names, if they are not data.
-    const bool names_year = is_year(names_[column]) && filled > 0 && 2 * years < filled;
+    const bool names_year = is_name_year && filled > 0 && 2 * years < filled;
     const bool is_data = is_value_of_data(name_kind) && !names_year && 5 * others < 4 * filled + 1;
     const bool is_alike =
         is_value(name_kind) && !names_year && filled > 0 && 5 * alike >= 4 * filled;
@@ -96,6 +100,7 @@ class NamesWeigher {
 
   const Records& records_;
   const TableFrame& table_;
+  const CellKinds& kinds_;
   const std::vector<std::u16string_view> names_;
   const std::size_t first_;  // of the data below
   std::size_t filled_columns_ = 0;
@@ -112,14 +117,14 @@ std::string_view to_string(NamesEvidence evidence) {
   return kNames[static_cast<std::size_t>(evidence)];
 }
 
-NamesAmounts weigh_names(const Records& records, const TableFrame& table,
+NamesAmounts weigh_names(const Records& records, const TableFrame& table, const CellKinds& kinds,
                          const std::vector<std::u16string_view>* names) {
-  if (names) return NamesWeigher(records, table, *names, 0).take();
+  if (names) return NamesWeigher(records, table, kinds, *names, 0).take();
   std::vector<std::u16string_view> first;
   const std::size_t row = table.names_rows - 1;
   for (const Cell& cell : records.cells(table.data[row]))
     first.push_back(trimmed(records.view(cell)));
-  return NamesWeigher(records, table, std::move(first), table.names_rows).take();
+  return NamesWeigher(records, table, kinds, std::move(first), table.names_rows).take();
 }
 
 }  // namespace textio::assessment

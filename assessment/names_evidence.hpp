@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 #include <vltextstream/assessment/evidence.hpp>
 #include <vltextstream/assessment/records.hpp>
@@ -28,8 +29,10 @@ using NamesAmounts = std::array<double, kNumNamesEvidence>;
 
 std::string_view to_string(NamesEvidence evidence);
 
-// For the first of the data records, or for `names` in its place if these are given.
-NamesAmounts weigh_names(const Records& records, const TableFrame& table,
+// For the first of the data records, or for `names` in its place if these are given. `kinds` are those of
+// the first data, at least of kRecordsForNames if there are so many.
+inline constexpr std::size_t kRecordsForNames = 100;
+NamesAmounts weigh_names(const Records& records, const TableFrame& table, const CellKinds& kinds,
                          const std::vector<std::u16string_view>* names = nullptr);
 
 }  // namespace textio::assessment

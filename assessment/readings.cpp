@@ -1,4 +1,4 @@
-// The characters of the sample are counted first. A sign is tried if enough lines contain it.
+// A sign is tried if enough lines contain it.
 #include <algorithm>
 #include <array>
 #include <map>
@@ -6,6 +6,7 @@
 #include <unicode/uchar.h>
 
 #include <vltextstream/assessment/cuts.hpp>
+#include <vltextstream/assessment/find_unit.hpp>
 #include <vltextstream/assessment/reading.hpp>
 
 namespace textio::assessment {
@@ -38,38 +39,66 @@ bool may_separate(char16_t unit) {
          type == U_OTHER_SYMBOL || type == U_MODIFIER_SYMBOL || type == U_SPACE_SEPARATOR;
 }
 
-// How often a sign occurs, and in how many lines that begin outside of quotes.
-struct Census {
-  std::size_t count = 0;
-  std::size_t lines = 0;
-  std::size_t last_line = static_cast<std::size_t>(-1);
-};
-
 class Signs {
  public:
   explicit Signs(const SampledLines& lines) : lines_(lines) {
     find_plain_lines();
-    count_signs();
+    count_lines();
   }
 
   std::size_t num_plain() const { return plain_.size(); }
   std::size_t num_texts() const { return num_texts_; }
   const std::vector<std::size_t>& plain() const { return plain_; }
-  const std::map<char16_t, Census>& others() const { return others_; }
 
-  Census of(char16_t unit) const {
-    if (unit < ascii_.size()) return ascii_[unit];
+  // How many of the plain lines have a sign.
+  std::size_t lines_with(char16_t unit) const {
+    if (has_own_bit(unit)) return ascii_[unit];
     const auto found = others_.find(unit);
-    return found == others_.end() ? Census() : found->second;
+    return found == others_.end() ? 0 : found->second.lines;
   }
 
-  double share(char16_t unit) const { return share_of(of(unit).lines); }
+  double share(char16_t unit) const { return share_of(lines_with(unit)); }
   double share_of(std::size_t lines) const {
     return static_cast<double>(lines) /
            static_cast<double>(std::max<std::size_t>(plain_.size(), 1));
   }
 
+  // How often a sign occurs in all lines; counts no further than to `enough`.
+  std::size_t count(char16_t unit, std::size_t enough = static_cast<std::size_t>(-1)) const {
+    std::size_t count = 0;
+    for (std::size_t k = 0; k < lines_.size() && count < enough; ++k) {
+      if ((lines_.characters(k) & set_of(unit)) == 0) continue;
+      const std::u16string_view line = lines_.view(k);
+      for (std::size_t i = find_unit(line, unit, 0, line.size()); i < line.size() && count < enough;
+           i = find_unit(line, unit, i + 1, line.size())) {
+        ++count;
+      }
+    }
+    return count;
+  }
+
+  // Those that may separate and that a share of at least `least` of the plain lines has.
+  template <typename Least>
+  std::vector<char16_t> frequent(Least least) const {
+    std::vector<char16_t> found;
+    const auto look_at = [&](char16_t unit) {
+      if (may_separate(unit) && share(unit) >= least(unit)) found.push_back(unit);
+    };
+    for (const auto& [unit, census] : others_) look_at(unit);
+    for (const char16_t unit : character_set::kUnits) look_at(unit);
+    std::sort(found.begin(), found.end(), [&](char16_t a, char16_t b) {
+      const std::size_t lines_a = lines_with(a);
+      const std::size_t lines_b = lines_with(b);
+      return lines_a != lines_b ? lines_a > lines_b : a < b;
+    });
+    return found;
+  }
+
  private:
+  static bool has_own_bit(char16_t unit) {
+    return (set_of(unit) & (kBeyondAscii | kControls)) == 0;
+  }
+
   // Lines that begin outside of quotes, by the parity of `"`: else long quoted cells would hide the
   // separator. All lines if these are few.
   void find_plain_lines() {
@@ -80,43 +109,53 @@ class Signs {
       if (is_blank(line)) continue;
       texts.push_back(k);
       if (!inside) plain_.push_back(k);
+      if ((lines_.characters(k) & set_of(u'"')) == 0) continue;
       inside = inside != (std::count(line.begin(), line.end(), u'"') % 2 == 1);
     }
     num_texts_ = texts.size();
     if (10 * plain_.size() < 3 * texts.size()) plain_ = std::move(texts);
   }
 
-  void count_signs() {
-    std::size_t next_plain = 0;
-    for (std::size_t k = 0; k < lines_.size(); ++k) {
-      const bool is_plain = next_plain < plain_.size() && plain_[next_plain] == k;
-      if (is_plain) ++next_plain;
-      for (const char16_t unit : lines_.view(k)) add(unit, k, is_plain);
+  void count_lines() {
+    for (const std::size_t k : plain_) {
+      const CharacterSet characters = lines_.characters(k);
+      for (const char16_t unit : character_set::kUnits) {
+        ascii_[unit] += (characters & set_of(unit)) != 0;
+      }
+      if ((characters & (kBeyondAscii | kControls)) == 0) continue;
+      for (const char16_t unit : lines_.view(k)) {
+        if (!has_own_bit(unit)) add_other(unit, k);
+      }
     }
   }
 
-  void add(char16_t unit, std::size_t line, bool is_plain) {
-    if (unit >= ascii_.size() && !may_separate(unit)) return;
-    Census& census = unit < ascii_.size() ? ascii_[unit] : others_[unit];
-    ++census.count;
-    if (is_plain && census.last_line != line) {
-      census.last_line = line;
-      ++census.lines;
-    }
+  void add_other(char16_t unit, std::size_t line) {
+    if (!may_separate(unit)) return;
+    Other& other = others_[unit];
+    if (other.last_line == line) return;
+    other.last_line = line;
+    ++other.lines;
   }
+
+  struct Other {
+    std::size_t lines = 0;
+    std::size_t last_line = static_cast<std::size_t>(-1);
+  };
 
   const SampledLines& lines_;
   std::size_t num_texts_ = 0;
   std::vector<std::size_t> plain_;
-  std::array<Census, 128> ascii_ = {};
-  std::map<char16_t, Census> others_;
+  std::array<std::size_t, 128> ascii_ = {};
+  std::map<char16_t, Other> others_;  // control characters and those beyond ASCII
 };
 
 // What stands next to the quotes of the sample: separators, or the ends of lines.
 class QuoteNeighbours {
  public:
   QuoteNeighbours(const SampledLines& lines, char16_t quote) : quote_(quote) {
-    for (std::size_t k = 0; k < lines.size(); ++k) look_at(lines.view(k));
+    for (std::size_t k = 0; k < lines.size(); ++k) {
+      if ((lines.characters(k) & set_of(quote)) != 0) look_at(lines.view(k));
+    }
   }
 
   bool next_to(std::u16string_view delimiter) const {
@@ -160,7 +199,7 @@ class Finder {
  public:
   explicit Finder(const SampledLines& lines)
       : lines_(lines), signs_(lines), double_(lines, u'"'), single_(lines, u'\'') {
-    if (signs_.of(u'\\').count > 0) find_escaped();
+    if ((lines.characters() & set_of(u'\\')) != 0) find_escaped();
   }
 
   std::vector<Reading> take() {
@@ -194,17 +233,9 @@ class Finder {
 
   // Those that enough lines have; of very many, those that most lines have.
   std::vector<char16_t> unusual_signs() const {
-    std::vector<char16_t> found;
-    const auto look_at = [&](char16_t unit) {
-      const double least = kSignsOfValues.find(unit) != kSignsOfValues.npos ? 0.9 : 0.5;
-      const bool is_usual = kUsualSigns.find(unit) != kUsualSigns.npos;
-      if (!is_usual && signs_.share(unit) >= least && may_separate(unit)) found.push_back(unit);
-    };
-    for (char16_t unit = 0; unit < 128; ++unit) look_at(unit);
-    for (const auto& [unit, census] : signs_.others()) look_at(unit);
-    std::stable_sort(found.begin(), found.end(), [&](char16_t a, char16_t b) {
-      return signs_.of(a).lines > signs_.of(b).lines;
-    });
+    std::vector<char16_t> found = signs_.frequent(
+        [](char16_t unit) { return kSignsOfValues.find(unit) != kSignsOfValues.npos ? 0.9 : 0.5; });
+    std::erase_if(found, [](char16_t unit) { return kUsualSigns.find(unit) != kUsualSigns.npos; });
     found.resize(std::min(found.size(), kMostUnusualSigns));
     return found;
   }
@@ -212,25 +243,30 @@ class Finder {
   void try_sign(char16_t unit) {
     const double share = signs_.share(unit);
     if (share == 0) return;
-    if (share < 0.1 && signs_.of(unit).count < 3 && signs_.num_texts() > 5) return;
+    if (share < 0.1 && signs_.num_texts() > 5 && signs_.count(unit, 3) < 3) return;
     add_delimited(std::u16string(1, unit), true);
   }
 
   void try_mark(std::u16string_view mark) {
-    if (signs_.of(mark[0]).count < 2) return;
+    const auto is_rare = [&](char16_t unit) { return signs_.share(unit) < kLeastShareOfMark; };
+    if (std::any_of(mark.begin(), mark.end(), is_rare) || signs_.count(mark[0], 2) < 2) return;
     std::size_t lines = 0;
     std::size_t count = 0;
+    std::size_t lines_without = 0;
     for (const std::size_t k : signs_.plain()) {
-      const std::u16string_view line = lines_.view(k);
+      if (5 * lines_without > signs_.num_plain()) return;
+      const std::size_t end = lines_[k].end;
       const std::size_t before = count;
-      for (std::size_t i = line.find(mark); i != line.npos; i = line.find(mark, i + mark.size()))
+      for (std::size_t i = find_text(lines_.text(), mark, lines_[k].begin, end); i < end;
+           i = find_text(lines_.text(), mark, i + mark.size(), end)) {
         ++count;
-      if (count > before) ++lines;
+      }
+      ++(count > before ? lines : lines_without);
     }
-    if (signs_.share_of(lines) < 0.8) return;
+    if (signs_.share_of(lines) < kLeastShareOfMark) return;
     // Else empty cells would look like doubled signs.
     const bool is_doubled = mark.find_first_not_of(mark[0]) == mark.npos;
-    if (is_doubled && 2 * count * mark.size() < signs_.of(mark[0]).count) return;
+    if (is_doubled && 2 * count * mark.size() < signs_.count(mark[0])) return;
     add_delimited(std::u16string(mark), false);
   }
 
@@ -253,13 +289,14 @@ class Finder {
   char16_t most_frequent_bar() const {
     char16_t most = u'|';
     for (const char16_t bar : {u'\u2502', u'\u2551'}) {
-      if (signs_.of(bar).count > signs_.of(most).count) most = bar;
+      if (signs_.count(bar) > signs_.count(most)) most = bar;
     }
     return most;
   }
 
   // Bars in most lines that are no rules, and rules or bars at both ends of lines.
   bool has_frame() const {
+    if ((lines_.characters() & (set_of(u'|') | kBeyondAscii)) == 0) return false;
     std::size_t rules = 0;
     std::size_t barred = 0;
     std::size_t framed = 0;
@@ -281,14 +318,18 @@ class Finder {
   bool have_runs() const {
     std::size_t lines = 0;
     for (const std::size_t k : signs_.plain()) {
+      if ((lines_.characters(k) & kBlanks) == 0) continue;
       const std::u16string_view line = trimmed(lines_.view(k));
-      lines += line.find(u"  ") != line.npos || line.find(u'\t') != line.npos;
+      const bool may_have_tab = (lines_.characters(k) & set_of(u'\t')) != 0;
+      lines += find_text(line, u"  ", 0, line.size()) < line.size() ||
+               (may_have_tab && line.find(u'\t') != line.npos);
+      if (5 * lines >= signs_.num_plain()) return true;
     }
-    return 5 * lines >= signs_.num_plain();
+    return false;
   }
 
   void add_aligned() {
-    if (signs_.of(u' ').count + signs_.of(u'\t').count == 0) return;
+    if ((lines_.characters() & kBlanks) == 0) return;
     const bool has_runs = have_runs();
     for (const Form form : {Form::runs, Form::gaps}) {
       add({form, u" ", 0, 0, 1});
@@ -297,6 +338,8 @@ class Finder {
   }
 
   static constexpr std::size_t kMostEscaped = 64;
+  static constexpr double kLeastShareOfMark = 0.8;
+  static constexpr CharacterSet kBlanks = characters_in(u" \t");
 
   const SampledLines& lines_;
   const Signs signs_;

@@ -82,6 +82,8 @@ class Records {
 // The kinds of all cells of records that have as many cells each.
 class CellKinds {
  public:
+  CellKinds() = default;
+
   // Of the first `most` of the records whose numbers are in `rows`.
   CellKinds(const Records& records, std::span<const std::size_t> rows, std::size_t columns,
             std::size_t most)
@@ -93,6 +95,7 @@ class CellKinds {
     }
   }
 
+  bool empty() const { return kinds_.empty(); }
   std::size_t size() const { return kinds_.size() / columns_; }
   std::size_t columns() const { return columns_; }
   CellKind at(std::size_t row, std::size_t column) const { return kinds_[row * columns_ + column]; }
@@ -103,7 +106,7 @@ class CellKinds {
   }
 
  private:
-  std::size_t columns_;
+  std::size_t columns_ = 1;
   std::vector<CellKind> kinds_;
 };
 

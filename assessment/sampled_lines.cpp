@@ -11,8 +11,6 @@ bool is_space(char16_t unit) {
 
 }  // namespace
 
-bool is_blank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
-
 bool is_blank(std::u16string_view line) { return std::all_of(line.begin(), line.end(), is_space); }
 
 std::u16string_view trimmed(std::u16string_view text) {
@@ -39,6 +37,7 @@ std::u16string_view without_comment_sign(std::u16string_view line) {
 
 SampledLines::SampledLines(std::u16string_view text, std::vector<TextLine> lines, bool has_more)
     : text_(text), lines_(std::move(lines)), is_comment_(lines_.size()), has_more_(has_more) {
+  for (const TextLine& line : lines_) characters_ |= line.characters;
   std::size_t first_other = 0;
   while (first_other < size() &&
          (is_blank(view(first_other)) || has_comment_sign(view(first_other)))) {
@@ -66,9 +65,15 @@ SampledLines sample_lines(std::u16string_view text, std::size_t num_lines) {
   std::size_t pos = 0;
   std::size_t comments = 0;
   for (std::size_t texts = 0; pos < text.size() && texts < num_lines;) {
-    const std::size_t end = std::min(text.find_first_of(u"\r\n", pos), text.size());
+    CharacterSet characters = 0;
+    std::size_t end = pos;
+    for (; end < text.size(); ++end) {
+      const CharacterSet one = set_of(text[end]);
+      if (one == kControls && (text[end] == u'\n' || text[end] == u'\r')) break;
+      characters |= one;
+    }
     const bool has_two = text.substr(end, 2) == u"\r\n";
-    lines.push_back({pos, end, std::min(end + (has_two ? 2U : 1U), text.size())});
+    lines.push_back({pos, end, std::min(end + (has_two ? 2U : 1U), text.size()), characters});
     const std::u16string_view line = text.substr(pos, end - pos);
     const bool is_above = texts == 0 && comments < kMostComments && has_comment_sign(line);
     if (is_above) {

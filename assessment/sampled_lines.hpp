@@ -13,12 +13,15 @@
 #include <string_view>
 #include <vector>
 
+#include <vltextstream/assessment/character_set.hpp>
+
 namespace textio::assessment {
 
 struct TextLine {
   std::size_t begin = 0;
-  std::size_t end = 0;   // before the line ending
-  std::size_t next = 0;  // after it
+  std::size_t end = 0;          // before the line ending
+  std::size_t next = 0;         // after it
+  CharacterSet characters = 0;  // before the line ending
 };
 
 class SampledLines {
@@ -32,6 +35,10 @@ class SampledLines {
     return text_.substr(lines_[index].begin, lines_[index].end - lines_[index].begin);
   }
   std::u16string_view text() const { return text_; }
+
+  // Which characters a line contains, and which all lines.
+  CharacterSet characters(std::size_t index) const { return lines_[index].characters; }
+  CharacterSet characters() const { return characters_; }
 
   // Whether a line begins with one of the usual comment signs and is probably a comment: it is above all
   // other lines, or fewer than half of those have such a sign.
@@ -47,6 +54,7 @@ class SampledLines {
   std::u16string_view text_;
   std::vector<TextLine> lines_;
   std::vector<bool> is_comment_;
+  CharacterSet characters_ = 0;
   bool has_more_;
 };
 
@@ -54,7 +62,9 @@ class SampledLines {
 // above all others, of which the first 1,000 do not count. A last line without an ending is one; an empty one is none.
 SampledLines sample_lines(std::u16string_view text, std::size_t num_lines);
 
-bool is_blank(char16_t unit);             // space or tab
+// Space or tab.
+inline bool is_blank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
+
 bool is_blank(std::u16string_view line);  // has nothing but spaces, tabs and other white space
 std::u16string_view trimmed(std::u16string_view text);  // without such characters at its ends
 

@@ -6,6 +6,7 @@
 #include <unicode/uchar.h>
 
 #include <vltextstream/assessment/cuts.hpp>
+#include <vltextstream/assessment/find_unit.hpp>
 
 namespace textio::assessment {
 namespace {
@@ -18,7 +19,14 @@ bool is_letter(char16_t unit) {
 }
 bool is_digit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 bool is_name_unit(char16_t unit) { return is_letter(unit) || is_digit(unit) || unit == u'_'; }
-bool starts_with(View line, View start) { return line.substr(0, start.size()) == start; }
+bool starts_with(View line, View start) {
+  return line.front() == start.front() && line.substr(0, start.size()) == start;
+}
+
+constexpr CharacterSet kSeparators = characters_in(u",;|");
+constexpr CharacterSet kBrackets = characters_in(u"{}()[]");
+
+bool has(CharacterSet characters, CharacterSet wanted) { return (characters & wanted) != 0; }
 
 // A word of running text: letters, perhaps with a mark of punctuation behind or a quote before them.
 bool is_plain_word(View word) {
@@ -46,23 +54,23 @@ bool has_tight_separator(View line) {
   return false;
 }
 
-bool is_prose(View line) {
+bool is_prose(View line, CharacterSet characters) {
+  if (has(characters, kSeparators) && has_tight_separator(line)) return false;
+  if (has(characters, set_of(u'\t')) && line.find(u'\t') != line.npos) return false;
   std::size_t words = 0;
   std::size_t plain = 0;
   std::size_t wide_gaps = 0;
   for (std::size_t i = 0; i < line.size();) {
-    const std::size_t end = std::min(line.find_first_of(u" \t", i), line.size());
+    const std::size_t end = find_unit(line, u' ', i, line.size());
     if (end == i) {
       ++wide_gaps;
     } else {
       ++words;
       plain += is_plain_word(line.substr(i, end - i));
     }
-    if (end < line.size() && line[end] == u'\t') return false;
     i = end + 1;
   }
-  return words >= kFewestWords && 4 * plain >= 3 * words && wide_gaps <= 1 &&
-         !has_tight_separator(line);
+  return words >= kFewestWords && 4 * plain >= 3 * words && wide_gaps <= 1;
 }
 
 // A name directly followed by an opening bracket.
@@ -73,20 +81,23 @@ bool has_call(View line) {
   return false;
 }
 
-bool is_code(View line) {
-  const bool is_bracketed = line.find_first_of(u"{}()[]") != line.npos;
+constexpr View kOpeningsOfCode[] = {u"//",       u"/*",      u"* ",      u"#!",
+                                    u"#include", u"#define", u"import ", u"from ",
+                                    u"def ",     u"return",  u"}",       u")"};
+
+bool is_code(View line, CharacterSet characters) {
+  const bool is_bracketed = has(characters, kBrackets);
   if (is_one_of(line.back(), u"{\\")) return true;
   if (is_bracketed && line.find_first_not_of(u"{}()[];,") == line.npos) return true;
   const bool ends_statement = line.back() == u';' && line.find(u';') + 1 == line.size();
-  if (ends_statement && line.find_first_of(u"(=") != line.npos) return true;
-  if (starts_with(line, u"//") || starts_with(line, u"/*") || starts_with(line, u"* ") ||
-      starts_with(line, u"#!") || starts_with(line, u"#include") || starts_with(line, u"#define") ||
-      starts_with(line, u"import ") || starts_with(line, u"from ") || starts_with(line, u"def ") ||
-      starts_with(line, u"return") || starts_with(line, u"}") || starts_with(line, u")")) {
-    return true;
-  }
-  return has_call(line) || line.find(u" = ") != line.npos || line.find(u"->") != line.npos ||
-         line.find(u"==") != line.npos;
+  if (ends_statement && has(characters, set_of(u'(') | set_of(u'='))) return true;
+  const auto opens = [line](View start) { return starts_with(line, start); };
+  if (std::any_of(std::begin(kOpeningsOfCode), std::end(kOpeningsOfCode), opens)) return true;
+  if (is_bracketed && has_call(line)) return true;
+  const bool may_assign = has(characters, set_of(u'='));
+  return (may_assign && line.find(u" = ") != line.npos) ||
+         (has(characters, set_of(u'>')) && line.find(u"->") != line.npos) ||
+         (may_assign && line.find(u"==") != line.npos);
 }
 
 bool is_markup(View line) {
@@ -120,15 +131,18 @@ TextTraits traits_of(const SampledLines& lines, std::size_t most) {
     const View line = trimmed(lines.view(k));
     if (line.empty() || is_rule(line)) continue;
     const bool begins_inside = inside;
-    inside = inside != (std::count(line.begin(), line.end(), u'"') % 2 == 1);
+    const CharacterSet characters = lines.characters(k);
+    if (has(characters, set_of(u'"'))) {
+      inside = inside != (std::count(line.begin(), line.end(), u'"') % 2 == 1);
+    }
     if (begins_inside) continue;
     const View whole = lines.view(k);
     const auto indent = static_cast<std::size_t>(line.data() - whole.data());
     traits.indented += indent != indent_before && texts > 0;
     indent_before = indent;
     ++texts;
-    traits.prose += is_prose(line);
-    traits.code += is_code(line);
+    traits.prose += is_prose(line, characters);
+    traits.code += is_code(line, characters);
     traits.markup += is_markup(line);
     traits.keyed += is_keyed(line);
   }

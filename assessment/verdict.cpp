@@ -24,21 +24,26 @@ constexpr std::size_t kRecordsForFirstLook = 12;
 constexpr std::size_t kLinesForFirstLook = 20;
 
 // The evidence in some records from all over the table.
-EvidenceAmounts first_look(const Cut& cut, const Hypothesis& hypothesis) {
+EvidenceAmounts first_look(const SampledLines& lines, const Cut& cut,
+                           const Hypothesis& hypothesis) {
   TableFrame part = hypothesis.table;
   const std::vector<std::size_t>& data = hypothesis.table.data;
   part.data.clear();
   const std::size_t size = std::min(data.size(), kRecordsForFirstLook);
   for (std::size_t i = 0; i < size; ++i) part.data.push_back(data[i * data.size() / size]);
   EvidenceAmounts amounts = hypothesis.amounts;
-  weigh_content(cut.records, cut.reading, part,
+  weigh_content(lines, cut.records, cut.reading, part,
                 CellKinds(cut.records, part.data, part.columns, size), amounts);
   return amounts;
 }
 
+CellKinds kinds_of(const Cut& cut, const TableFrame& table) {
+  return {cut.records, table.data, table.columns, kRecordsLookedInto};
+}
+
 // Drops records above the names or the first data. Returns the kinds of the first ones that are left.
 CellKinds find_top(const Cut& cut, TableFrame& table) {
-  CellKinds kinds(cut.records, table.data, table.columns, kRecordsLookedInto);
+  CellKinds kinds = kinds_of(cut, table);
   const TableTop top = assessment::find_top(cut.records, table.data, kinds);
   table.data.erase(table.data.begin(), table.data.begin() + static_cast<std::ptrdiff_t>(top.first));
   table.names_rows = top.names_rows;
@@ -46,9 +51,10 @@ CellKinds find_top(const Cut& cut, TableFrame& table) {
   return kinds;
 }
 
-void look_closely(const Cut& cut, Hypothesis& hypothesis) {
-  const CellKinds kinds = find_top(cut, hypothesis.table);
-  weigh_content(cut.records, cut.reading, hypothesis.table, kinds, hypothesis.amounts);
+void look_closely(const SampledLines& lines, const Cut& cut, Hypothesis& hypothesis) {
+  hypothesis.kinds = find_top(cut, hypothesis.table);
+  weigh_content(lines, cut.records, cut.reading, hypothesis.table, hypothesis.kinds,
+                hypothesis.amounts);
 }
 
 EvidenceAmounts weigh_text(const SampledLines& lines, std::size_t most) {
@@ -86,9 +92,10 @@ void add_hypotheses(Verdict& verdict, Reading reading) {
     hypothesis.cut = verdict.cuts.size();
     hypothesis.table = find_table(verdict.lines, cut.records, cut.reading, columns);
     if (hypothesis.table.data.empty() || is_void(cut.records, hypothesis.table)) continue;
-    hypothesis.amounts = cut.reading.form == Form::none
-                             ? weigh_text(verdict.lines, kLinesForFirstLook)
-                             : weigh_shape(cut.records, cut.reading, hypothesis.table);
+    hypothesis.amounts =
+        cut.reading.form == Form::none
+            ? weigh_text(verdict.lines, kLinesForFirstLook)
+            : weigh_shape(verdict.lines, cut.records, cut.reading, hypothesis.table);
     hypothesis.score = weighted(hypothesis.amounts, kWeights);
     verdict.hypotheses.push_back(std::move(hypothesis));
   }
@@ -101,7 +108,8 @@ void weigh_contents(Verdict& verdict, double margin) {
   std::vector<EvidenceAmounts> looks;
   for (Hypothesis& each : verdict.hypotheses) {
     const Cut& cut = verdict.cut_of(each);
-    looks.push_back(cut.reading.form == Form::none ? each.amounts : first_look(cut, each));
+    looks.push_back(cut.reading.form == Form::none ? each.amounts
+                                                   : first_look(verdict.lines, cut, each));
     each.score = weighted(looks.back(), kWeights);
     best = std::max(best, each.score);
   }
@@ -115,7 +123,7 @@ void weigh_contents(Verdict& verdict, double margin) {
     if (cut.reading.form == Form::none) {
       each.amounts = weigh_text(verdict.lines, verdict.lines.size());
     } else {
-      look_closely(cut, each);
+      look_closely(verdict.lines, cut, each);
     }
     each.score = weighted(each.amounts, kWeights);
   }
@@ -183,7 +191,9 @@ std::optional<std::vector<std::u16string_view>> names_in(const SampledLines& lin
                                                          std::size_t columns) {
   if (part.empty()) return std::nullopt;
   const auto begin = static_cast<std::size_t>(part.data() - lines.text().data());
-  const SampledLines one(lines.text(), {{begin, begin + part.size(), begin + part.size()}}, false);
+  const SampledLines one(lines.text(),
+                         {{begin, begin + part.size(), begin + part.size(), characters_in(part)}},
+                         false);
   std::vector<Reading> readings = {reading};
   const bool by_blanks = reading.is_aligned() || reading.delimiter == u" ";
   if (reading.is_aligned()) readings.clear();
@@ -222,7 +232,8 @@ bool is_same_answer(const Verdict& verdict, const Hypothesis& a, const Hypothesi
   return separates(x) == separates(y) && (!separates(x) || x.delimiter == y.delimiter);
 }
 
-NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFrame& table) {
+NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFrame& table,
+                        const CellKinds& kinds) {
   const auto weighed = [](std::size_t line, NamesAmounts amounts) {
     NamesVerdict names;
     names.line = line;
@@ -231,7 +242,7 @@ NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFr
     return names;
   };
   const std::size_t first_line = cut.records[table.data[0]].line;
-  NamesVerdict in_table = weighed(first_line, weigh_names(cut.records, table));
+  NamesVerdict in_table = weighed(first_line, weigh_names(cut.records, table, kinds));
   for (const Cell& cell : cut.records.cells(table.data[table.names_rows - 1])) {
     in_table.texts.push_back(trimmed(cut.records.view(cell)));
   }
@@ -252,7 +263,7 @@ NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFr
   if (!found) return in_table;
   const bool lacks_first = found->front().empty();
   if (!is_note && !lacks_first && in_table.probability > 0.5) return in_table;
-  NamesVerdict names = weighed(above - 1, weigh_names(cut.records, table, &*found));
+  NamesVerdict names = weighed(above - 1, weigh_names(cut.records, table, kinds, &*found));
   names.is_above_table = true;
   names.texts = *found;
   return names.probability > in_table.probability ? names : in_table;
@@ -320,7 +331,7 @@ void extend(Verdict& verdict, SampledLines lines) {
     return;
   }
   winner.table = std::move(table);
-  if (cut.reading.form != Form::none) find_top(cut, winner.table);
+  winner.kinds = cut.reading.form != Form::none ? find_top(cut, winner.table) : CellKinds();
   verdict.lines = std::move(lines);
 }
 
@@ -337,8 +348,10 @@ Verdict judge(std::u16string_view text, std::size_t num_lines, double margin) {
     SampledLines all = sample_lines(text, num_lines);
     if (all.end() > verdict.lines.end()) extend(verdict, std::move(all));
   }
-  verdict.names =
-      find_names(verdict.lines, verdict.cut_of(verdict.winner()), verdict.winner().table);
+  Hypothesis& winner = verdict.hypotheses[verdict.best];
+  const Cut& cut = verdict.cut_of(winner);
+  if (winner.kinds.empty()) winner.kinds = kinds_of(cut, winner.table);
+  verdict.names = find_names(verdict.lines, cut, winner.table, winner.kinds);
   return verdict;
 }
 

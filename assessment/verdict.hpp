@@ -25,6 +25,8 @@ namespace textio::assessment {
 struct Hypothesis {
   std::size_t cut = 0;  // of Verdict::cuts
   TableFrame table;
+  CellKinds
+      kinds;  // of the first data, at most kRecordsLookedInto; none if it was not looked into closely
   EvidenceAmounts amounts = {};
   double score = 0;
   double probability = 0;
@@ -84,6 +86,8 @@ std::vector<Rival> rivals_of(const Verdict& verdict, std::size_t most);
 // Whether two hypotheses have the same separator and as many columns.
 bool is_same_answer(const Verdict& verdict, const Hypothesis& a, const Hypothesis& b);
 
-NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFrame& table);
+// `kinds` are those of the first data of the table.
+NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFrame& table,
+                        const CellKinds& kinds);
 
 }  // namespace textio::assessment

@@ -230,7 +230,7 @@ class VerdictDescription {
   assessment::CellKind kind_below(std::size_t row, std::size_t column) const {
     for (std::size_t i = row + 1; i < std::min(table_.data.size(), row + 1 + kCellsClassified);
          ++i) {
-      const auto kind = assessment::kind_of(records_.view(records_.cells(table_.data[i])[column]));
+      const assessment::CellKind kind = kind_at(i, column);
       if (kind != assessment::CellKind::empty && kind != assessment::CellKind::missing) return kind;
     }
     return assessment::CellKind::empty;
@@ -259,7 +259,7 @@ class VerdictDescription {
     std::size_t found = 0;
     const std::size_t step = std::max<std::size_t>(size / kCellsClassified, 1);
     for (std::size_t i = begin; i < begin + size && found < kCellsClassified; i += step) {
-      const DatatypeCode code = class_of(records_.cells(table_.data[i])[column]);
+      const DatatypeCode code = class_of(i, column);
       const auto* const place = std::find(kOrder.begin(), kOrder.end(), code);
       if (place == kOrder.end()) continue;
       ++counts[static_cast<std::size_t>(place - kOrder.begin())];
@@ -270,9 +270,14 @@ class VerdictDescription {
                      : DatatypeCode::empty;
   }
 
-  DatatypeCode class_of(const Cell& cell) const {
-    if (assessment::kind_of(records_.view(cell)) == assessment::CellKind::missing)
-      return DatatypeCode::empty;
+  assessment::CellKind kind_at(std::size_t row, std::size_t column) const {
+    if (row < winner_.kinds.size()) return winner_.kinds.at(row, column);
+    return assessment::kind_of(records_.view(records_.cells(table_.data[row])[column]));
+  }
+
+  DatatypeCode class_of(std::size_t row, std::size_t column) const {
+    const Cell& cell = records_.cells(table_.data[row])[column];
+    if (kind_at(row, column) == assessment::CellKind::missing) return DatatypeCode::empty;
     const Field field(records_.text().data() + cell.begin, cell.end - cell.begin);
     return classify_field(field, settings_.options.whitespace);
   }

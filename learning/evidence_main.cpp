@@ -46,7 +46,10 @@ json hypothesis_of(const Verdict& verdict, const Hypothesis& each, bool with_nam
               {"records", each.table.data.size()},
               {"amounts", each.amounts},
               {"probability", each.probability}};
-  if (with_names) out["names"] = names_of(find_names(verdict.lines, cut, each.table));
+  if (with_names) {
+    const CellKinds kinds(cut.records, each.table.data, each.table.columns, kRecordsLookedInto);
+    out["names"] = names_of(find_names(verdict.lines, cut, each.table, kinds));
+  }
   return out;
 }
 

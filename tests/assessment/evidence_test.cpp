@@ -151,9 +151,9 @@ std::ostream& operator<<(std::ostream& out, const AmountCase& row) { return out 
 EvidenceAmounts amounts_of(const Sample& sample, const Reading& reading, std::size_t columns) {
   const Records records = cut(sample.lines(), reading);
   const TableFrame table = find_table(sample.lines(), records, reading, columns);
-  EvidenceAmounts amounts = weigh_shape(records, reading, table);
+  EvidenceAmounts amounts = weigh_shape(sample.lines(), records, reading, table);
   const CellKinds kinds(records, table.data, columns, kRecordsLookedInto);
-  weigh_content(records, reading, table, kinds, amounts);
+  weigh_content(sample.lines(), records, reading, table, kinds, amounts);
   return amounts;
 }
 

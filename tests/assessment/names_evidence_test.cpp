@@ -27,10 +27,12 @@ struct Table {
   Table(std::u16string_view text, std::size_t columns, const Reading& reading)
       : sample(text),
         records(cut(sample.lines(), reading)),
-        frame(find_table(sample.lines(), records, reading, columns)) {}
+        frame(find_table(sample.lines(), records, reading, columns)),
+        kinds(records, frame.data, frame.columns, kRecordsLookedInto) {}
   Sample sample;
   Records records;
   TableFrame frame;
+  CellKinds kinds;
 };
 
 const Reading kComma = {Form::delimited, u","};
@@ -96,7 +98,7 @@ const AmountCase kTextCases[] = {
 class NamesEvidenceAmount : public testing::TestWithParam<AmountCase> {};
 TEST_P(NamesEvidenceAmount, IsWhatTheCellsSay) {
   const Table table(GetParam().text, 2, kComma);
-  const NamesAmounts amounts = weigh_names(table.records, table.frame);
+  const NamesAmounts amounts = weigh_names(table.records, table.frame, table.kinds);
   EXPECT_NEAR(amounts[at(GetParam().evidence)], GetParam().amount, 1e-12);
 }
 INSTANTIATE_TEST_SUITE_P(Values, NamesEvidenceAmount, testing::ValuesIn(kValueCases), ByRule());
@@ -105,11 +107,14 @@ INSTANTIATE_TEST_SUITE_P(Texts, NamesEvidenceAmount, testing::ValuesIn(kTextCase
 TEST(NamesEvidenceOfOneColumn, SaysWhetherItHoldsTexts) {
   const Reading one = {Form::one};
   const Table texts(u"name\nann\nbob\n", 1, one);
-  EXPECT_EQ(weigh_names(texts.records, texts.frame)[at(NamesEvidence::column_of_texts)], 1);
+  EXPECT_EQ(
+      weigh_names(texts.records, texts.frame, texts.kinds)[at(NamesEvidence::column_of_texts)], 1);
   const Table numbers(u"level\n1\n2\n", 1, one);
-  EXPECT_EQ(weigh_names(numbers.records, numbers.frame)[at(NamesEvidence::column_of_texts)], 0);
+  EXPECT_EQ(weigh_names(numbers.records, numbers.frame,
+                        numbers.kinds)[at(NamesEvidence::column_of_texts)],
+            0);
   const Table two(u"name,place\nann,rome\n", 2, kComma);
-  EXPECT_EQ(weigh_names(two.records, two.frame)[at(NamesEvidence::column_of_texts)], 0);
+  EXPECT_EQ(weigh_names(two.records, two.frame, two.kinds)[at(NamesEvidence::column_of_texts)], 0);
 }
 
 // --- names elsewhere -------------------------------------------------------------------------
@@ -117,7 +122,7 @@ TEST(NamesEvidenceOfOneColumn, SaysWhetherItHoldsTexts) {
 TEST(WeighGivenNames, ComparesThemWithAllRecords) {
   const Table table(u"1,a\n2,b\n", 2, kComma);
   const Names names = {u"day", u"a"};
-  const NamesAmounts amounts = weigh_names(table.records, table.frame, &names);
+  const NamesAmounts amounts = weigh_names(table.records, table.frame, table.kinds, &names);
   EXPECT_EQ(amounts[at(NamesEvidence::value_among_names)], 0);
   EXPECT_EQ(amounts[at(NamesEvidence::text_over_values)], 1);
   EXPECT_EQ(amounts[at(NamesEvidence::name_below)], 1);
@@ -129,7 +134,7 @@ TEST(WeighGivenNames, ComparesThemWithAllRecords) {
 TEST(WeighNamesOfTwoRows, TakesTheLowerOne) {
   Table table(u"north,\nday,level\n1,2\n", 2, kComma);
   table.frame.names_rows = 2;
-  const NamesAmounts amounts = weigh_names(table.records, table.frame);
+  const NamesAmounts amounts = weigh_names(table.records, table.frame, table.kinds);
   EXPECT_EQ(amounts[at(NamesEvidence::text_over_values)], 1);
   EXPECT_EQ(amounts[at(NamesEvidence::like_names)], 1);
 }

@@ -1,5 +1,5 @@
-// A selection allocates per candidate, never per line or per field. Only a few vectors grow with
-// the text, by doubling: ten times as many entries take four more doublings. allocations_main.cpp
+// A selection allocates per candidate, and an assessment per reading, never per line or per field. Only a
+// few vectors grow with the text, by doubling: ten times as many entries take four more doublings. allocations_main.cpp
 // counts a whole detection.
 #include <cstddef>
 #include <memory>
@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <vltextstream/assessment/verdict.hpp>
 #include <vltextstream/detection/strategy_selector.hpp>
 #include "support/allocation_counter.hpp"
 #include "support/exact_text.hpp"
@@ -166,6 +167,40 @@ TEST(DetectionAllocationsOfManyLines, GrowOnlyForTheFirstSample) {
   ASSERT_EQ(lines_16000.strategies, lines_40000.strategies);
   EXPECT_LE(lines_40000.allocations, lines_16000.allocations + 2 * 2);
 }
+
+// --- the assessment ----------------------------------------------------------------------------
+
+// Per reading: its cells and records, and of each number of columns the records that fit, those that are
+// data and the kinds of their cells.
+constexpr std::size_t kVectorsOfAReading = 8;
+
+Cost cost_of_assessment(MakeField field, std::size_t rows, std::size_t columns) {
+  const ExactText text(table_of(field, rows, columns));
+  const std::size_t before = allocations_of_this_thread();
+  const assessment::Verdict verdict = assessment::judge(text.view(), rows);
+  return {allocations_of_this_thread() - before, verdict.cuts.size()};
+}
+
+class AssessmentAllocations : public testing::TestWithParam<TableCase> {};
+
+TEST_P(AssessmentAllocations, DoNotGrowWithLines) {
+  const Cost lines_100 = cost_of_assessment(GetParam().field, 100, 5);
+  const Cost lines_1000 = cost_of_assessment(GetParam().field, 1000, 5);
+  EXPECT_LE(
+      lines_1000.allocations,
+      lines_100.allocations + kVectorsOfAReading * kDoublingsForTenTimes * lines_1000.strategies);
+  EXPECT_EQ(lines_1000.allocations > 0, allocations_are_counted());
+}
+
+TEST_P(AssessmentAllocations, DoNotGrowWithColumns) {
+  const Cost columns_5 = cost_of_assessment(GetParam().field, 100, 5);
+  const Cost columns_50 = cost_of_assessment(GetParam().field, 100, 50);
+  EXPECT_LE(
+      columns_50.allocations,
+      columns_5.allocations + kVectorsOfAReading * kDoublingsForTenTimes * columns_50.strategies);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, AssessmentAllocations, testing::ValuesIn(kTableCases), ByRule());
 
 }  // namespace
 }  // namespace textio

@@ -1,7 +1,8 @@
 // One detection over a text of a given shape for each size, for tests that count its instructions.
 //   linear_main [--lines LINES] SHAPE UNITS...     all lines by default, and for 0
 //   linear_main --list tables|traps|options        lists the shapes of one kind
-// The tests count what happens inside `detect_once`. Text and options are made outside.
+// The tests count what happens inside `detect_once`. Text and options are made outside. The program is built
+// once for each Judge, as CHOSEN_BY.
 #include <cstdlib>
 #include <iostream>
 #include <limits>
@@ -25,7 +26,7 @@ namespace {
 
 void detect(const Shape& shape, std::size_t units, unsigned long lines) {
   DetectSettings settings;
-  settings.judge = textio::standalone::Judge::cascade;
+  settings.judge = textio::standalone::Judge::CHOSEN_BY;
   settings.num_lines = lines > 0 ? lines : std::numeric_limits<unsigned long>::max();
   if (shape.set != nullptr) shape.set(settings, units);
   detect_once(units == 0 ? std::u16string() : shape.make(units), settings);
