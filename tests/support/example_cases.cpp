@@ -1,5 +1,6 @@
 #include "support/example_cases.hpp"
 
+#include <algorithm>
 #include <fstream>
 
 #include <vltextstream/standalone/decoding/utf_text.hpp>
@@ -14,16 +15,34 @@ std::ostream& operator<<(std::ostream& out, const ExampleCase& example) {
 
 namespace {
 
-// The assessment gives the layout of the cascade but for what the case says.
+using Names = std::vector<std::string>;
+
+// The assessment gives the layout of the cascade but for what the case says. Members that are left
+// open are not compared: more than one answer is right.
 void assess(const nlohmann::json& entry, ExampleCase& example) {
   example.assessed = example.expect;
   if (!entry.contains("assessed")) return;
   const nlohmann::json& assessed = entry["assessed"];
   for (const auto& [name, value] : assessed.at("expect").items()) example.assessed[name] = value;
-  const auto doubtful = assessed.value("doubtful", std::vector<std::string>());
-  for (const std::string& name : doubtful) example.assessed.erase(name);
+  const Names doubtful = assessed.value("doubtful", Names());
+  const Names open = assessed.value("open", Names());
+  for (const Names& names : {doubtful, open}) {
+    for (const std::string& name : names) example.assessed.erase(name);
+  }
   example.is_doubtful = !doubtful.empty();
+  example.is_status_open =
+      example.is_doubtful || std::find(open.begin(), open.end(), "no_table") != open.end();
   example.status = assessed.value("status", 0);
+}
+
+// What is answered instead, as long as it is wrong.
+void replace_by_wrong_answer(const nlohmann::json& entry, ExampleCase& example) {
+  if (!entry.contains("known_wrong")) return;
+  const nlohmann::json& wrong = entry["known_wrong"];
+  example.known_wrong = wrong.at("expect");
+  example.is_doubtful = false;
+  example.is_status_open = false;
+  example.status = wrong.value("status", 0);
 }
 
 }  // namespace
@@ -49,6 +68,7 @@ std::vector<ExampleCase> example_cases() {
       example.arguments.insert(example.arguments.end(), {"--comment-style", marker});
     }
     assess(entry, example);
+    replace_by_wrong_answer(entry, example);
     cases.push_back(example);
   }
   return cases;

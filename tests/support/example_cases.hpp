@@ -12,13 +12,15 @@
 namespace textio::testing_support {
 
 struct ExampleCase {
-  std::string file;  // name in the folder of the examples
+  std::string file;  // path in the folder of the examples
   standalone::DetectSettings settings;
   std::vector<std::string> arguments;  // the same for the tool
   nlohmann::json expect;               // members that the layout of the cascade must have
-  nlohmann::json assessed;             // those that the layout of the assessment must have
+  nlohmann::json assessed;             // those that the layout of the assessment should have
+  nlohmann::json known_wrong;          // those that it has instead; null if it is right
   bool is_doubtful = false;            // whether its confidence must be below 80 %
   int status = 0;                      // of the tool
+  bool is_status_open = false;         // whether it may be 0 or 1
 
   std::string path() const;
 };
