@@ -215,18 +215,50 @@ void make_counts(Seeds seeds) {
 
 // Short tables, and the starts of the examples.
 void make_assessment(Seeds seeds, const std::vector<std::string>& examples) {
-  const std::string texts[] = {"a,b\n1,2\n3,4\n",
-                               "'a';'b'\n'x;y';2\n'it''s';3\n",
-                               "a\\,b,c\n\"x\\\"y\",z\n",
-                               "+---+---+\n| a | b |\n+===+===+\n| 1 | 2 |\n+---+---+\n",
-                               "  x    y\n 1.5  2024-01-05 10:15\n 2.5  2024-01-06 10:30\n",
-                               "# a b\n1 2\n3 4\n",
-                               "k1;v1;;\n;;;\nn;m;o;p\n1;2;3;4\n5;6;7;8\n9;8;7;6\n",
-                               "a::b::c\n1::2::3\n",
-                               "int main() {\n  return 0;\n}\n",
-                               "The quick brown fox jumps, and then it rests.\n"};
+  const std::string texts[] = {
+      "a,b\n1,2\n3,4\n",
+      "'a';'b'\n'x;y';2\n'it''s';3\n",
+      "a\\,b,c\n\"x\\\"y\",z\n",
+      "+---+---+\n| a | b |\n+===+===+\n| 1 | 2 |\n+---+---+\n",
+      "  x    y\n 1.5  2024-01-05 10:15\n 2.5  2024-01-06 10:30\n",
+      "# a b\n1 2\n3 4\n",
+      "k1;v1;;\n;;;\nn;m;o;p\n1;2;3;4\n5;6;7;8\n9;8;7;6\n",
+      "a::b::c\n1::2::3\n",
+      "1 0:01 init\n22 1:10 vim my notes\n7 9:59 cron\n8 0:00 a b c\n"
+      "9 0:01 d\n10 0:02 e f\n11 0:03 g\n12 0:04 h i j k\n13 0:05 l\n",
+      "01MILLER  7A\n02LEE     8B\n03OTT     9C\n04KAY     0D\n05LEE     1E\n"
+      "06OTT     2F\n07KAY     3G\n08LEE     4H\n09OTT     5I\n10KAY     6J\n",
+      "int main() {\n  return 0;\n}\n",
+      "The quick brown fox jumps, and then it rests.\n"};
   for (const std::string& text : texts) seeds.add(byte(40) + text);
   for (const std::string& text : examples) seeds.add(byte(20) + text.substr(0, 380));
+}
+
+// Columns of each kind, a line each, with and without hints.
+void make_columns(Seeds seeds) {
+  const std::string texts[] = {"1|22|NA|-333",
+                               "1.234,50|7,25|1.234\n1,5|2,5",
+                               "1,234|12,345|999\n0.5|0.25",
+                               "1 234|12 345,5|1'234|12'345'678.5",
+                               "1e5|2.5D-3|inf|nan",
+                               "12.5|14|9.5|-999|-999",
+                               "$5|-$7.50|(EUR 1.234,50)|5 kr|CHF 1'200.-|5.-",
+                               "50%|3,5 %|0",
+                               "yes|no|YES|maybe\nja|nein\nT|F|T",
+                               "2024-01-31|2024-02-01|soon\n01/02/2024|31/01/2024",
+                               "01-02-03|04-05-06|99-12-31\n20240131|20240201",
+                               "31. Januar 2024|1. Mai 2024|12 mars 2024|1st May 2024",
+                               "Mi. 31.01.2024|mar. 12 sept. 2023|Wed, 31 Jan 2024 15:04:05 GMT",
+                               "2024-01-31T15:04:05.250+01:00|20240131T150405Z|15:04 CET",
+                               "3:04 PM|5 p.m.|24:00|59:12.5|36:15:00|PT5M|1d 2h",
+                               "007|012|115\n1234567890123456789\n+49 30 123456|030/1234567",
+                               "1704067200|1704067260|1704067320\n0930|1545",
+                               "red|blue|red|red|blue|blue|red|blue||-",
+                               "https://a.org|a@b.org|10.0.0.1|1+2i|two words"};
+  for (const std::string& text : texts) {
+    seeds.add(zeros(8) + text);
+    seeds.add("\1\1\2\0\1\3\0\1"s + text);
+  }
 }
 
 std::vector<std::string> texts_of_files(const fs::path& folder) {
@@ -270,6 +302,7 @@ void make_all(const fs::path& folder, const fs::path& examples_folder) {
   make_classification(Seeds(folder, "classification"));
   make_counts(Seeds(folder, "counts"));
   make_assessment(Seeds(folder, "assessment"), examples);
+  make_columns(Seeds(folder, "columns"));
   make_tables(Seeds(folder, "detection"), 1, examples, {""});
   // Size of a read, read fault (3) or allocation, once or from then on, which one, trace, encoding.
   make_tables(Seeds(folder, "faults"), 2, examples,
