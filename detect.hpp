@@ -22,6 +22,7 @@
 // Ownership  results are plain values; nothing refers to the input afterwards.
 // Errors     FileError when the input cannot be opened, read or unpacked, as far as it is needed;
 //            std::invalid_argument when a member of Known is refused, with the name of the member;
+//            GivenMismatch, which is one and names the member, when the text has no such line;
 //            std::runtime_error when a decoder fails; std::bad_alloc.
 // Cost       a large input is read as far as its lines are needed, at most for its first 4,194,304
 //            characters and little more.
@@ -36,8 +37,11 @@
 #include <string_view>
 #include <vector>
 
+#include <vltextstream/columns/column_kind.hpp>
 #include <vltextstream/host/export.hpp>
 #include <vltextstream/layout/file_error.hpp>
+#include <vltextstream/layout/given_mismatch.hpp>
+#include <vltextstream/layout/judgement.hpp>
 #include <vltextstream/layout/table_lines.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>
 #include <vltextstream/standalone/encoding_detection/encoding_found.hpp>
@@ -45,8 +49,12 @@
 
 namespace textio {
 
+using columns::ColumnKind;
 using standalone::EncodingFound;
+using standalone::EvidenceItem;
 using standalone::FileError;
+using standalone::GivenMismatch;
+using standalone::Judge;
 using standalone::LineRole;
 using standalone::LineRun;
 using standalone::NamesSource;
@@ -89,6 +97,26 @@ struct VLTEXTSTREAM_EXPORT Known {
   // no characters, such as endless shift sequences, need so many. A look at a file may take the bytes
   // of 262,144 characters even if few lines are sampled. detect_text does not use it.
   std::optional<std::uint64_t> max_bytes = std::nullopt;
+
+  // Who chooses the layout; otherwise the assessment. What follows is obeyed by it alone.
+  std::optional<Judge> judge = std::nullopt;
+
+  // The lines of the text that hold the names and the units, 0 to 4,194,304; 0: no line holds them.
+  std::optional<std::size_t> names_line = std::nullopt;
+  std::optional<std::size_t> units_line = std::nullopt;
+
+  // The character that quotes fields, no letter, digit or white space; empty: nothing does. And the one that
+  // escapes a quote besides a second one: a backslash; empty: nothing does.
+  std::optional<std::string> quote = std::nullopt;
+  std::optional<std::string> escape = std::nullopt;
+
+  // The decimal mark of numbers, and the mark between groups of their digits: one character each. The kinds of
+  // columns follow from them.
+  std::optional<std::string> decimal = std::nullopt;
+  std::optional<std::string> grouping = std::nullopt;
+
+  // The texts of cells without a value, such as "n/a". They do not count for the type of a column.
+  std::optional<std::vector<std::string>> missing = std::nullopt;
 };
 
 struct VLTEXTSTREAM_EXPORT Column {
@@ -96,7 +124,22 @@ struct VLTEXTSTREAM_EXPORT Column {
   std::string unit;  // "km/h", "[s]"; empty when there is none
   DatatypeCode type = DatatypeCode::empty;
 
+  // Finer than the type; empty where the layout was given or the cascade chose it.
+  ColumnKind kind = ColumnKind::empty;
+
   bool operator==(const Column&) const = default;
+};
+
+// Another answer that the text may have, and the evidence that decides most between it and the answer.
+struct VLTEXTSTREAM_EXPORT Rival {
+  Dialect dialect;
+  std::string quote;  // empty: nothing quotes fields
+  std::size_t num_columns = 1;
+  double probability = 0.0;
+  std::string reason;
+  std::string no_table;  // as Detection::no_table
+
+  bool operator==(const Rival&) const = default;
 };
 
 struct VLTEXTSTREAM_EXPORT Detection {
@@ -147,6 +190,15 @@ struct VLTEXTSTREAM_EXPORT Detection {
   // "binary data" or "empty".
   std::optional<double> confidence;
   std::string no_table;
+
+  // What quotes fields; empty: nothing does. And what escapes a quote besides a second one.
+  std::string quote;
+  std::string escape;
+
+  // What else the text may be, the most probable first, and what speaks for the answer and against it, the
+  // weightiest first. None if the answer was not chosen among readings.
+  std::vector<Rival> rivals;
+  std::vector<EvidenceItem> evidence;
 };
 
 // The file at `path`, a path in the file system's own bytes; "-" is standard input. What is

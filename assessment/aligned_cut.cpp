@@ -1,50 +1,11 @@
 #include <algorithm>
 #include <optional>
 
-#include <vltextstream/assessment/cell_kind.hpp>
 #include <vltextstream/assessment/cuts.hpp>
-#include <vltextstream/assessment/find_unit.hpp>
+#include <vltextstream/assessment/pieces.hpp>
 
 namespace textio::assessment {
 namespace {
-
-struct Span {
-  std::size_t begin = 0;
-  std::size_t end = 0;
-
-  bool operator==(const Span&) const = default;
-};
-using Spans = std::vector<Span>;
-
-// The pieces of line `k` between runs of at least `least_blanks` blanks or tabs.
-void find_pieces(const SampledLines& lines, std::size_t k, std::size_t least_blanks,
-                 Spans& pieces) {
-  const std::u16string_view line = lines.view(k);
-  const bool has_tabs = (lines.characters(k) & set_of(u'\t')) != 0;
-  pieces.clear();
-  for (std::size_t i = 0;;) {
-    std::size_t blanks = 0;
-    for (; i < line.size() && is_blank(line[i]); ++i) {
-      blanks = line[i] == u'\t' ? least_blanks : blanks + 1;
-    }
-    if (i == line.size()) return;
-    const std::size_t begin = i;
-    const std::size_t blank = find_unit(line, u' ', i, line.size());
-    i = has_tabs ? find_unit(line, u'\t', i, blank) : blank;
-    if (blanks >= least_blanks || pieces.empty()) {
-      pieces.push_back({begin, i});
-    } else {
-      pieces.back().end = i;
-    }
-  }
-}
-
-constexpr std::size_t kLongestTime = 40;
-
-bool is_date_with_time(std::u16string_view date, std::u16string_view time) {
-  return time.size() <= kLongestTime && time.find(u':') != time.npos &&
-         kind_of(time) == CellKind::time && kind_of(date) == CellKind::date;
-}
 
 // ---------------------------------------------------------------------------------------------
 // Gaps
@@ -225,7 +186,7 @@ Records cut_gaps(const SampledLines& lines, std::size_t least_blanks) {
   return GapCut(lines, least_blanks).take();
 }
 
-Records cut_runs(const SampledLines& lines, std::size_t least_blanks) {
+Records cut_runs(const SampledLines& lines, std::size_t least_blanks, std::size_t most_cells) {
   Records records(lines.text());
   Spans pieces;
   for (std::size_t k = 0; k < lines.size(); ++k) {
@@ -233,15 +194,12 @@ Records cut_runs(const SampledLines& lines, std::size_t least_blanks) {
     if (is_blank(line) || is_rule(lines, k)) continue;
     records.add_record(k);
     find_pieces(lines, k, least_blanks, pieces);
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
-      Span piece = pieces[i];
-      const auto text = [&](const Span& span) {
-        return line.substr(span.begin, span.end - span.begin);
-      };
-      if (i + 1 < pieces.size() && is_date_with_time(text(piece), text(pieces[i + 1]))) {
-        piece.end = pieces[++i].end;
-        records.joins_times = true;
-      }
+    if (join_times(line, pieces)) records.joins_times = true;
+    if (most_cells > 0 && pieces.size() > most_cells) {
+      pieces[most_cells - 1].end = pieces.back().end;
+      pieces.resize(most_cells);
+    }
+    for (const Span& piece : pieces) {
       records.add_cell(lines[k].begin + piece.begin, lines[k].begin + piece.end);
     }
   }

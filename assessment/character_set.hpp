@@ -35,8 +35,9 @@ constexpr bool is_letter_or_digit(char16_t unit) {
 
 inline constexpr std::array<CharacterSet, 128> kOfAscii = [] {
   std::array<CharacterSet, 128> sets{};
-  for (char16_t unit = 0; unit < sets.size(); ++unit) {
-    sets[unit] = CharacterSet{1} << (is_letter_or_digit(unit) ? kWordBit : kControlBit);
+  for (std::size_t i = 0; i < sets.size(); ++i) {
+    const bool is_word = is_letter_or_digit(static_cast<char16_t>(i));
+    sets[i] = CharacterSet{1} << (is_word ? kWordBit : kControlBit);
   }
   for (std::size_t i = 0; i < kUnits.size(); ++i) sets[kUnits[i]] = CharacterSet{1} << i;
   return sets;

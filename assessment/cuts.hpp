@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 #include <vltextstream/assessment/reading.hpp>
 #include <vltextstream/assessment/records.hpp>
@@ -12,19 +13,26 @@ namespace textio::assessment {
 
 // Delimited, or a single column. A quote at the start of a cell opens a quoted cell, which ends at
 // the first delimiter or line ending with an even number of quotes before it. A quote that is not
-// closed within 60 lines is an ordinary character, unless the sample ends before the text does.
+// closed within 400 lines is an ordinary character, unless the sample ends before the text does.
 Records cut_delimited(const SampledLines& lines, const Reading& reading);
 
 // Frames: rules are left out, and so are bars at the ends of lines.
 Records cut_framed(const SampledLines& lines);
 
-// Runs of at least `least_blanks` blanks, or a tab, separate cells. A time belongs to the date before it.
-Records cut_runs(const SampledLines& lines, std::size_t least_blanks);
+// Runs of at least `least_blanks` blanks, or a tab, separate cells. A time belongs to the date before it. The
+// last of `most_cells` cells takes the rest of its line; 0: no limit.
+Records cut_runs(const SampledLines& lines, std::size_t least_blanks, std::size_t most_cells = 0);
 
 // Blank columns through the data separate cells. The data are found from the bottom: a line belongs
 // to them if it closes no gap between two columns. Other lines are one cell each. No records if
 // there are no two columns.
 Records cut_gaps(const SampledLines& lines, std::size_t least_blanks);
+
+// Fields between `borders`, trimmed. A line that does not end at the last border is one cell.
+Records cut_fields(const SampledLines& lines, const std::vector<std::size_t>& borders);
+
+// Columns of these widths, the first at the start of the line. What follows the last column is left out.
+Records cut_widths(const SampledLines& lines, const std::vector<std::size_t>& widths);
 
 // Whether a line consists of `-`, `=`, `+`, `|`, `:`, `_`, `~`, `*` and blanks alone and draws a rule
 // with at least three of them.

@@ -6,14 +6,19 @@
 namespace textio::assessment {
 namespace {
 
-constexpr std::size_t kLongestQuote = 60;  // lines
+constexpr std::size_t kLongestQuote = 400;  // lines
 constexpr std::size_t kMostUnclosedQuotes =
     8;  // after these, quotes are ignored, which keeps the cut linear
 
 class DelimitedCut {
  public:
   DelimitedCut(const SampledLines& lines, const Reading& reading)
-      : lines_(lines), reading_(reading), text_(lines.text()), records_(text_) {}
+      : lines_(lines),
+        reading_(reading),
+        has_one_delimiter_(reading.other_delimiters.empty()),
+        looks_for_escapes_(reading.escape != 0 && reading.quote == 0),
+        text_(lines.text()),
+        records_(text_) {}
 
   Records take() {
     while (line_ < lines_.size()) {
@@ -66,13 +71,13 @@ class DelimitedCut {
   // pos_ is at a delimiter or at the end of the line.
   bool goes_on() {
     if (pos_ >= line_end() || reading_.delimiter.empty()) return false;
-    pos_ += reading_.delimiter.size();
+    pos_ += has_one_delimiter_ ? reading_.delimiter.size() : length_of_delimiter_at(pos_);
     return true;
   }
 
   std::size_t find_delimiter(std::size_t from) const {
     if (reading_.delimiter.empty()) return line_end();
-    if (reading_.escape != 0 && reading_.quote == 0) return find_unescaped(from);
+    if (looks_for_escapes_ || !has_one_delimiter_) return find_unescaped(from);
     if (reading_.delimiter.size() == 1)
       return find_unit(text_, reading_.delimiter[0], from, line_end());
     return find_text(text_, reading_.delimiter, from, line_end());
@@ -80,12 +85,25 @@ class DelimitedCut {
 
   std::size_t find_unescaped(std::size_t from) const {
     while (from < line_end() && !is_delimiter_at(from))
-      from += text_[from] == reading_.escape ? 2 : 1;
+      from += looks_for_escapes_ && text_[from] == reading_.escape ? 2 : 1;
     return std::min(from, line_end());
   }
 
   bool is_delimiter_at(std::size_t pos) const {
-    const std::u16string& delimiter = reading_.delimiter;
+    return is_at(reading_.delimiter, pos) ||
+           (!has_one_delimiter_ && length_of_delimiter_at(pos) > 0);
+  }
+
+  // Of the first delimiter that is at `pos`; 0 if there is none.
+  std::size_t length_of_delimiter_at(std::size_t pos) const {
+    if (is_at(reading_.delimiter, pos)) return reading_.delimiter.size();
+    for (const std::u16string& delimiter : reading_.other_delimiters) {
+      if (is_at(delimiter, pos)) return delimiter.size();
+    }
+    return 0;
+  }
+
+  bool is_at(const std::u16string& delimiter, std::size_t pos) const {
     return !delimiter.empty() && text_[pos] == delimiter[0] &&
            text_.substr(pos, std::min(delimiter.size(), line_end() - pos)) == delimiter;
   }
@@ -149,6 +167,8 @@ class DelimitedCut {
 
   const SampledLines& lines_;
   const Reading& reading_;
+  const bool has_one_delimiter_;
+  const bool looks_for_escapes_;
   const std::u16string_view text_;
   Records records_;
   std::size_t line_ = 0;

@@ -254,7 +254,8 @@ class ContentWeigher {
       worth += sum / static_cast<double>(size);
       const std::size_t words = counts[static_cast<std::size_t>(CellKind::word)] +
                                 counts[static_cast<std::size_t>(CellKind::sentence)];
-      if (10 * (words + blanks) >= 9 * size) ++wordy;
+      const bool takes_rest = reading_.most_cells > 0 && c + 1 == table_.columns;
+      if (10 * (words + blanks) >= 9 * size && !takes_rest) ++wordy;
     }
     amount(Evidence::worth) = worth / static_cast<double>(table_.columns);
     amount(Evidence::empty) = ratio(empty, table_.columns);
@@ -359,6 +360,7 @@ class ContentWeigher {
   CutKinds cut_in(std::size_t row) const {
     const std::span<const Cell> cells = records_.cells(table_.data[row]);
     CutKinds found;
+    if (reading_.form == Form::fields) found.value = has_cut_value(cells);
     if (reading_.form != Form::delimited || reading_.delimiter.size() != 1) return found;
     const char16_t sign = reading_.delimiter[0];
     if (sign == u' ') {
@@ -382,6 +384,23 @@ class ContentWeigher {
       c = last;
     }
     return found;
+  }
+
+  // Whether fields that touch are a value together.
+  bool has_cut_value(std::span<const Cell> cells) const {
+    for (std::size_t c = 0; c + 1 < cells.size(); ++c) {
+      const std::size_t first = c;
+      while (c + 1 < cells.size() && cells[c].end == cells[c + 1].begin &&
+             (c == first || has_no_border(cells[c]))) {
+        ++c;
+      }
+      if (c == first) continue;
+      const std::size_t begin = value_begin(cells[first]);
+      const CellKind kind = kind_of(records_.text().substr(begin, value_end(cells[c]) - begin));
+      if (may_contain_sign(kind) || kind == CellKind::complex || kind == CellKind::scientific)
+        return true;
+    }
+    return false;
   }
 
   // Whether the separator before a cell has no blank before it.
@@ -476,9 +495,13 @@ void weigh_separator(const Reading& reading, EvidenceAmounts& amounts) {
       return;
     case Form::runs:
       at(amounts, Evidence::runs) = 1;
+      at(amounts, Evidence::rest) = reading.most_cells > 0 ? 1 : 0;
       [[fallthrough]];
     case Form::gaps:
       at(amounts, Evidence::narrow) = reading.least_blanks == 1 ? 1 : 0;
+      return;
+    case Form::fields:
+      at(amounts, Evidence::dense) = 1;
       return;
     case Form::delimited:
       at(amounts, class_of_sign(reading.delimiter)) = 1;
@@ -535,12 +558,13 @@ std::size_t most_frequent(const SampledLines& lines, const Records& records, std
 
 std::string_view to_string(Evidence evidence) {
   static constexpr std::array<std::string_view, kNumEvidence> kNames = {
-      "ragged",        "outside",     "worth",       "unsplit",     "torn",      "cut-values",
-      "left-together", "dangling",    "well-quoted", "lost-quotes", "wordy",     "empty",
-      "few",           "one",         "runs",        "narrow",      "framed",    "named",
-      "clauses",       "numbers-cut", "tab",         "comma",       "semicolon", "colon",
-      "bar",           "blank",       "caret",       "control",     "several",   "rare",
-      "no-table",      "prose",       "code",        "markup",      "keyed",     "indented"};
+      "ragged",        "outside",  "worth",       "unsplit",     "torn",  "cut-values",
+      "left-together", "dangling", "well-quoted", "lost-quotes", "wordy", "empty",
+      "few",           "one",      "runs",        "narrow",      "rest",  "dense",
+      "framed",        "named",    "clauses",     "numbers-cut", "tab",   "comma",
+      "semicolon",     "colon",    "bar",         "blank",       "caret", "control",
+      "several",       "rare",     "no-table",    "prose",       "code",  "markup",
+      "keyed",         "indented", "spaced"};
   return kNames[static_cast<std::size_t>(evidence)];
 }
 
@@ -586,6 +610,7 @@ TableFrame find_table(const SampledLines& lines, const Records& records, const R
       table.first = i;
     }
   }
+  if (lines.has_known_top()) table.first = 0;
   for (std::size_t i = 0; i < records.size(); ++i) {
     if (i < table.first || i >= table.end) {
       table.num_outside += !notes[i];

@@ -41,6 +41,8 @@ enum class Evidence {
   one,            // 1 for a single column
   runs,           // 1 for columns aligned by runs of blanks
   narrow,         // 1 if a single blank separates aligned columns
+  rest,           // 1 if the last column takes the rest of its line
+  dense,          // 1 for columns of fixed width without blanks between them
   framed,         // 1 for frames
   named,          // 1 if the first record has several cells and each looks like a name of its own
   clauses,  // share of records with a cell that goes on in lower case after a blank, as sentences do
@@ -63,8 +65,9 @@ enum class Evidence {
   markup,    // share of lines as in documents with tags or brackets
   keyed,     // share of lines of one key and its value, and of headings in brackets
   indented,  // share of lines that begin further in or out than the line before
+  spaced,    // share of lines after a blank line
 };
-inline constexpr std::size_t kNumEvidence = static_cast<std::size_t>(Evidence::indented) + 1;
+inline constexpr std::size_t kNumEvidence = static_cast<std::size_t>(Evidence::spaced) + 1;
 
 using EvidenceAmounts = std::array<double, kNumEvidence>;
 

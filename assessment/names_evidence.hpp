@@ -21,18 +21,21 @@ enum class NamesEvidence {
   odd_length,  // how many spreads a name's length is away from its column's mean, at most 3; mean
   no_data,     // 1 if there is no second record
   column_of_texts,  // 1 if the only column is of texts, so that there is little to compare
+  shaped_alike,  // 1 if a name with digits has the shape of 80 % of the cells below it, as identifiers do
 };
 inline constexpr std::size_t kNumNamesEvidence =
-    static_cast<std::size_t>(NamesEvidence::column_of_texts) + 1;
+    static_cast<std::size_t>(NamesEvidence::shaped_alike) + 1;
 
 using NamesAmounts = std::array<double, kNumNamesEvidence>;
 
 std::string_view to_string(NamesEvidence evidence);
 
 // For the first of the data records, or for `names` in its place if these are given. `kinds` are those of
-// the first data, at least of kRecordsForNames if there are so many.
+// the first data, at least of kRecordsForNames if there are so many. Column `row_names`, if it is not 0, needs no
+// name.
 inline constexpr std::size_t kRecordsForNames = 100;
 NamesAmounts weigh_names(const Records& records, const TableFrame& table, const CellKinds& kinds,
-                         const std::vector<std::u16string_view>* names = nullptr);
+                         const std::vector<std::u16string_view>* names = nullptr,
+                         std::size_t row_names = 0);
 
 }  // namespace textio::assessment

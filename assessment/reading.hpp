@@ -11,7 +11,10 @@
 //              quotes and escapes that the text shows next to the mark.
 //   framed     bars between the cells, and perhaps around them, with rules between the rows
 //   runs       columns aligned by runs of at least `least_blanks` blanks
+//              If lines have different numbers of pieces, also with a last column of free text that takes
+//              the rest of its line (`most_cells`).
 //   gaps       columns aligned by blank columns, at least `least_blanks` wide, through the data
+//   fields     columns of fixed width that need no blanks between them
 //   one        a single column: each line, or each quoted record, is a cell
 //   none       not a table: prose, source code, a document
 //
@@ -27,7 +30,7 @@
 
 namespace textio::assessment {
 
-enum class Form { delimited, framed, runs, gaps, one, none };
+enum class Form { delimited, framed, runs, gaps, fields, one, none };
 
 struct Reading {
   Form form = Form::one;
@@ -35,6 +38,14 @@ struct Reading {
   char16_t quote = 0;            // 0: none
   char16_t escape = 0;           // in quotes, besides a doubled quote; 0: none
   std::size_t least_blanks = 1;  // between aligned columns
+  std::size_t most_cells = 0;    // runs: the last of them takes the rest of its line; 0: no limit
+
+  // Fields: where each begins, and where the last one ends.
+  std::vector<std::size_t> borders = {};
+
+  // Only of what is given: delimiters that are tried after the first, and widths of columns.
+  std::vector<std::u16string> other_delimiters = {};
+  std::vector<std::size_t> widths = {};
 
   bool is_aligned() const { return form == Form::runs || form == Form::gaps; }
   bool operator==(const Reading&) const = default;

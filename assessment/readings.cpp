@@ -6,8 +6,10 @@
 #include <unicode/uchar.h>
 
 #include <vltextstream/assessment/cuts.hpp>
+#include <vltextstream/assessment/field_borders.hpp>
 #include <vltextstream/assessment/find_unit.hpp>
 #include <vltextstream/assessment/reading.hpp>
+#include <vltextstream/assessment/rest_of_line.hpp>
 
 namespace textio::assessment {
 namespace {
@@ -27,6 +29,10 @@ constexpr std::u16string_view kNeverSigns = u".\"'()[]{}`\r\n\u2019\u201C\u201D\
 constexpr std::array<std::u16string_view, 20> kMarks = {
     u"||", u"::", u";;", u"~|~", u"^|^", u"|~|",  u"@@",  u"##",  u"$$", u"%%",
     u"~~", u"^^", u"<>", u"->",  u"=>",  u"\t\t", u"<|>", u"|;|", u",,", u" : "};
+
+// Tried as other marks are, if the sign occurs without the blanks as well, as the decimal comma in
+// "1,5, 2,5".
+constexpr std::array<std::u16string_view, 3> kPaddedSigns = {u" | ", u", ", u"; "};
 
 bool may_separate(char16_t unit) {
   if (kNeverSigns.find(unit) != kNeverSigns.npos) return false;
@@ -206,8 +212,11 @@ class Finder {
     for (const char16_t unit : kUsualSigns) try_sign(unit);
     for (const char16_t unit : unusual_signs()) try_sign(unit);
     for (const std::u16string_view mark : kMarks) try_mark(mark);
+    for (const std::u16string_view mark : kPaddedSigns) try_mark(mark);
     if (has_frame()) add({Form::framed, std::u16string(1, most_frequent_bar())});
     add_aligned();
+    add_rest_of_line();
+    add_fields();
     add({Form::one});
     if (double_.at_line_end()) add({Form::one, u"", u'"'});
     add({Form::none});
@@ -267,6 +276,9 @@ class Finder {
     // Else empty cells would look like doubled signs.
     const bool is_doubled = mark.find_first_not_of(mark[0]) == mark.npos;
     if (is_doubled && 2 * count * mark.size() < signs_.count(mark[0])) return;
+    const bool is_padded =
+        std::find(kPaddedSigns.begin(), kPaddedSigns.end(), mark) != kPaddedSigns.end();
+    if (is_padded && count == signs_.count(trimmed(mark)[0])) return;
     add_delimited(std::u16string(mark), false);
   }
 
@@ -282,8 +294,10 @@ class Finder {
   void add_quoted(const std::u16string& delimiter, const QuoteNeighbours& neighbours,
                   char16_t quote) {
     if (delimiter[0] == quote || !neighbours.next_to(delimiter)) return;
-    add({Form::delimited, delimiter, quote});
+    // Of readings for which as much speaks, the first wins: where all escaped quotes are in pairs, both cut
+    // alike.
     if (neighbours.has_escapes()) add({Form::delimited, delimiter, quote, u'\\'});
+    add({Form::delimited, delimiter, quote});
   }
 
   char16_t most_frequent_bar() const {
@@ -337,6 +351,18 @@ class Finder {
     }
   }
 
+  // Only where blanks, not tabs, are in nearly all lines.
+  void add_rest_of_line() {
+    if (signs_.share(u' ') < 0.9 || signs_.share(u'\t') >= 0.5) return;
+    const std::size_t most_cells = cells_with_rest(lines_);
+    if (most_cells > 0) add({Form::runs, u" ", 0, 0, 1, most_cells});
+  }
+
+  void add_fields() {
+    std::vector<std::size_t> borders = find_borders(lines_);
+    if (!borders.empty()) add({Form::fields, u"", 0, 0, 1, 0, std::move(borders)});
+  }
+
   static constexpr std::size_t kMostEscaped = 64;
   static constexpr double kLeastShareOfMark = 0.8;
   static constexpr CharacterSet kBlanks = characters_in(u" \t");
@@ -362,9 +388,12 @@ Records cut(const SampledLines& lines, const Reading& reading) {
     case Form::framed:
       return cut_framed(lines);
     case Form::runs:
-      return cut_runs(lines, reading.least_blanks);
+      return cut_runs(lines, reading.least_blanks, reading.most_cells);
     case Form::gaps:
+      if (!reading.widths.empty()) return cut_widths(lines, reading.widths);
       return cut_gaps(lines, reading.least_blanks);
+    case Form::fields:
+      return cut_fields(lines, reading.borders);
   }
   return Records(lines.text());
 }

@@ -3,21 +3,7 @@
 #include <algorithm>
 
 namespace textio::assessment {
-namespace {
-
-bool is_space(char16_t unit) {
-  return unit == u' ' || (unit >= u'\t' && unit <= u'\r') || unit == u'\u00A0';
-}
-
-}  // namespace
-
 bool is_blank(std::u16string_view line) { return std::all_of(line.begin(), line.end(), is_space); }
-
-std::u16string_view trimmed(std::u16string_view text) {
-  while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
-  while (!text.empty() && is_space(text.back())) text.remove_suffix(1);
-  return text;
-}
 
 bool has_comment_sign(std::u16string_view line) {
   line = trimmed(line);
@@ -60,25 +46,59 @@ SampledLines::SampledLines(std::u16string_view text, std::vector<TextLine> lines
 // The number of comments above all other lines that do not count towards the sample.
 constexpr std::size_t kMostComments = 1000;
 
-SampledLines sample_lines(std::u16string_view text, std::size_t num_lines) {
+// The length of the line ending at `pos`; 0 if there is none.
+std::size_t length_of_ending(std::u16string_view text, std::size_t pos,
+                             const LineEndings& endings) {
+  if (text[pos] == u'\n') return endings.has_lf ? 1 : 0;
+  if (text[pos] != u'\r') return 0;
+  if (endings.has_crlf && text.substr(pos, 2) == u"\r\n") return 2;
+  return endings.has_cr ? 1 : 0;
+}
+
+void SampledLines::hide(const std::vector<std::size_t>& indices) {
+  for (const std::size_t index : indices) {
+    TextLine& line = lines_[index];
+    if (is_hidden(index) || line.end == line.begin) continue;
+    line.hidden_end = line.end;
+    line.end = line.begin;
+    line.characters = 0;
+  }
+  characters_ = 0;
+  for (const TextLine& each : lines_) characters_ |= each.characters;
+}
+
+TextLine line_at(std::u16string_view text, std::size_t pos, const LineEndings& endings) {
+  CharacterSet characters = 0;
+  std::size_t end = pos;
+  std::size_t length = 0;
+  for (; end < text.size(); ++end) {
+    const CharacterSet one = set_of(text[end]);
+    if (one == kControls) {
+      length = length_of_ending(text, end, endings);
+      if (length > 0) break;
+    }
+    characters |= one;
+  }
+  return {pos, end, end + length, characters};
+}
+
+bool has_prefix(std::u16string_view line, std::u16string_view prefix) {
+  return !prefix.empty() && trimmed(line).substr(0, prefix.size()) == prefix;
+}
+
+SampledLines sample_lines(std::u16string_view text, std::size_t num_lines, const LineRules& rules) {
   std::vector<TextLine> lines;
   std::size_t pos = 0;
   std::size_t comments = 0;
   for (std::size_t texts = 0; pos < text.size() && texts < num_lines;) {
-    CharacterSet characters = 0;
-    std::size_t end = pos;
-    for (; end < text.size(); ++end) {
-      const CharacterSet one = set_of(text[end]);
-      if (one == kControls && (text[end] == u'\n' || text[end] == u'\r')) break;
-      characters |= one;
-    }
-    const bool has_two = text.substr(end, 2) == u"\r\n";
-    lines.push_back({pos, end, std::min(end + (has_two ? 2U : 1U), text.size()), characters});
-    const std::u16string_view line = text.substr(pos, end - pos);
-    const bool is_above = texts == 0 && comments < kMostComments && has_comment_sign(line);
-    if (is_above) {
+    lines.push_back(line_at(text, pos, rules.endings));
+    const std::u16string_view line = text.substr(pos, lines.back().end - pos);
+    const bool is_known = lines.size() <= rules.num_above || has_prefix(line, rules.comment_prefix);
+    const bool is_above = texts == 0 && comments < kMostComments && rules.comment_prefix.empty() &&
+                          has_comment_sign(line);
+    if (is_above && !is_known) {
       ++comments;
-    } else if (!is_blank(line)) {
+    } else if (!is_known && !is_blank(line)) {
       ++texts;
     }
     pos = lines.back().next;

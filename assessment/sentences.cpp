@@ -82,6 +82,10 @@ std::string sentence_of(Evidence evidence, const Verdict& verdict, const Hypothe
       return "runs of blanks separate the columns";
     case Evidence::narrow:
       return "a single blank separates columns";
+    case Evidence::rest:
+      return "the last column takes the rest of its line";
+    case Evidence::dense:
+      return "the columns have fixed widths without blanks between";
     case Evidence::framed:
       return "bars and rules frame the cells";
     case Evidence::named:
@@ -115,6 +119,8 @@ std::string sentence_of(Evidence evidence, const Verdict& verdict, const Hypothe
       return fmt::format("{} of the lines are a key and its value", percent(amount));
     case Evidence::indented:
       return fmt::format("{} of the lines change the indentation", percent(amount));
+    case Evidence::spaced:
+      return fmt::format("{} of the lines follow a blank line", percent(amount));
   }
   return {};
 }
@@ -132,8 +138,12 @@ std::string deciding_sentence(const Verdict& verdict, const Hypothesis& rival) {
   }
   const auto evidence = static_cast<Evidence>(deciding);
   const bool is_about_rival = amount_of(rival, evidence) > 0 && kWeights[deciding] < 0;
-  const bool compares = evidence == Evidence::worth;
-  if (compares) {
+  const bool is_text = verdict.cut_of(rival).reading.form == Form::none;
+  if (evidence == Evidence::worth && is_text) {
+    return fmt::format("the cells of the answer are {} recognisable",
+                       percent(amount_of(winner, evidence)));
+  }
+  if (evidence == Evidence::worth) {
     return fmt::format("its cells are {} recognisable, those of the answer {}",
                        percent(amount_of(rival, evidence)), percent(amount_of(winner, evidence)));
   }
@@ -153,6 +163,8 @@ std::string names_reason(const NamesVerdict& names, bool has_names) {
   }
   if (amount(NamesEvidence::value_among_names) > 0)
     return fmt::format("line {} holds values", line);
+  if (amount(NamesEvidence::shaped_alike) > 0)
+    return fmt::format("line {} has an identifier like those below it", line);
   if (amount(NamesEvidence::name_below) > 0)
     return fmt::format("line {} has a text that occurs below it", line);
   return fmt::format("line {} reads like the lines below it", line);

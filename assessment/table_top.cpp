@@ -56,6 +56,7 @@ class TopFinder {
     if (first == kNotFound) return {first_filled()};
     const std::size_t names = names_above(first);
     if (names > 0 && is_group_row(names - 1)) return {names - 1, 2};
+    if (names + 1 < first && completes(names, names + 1)) return {names, 2};
     return {is_preamble(names, first) ? names : 0};
   }
 
@@ -111,13 +112,30 @@ class TopFinder {
     double most = 0;
     for (std::size_t i = end; i-- > 0;) {
       const bool fits = is_data(i);
-      sum += fits ? 1 : -0.5;
+      sum += fits ? 1 : reads_like_names(i) ? kNamesWithin : kOddWithin;
       if (fits && sum >= most) {
         most = sum;
         first = i;
       }
     }
     return first;
+  }
+
+  // What a record within the data counts that is none of them: one that reads like names is probably above
+  // the data, with a few records above it that only look like data, as years over groups of columns do.
+  static constexpr double kOddWithin = -0.5;
+  static constexpr double kNamesWithin = -3;
+
+  // A text in every typed column, and a text or nothing in the others.
+  bool reads_like_names(std::size_t index) const {
+    for (std::size_t c = 0; c < columns_; ++c) {
+      const CellKind kind = kind_at(index, c);
+      const bool is_gap = kind == CellKind::empty && types_[c] == ColumnType::other;
+      const bool is_name =
+          kind == CellKind::word || kind == CellKind::code || kind == CellKind::sentence;
+      if (!is_name && !is_gap) return false;
+    }
+    return true;
   }
 
   std::size_t filled(std::size_t index) const {
@@ -205,13 +223,27 @@ class TopFinder {
     return names;
   }
 
-  // Texts above the names, each for itself and the columns after it: at least two, but not all filled.
+  // Texts above the names, each for itself and the columns after it: at least two, but not all filled, or
+  // repeated for each of these columns.
   bool is_group_row(std::size_t index) const {
     if (columns_ < 3 || !may_be_above_data(index) ||
         kind_at(index, columns_ - 1) == CellKind::unknown)
       return false;
     const std::size_t count = filled(index);
-    return count > 1 && count < columns_ && 4 * count >= columns_ && filled(index + 1) > count;
+    if (count == columns_) return has_repeats(index) && reads_like_names(index + 1);
+    return count > 1 && 4 * count >= columns_ && filled(index + 1) > count;
+  }
+
+  // Whether a record has at least two gaps, and the one below it a text for each of them: names of columns
+  // without a group are then in the upper one.
+  bool completes(std::size_t upper, std::size_t lower) const {
+    std::size_t gaps = 0;
+    for (std::size_t c = 0; c < columns_; ++c) {
+      if (kind_at(upper, c) != CellKind::empty) continue;
+      if (!is_text(kind_at(lower, c))) return false;
+      ++gaps;
+    }
+    return gaps > 1 && may_be_above_data(lower) && !may_be_units(lower);
   }
 
   // Whether the records before `names`, the first of data being `first`, are less like names than it or, if

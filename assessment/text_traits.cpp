@@ -117,7 +117,8 @@ bool is_keyed(View line) {
   std::size_t i = 0;
   while (i < line.size() && (is_name_unit(line[i]) || is_one_of(line[i], u".-/"))) ++i;
   const View rest = trimmed(line.substr(i));
-  return !rest.empty() && (rest[0] == u'=' || rest[0] == u':');
+  const bool is_address = rest.substr(0, 3) == u"://";
+  return !rest.empty() && !is_address && (rest[0] == u'=' || rest[0] == u':');
 }
 
 }  // namespace
@@ -127,8 +128,10 @@ TextTraits traits_of(const SampledLines& lines, std::size_t most) {
   double texts = 0;
   std::size_t indent_before = 0;
   bool inside = false;  // of quotes
+  bool follows_blank = false;
   for (std::size_t k = 0; k < lines.size() && texts < static_cast<double>(most); ++k) {
     const View line = trimmed(lines.view(k));
+    if (line.empty()) follows_blank = true;
     if (line.empty() || is_rule(line)) continue;
     const bool begins_inside = inside;
     const CharacterSet characters = lines.characters(k);
@@ -140,6 +143,8 @@ TextTraits traits_of(const SampledLines& lines, std::size_t most) {
     const auto indent = static_cast<std::size_t>(line.data() - whole.data());
     traits.indented += indent != indent_before && texts > 0;
     indent_before = indent;
+    traits.spaced += follows_blank && texts > 0;
+    follows_blank = false;
     ++texts;
     traits.prose += is_prose(line, characters);
     traits.code += is_code(line, characters);
@@ -152,6 +157,7 @@ TextTraits traits_of(const SampledLines& lines, std::size_t most) {
   traits.markup /= texts;
   traits.keyed /= texts;
   traits.indented /= texts;
+  traits.spaced /= texts;
   return traits;
 }
 

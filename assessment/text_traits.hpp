@@ -26,6 +26,9 @@ struct TextTraits {
 
   // Lines that begin further in or out than the line before.
   double indented = 0;
+
+  // Lines after a blank line, the first one not counted.
+  double spaced = 0;
 };
 
 // Of the first `most` lines that are not blank.

@@ -271,6 +271,19 @@ bool is_pattern_of_runs(View pattern) {
   return runs >= 2 && longest >= 2 && longest <= 4;
 }
 
+// The text in the last pair of brackets, if it ends the name and is not all of it.
+View bracketed_end(View name, char16_t open, char16_t close) {
+  const std::size_t begin = name.rfind(open);
+  if (name.empty() || name.back() != close || begin == View::npos || begin == 0) return {};
+  return trimmed(name.substr(begin + 1, name.size() - begin - 2));
+}
+
+// What follows the last occurrence of `mark`.
+View after_last(View name, View mark) {
+  const std::size_t at = name.rfind(mark);
+  return at == View::npos || at == 0 ? View() : trimmed(name.substr(at + mark.size()));
+}
+
 }  // namespace
 
 bool is_unit(View text) {
@@ -287,6 +300,23 @@ bool is_time_pattern(View text) {
 
 bool is_no_unit(View text) {
   return is_one_of(kNoUnit, text) || is_one_of(kNoUnit, trimmed(without_brackets(text)));
+}
+
+std::u16string_view unit_in_name(std::u16string_view name) {
+  const View text = trimmed(name);
+  const View square = bracketed_end(text, u'[', u']');
+  const bool has_letter = std::any_of(square.begin(), square.end(), [](char16_t unit) {
+    return unit > 0x7F || (unit | 0x20) >= u'a' || unit == u'%';
+  });
+  if (has_letter && square.size() <= kLongestUnit && !is_no_unit(square)) return square;
+  const View round = bracketed_end(text, u'(', u')');
+  if (is_unit(round)) return round;
+  for (const View mark : {View(u" / "), View(u" in ")}) {
+    const View last = after_last(text, mark);
+    if (is_unit(last)) return last;
+  }
+  const View word = after_last(text, u" ");
+  return word == u"%" || (is_unit(word) && word.front() == u'\u00B0') ? word : View();
 }
 
 }  // namespace textio::assessment

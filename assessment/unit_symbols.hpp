@@ -17,4 +17,8 @@ bool is_time_pattern(std::u16string_view text);
 // A sign that a column has no unit: "-", "n/a", "[-]", "none", or the empty text.
 bool is_no_unit(std::u16string_view text);
 
+// The unit in a name such as "level [cm]", "speed (km/h)", "Zeit / s", "current in mA" or "humidity %", a view
+// of it without brackets; empty if there is none. Square brackets hold a unit whatever it is called.
+std::u16string_view unit_in_name(std::u16string_view name);
+
 }  // namespace textio::assessment

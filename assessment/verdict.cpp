@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <numeric>
 
@@ -10,6 +11,7 @@
 #include <vltextstream/assessment/cuts.hpp>
 #include <vltextstream/assessment/table_top.hpp>
 #include <vltextstream/assessment/text_traits.hpp>
+#include <vltextstream/assessment/unit_symbols.hpp>
 #include <vltextstream/assessment/weights.hpp>
 
 namespace textio::assessment {
@@ -41,10 +43,14 @@ CellKinds kinds_of(const Cut& cut, const TableFrame& table) {
   return {cut.records, table.data, table.columns, kRecordsLookedInto};
 }
 
-// Drops records above the names or the first data. Returns the kinds of the first ones that are left.
-CellKinds find_top(const Cut& cut, TableFrame& table) {
+// Drops records above the names or the first data, unless the table is known to begin there. Returns the kinds of the first ones that are left.
+CellKinds find_top(const SampledLines& lines, const Cut& cut, TableFrame& table) {
   CellKinds kinds = kinds_of(cut, table);
   const TableTop top = assessment::find_top(cut.records, table.data, kinds);
+  if (lines.has_known_top()) {
+    if (top.first == 0) table.names_rows = top.names_rows;
+    return kinds;
+  }
   table.data.erase(table.data.begin(), table.data.begin() + static_cast<std::ptrdiff_t>(top.first));
   table.names_rows = top.names_rows;
   kinds.drop_before(top.first);
@@ -52,7 +58,7 @@ CellKinds find_top(const Cut& cut, TableFrame& table) {
 }
 
 void look_closely(const SampledLines& lines, const Cut& cut, Hypothesis& hypothesis) {
-  hypothesis.kinds = find_top(cut, hypothesis.table);
+  hypothesis.kinds = find_top(lines, cut, hypothesis.table);
   weigh_content(lines, cut.records, cut.reading, hypothesis.table, hypothesis.kinds,
                 hypothesis.amounts);
 }
@@ -69,6 +75,7 @@ EvidenceAmounts weigh_text(const SampledLines& lines, std::size_t most) {
   set(Evidence::markup, traits.markup);
   set(Evidence::keyed, traits.keyed);
   set(Evidence::indented, traits.indented);
+  set(Evidence::spaced, traits.spaced);
   return amounts;
 }
 
@@ -83,11 +90,28 @@ bool is_void(const Records& records, const TableFrame& table) {
          });
 }
 
+// The numbers of columns that a reading is tried with; also the one that is given, and one where separators are
+// given that separate nothing.
+std::vector<std::size_t> columns_to_try(const SampledLines& lines, const Cut& cut,
+                                        const Given& given) {
+  std::vector<std::size_t> columns = likely_columns(lines, cut.records, cut.reading);
+  if (columns.empty() && (given.delimiters || !given.widths.empty())) columns = {1};
+  const bool has_one =
+      !given.columns || std::find(columns.begin(), columns.end(), *given.columns) != columns.end();
+  if (has_one || cut.reading.form == Form::none || *given.columns < 2) return columns;
+  for (std::size_t i = 0; i < cut.records.size(); ++i) {
+    if (cut.records.cells(i).size() != *given.columns) continue;
+    columns.push_back(*given.columns);
+    break;
+  }
+  return columns;
+}
+
 // Hypotheses with the evidence of their shape.
-void add_hypotheses(Verdict& verdict, Reading reading) {
+void add_hypotheses(Verdict& verdict, Reading reading, const Given& given) {
   Cut cut{std::move(reading), Records(verdict.lines.text())};
   cut.records = assessment::cut(verdict.lines, cut.reading);
-  for (const std::size_t columns : likely_columns(verdict.lines, cut.records, cut.reading)) {
+  for (const std::size_t columns : columns_to_try(verdict.lines, cut, given)) {
     Hypothesis hypothesis;
     hypothesis.cut = verdict.cuts.size();
     hypothesis.table = find_table(verdict.lines, cut.records, cut.reading, columns);
@@ -100,6 +124,18 @@ void add_hypotheses(Verdict& verdict, Reading reading) {
     verdict.hypotheses.push_back(std::move(hypothesis));
   }
   verdict.cuts.push_back(std::move(cut));
+}
+
+// Drops hypotheses with another number of columns than is given, or with fewer than a given column needs, if others
+// are left.
+void prefer_given_columns(Verdict& verdict, const Given& given) {
+  std::vector<Hypothesis>& all = verdict.hypotheses;
+  const auto keep = [&](auto is_right) {
+    if (std::any_of(all.begin(), all.end(), is_right)) std::erase_if(all, std::not_fn(is_right));
+  };
+  keep([&](const Hypothesis& each) { return each.table.columns >= given.row_names_column; });
+  if (!given.columns) return;
+  keep([&](const Hypothesis& each) { return each.table.columns == *given.columns; });
 }
 
 // Adds the evidence of the content.
@@ -129,17 +165,27 @@ void weigh_contents(Verdict& verdict, double margin) {
   }
 }
 
+// The best is the likeliest hypothesis of the answer that is the likeliest in all its hypotheses.
 void make_probabilities(Verdict& verdict) {
   std::vector<Hypothesis>& all = verdict.hypotheses;
-  const auto best =
+  const auto highest =
       std::max_element(all.begin(), all.end(),
                        [](const Hypothesis& a, const Hypothesis& b) { return a.score < b.score; });
-  verdict.best = static_cast<std::size_t>(best - all.begin());
+  const double highest_score = highest->score;
   double sum = 0;
-  for (Hypothesis& each : all) sum += each.probability = std::exp(each.score - best->score);
+  for (Hypothesis& each : all) sum += each.probability = std::exp(each.score - highest_score);
   for (Hypothesis& each : all) each.probability /= sum;
-  for (const Hypothesis& each : all) {
-    if (is_same_answer(verdict, each, *best)) verdict.confidence += each.probability;
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    double probability = 0;
+    bool is_likeliest_of_its_answer = true;
+    for (const Hypothesis& other : all) {
+      if (!is_same_answer(verdict, other, all[i])) continue;
+      probability += other.probability;
+      is_likeliest_of_its_answer = is_likeliest_of_its_answer && other.score <= all[i].score;
+    }
+    if (!is_likeliest_of_its_answer || probability <= verdict.confidence) continue;
+    verdict.best = i;
+    verdict.confidence = probability;
   }
 }
 
@@ -183,31 +229,44 @@ void choose_alignment(Verdict& verdict) {
   });
 }
 
+// How the cells of a line above the table may be separated.
+std::vector<Reading> readings_of_line(const Reading& reading) {
+  std::vector<Reading> readings = {reading};
+  const bool by_blanks = reading.is_aligned() || reading.delimiter == u" ";
+  if (reading.is_aligned() && reading.widths.empty()) readings.clear();
+  if (by_blanks)
+    readings.insert(readings.end(), {{Form::runs, u" ", 0, 0, 2}, {Form::runs, u" ", 0, 0, 1}});
+  return readings;
+}
+
+// A part of a line of the text as a sample of its own.
+SampledLines sample_of(const SampledLines& lines, std::u16string_view part) {
+  const auto begin = static_cast<std::size_t>(part.data() - lines.text().data());
+  return {lines.text(),
+          {{begin, begin + part.size(), begin + part.size(), characters_in(part)}},
+          false};
+}
+
 // The cells of a part of a line, if there are as many as columns and none is a value. There may be one
-// fewer if the first column has no name.
+// fewer if the first column, or the one of the names of rows, has no name.
 std::optional<std::vector<std::u16string_view>> names_in(const SampledLines& lines,
                                                          std::u16string_view part,
                                                          const Reading& reading,
-                                                         std::size_t columns) {
+                                                         std::size_t columns,
+                                                         std::size_t row_names) {
   if (part.empty()) return std::nullopt;
-  const auto begin = static_cast<std::size_t>(part.data() - lines.text().data());
-  const SampledLines one(lines.text(),
-                         {{begin, begin + part.size(), begin + part.size(), characters_in(part)}},
-                         false);
-  std::vector<Reading> readings = {reading};
-  const bool by_blanks = reading.is_aligned() || reading.delimiter == u" ";
-  if (reading.is_aligned()) readings.clear();
-  if (by_blanks)
-    readings.insert(readings.end(), {{Form::runs, u" ", 0, 0, 2}, {Form::runs, u" ", 0, 0, 1}});
-  for (const Reading& each : readings) {
+  const SampledLines one = sample_of(lines, part);
+  for (const Reading& each : readings_of_line(reading)) {
     const Records records = cut(one, each);
     if (records.size() != 1) continue;
     const std::size_t size = records.cells(0).size();
-    const bool lacks_first = size + 1 == columns && columns > 2 && !reading.is_aligned();
-    if (size != columns && !lacks_first) continue;
+    const bool may_lack = row_names > 0 || (columns > 2 && !reading.is_aligned());
+    const bool lacks_one = size + 1 == columns && may_lack;
+    if (size != columns && !lacks_one) continue;
     std::vector<std::u16string_view> names;
-    if (lacks_first) names.emplace_back();
     for (const Cell& cell : records.cells(0)) names.push_back(trimmed(records.view(cell)));
+    const std::size_t lacking = std::clamp<std::size_t>(row_names, 1, columns) - 1;
+    if (lacks_one) names.emplace(names.begin() + static_cast<std::ptrdiff_t>(lacking));
     const auto is_name = [](std::u16string_view name) {
       return name.empty() || is_text(kind_of(name));
     };
@@ -232,8 +291,119 @@ bool is_same_answer(const Verdict& verdict, const Hypothesis& a, const Hypothesi
   return separates(x) == separates(y) && (!separates(x) || x.delimiter == y.delimiter);
 }
 
+namespace {
+
+// How far a piece of a line is from a column; negative if they overlap.
+std::ptrdiff_t distance_from(const Records& records, std::size_t column, std::size_t begin,
+                             std::size_t end) {
+  const auto signed_of = [](std::size_t number) { return static_cast<std::ptrdiff_t>(number); };
+  return std::max(signed_of(begin) - signed_of(records.column_ends[column]),
+                  signed_of(records.column_starts[column]) - signed_of(end));
+}
+
+// Each piece between blanks belongs to the column that it overlaps most or is next to.
+std::vector<std::u16string_view> cells_by_positions(const SampledLines& one, const Cut& cut) {
+  const Records pieces = assessment::cut(one, {Form::runs, u" "});
+  std::vector<std::u16string_view> cells(cut.records.column_starts.size());
+  if (pieces.empty()) return cells;
+  for (const Cell& piece : pieces.cells(0)) {
+    const std::size_t begin = piece.begin - one[0].begin;
+    const std::size_t end = piece.end - one[0].begin;
+    std::size_t nearest = 0;
+    for (std::size_t c = 1; c < cells.size(); ++c) {
+      if (distance_from(cut.records, c, begin, end) <
+          distance_from(cut.records, nearest, begin, end)) {
+        nearest = c;
+      }
+    }
+    std::u16string_view& cell = cells[nearest];
+    const std::u16string_view text = pieces.view(piece);
+    cell = cell.empty() ? text
+                        : std::u16string_view(
+                              cell.data(),
+                              static_cast<std::size_t>(text.data() - cell.data()) + text.size());
+  }
+  return cells;
+}
+
+}  // namespace
+
+std::vector<std::u16string_view> cells_of_line(const SampledLines& lines, std::size_t line,
+                                               const Cut& cut, std::size_t columns) {
+  const std::u16string_view whole = lines.whole(line);
+  std::vector<std::u16string_view> cells;
+  std::vector<std::u16string_view> parts = {whole};
+  if (has_comment_sign(whole)) parts.push_back(without_comment_sign(whole));
+  for (const std::u16string_view part : parts) {
+    if (part.empty()) continue;
+    const SampledLines one = sample_of(lines, part);
+    for (const Reading& each : readings_of_line(cut.reading)) {
+      const Records records = assessment::cut(one, each);
+      if (records.size() != 1) continue;
+      const auto found = records.cells(0);
+      if (!cells.empty() && found.size() != columns) continue;
+      cells.clear();
+      for (const Cell& cell : found) cells.push_back(trimmed(records.view(cell)));
+      if (cells.size() == columns) return cells;
+    }
+  }
+  if (cut.reading.form == Form::gaps && !whole.empty()) {
+    return cells_by_positions(sample_of(lines, whole), cut);
+  }
+  cells.resize(columns);
+  return cells;
+}
+
+namespace {
+
+// The names in line `line`, counted from 1; 0: there are none.
+NamesVerdict given_names(const SampledLines& lines, const Cut& cut, const TableFrame& table,
+                         std::size_t line) {
+  NamesVerdict names;
+  names.is_given = true;
+  const std::size_t first_line = cut.records[table.data[0]].line;
+  names.line = line > 0 ? line - 1 : first_line;
+  if (line == 0 || names.line >= lines.size()) return names;
+  names.probability = 1;
+  names.is_above_table = names.line != first_line;
+  if (names.is_above_table) {
+    names.texts = cells_of_line(lines, names.line, cut, table.columns);
+  } else {
+    for (const Cell& cell : cut.records.cells(table.data[0]))
+      names.texts.push_back(trimmed(cut.records.view(cell)));
+  }
+  return names;
+}
+
+// Whether a line above the table is known to hold no names.
+bool is_known_not_to_name(const SampledLines& lines, std::size_t line, const Given& given) {
+  const bool is_comment = !given.comment_prefix.empty() && lines.is_comment(line);
+  return is_comment || given.units_line == line + 1 || given.descriptions_line == line + 1;
+}
+
+// Whether a header line holds units, so that the names may be in the one above it.
+bool is_units_in_header(const SampledLines& lines, std::size_t line, const Cut& cut,
+                        std::size_t columns) {
+  return line > 0 && lines.is_hidden(line) && lines.is_hidden(line - 1) &&
+         holds_units(lines, line, cut, columns) &&
+         names_in(lines, trimmed(lines.whole(line - 1)), cut.reading, columns, 0);
+}
+
+}  // namespace
+
+bool holds_units(const SampledLines& lines, std::size_t line, const Cut& cut, std::size_t columns) {
+  const auto cells = cells_of_line(lines, line, cut, columns);
+  const auto is_symbol = [](std::u16string_view text) {
+    return is_unit(text) || is_time_pattern(text);
+  };
+  return cells.size() == columns && std::any_of(cells.begin(), cells.end(), is_symbol) &&
+         std::all_of(cells.begin(), cells.end(),
+                     [&](std::u16string_view text) { return is_symbol(text) || is_no_unit(text); });
+}
+
 NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFrame& table,
-                        const CellKinds& kinds) {
+                        const CellKinds& kinds, const Given& given) {
+  if (given.names_line) return given_names(lines, cut, table, *given.names_line);
   const auto weighed = [](std::size_t line, NamesAmounts amounts) {
     NamesVerdict names;
     names.line = line;
@@ -242,28 +412,35 @@ NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFr
     return names;
   };
   const std::size_t first_line = cut.records[table.data[0]].line;
-  NamesVerdict in_table = weighed(first_line, weigh_names(cut.records, table, kinds));
+  NamesVerdict in_table =
+      weighed(first_line, weigh_names(cut.records, table, kinds, nullptr, given.row_names_column));
   for (const Cell& cell : cut.records.cells(table.data[table.names_rows - 1])) {
     in_table.texts.push_back(trimmed(cut.records.view(cell)));
   }
   // A comment sign before the names is not part of the first name.
-  if (has_comment_sign(lines.view(first_line)) && has_comment_sign(in_table.texts[0])) {
+  if (given.comment_prefix.empty() && has_comment_sign(lines.view(first_line)) &&
+      has_comment_sign(in_table.texts[0])) {
     in_table.texts[0] = without_comment_sign(in_table.texts[0]);
   }
   if (cut.reading.form == Form::one || cut.reading.form == Form::none) return in_table;
   std::size_t above = first_line;
-  while (above > 0 && (is_blank(lines.view(above - 1)) || is_rule(lines.view(above - 1)))) --above;
+  while (above > 0 && (is_blank(lines.whole(above - 1)) || is_rule(lines.whole(above - 1)) ||
+                       is_known_not_to_name(lines, above - 1, given))) {
+    --above;
+  }
+  if (above > 0 && is_units_in_header(lines, above - 1, cut, table.columns)) --above;
   if (above == 0) return in_table;
-  const std::u16string_view line = lines.view(above - 1);
+  const std::u16string_view line = lines.whole(above - 1);
   const bool is_note = has_comment_sign(line);
   const bool is_next = above == first_line;
   if (!is_note && in_table.probability > 0.5 && !is_next) return in_table;
   const auto found = names_in(lines, is_note ? without_comment_sign(line) : trimmed(line),
-                              cut.reading, table.columns);
+                              cut.reading, table.columns, given.row_names_column);
   if (!found) return in_table;
   const bool lacks_first = found->front().empty();
   if (!is_note && !lacks_first && in_table.probability > 0.5) return in_table;
-  NamesVerdict names = weighed(above - 1, weigh_names(cut.records, table, kinds, &*found));
+  NamesVerdict names =
+      weighed(above - 1, weigh_names(cut.records, table, kinds, &*found, given.row_names_column));
   names.is_above_table = true;
   names.texts = *found;
   return names.probability > in_table.probability ? names : in_table;
@@ -298,20 +475,24 @@ namespace {
 
 // What is judged: the first lines that end within kMostJudgedUnits after the blank lines above them, or a
 // part of the first line.
-SampledLines lines_to_judge(std::u16string_view text, std::size_t num_lines) {
+SampledLines lines_to_judge(std::u16string_view text, std::size_t num_lines, const Given& given) {
+  const KnownTop top = known_top(text, given);
   const auto first = static_cast<std::size_t>(
-      std::find_if_not(text.begin(), text.end(),
+      std::find_if_not(text.begin() + static_cast<std::ptrdiff_t>(top.end), text.end(),
                        [](char16_t unit) { return is_blank(std::u16string_view(&unit, 1)); }) -
       text.begin());
   const std::size_t end_of_part = std::min(text.size(), first + kMostJudgedUnits);
   const SampledLines lines =
-      sample_lines(text.substr(0, end_of_part), std::min(num_lines, kMostJudgedLines));
+      sample_lines(text.substr(0, end_of_part), std::min(num_lines, kMostJudgedLines),
+                   {given.line_endings, top.num_lines, given.comment_prefix});
   std::vector<TextLine> kept;
   for (std::size_t k = 0; k < lines.size(); ++k) kept.push_back(lines[k]);
   const bool is_cut = end_of_part < text.size() && lines.end() == end_of_part;
   if (is_cut && kept.size() > 1) kept.pop_back();
   const bool has_more = !kept.empty() && kept.back().next < text.size();
-  return {text, std::move(kept), has_more};
+  SampledLines judged(text, std::move(kept), has_more);
+  apply_given(given, top, judged);
+  return judged;
 }
 
 // Cuts all lines of the sample as the winner cuts those that were judged.
@@ -331,27 +512,37 @@ void extend(Verdict& verdict, SampledLines lines) {
     return;
   }
   winner.table = std::move(table);
-  winner.kinds = cut.reading.form != Form::none ? find_top(cut, winner.table) : CellKinds();
+  winner.kinds = cut.reading.form != Form::none ? find_top(lines, cut, winner.table) : CellKinds();
   verdict.lines = std::move(lines);
 }
 
 }  // namespace
 
 Verdict judge(std::u16string_view text, std::size_t num_lines, double margin) {
-  Verdict verdict{lines_to_judge(text, num_lines), {}, {}, 0, 0, {}};
-  for (Reading& reading : find_readings(verdict.lines)) add_hypotheses(verdict, std::move(reading));
+  return judge(text, num_lines, Given(), margin);
+}
+
+Verdict judge(std::u16string_view text, std::size_t num_lines, const Given& by_caller,
+              double margin) {
+  const Given given = with_first_line(by_caller, text);
+  Verdict verdict{lines_to_judge(text, num_lines, given), {}, {}, 0, 0, {}};
+  for (Reading& reading : find_readings(verdict.lines, given)) {
+    add_hypotheses(verdict, std::move(reading), given);
+  }
   if (verdict.hypotheses.empty()) return verdict;
+  prefer_given_columns(verdict, given);
   weigh_contents(verdict, margin);
   make_probabilities(verdict);
   choose_alignment(verdict);
   if (verdict.lines.has_more()) {
-    SampledLines all = sample_lines(text, num_lines);
+    SampledLines all = sample_lines(text, num_lines, given);
     if (all.end() > verdict.lines.end()) extend(verdict, std::move(all));
   }
   Hypothesis& winner = verdict.hypotheses[verdict.best];
   const Cut& cut = verdict.cut_of(winner);
   if (winner.kinds.empty()) winner.kinds = kinds_of(cut, winner.table);
-  verdict.names = find_names(verdict.lines, cut, winner.table, winner.kinds);
+  if (given.names_line) winner.table.names_rows = 1;
+  verdict.names = find_names(verdict.lines, cut, winner.table, winner.kinds, given);
   return verdict;
 }
 

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include <vltextstream/assessment/evidence.hpp>
+#include <vltextstream/assessment/given.hpp>
 #include <vltextstream/assessment/names_evidence.hpp>
 #include <vltextstream/assessment/reading.hpp>
 #include <vltextstream/assessment/records.hpp>
@@ -46,6 +47,9 @@ struct NamesVerdict {
   std::size_t line = 0;
   bool is_above_table = false;
 
+  // Whether this is not found but given; the probability is then 0 or 1.
+  bool is_given = false;
+
   // The cells of that line, trimmed.
   std::vector<std::u16string_view> texts;
 };
@@ -75,6 +79,10 @@ inline constexpr std::size_t kMostJudgedUnits = 262'144;
 
 Verdict judge(std::u16string_view text, std::size_t num_lines, double margin = kMargin);
 
+// Among the readings that agree with what is given. There may be none: without a line below the header.
+Verdict judge(std::u16string_view text, std::size_t num_lines, const Given& given,
+              double margin = kMargin);
+
 // The answers that compete with the winner, the most probable first: of each the most probable hypothesis,
 // with the probabilities of all that give the same answer.
 struct Rival {
@@ -88,6 +96,14 @@ bool is_same_answer(const Verdict& verdict, const Hypothesis& a, const Hypothesi
 
 // `kinds` are those of the first data of the table.
 NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFrame& table,
-                        const CellKinds& kinds);
+                        const CellKinds& kinds, const Given& given = {});
+
+// The cells of any line, trimmed, one for each column of the table: cut as the table is, or by blanks if only
+// that gives so many.
+std::vector<std::u16string_view> cells_of_line(const SampledLines& lines, std::size_t line,
+                                               const Cut& cut, std::size_t columns);
+
+// Whether the cells of a line are units or say that there is none, and one is a unit.
+bool holds_units(const SampledLines& lines, std::size_t line, const Cut& cut, std::size_t columns);
 
 }  // namespace textio::assessment

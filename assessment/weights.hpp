@@ -7,53 +7,57 @@
 namespace textio::assessment {
 
 inline constexpr EvidenceAmounts kWeights = {
-    -6.81,  // ragged
-    -8.17,  // outside
-    8.81,   // worth
-    -3.95,  // unsplit
-    -4.08,  // torn
-    -2.90,  // cut-values
-    -0.90,  // left-together
-    -2.36,  // dangling
-    2.06,   // well-quoted
-    -3.08,  // lost-quotes
-    -4.75,  // wordy
-    -5.23,  // empty
-    -5.35,  // few
-    -5.07,  // one
-    0.06,   // runs
-    -0.76,  // narrow
-    1.57,   // framed
-    2.33,   // named
-    -4.61,  // clauses
-    -3.44,  // numbers-cut
-    5.18,   // tab
-    2.54,   // comma
-    2.08,   // semicolon
-    -1.48,  // colon
-    -1.03,  // bar
-    -0.27,  // blank
-    2.34,   // caret
-    0.36,   // control
-    2.17,   // several
-    -2.86,  // rare
+    -3.67,  // ragged
+    -8.66,  // outside
+    7.60,   // worth
+    -3.24,  // unsplit
+    -4.83,  // torn
+    -4.53,  // cut-values
+    -0.84,  // left-together
+    -2.47,  // dangling
+    2.63,   // well-quoted
+    -2.53,  // lost-quotes
+    -4.66,  // wordy
+    -5.34,  // empty
+    -5.88,  // few
+    -6.95,  // one
+    -0.32,  // runs
+    -0.59,  // narrow
+    3.15,   // rest
+    -0.13,  // dense
+    1.77,   // framed
+    2.50,   // named
+    -3.32,  // clauses
+    -4.38,  // numbers-cut
+    5.12,   // tab
+    2.17,   // comma
+    1.62,   // semicolon
+    -1.20,  // colon
+    -1.06,  // bar
+    -0.81,  // blank
+    2.60,   // caret
+    1.02,   // control
+    1.21,   // several
+    -3.43,  // rare
     -3.02,  // no-table
-    4.47,   // prose
-    8.96,   // code
-    2.77,   // markup
-    5.20,   // keyed
-    3.83,   // indented
+    6.21,   // prose
+    7.73,   // code
+    2.74,   // markup
+    4.88,   // keyed
+    3.53,   // indented
+    3.93,   // spaced
 };
 
-inline constexpr double kNamesStart = -0.06;
+inline constexpr double kNamesStart = -0.23;
 inline constexpr NamesAmounts kNamesWeights = {
-    -2.70,  // value-among-names
-    2.44,   // text-over-values
-    -0.45,  // name-below
-    1.07,   // like-names
-    0.83,   // odd-length
-    1.21,   // no-data
-    -1.00,  // column-of-texts
+    -2.23,  // value-among-names
+    2.56,   // text-over-values
+    -0.83,  // name-below
+    1.09,   // like-names
+    0.84,   // odd-length
+    1.14,   // no-data
+    -0.71,  // column-of-texts
+    -1.53,  // shaped-alike
 };
 
 }  // namespace textio::assessment

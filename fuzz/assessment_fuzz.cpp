@@ -27,8 +27,10 @@ void check_probabilities(const Verdict& verdict) {
   require(std::abs(sum - 1) < 1e-9, "the probabilities sum to 1");
   require(std::abs(same - verdict.confidence) < 1e-9, "the confidence is that of the same answers");
   double rivals = 0;
-  for (const Rival& rival : rivals_of(verdict, verdict.hypotheses.size()))
+  for (const Rival& rival : rivals_of(verdict, verdict.hypotheses.size())) {
     rivals += rival.probability;
+    require(rival.probability <= verdict.confidence + 1e-9, "no rival is likelier than the answer");
+  }
   require(std::abs(verdict.confidence + rivals - 1) < 1e-9, "winner and rivals share all");
 }
 

@@ -54,6 +54,7 @@ struct Settings {
       settings.options.detect_delimiters = false;
       settings.options.delimiters = more.short_texts();
     }
+    settings.look_at_end = !more.flag();
   }
 
   DetectSettings settings;
@@ -132,11 +133,37 @@ void check_end(const Layout& layout, const DetectSettings& settings) {
   require(!layout.line_ending || has_ending, "a line ending has characters");
 }
 
+// A footer is below the data, and what is said about the rest of the text fits its length.
+void check_rest(const Layout& layout, const DetectSettings& settings) {
+  bool is_below = false;
+  for (const LineRun& run : layout.lines) {
+    is_below = is_below || run.role == LineRole::footer;
+    require(!is_below || run.role != LineRole::data, "no data below a footer");
+  }
+  require(!is_below || (layout.confidence && !layout.has_more_text), "a footer at the end");
+  const std::size_t looked_at = layout.lines.empty() ? 0 : layout.lines.back().last_line;
+  if (layout.lines_estimated) {
+    require(layout.has_more_text ? *layout.lines_estimated > looked_at
+                                 : *layout.lines_estimated == looked_at,
+            "as many lines as there are, or more than were looked at");
+  }
+  if (!layout.tail) return;
+  const standalone::TailLook& tail = *layout.tail;
+  require(settings.look_at_end && layout.has_more_text && layout.no_table.empty(),
+          "a look at an end beyond the sample");
+  require_equal("texts of the footer", tail.footer.size(),
+                std::min(tail.footer_lines, standalone::TailLook::kMostTexts));
+  for (const std::u16string& text : tail.footer) {
+    require(text.size() <= standalone::TailLook::kLongestText, "texts are cut");
+  }
+}
+
 void check_layout(const Layout& layout, const DetectSettings& settings) {
   check_separators(layout);
   check_names(layout);
   check_runs(layout);
   check_end(layout, settings);
+  check_rest(layout, settings);
 }
 
 // ---------------------------------------------------------------------------------------------

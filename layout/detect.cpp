@@ -1,6 +1,8 @@
 // The front door for plain C++: known facts become settings, and the layout becomes UTF-8.
 #include <vltextstream/detect.hpp>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include <vltextstream/layout/detect_input.hpp>
@@ -24,7 +26,9 @@ std::vector<Column> columns_of(const Layout& layout) {
   std::vector<Column> columns;
   columns.reserve(layout.classes.size());
   for (std::size_t i = 0; i < layout.classes.size(); ++i) {
-    columns.push_back({text_at(layout.names, i), text_at(layout.units, i), layout.classes[i]});
+    const bool has_facts = i < layout.columns.size();
+    columns.push_back({text_at(layout.names, i), text_at(layout.units, i), layout.classes[i],
+                       has_facts ? layout.columns[i].kind : ColumnKind::empty});
   }
   return columns;
 }
@@ -32,6 +36,19 @@ std::vector<Column> columns_of(const Layout& layout) {
 std::string decider_of(const Layout& layout) {
   const bool is_filter = layout.selection_end == detection::SelectionEnd::single_survivor;
   return is_filter ? layout.decided_by : std::string(to_string(layout.selection_end));
+}
+
+std::string text_of(std::optional<char16_t> unit) {
+  return unit ? to_utf8_lossy(std::u16string(1, *unit)) : std::string();
+}
+
+Rival rival_of(const standalone::Rival& rival) {
+  Layout layout;
+  layout.mode = rival.mode;
+  layout.delimiters = rival.delimiters;
+  layout.widths = rival.widths;
+  return {dialect_of(layout), text_of(rival.quote), rival.num_variables,
+          rival.probability,  rival.reason,         rival.no_table};
 }
 
 Detection detection_of(Layout layout) {
@@ -57,12 +74,34 @@ Detection detection_of(Layout layout) {
   found.confidence = layout.confidence;
   found.no_table = std::move(layout.no_table);
   found.decided_by = decider_of(layout);
+  found.quote = text_of(layout.quote);
+  found.escape = text_of(layout.escape);
+  std::transform(layout.rivals.begin(), layout.rivals.end(), std::back_inserter(found.rivals),
+                 rival_of);
+  found.evidence = std::move(layout.evidence);
   return found;
+}
+
+// What a text does not have, with the name of the member in the place of that of the option.
+GivenMismatch mismatch_of_member(const GivenMismatch& mismatch) {
+  constexpr std::pair<std::string_view, std::string_view> kNames[] = {
+      {"VariableNamesLine: E", "Known::names_line: e"},
+      {"VariableUnitsLine: E", "Known::units_line: e"},
+  };
+  std::string message = mismatch.what();
+  for (const auto& [option, member] : kNames) {
+    if (message.starts_with(option)) message.replace(0, option.size(), member);
+  }
+  return GivenMismatch(message);
 }
 
 template <typename Source>
 Detection detect(const Source& source, const DetectSettings& settings) {
-  return detection_of(detect_input(InputText(source, settings), settings));
+  try {
+    return detection_of(detect_input(InputText(source, settings), settings));
+  } catch (const GivenMismatch& mismatch) {
+    throw mismatch_of_member(mismatch);
+  }
 }
 
 }  // namespace

@@ -5,10 +5,15 @@
 #include <stdexcept>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include <vltextstream/assessment/verdict.hpp>
+#include <vltextstream/detection/fixed_stream.hpp>
 #include <vltextstream/detection/strategy_selector.hpp>
+#include <vltextstream/layout/beyond_sample.hpp>
 #include <vltextstream/layout/binary_look.hpp>
 #include <vltextstream/layout/detect_input.hpp>
+#include <vltextstream/layout/given_settings.hpp>
 #include <vltextstream/layout/input_text.hpp>
 #include <vltextstream/layout/judged_layout.hpp>
 #include <vltextstream/layout/line_roles.hpp>
@@ -129,25 +134,76 @@ void describe_table(Strategy& strategy, const DetectSettings& settings, TextLine
   describe_lines(table, names, layout);
 }
 
-// Whether nothing is given that only the cascade obeys.
-bool may_assess(const DetectSettings& settings) {
-  static const parser::options defaults;
-  const parser::options& given = settings.options;
-  return settings.judge == Judge::assessment && settings.num_lines > 0 && given.detect_delimiters &&
-         given.detect_header_lines && given.detect_num_variables && given.comment_style.empty() &&
-         given.line_endings == defaults.line_endings && given.whitespace == defaults.whitespace &&
-         given.parser_type == defaults.parser_type;
-}
-
 CascadeAnswer cascade_answer(const Layout& layout) {
   return {layout.mode,         layout.delimiters,    layout.widths,
           layout.header_lines, layout.num_variables, false};
 }
 
-// Without a value, the answer for the whole sample may be another one.
-std::optional<Layout> layout_of(const TextPrefix& prefix, const DetectSettings& settings) {
-  const datetime::DateLocaleScope date_locale(settings.options.date_locale);
+// A layout, and what its table is like if the assessment found it.
+struct FoundLayout {
   Layout layout;
+  std::optional<assessment::TableProfile> profile;
+};
+
+// Whether the text ends with the sample. The stream has loaded more than is asked for here.
+bool ends_with(const TextPrefix& sample, const TextStream& stream) {
+  return sample.text.length < kSampleUnits && stream.at(sample.text.length) == TextStream::kEnd;
+}
+
+// What the cascade answers. Nothing if it was not asked.
+void describe_cascade(Strategy& strategy, Layout& layout) {
+  if (layout.selection_end == SelectionEnd::given) return;
+  describe_separators(strategy, layout);
+  layout.header_lines = strategy.header_lines();
+  layout.num_variables = static_cast<std::size_t>(std::max(strategy.num_variables(), 1L));
+  layout.cascade = cascade_answer(layout);
+}
+
+enum class Assessment { described, without_table, may_change };
+
+// Frees the strategy, whose sample may be large, unless it may still be needed.
+Assessment assess(const TextPrefix& prefix, const TextStream& stream,
+                  const DetectSettings& settings, std::shared_ptr<Strategy>& strategy,
+                  FoundLayout& found) {
+  Layout& layout = found.layout;
+  describe_cascade(*strategy, layout);
+  const assessment::Given given = given_of(settings);
+  if (!may_leave_no_table(given)) strategy.reset();
+  const assessment::Verdict verdict =
+      assessment::judge(view_of(prefix.text), settings.num_lines, given);
+  const bool reached_prefix_end = verdict.lines.end() >= prefix.text.length;
+  if (reached_prefix_end && !prefix.is_sample) return Assessment::may_change;
+  if (const auto problem = assessment::problem_with_lines(given, verdict.lines)) {
+    throw GivenMismatch(*problem);
+  }
+  if (verdict.hypotheses.empty()) {
+    layout.delimiters.clear();
+    layout.cascade.reset();
+    return Assessment::without_table;
+  }
+  const std::size_t columns = verdict.winner().table.columns;
+  if (given.row_names_column > columns) {
+    throw GivenMismatch(fmt::format("RowNamesField: Expected a column from 1 to {}, got {}.",
+                                    columns, given.row_names_column));
+  }
+  const bool ends = reached_prefix_end && ends_with(prefix, stream);
+  found.profile = describe_verdict(verdict, settings, ends, layout);
+  // However few of them occur.
+  const bool has_given_delimiters = given.delimiters && given.widths.empty();
+  if (has_given_delimiters) {
+    layout.mode = LayoutMode::delimited;
+    layout.delimiters = *given.delimiters;
+  }
+  return Assessment::described;
+}
+
+// Without a value, the answer for the whole sample may be another one.
+std::optional<FoundLayout> layout_of(const TextPrefix& prefix, const TextStream& stream,
+                                     const DetectSettings& settings) {
+  check_settings(settings);
+  const datetime::DateLocaleScope date_locale(settings.options.date_locale);
+  FoundLayout found;
+  Layout& layout = found.layout;
   auto [strategy, reached_end] = find_strategy(prefix.text, settings, layout);
   TextLines text_lines(prefix.text, settings.options);
   const FieldExtent first_line = text_lines.line();
@@ -155,18 +211,14 @@ std::optional<Layout> layout_of(const TextPrefix& prefix, const DetectSettings& 
       reached_end || first_line_reaches_end(first_line, prefix.text, settings.options);
   if (may_change && !prefix.is_sample) return std::nullopt;
   layout.line_ending = ending_of(first_line);
-  const bool is_assessed = may_assess(settings) && layout.selection_end != SelectionEnd::given;
+  bool is_assessed = may_assess(settings);
+  Assessment assessed = Assessment::without_table;
   if (is_assessed && !assessment::is_blank(view_of(prefix.text))) {
-    describe_separators(*strategy, layout);
-    layout.header_lines = strategy->header_lines();
-    layout.num_variables = static_cast<std::size_t>(std::max(strategy->num_variables(), 1L));
-    layout.cascade = cascade_answer(layout);
-    strategy.reset();  // its sample may be large
-    const assessment::Verdict verdict = assessment::judge(view_of(prefix.text), settings.num_lines);
-    const bool reached_prefix_end = verdict.lines.end() >= prefix.text.length;
-    if (reached_prefix_end && !prefix.is_sample) return std::nullopt;
-    describe_verdict(verdict, settings, layout);
-  } else {
+    assessed = assess(prefix, stream, settings, strategy, found);
+    if (assessed == Assessment::may_change) return std::nullopt;
+    is_assessed = assessed == Assessment::described;
+  }
+  if (assessed == Assessment::without_table) {
     describe_table(*strategy, settings, text_lines, layout);
     layout.lines_sampled = strategy->lines().size();
     layout.characters_sampled =
@@ -174,49 +226,63 @@ std::optional<Layout> layout_of(const TextPrefix& prefix, const DetectSettings& 
     if (is_assessed) {
       layout.confidence = 1.0;
       layout.no_table = "empty";
+      found.profile.emplace();
     }
   }
   layout.looks_binary = looks_binary({prefix.text.data, layout.characters_sampled});
   if (layout.looks_binary && is_assessed) layout.no_table = "binary data";
-  return layout;
+  return found;
 }
 
 // The layout of the first of the prefixes, from `units` code units on, that is long enough.
 // `get_prefix` gives the prefix of a length.
 template <typename GetPrefix>
-Layout layout_of_prefixes(GetPrefix get_prefix, const DetectSettings& settings, std::size_t units) {
+FoundLayout layout_of_prefixes(GetPrefix get_prefix, const TextStream& stream,
+                               const DetectSettings& settings, std::size_t units) {
   for (;; units *= kPrefixGrowth) {
-    if (auto layout = layout_of(get_prefix(units), settings)) return *std::move(layout);
+    auto found = layout_of(get_prefix(units), stream, settings);
+    if (!found) continue;
+    Layout& layout = found->layout;
+    layout.has_more_text = stream.at(layout.characters_sampled) != TextStream::kEnd;
+    return *std::move(found);
   }
 }
 
-bool goes_on(const TextStream& text, const Layout& layout) {
-  return text.at(layout.characters_sampled) != TextStream::kEnd;
-}
-
-Layout layout_of_input(InputText& input, const DetectSettings& settings, std::size_t units) {
+FoundLayout layout_of_input(InputText& input, const DetectSettings& settings, std::size_t units) {
   const auto get_prefix = [&input](std::size_t length) { return input.prefix(length); };
-  Layout layout = layout_of_prefixes(get_prefix, settings, units);
-  layout.has_more_text = goes_on(input.text(), layout);
-  return layout;
+  return layout_of_prefixes(get_prefix, input.text(), settings, units);
 }
 
 // Case does not matter in names of options.
-bool is_encoding(std::string_view name) {
-  constexpr std::string_view kUpperCase = "ENCODING";
-  return std::equal(name.begin(), name.end(), kUpperCase.begin(), kUpperCase.end(),
+bool is_named(std::string_view name, std::string_view upper_case) {
+  return std::equal(name.begin(), name.end(), upper_case.begin(), upper_case.end(),
                     [](char c, char upper) { return c == upper || c == upper - 'A' + 'a'; });
+}
+
+// The texts of an option that has been checked: those of delimiters have the same escapes.
+std::vector<std::u16string> texts_of(const Array& value) {
+  parser::options record;
+  apply_options(record, {{"Delimiter", value}});
+  return record.delimiters;
 }
 
 }  // namespace
 
+void apply_option(DetectSettings& settings, const NameValue& option) {
+  parser::options& record = settings.options;
+  const auto& [name, value] = option;
+  apply_options(record, {option});
+  if (is_named(name, "ENCODING")) settings.encoding = to_utf8(record.encoding);
+  if (is_named(name, "VARIABLENAMESLINE")) settings.names_line = record.variable_names_line;
+  if (is_named(name, "VARIABLEUNITSLINE")) settings.units_line = record.variable_units_line;
+  if (is_named(name, "TREATASMISSING") || is_named(name, "TREATASEMPTY")) {
+    settings.missing = texts_of(value);
+  }
+}
+
 DetectSettings settings_with(const std::vector<NameValue>& options) {
   DetectSettings settings;
-  apply_options(settings.options, options);
-  const bool names_encoding =
-      std::any_of(options.begin(), options.end(),
-                  [](const NameValue& option) { return is_encoding(option.first); });
-  if (names_encoding) settings.encoding = to_utf8(settings.options.encoding);
+  for (const NameValue& option : options) apply_option(settings, option);
   return settings;
 }
 
@@ -233,16 +299,19 @@ Layout detect_input(InputText&& input, const DetectSettings& settings) {
 }
 
 Layout detect_input(InputText&& input, const DetectSettings& settings, std::size_t units) {
-  Layout layout = layout_of_input(input, settings, units);
-  if (!input.confirm_encoding(layout.characters_sampled)) {
-    layout = layout_of_input(input, settings, units);
-    input.confirm_encoding(layout.characters_sampled);
+  FoundLayout found = layout_of_input(input, settings, units);
+  if (!input.confirm_encoding(found.layout.characters_sampled)) {
+    found = layout_of_input(input, settings, units);
+    input.confirm_encoding(found.layout.characters_sampled);
   }
+  Layout& layout = found.layout;
   layout.encoding = input.encoding().name;
   layout.encoding_found = input.encoding().found;
   layout.encoding_confidence = input.encoding().confidence;
   layout.ill_formed_parts = input.ill_formed_parts();
-  return layout;
+  layout.dialect.has_byte_order_mark = layout.encoding_found == EncodingFound::byte_order_mark;
+  if (found.profile) look_beyond_sample(input, *found.profile, settings, layout);
+  return std::move(layout);
 }
 
 Layout detect_layout(const std::string& path, const DetectSettings& settings) {
@@ -258,9 +327,13 @@ Layout detect_layout(std::u16string_view text, const DetectSettings& settings) {
   const auto get_prefix = [&](std::size_t units) {
     return prefix_of(stream, settings.options.line_endings, units);
   };
-  Layout layout = layout_of_prefixes(get_prefix, settings, first_prefix_units(settings));
-  layout.has_more_text = goes_on(stream, layout);
-  return layout;
+  FoundLayout found =
+      layout_of_prefixes(get_prefix, stream, settings, first_prefix_units(settings));
+  if (found.profile) {
+    const std::size_t length = stream.find_first_pos_of(TextStream::kEnd, 0);
+    look_beyond_sample({folded.data(), length}, *found.profile, settings, found.layout);
+  }
+  return std::move(found.layout);
 }
 
 }  // namespace textio::standalone

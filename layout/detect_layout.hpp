@@ -13,14 +13,16 @@
 // Ownership  a layout is a plain value without views: copy it, keep it.
 // Errors     FileError when the file cannot be opened or a read fails; what is not read, because no
 //            line of it is needed, may be damaged. std::invalid_argument for an unknown encoding or
-//            DateLocale, for a width of 0, and (as OptionProblem) for options that are refused;
+//            DateLocale, for a width of 0, for settings that contradict one another, (as
+//            OptionProblem) for options that are refused, and (as GivenMismatch) for lines and
+//            columns that the text does not have;
 //            std::runtime_error when the decoder fails; std::bad_alloc, also when memory runs out in
 //            opening or reading the file.
 // Cost       of a large file as much is read as the lines need: the first 131,072 characters if they
 //            end in the first half of these, otherwise up to eight times as many, otherwise the
 //            largest sample, 4,194,304 characters, and little more. Each byte is read once, except
 //            that at most 64 KB are read again to find the encoding, and all of it where parts of it
-//            are ill-formed. A text is copied.
+//            are ill-formed. The last 64 KB of a large file are read as well. A text is copied.
 // Threads    calls are independent of one another and may share their settings.
 #pragma once
 
@@ -33,6 +35,7 @@
 
 #include <vltextstream/host/export.hpp>
 #include <vltextstream/layout/file_error.hpp>
+#include <vltextstream/layout/given_mismatch.hpp>
 #include <vltextstream/layout/layout.hpp>
 #include <vltextstream/options/parser_options.hpp>
 #include <vltextstream/standalone/services/array.hpp>
@@ -60,15 +63,50 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
   // sequences, need so many: the default is 15 bytes for each character of the largest sample.
   std::uint64_t max_bytes = 67'108'864;
 
-  // Who chooses the layout. What is given settles it without a choice if it is delimiters or widths. Where
-  // header lines, comments, line endings, white space or a number of variables are given, the cascade
-  // chooses, which obeys them.
+  // Who chooses the layout. Given delimiters or widths settle it without a choice. The cascade
+  // chooses, because only it obeys them, if line endings other than "\r\n", "\n" and "\r" are given, if white
+  // space is given that has no blank or has characters that are not white space, or if a parser
+  // type is given. The judge obeys all else, and its confidence is then among what is left to choose.
+  //
+  // What follows is obeyed by the judge alone.
   Judge judge = Judge::assessment;
+
+  // What is between the name of a group of columns and the name of a column below it: "Temperature.min".
+  std::u16string name_separator = u".";
+
+  // Look for a footer at the end of a text that goes on after the sample. Of a file that can be read there at
+  // once, the last 64 KB are read, if max_bytes allows. Nothing that goes wrong there is an error.
+  bool look_at_end = true;
+
+  // The lines of the text that hold the names and the units; 0: no line holds them. Without a value
+  // it is the line in `options`, unless that is 0. What precedes the last of these lines, and the one
+  // in options.variable_descriptions_line, is not searched for data. GivenMismatch if the text has no
+  // such line, or if it is more than three lines below the last of given header lines.
+  std::optional<std::size_t> names_line;
+  std::optional<std::size_t> units_line;
+
+  // What quotes fields, and what escapes a quote besides a second one: a backslash. U+0000: nothing does.
+  std::optional<char16_t> quote;
+  std::optional<char16_t> escape;
+
+  // The decimal mark of numbers, and the mark between groups of their digits: the columns are read with these.
+  std::optional<char16_t> decimal;
+  std::optional<char16_t> grouping;
+
+  // Cells with these texts are missing values: they do not count for the class of a column.
+  std::vector<std::u16string> missing;
 };
 
-// Settings with these options; an "Encoding" becomes `encoding`. Throws OptionProblem at the first
-// option that is refused.
+// Settings with these options. Throws OptionProblem at the first option that is refused.
 VLTEXTSTREAM_EXPORT DetectSettings settings_with(const std::vector<NameValue>& options);
+
+// Applies one option to the record of `settings`. "Encoding", "VariableNamesLine", "VariableUnitsLine",
+// "TreatAsMissing" and "TreatAsEmpty" become members of the settings as well.
+VLTEXTSTREAM_EXPORT void apply_option(DetectSettings& settings, const NameValue& option);
+
+// Throws std::invalid_argument for settings that cannot be obeyed or contradict one another, as every detection
+// does. The message begins with the name of an option, or of a member in its spelling: "Quote: Expected ...".
+VLTEXTSTREAM_EXPORT void check_settings(const DetectSettings& settings);
 
 // The layout of the file at `path`, a path in the file system's own bytes.
 VLTEXTSTREAM_EXPORT Layout detect_layout(const std::string& path,

@@ -6,13 +6,16 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
+#include <stdexcept>
 #include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include <vltextstream/host/code_converter.hpp>
 #include <vltextstream/host/file_layer.hpp>
 #include <vltextstream/standalone/decoding/utf_text.hpp>
+#include <vltextstream/standalone/files/end_look.hpp>
 #include <vltextstream/standalone/files/memory_bytes.hpp>
 #include <vltextstream/standalone/files/read_limit.hpp>
 #include <vltextstream/standalone/files/read_problem.hpp>
@@ -140,6 +143,7 @@ void InputText::read(File file) {
 void InputText::decode(File file) {
   stream_.reset();
   source_ = std::make_unique<FileTextSource>();
+  file_ = file.get();
   source_->init_stream(file.release(), encoding_.name);
   stream_ = std::make_unique<TextStream>(source_.get());
   refuse_read_errors();
@@ -159,6 +163,7 @@ TextPrefix InputText::prefix(std::size_t units) {
 bool InputText::confirm_encoding(std::size_t length) {
   const ReadLimitScope limit(settings_.max_bytes);
   const std::u16string_view evidence = first_characters(std::max(length, kEvidenceUnits));
+  note_loaded();
   ill_formed_parts_ = ill_formed_among(evidence.substr(0, length));
   if (encoding_.found != EncodingFound::valid_utf8) return true;
   const std::size_t contradictions = ill_formed_among(evidence);
@@ -174,6 +179,15 @@ std::u16string_view InputText::first_characters(std::size_t most) const {
   refuse_read_errors();
   const std::size_t length = is_full ? most : stream_->find_first_pos_of(TextStream::kEnd, 0);
   return {stream_->window_begin(), length};
+}
+
+// The buffer of the stream is full unless the text has ended in it.
+void InputText::note_loaded() {
+  BufferManager* const buffer = source_->getBufferManager();
+  const auto room = static_cast<std::size_t>(buffer->end() - buffer->begin());
+  is_all_loaded_ = stream_->at(room - 1) == TextStream::kEnd;
+  units_loaded_ = is_all_loaded_ ? stream_->find_first_pos_of(TextStream::kEnd, 0) : room;
+  bytes_loaded_ = static_cast<std::uint64_t>(std::max<source_pos>(source_->getPos(), 0));
 }
 
 // The converter counts what it has decoded for all that is loaded. Of the characters at the start of
@@ -199,7 +213,10 @@ bool InputText::is_other_past_the_head() {
   Preview preview(file.get(), name_);
   preview.go_back();
   FoundEncoding found = encoding_past_ascii(preview);
-  if (found.name == encoding_.name) return false;
+  if (found.name == encoding_.name) {
+    source_->init_stream(file.release(), encoding_.name);  // for a look at the end
+    return false;
+  }
   preview.go_back();
   encoding_ = std::move(found);
   decode(std::move(file));
@@ -215,6 +232,33 @@ void InputText::doubt_utf8(std::u16string_view characters, std::size_t contradic
   encoding_.found = EncodingFound::statistics;
   encoding_.confidence =
       std::max(0.0, 1.0 - parts / std::max(parts, static_cast<double>(above_ascii)));
+}
+
+std::optional<std::uint64_t> InputText::num_bytes() {
+  const EndLookScope look;
+  if (source_->read_error() != 0 || ::fseeko64(file_, 0, SEEK_END) != 0) return std::nullopt;
+  const off64_t size = ::ftello64(file_);
+  return size >= 0 ? std::optional(static_cast<std::uint64_t>(size)) : std::nullopt;
+}
+
+std::optional<std::u16string> InputText::end_from(std::uint64_t begin, std::size_t count) {
+  const EndLookScope look;
+  try {
+    std::u16string text = read_from(begin, count);
+    const bool is_whole =
+        source_->read_error() == 0 && source_->getPos() >= static_cast<source_pos>(begin + count);
+    return is_whole ? std::optional(std::move(text)) : std::nullopt;
+  } catch (const std::runtime_error&) {
+    return std::nullopt;  // the decoder failed
+  }
+}
+
+// The converter keeps the byte order that a mark at the start of the file has set.
+std::u16string InputText::read_from(std::uint64_t begin, std::size_t count) {
+  std::u16string text(count, u'\0');
+  source_->skipFromPos(static_cast<source_pos>(begin), 0);
+  text.resize(source_->fillBuffer(text.data(), text.data() + count));
+  return text;
 }
 
 }  // namespace textio::standalone

@@ -11,12 +11,14 @@
 //            unknown encoding.
 // Cost       each byte of the longest prefix is read once, the first 64 KB twice. If an answer rests
 //            on ill-formed parts, its characters are decoded once more, and if they are not UTF-8,
-//            all of it is done again.
+//            all of it is done again. The end of the text is read only on request.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -61,6 +63,20 @@ class InputText {
   // The ill-formed parts in these characters; 0 before.
   std::size_t ill_formed_parts() const { return ill_formed_parts_; }
 
+  // --- after confirm_encoding was true
+
+  // The text as far as it is loaded, whether that is all of it, and how many bytes were read for it.
+  std::u16string_view loaded() const { return {stream_->window_begin(), units_loaded_}; }
+  bool is_all_loaded() const { return is_all_loaded_; }
+  std::uint64_t bytes_loaded() const { return bytes_loaded_; }
+
+  // The number of bytes of the file; no value if it would have to be read or unpacked for this.
+  std::optional<std::uint64_t> num_bytes();
+
+  // The text of the last `count` bytes, which begin at position `begin`, a multiple of the code units of the
+  // encoding; the first character may be cut. No value if they cannot be read, or the file has got shorter.
+  std::optional<std::u16string> end_from(std::uint64_t begin, std::size_t count);
+
  private:
   struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -74,13 +90,19 @@ class InputText {
   bool is_other_past_the_head();
   void doubt_utf8(std::u16string_view characters, std::size_t contradictions);
   std::u16string_view first_characters(std::size_t most) const;
+  void note_loaded();
+  std::u16string read_from(std::uint64_t begin, std::size_t count);
 
   std::string name_;  // of the input, in messages
   const DetectSettings& settings_;
   FoundEncoding encoding_;
   std::unique_ptr<FileTextSource> source_;
   std::unique_ptr<TextStream> stream_;
+  std::FILE* file_ = nullptr;  // the source owns it
   std::size_t ill_formed_parts_ = 0;
+  std::size_t units_loaded_ = 0;
+  std::uint64_t bytes_loaded_ = 0;
+  bool is_all_loaded_ = false;
 };
 
 }  // namespace textio::standalone

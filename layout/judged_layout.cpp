@@ -8,8 +8,12 @@
 #include <fmt/format.h>
 
 #include <vltextstream/assessment/cell_kind.hpp>
+#include <vltextstream/assessment/cuts.hpp>
 #include <vltextstream/assessment/sentences.hpp>
 #include <vltextstream/assessment/unit_symbols.hpp>
+#include <vltextstream/layout/given_settings.hpp>
+#include <vltextstream/layout/table_columns.hpp>
+#include <vltextstream/layout/unique_names.hpp>
 #include <vltextstream/scoring/datatype_recognizers.hpp>
 #include <vltextstream/strategy/field.hpp>
 
@@ -27,7 +31,8 @@ constexpr std::size_t kMostRivals = 3;
 constexpr double kLeastProbability = 0.005;  // of a rival that is worth mentioning
 constexpr double kLeastWorth = 0.5;          // of evidence that is
 constexpr std::size_t kCellsClassified = 9;  // in each column
-constexpr double kUndecided = 0.1;           // on both sides of one half
+constexpr double kUndecided = 0.15;          // on both sides of one half
+constexpr double kLikelyNames = 0.2;         // then the first record is not taken for data
 constexpr std::size_t kLongestRemark = 32;
 
 LayoutMode mode_of(const Reading& reading) {
@@ -38,6 +43,7 @@ LayoutMode mode_of(const Reading& reading) {
     case Form::runs:
       return LayoutMode::space_aligned;
     case Form::gaps:
+    case Form::fields:
       return LayoutMode::fixed_width;
     case Form::one:
     case Form::none:
@@ -56,6 +62,30 @@ std::vector<std::u16string> delimiters_of(const Reading& reading) {
       return {};
   }
 }
+
+// Texts and how often each occurs.
+class Tally {
+ public:
+  void add(std::u16string_view text) {
+    const auto same = std::find_if(counts_.begin(), counts_.end(),
+                                   [&](const auto& each) { return each.first == text; });
+    if (same == counts_.end()) {
+      counts_.emplace_back(text, 1);
+    } else {
+      ++same->second;
+    }
+  }
+
+  // The most frequent first; of equally frequent ones, that which came first.
+  std::vector<std::pair<std::u16string, std::size_t>> take() {
+    std::stable_sort(counts_.begin(), counts_.end(),
+                     [](const auto& a, const auto& b) { return a.second > b.second; });
+    return std::move(counts_);
+  }
+
+ private:
+  std::vector<std::pair<std::u16string, std::size_t>> counts_;
+};
 
 std::optional<char16_t> unit_or_none(char16_t unit) {
   return unit != 0 ? std::optional<char16_t>(unit) : std::nullopt;
@@ -76,19 +106,22 @@ bool is_left_aligned(const Verdict& verdict, const Hypothesis& hypothesis, std::
 }
 
 // The blanks between two columns belong to the one before if the cells of the next begin where it begins, and
-// otherwise to the next: longer values need them. The last column ends with the longest line.
+// otherwise to the next: longer values need them. The last column ends with the longest line of the table, fields
+// where they end.
 std::vector<std::size_t> widths_of(const Verdict& verdict, const Hypothesis& hypothesis) {
-  const Records& records = verdict.cut_of(hypothesis).records;
+  const auto& [reading, records] = verdict.cut_of(hypothesis);
+  if (!reading.widths.empty()) return reading.widths;
   const std::size_t size = records.column_starts.size();
   std::vector<std::size_t> widths;
   std::size_t longest = 0;
-  for (std::size_t k = 0; k < verdict.lines.size(); ++k) {
-    longest = std::max(longest, verdict.lines.view(k).size());
+  for (const std::size_t row : hypothesis.table.data) {
+    longest = std::max(longest, verdict.lines.view(records[row].line).size());
   }
   std::size_t begin = 0;
   for (std::size_t c = 0; c < size; ++c) {
     const bool is_last = c + 1 == size;
-    std::size_t end = std::max(longest, begin + 1);
+    std::size_t end =
+        reading.form == Form::fields ? records.column_ends[c] : std::max(longest, begin + 1);
     if (!is_last) {
       end = is_left_aligned(verdict, hypothesis, c + 1) ? records.column_starts[c + 1]
                                                         : records.column_ends[c];
@@ -101,21 +134,32 @@ std::vector<std::size_t> widths_of(const Verdict& verdict, const Hypothesis& hyp
 
 class VerdictDescription {
  public:
-  VerdictDescription(const Verdict& verdict, const DetectSettings& settings, Layout& layout)
+  VerdictDescription(const Verdict& verdict, const DetectSettings& settings, bool ends,
+                     Layout& layout)
       : verdict_(verdict),
         winner_(verdict.winner()),
         cut_(verdict.cut_of(winner_)),
         records_(cut_.records),
-        table_(winner_.table),
+        profile_(profile_of(verdict)),
+        ends_(ends),
+        first_footer_(ends ? first_footer(verdict.lines, records_, winner_.table, profile_)
+                           : records_.size()),
+        table_(without_footer(winner_.table, first_footer_)),
         settings_(settings),
+        given_(given_of(settings)),
         layout_(layout) {}
+
+  const assessment::TableProfile& profile() const { return profile_; }
 
   void describe() {
     describe_separators();
     describe_names();
     find_units();
+    find_units_in_names();
+    describe_given_lines();
     describe_columns();
     describe_lines();
+    describe_dialect();
     describe_evidence();
     describe_rivals();
     layout_.characters_sampled = verdict_.lines.end();
@@ -126,6 +170,26 @@ class VerdictDescription {
   const Reading& reading() const { return cut_.reading; }
   bool is_none() const { return reading().form == Form::none; }
 
+  static assessment::TableProfile profile_of(const Verdict& verdict) {
+    const Hypothesis& winner = verdict.winner();
+    const assessment::Cut& cut = verdict.cut_of(winner);
+    const bool has_names =
+        verdict.names.probability > kLikelyNames && !verdict.names.is_above_table;
+    return assessment::profile_of(cut.records, cut.reading, winner.table, winner.kinds,
+                                  has_names ? winner.table.names_rows : 0);
+  }
+
+  static assessment::TableFrame without_footer(assessment::TableFrame table,
+                                               std::size_t first_footer) {
+    while (!table.data.empty() && table.data.back() >= first_footer) table.data.pop_back();
+    return table;
+  }
+
+  static std::string no_table_of(const Reading& reading, const Hypothesis& hypothesis) {
+    return reading.form == Form::none ? assessment::kind_of_text(hypothesis.amounts)
+                                      : std::string();
+  }
+
   void describe_separators() {
     layout_.mode = mode_of(reading());
     layout_.delimiters = delimiters_of(reading());
@@ -135,8 +199,9 @@ class VerdictDescription {
     layout_.num_variables = table_.columns;
     if (reading().form == Form::runs) layout_.least_blanks = reading().least_blanks;
     layout_.joins_times = records_.joins_times;
+    layout_.rest_in_last = reading().most_cells > 0;
     layout_.confidence = verdict_.confidence;
-    if (is_none()) layout_.no_table = assessment::kind_of_text(winner_.amounts);
+    layout_.no_table = no_table_of(reading(), winner_);
   }
 
   // -------------------------------------------------------------------------------------------
@@ -154,8 +219,15 @@ class VerdictDescription {
       has_names_ = true;
       layout_.names_line = line;
       layout_.names = names_texts();
-      layout_.names_source = NamesSource::line_after_header;
-      layout_.names_reason = assessment::names_reason(names, true);
+      const bool is_header_line = line <= given_.header_lines.value_or(0);
+      layout_.names_source =
+          is_header_line ? NamesSource::last_header_line : NamesSource::line_after_header;
+      layout_.names_reason = names.is_given ? fmt::format("line {} was given", line)
+                                            : assessment::names_reason(names, true);
+      return;
+    }
+    if (names.is_given) {
+      layout_.names_reason = "it was given that no line holds them";
       return;
     }
     layout_.names_candidate = line;
@@ -180,7 +252,8 @@ class VerdictDescription {
     for (std::size_t c = 0; c < texts.size(); ++c) {
       const std::u16string above = text_of(groups[c]);
       if (!above.empty()) group = above;
-      if (!group.empty() && !texts[c].empty()) texts[c] = group + u'.' + texts[c];
+      if (!group.empty() && !texts[c].empty())
+        texts[c] = group + settings_.name_separator + texts[c];
       if (texts[c].empty()) texts[c] = above;
     }
     return texts;
@@ -204,27 +277,81 @@ class VerdictDescription {
     return out;
   }
 
-  // The record below the names, if each of its cells is a unit, a remark over texts, or says that there is none.
+  // The record below the names, if no cell of it is a value, and of those over values at least a third are units
+  // or say that there is none, and one is a unit. The others may be units that nobody has heard of.
   void find_units() {
-    if (!has_names_) return;
+    if (!has_names_ || given_.units_line || find_units_in_header()) return;
     const std::size_t row = names_rows();
     if (row + 1 >= table_.data.size()) return;
     const auto cells = records_.cells(table_.data[row]);
+    std::size_t over_values = 0;
+    std::size_t known = 0;
     bool has_unit = false;
     for (std::size_t c = 0; c < cells.size(); ++c) {
       const std::u16string_view text = assessment::trimmed(records_.view(cells[c]));
       const bool is_unit = assessment::is_unit(text) || assessment::is_time_pattern(text);
-      const bool above_values = assessment::is_value(kind_below(row, c));
-      const bool fits = above_values ? is_unit || assessment::is_no_unit(text)
-                                     : text.size() <= kLongestRemark &&
-                                           !assessment::is_value(assessment::kind_of(text));
-      if (!fits) return;
-      has_unit = has_unit || (above_values && is_unit);
+      const bool may_be_unit =
+          text.size() <= kLongestRemark && !assessment::is_value(kind_at(row, c));
+      if (!is_unit && !may_be_unit) return;
+      if (!assessment::is_value(kind_below(row, c))) continue;
+      ++over_values;
+      known += is_unit || assessment::is_no_unit(text);
+      has_unit = has_unit || is_unit;
     }
-    if (!has_unit) return;
+    if (!has_unit || 3 * known < over_values) return;
     has_units_ = true;
     layout_.units_line = line_of(table_.data[row]) + 1;
     for (const Cell& cell : cells) layout_.units.push_back(text_of(cell));
+  }
+
+  // Units that are part of the names.
+  void find_units_in_names() {
+    if (layout_.units_line || given_.units_line.value_or(0) > 0) return;
+    std::vector<std::u16string> units;
+    bool has_unit = false;
+    for (const std::u16string& name : layout_.names) {
+      units.emplace_back(assessment::unit_in_name(name));
+      has_unit = has_unit || !units.back().empty();
+    }
+    if (has_unit) layout_.units = std::move(units);
+  }
+
+  // The line above or below the names, where these are in a header line.
+  bool find_units_in_header() {
+    const std::size_t names = verdict_.names.line;
+    if (!verdict_.lines.is_hidden(names)) return false;
+    for (const std::size_t line : {names - 1, names + 1}) {
+      const bool is_hidden = line < verdict_.lines.size() && verdict_.lines.is_hidden(line);
+      if (!is_hidden || !assessment::holds_units(verdict_.lines, line, cut_, table_.columns))
+        continue;
+      layout_.units_line = line + 1;
+      layout_.units = texts_in(line + 1);
+      return true;
+    }
+    return false;
+  }
+
+  void describe_given_lines() {
+    const std::size_t units = given_.units_line.value_or(0);
+    const std::size_t descriptions = given_.descriptions_line;
+    if (units > 0) {
+      layout_.units_line = units;
+      layout_.units = texts_in(units);
+    }
+    if (descriptions > 0) {
+      layout_.descriptions_line = descriptions;
+      layout_.descriptions = texts_in(descriptions);
+    }
+  }
+
+  // The cells of a line that is counted from 1.
+  std::vector<std::u16string> texts_in(std::size_t line) const {
+    std::vector<std::u16string> texts;
+    for (const std::u16string_view cell :
+         assessment::cells_of_line(verdict_.lines, line - 1, cut_, table_.columns)) {
+      texts.push_back(plain(cell));
+    }
+    return texts;
   }
 
   assessment::CellKind kind_below(std::size_t row, std::size_t column) const {
@@ -245,7 +372,36 @@ class VerdictDescription {
 
   void describe_columns() {
     layout_.classes.clear();
-    for (std::size_t c = 0; c < table_.columns; ++c) layout_.classes.push_back(class_of_column(c));
+    if (is_none()) {
+      layout_.classes.push_back(class_of_column(0));
+      return;
+    }
+    const std::size_t first = std::min(first_data(), table_.data.size());
+    data_.assign(table_.data.begin() + static_cast<std::ptrdiff_t>(first), table_.data.end());
+    columns_ = standalone::describe_columns(verdict_, data_, layout_.names, settings_);
+    for (std::size_t c = 0; c < table_.columns; ++c) {
+      const bool has_kind = c < columns_.facts.size();
+      layout_.classes.push_back(has_kind ? class_of_kind(columns_.facts[c].kind, c)
+                                         : class_of_column(c));
+    }
+    layout_.dialect.missing = columns_.missing();
+    layout_.columns = std::move(columns_.facts);
+    layout_.names_unique = unique_names(layout_.names, layout_.columns.size());
+  }
+
+  // Numbers are what their marks make them. Of all else the class is that of most cells, which the host says
+  // of dates.
+  DatatypeCode class_of_kind(ColumnKind kind, std::size_t column) const {
+    switch (kind) {
+      case ColumnKind::integer:
+      case ColumnKind::decimal:
+      case ColumnKind::scientific:
+        return DatatypeCode::number;
+      case ColumnKind::empty:
+        return DatatypeCode::empty;
+      default:
+        return class_of_column(column);
+    }
   }
 
   // The most frequent class among some filled cells from all over the data; of equally frequent ones the
@@ -271,15 +427,22 @@ class VerdictDescription {
   }
 
   assessment::CellKind kind_at(std::size_t row, std::size_t column) const {
+    const std::u16string_view text = records_.view(records_.cells(table_.data[row])[column]);
+    if (is_missing(assessment::trimmed(text), settings_)) return assessment::CellKind::missing;
     if (row < winner_.kinds.size()) return winner_.kinds.at(row, column);
-    return assessment::kind_of(records_.view(records_.cells(table_.data[row])[column]));
+    return assessment::kind_of(text);
   }
 
   DatatypeCode class_of(std::size_t row, std::size_t column) const {
     const Cell& cell = records_.cells(table_.data[row])[column];
     if (kind_at(row, column) == assessment::CellKind::missing) return DatatypeCode::empty;
-    const Field field(records_.text().data() + cell.begin, cell.end - cell.begin);
-    return classify_field(field, settings_.options.whitespace);
+    const std::u16string& whitespace = settings_.options.whitespace;
+    if (!has_other_exponents(settings_)) {
+      const Field field(records_.text().data() + cell.begin, cell.end - cell.begin);
+      return classify_field(field, whitespace);
+    }
+    const std::u16string text = with_usual_exponent(records_.view(cell), settings_);
+    return classify_field(Field(text.data(), text.size()), whitespace);
   }
 
   // -------------------------------------------------------------------------------------------
@@ -298,14 +461,23 @@ class VerdictDescription {
       add_record(i);
     }
     add_lines_between(line, verdict_.lines.size());
+    if (given_.header_lines) layout_.header_lines = *given_.header_lines;
   }
 
   // Lines that are no records: blank ones, rules, and a record that the end of the sample cuts.
   void add_lines_between(std::size_t begin, std::size_t end) {
     for (std::size_t k = begin; k < end; ++k) {
-      add_run(assessment::is_blank(verdict_.lines.view(k)) ? LineRole::blank : LineRole::comment, k,
-              1);
+      const bool is_rule = !assessment::is_blank(verdict_.lines.view(k));
+      add_run(is_rule ? LineRole::comment : role_of_hidden(k), k, 1);
     }
+  }
+
+  // Of a line that is blank, or that is known not to be a record.
+  LineRole role_of_hidden(std::size_t line) const {
+    if (assessment::is_blank(verdict_.lines.whole(line))) return LineRole::blank;
+    if (has_names_ && verdict_.names.line == line) return LineRole::names;
+    if (layout_.units_line == line + 1) return LineRole::units;
+    return verdict_.lines.is_comment(line) ? LineRole::comment : LineRole::header;
   }
 
   void add_record(std::size_t record) {
@@ -325,7 +497,15 @@ class VerdictDescription {
     const bool is_among_data = std::binary_search(table_.data.begin(), table_.data.end(), record);
     if (is_among_data) return LineRole::data;
     if (verdict_.lines.is_comment(line)) return LineRole::comment;
-    return record < table_.data.front() && !is_none() ? LineRole::header : LineRole::data;
+    if (ends_ && record > table_.data.back() && is_rule(line)) return LineRole::comment;
+    if (record >= first_footer_) return LineRole::footer;
+    const bool is_above = record < table_.data.front() && !verdict_.lines.has_known_top();
+    return is_above && !is_none() ? LineRole::header : LineRole::data;
+  }
+
+  // A rule below the table belongs neither to the data nor to the footer.
+  bool is_rule(std::size_t line) const {
+    return !is_none() && assessment::is_rule(verdict_.lines, line);
   }
 
   void add_run(LineRole role, std::size_t line, std::size_t num_lines) {
@@ -338,6 +518,101 @@ class VerdictDescription {
     }
     layout_.lines.back().last_line = line + num_lines;
     ++layout_.lines.back().count;
+  }
+
+  // -------------------------------------------------------------------------------------------
+  // The dialect
+
+  void describe_dialect() {
+    TableDialect& dialect = layout_.dialect;
+    count_line_endings();
+    if (is_none()) return;
+    dialect.delimiters = layout_.delimiters;
+    dialect.widths = layout_.widths;
+    describe_quotes();
+    dialect.blanks_after_delimiters = blanks_follow_delimiters();
+    dialect.comment_prefix = comment_prefix();
+    dialect.decimal = columns_.decimal;
+    dialect.grouping = columns_.grouping;
+  }
+
+  // Without those within quotes, which are parts of cells.
+  void count_line_endings() {
+    Tally endings;
+    const auto add = [&](std::size_t begin, std::size_t end) {
+      for (std::size_t k = begin; k < end; ++k) {
+        const assessment::TextLine& line = verdict_.lines[k];
+        const std::size_t line_end = line.begin + verdict_.lines.whole(k).size();
+        if (line.next == line_end) continue;
+        endings.add(verdict_.lines.text().substr(line_end, line.next - line_end));
+      }
+    };
+    std::size_t line = 0;
+    for (std::size_t i = 0; i < records_.size(); ++i) {
+      add(line, line_of(i));
+      line = line_of(i) + records_[i].num_lines;
+      add(line - 1, line);
+    }
+    add(line, verdict_.lines.size());
+    for (auto& [ending, count] : endings.take()) {
+      layout_.dialect.line_endings.push_back({std::move(ending), count});
+    }
+  }
+
+  void describe_quotes() {
+    TableDialect& dialect = layout_.dialect;
+    const bool has_backslash = reading().escape != 0;
+    for (const std::size_t row : table_.data) {
+      for (const Cell& cell : records_.cells(row)) {
+        if (cell.is_quoted) dialect.quote = unit_or_none(reading().quote);
+        dialect.is_escape_seen = dialect.is_escape_seen || has_escape(cell);
+      }
+    }
+    if (has_backslash) {
+      dialect.escape = Escape::backslash;
+    } else if (dialect.quote) {
+      dialect.escape = Escape::doubled;
+    }
+  }
+
+  // A quote within quotes, or an escaped character.
+  bool has_escape(const Cell& cell) const {
+    const std::u16string_view text = records_.view(cell);
+    if (reading().escape != 0) return text.find(reading().escape) != text.npos;
+    return cell.is_quoted && text.find(reading().quote) != text.npos;
+  }
+
+  // After nine of ten delimiters before a cell with text.
+  bool blanks_follow_delimiters() const {
+    const std::u16string& delimiter = reading().delimiter;
+    if (reading().form != Form::delimited || assessment::is_blank(delimiter.back())) return false;
+    std::size_t filled = 0;
+    std::size_t blanks = 0;
+    for (const std::size_t row : table_.data) {
+      for (const Cell& cell : records_.cells(row).subspan(1)) {
+        const std::size_t begin = cell.begin - (cell.is_quoted ? 1 : 0);
+        if (cell.begin == cell.end) continue;
+        ++filled;
+        const std::u16string_view text = records_.text();
+        blanks += text[begin] == u' ' || (cell.is_quoted && text[begin - 1] == u' ');
+      }
+    }
+    return filled > 0 && 10 * blanks >= 9 * filled;
+  }
+
+  // Of lines that are comments, not rules, the commonest sign.
+  std::u16string comment_prefix() const {
+    Tally signs;
+    for (const LineRun& run : layout_.lines) {
+      if (run.role != LineRole::comment) continue;
+      for (std::size_t k = run.first_line - 1; k < run.last_line; ++k) {
+        const std::u16string_view line = assessment::trimmed(verdict_.lines.view(k));
+        if (!assessment::has_comment_sign(line) || assessment::is_rule(line)) continue;
+        signs.add(line.substr(0, line.substr(0, 2) == u"//" ? 2 : 1));
+      }
+    }
+    const auto counts = signs.take();
+    return counts.empty() ? std::u16string() : counts.front().first;
   }
 
   // -------------------------------------------------------------------------------------------
@@ -365,7 +640,8 @@ class VerdictDescription {
       layout_.rivals.push_back({mode_of(cut.reading), delimiters_of(cut.reading),
                                 widths_of(verdict_, hypothesis), unit_or_none(cut.reading.quote),
                                 hypothesis.table.columns, each.probability,
-                                assessment::deciding_sentence(verdict_, hypothesis)});
+                                assessment::deciding_sentence(verdict_, hypothesis),
+                                no_table_of(cut.reading, hypothesis)});
     }
   }
 
@@ -387,17 +663,26 @@ class VerdictDescription {
   const Hypothesis& winner_;
   const assessment::Cut& cut_;
   const Records& records_;
-  const assessment::TableFrame& table_;
+  const assessment::TableProfile profile_;
+  const bool ends_;
+  const std::size_t first_footer_;      // a record; their number if there is no footer
+  const assessment::TableFrame table_;  // without the footer
   const DetectSettings& settings_;
+  const assessment::Given given_;
   Layout& layout_;
   bool has_names_ = false;
   bool has_units_ = false;
+  std::vector<std::size_t> data_;  // the records of the data
+  TableColumns columns_;
 };
 
 }  // namespace
 
-void describe_verdict(const Verdict& verdict, const DetectSettings& settings, Layout& layout) {
-  VerdictDescription(verdict, settings, layout).describe();
+assessment::TableProfile describe_verdict(const Verdict& verdict, const DetectSettings& settings,
+                                          bool ends, Layout& layout) {
+  VerdictDescription description(verdict, settings, ends, layout);
+  description.describe();
+  return description.profile();
 }
 
 }  // namespace textio::standalone

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include <vltextstream/detection/fixed_stream.hpp>
+#include <vltextstream/layout/given_settings.hpp>
 #include <vltextstream/standalone/dates/date_locale.hpp>
 #include <vltextstream/standalone/decoding/encoding_names.hpp>
 #include <vltextstream/standalone/decoding/utf_text.hpp>
@@ -100,6 +101,38 @@ void set_texts(const Known& known, parser::options& options) {
   if (known.whitespace) options.whitespace = units_of(*known.whitespace, "whitespace");
 }
 
+// One character; the empty text is U+0000.
+std::optional<char16_t> character_of(const std::optional<std::string>& text, const char* member) {
+  if (!text) return std::nullopt;
+  const std::u16string units = units_of(*text, member);
+  if (units.size() > 1) refuse(member, "expected one character");
+  return units.empty() ? u'\0' : units[0];
+}
+
+std::optional<char16_t> mark_of(const std::optional<std::string>& text, const char* member) {
+  if (text && text->empty()) refuse(member, "expected one character");
+  return character_of(text, member);
+}
+
+// The rules for these are those of the settings.
+void set_table(const Known& known, DetectSettings& settings) {
+  if (known.judge) settings.judge = *known.judge;
+  if (known.names_line) settings.names_line = in_range(*known.names_line, 0, kMost, "names_line");
+  if (known.units_line) settings.units_line = in_range(*known.units_line, 0, kMost, "units_line");
+  settings.quote = character_of(known.quote, "quote");
+  settings.escape = character_of(known.escape, "escape");
+  settings.decimal = mark_of(known.decimal, "decimal");
+  settings.grouping = mark_of(known.grouping, "grouping");
+  if (known.missing) {
+    for (const std::string& text : *known.missing) {
+      settings.missing.push_back(units_of(text, "missing"));
+    }
+  }
+  if (const auto problem = problem_with(settings)) {
+    refuse(std::string(problem->member).c_str(), "expected " + problem->expected);
+  }
+}
+
 void set_encoding(const Known& known, DetectSettings& settings) {
   if (!known.encoding) return;
   try {
@@ -124,6 +157,7 @@ void set_date_locale(const Known& known, parser::options& options) {
 
 DetectSettings settings_of(const Known& known) {
   DetectSettings settings;
+  settings.look_at_end = false;  // a Detection does not tell of it
   set_delimiters(known, settings.options);
   set_widths(known, settings.options);
   set_header_lines(known, settings.options);
@@ -131,6 +165,7 @@ DetectSettings settings_of(const Known& known) {
   set_texts(known, settings.options);
   set_encoding(known, settings);
   set_date_locale(known, settings.options);
+  set_table(known, settings);
   if (known.lines_to_sample) {
     settings.num_lines = in_range(*known.lines_to_sample, 1, kMost, "lines_to_sample");
   }

@@ -4,6 +4,18 @@
 
 namespace textio::standalone {
 
+std::string_view to_string(Escape escape) {
+  switch (escape) {
+    case Escape::none:
+      return "none";
+    case Escape::doubled:
+      return "doubled";
+    case Escape::backslash:
+      return "backslash";
+  }
+  return "";
+}
+
 std::string_view to_string(Judge judge) {
   switch (judge) {
     case Judge::assessment:

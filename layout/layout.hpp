@@ -11,12 +11,16 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include <vltextstream/detection/selection_trace.hpp>
 #include <vltextstream/host/export.hpp>
+#include <vltextstream/layout/column_facts.hpp>
+#include <vltextstream/layout/judgement.hpp>
+#include <vltextstream/layout/table_dialect.hpp>
 #include <vltextstream/layout/table_lines.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>
 #include <vltextstream/standalone/encoding_detection/encoding_found.hpp>
@@ -25,23 +29,6 @@
 namespace textio::standalone {
 
 using textio::LayoutMode;
-
-// Who chooses among the layouts a text may have.
-enum class Judge {
-  assessment,  // the reading for which most speaks, with a probability
-  cascade,     // the filters of the StrategySelector
-};
-
-// The name of the enumerator; empty for any other value.
-VLTEXTSTREAM_EXPORT std::string_view to_string(Judge judge);
-
-// A piece of evidence, and what it is worth: how much it raises, or lowers, the natural logarithm of
-// the odds.
-struct VLTEXTSTREAM_EXPORT EvidenceItem {
-  std::string name;
-  double worth = 0.0;
-  std::string sentence;
-};
 
 // Another layout that the text may have, and the evidence that decides most between it and the answer.
 struct VLTEXTSTREAM_EXPORT Rival {
@@ -52,6 +39,9 @@ struct VLTEXTSTREAM_EXPORT Rival {
   std::size_t num_variables = 1;
   double probability = 0.0;
   std::string reason;
+
+  // As Layout::no_table.
+  std::string no_table;
 };
 
 // What the cascade answers.
@@ -64,6 +54,22 @@ struct VLTEXTSTREAM_EXPORT CascadeAnswer {
 
   // Whether it has the mode, the delimiters and the number of variables of the answer.
   bool agrees = false;
+};
+
+// What the end of a text holds that goes on after the sample.
+struct VLTEXTSTREAM_EXPORT TailLook {
+  // The last lines of the text that are no data, blank ones and rules not counted, and their texts: at
+  // most kMostTexts, each cut to kLongestText characters.
+  std::size_t footer_lines = 0;
+  std::vector<std::u16string> footer;
+
+  // The characters that were looked at, and the bytes that were read for this: none if the sample had
+  // them loaded.
+  std::size_t characters = 0;
+  std::size_t bytes = 0;
+
+  static constexpr std::size_t kMostTexts = 5;
+  static constexpr std::size_t kLongestText = 200;
 };
 
 struct VLTEXTSTREAM_EXPORT Layout {
@@ -87,7 +93,8 @@ struct VLTEXTSTREAM_EXPORT Layout {
 
   // The line above or below the names that holds the units of the columns, and its texts, one for
   // each variable. Each field over a number, date or duration is a unit ("km/h", "[s]",
-  // "%", "hh:mm:ss"), a dash or empty, and at least one is a unit.
+  // "%", "hh:mm:ss"), a dash or empty, and at least one is a unit. Without such a line the assessment takes
+  // the units from the names, if any has one: "level [cm]", "Zeit / s".
   std::optional<std::size_t> units_line;
   std::vector<std::u16string> units;
 
@@ -148,10 +155,12 @@ struct VLTEXTSTREAM_EXPORT Layout {
   std::optional<char16_t> quote;
   std::optional<char16_t> escape;
 
-  // Space-aligned: the fewest blanks between two columns, since fewer are part of a cell; and whether a
-  // time belongs to the date before it, though one blank is between them.
+  // Space-aligned: the fewest blanks between two columns, since fewer are part of a cell; whether a time
+  // belongs to the date before it, though one blank is between them; and whether the last column takes the
+  // rest of the line, blanks included.
   std::size_t least_blanks = 1;
   bool joins_times = false;
+  bool rest_in_last = false;
 
   // What else the text may be, the most probable first, and what speaks for the answer and against it,
   // the weightiest first.
@@ -168,6 +177,28 @@ struct VLTEXTSTREAM_EXPORT Layout {
   std::string no_table;
 
   std::optional<CascadeAnswer> cascade;
+
+  // How the table is written, and what each of its columns holds: one for each variable, but at most 2,000, as
+  // that takes time and memory; none of a text that is no table.
+  TableDialect dialect;
+  std::vector<ColumnFacts> columns;
+
+  // A name for each of these columns that no other has, in one line without control characters: "column_2" where there
+  // is none, "level_2" for a second "level".
+  std::vector<std::u16string> names_unique;
+
+  // How many lines the text has, as an editor shows them: all that were looked at if it ends with the
+  // sample, otherwise an estimate by its length. Without a value where the length is not known, as that of
+  // a long pipe or of much compressed data.
+  std::optional<std::uint64_t> lines_estimated;
+
+  // The end of the text, if it was looked at: not where the sample has it, where the input would have to be
+  // unpacked or waited for, or where the text is no table.
+  std::optional<TailLook> tail;
+
+  // The line that was given as that of the descriptions of the columns, and its texts.
+  std::optional<std::size_t> descriptions_line;
+  std::vector<std::u16string> descriptions;
 };
 
 // Mode, delimiters and widths of `layout`. An unpaired surrogate in a delimiter becomes U+FFFD.

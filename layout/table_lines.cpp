@@ -30,6 +30,8 @@ std::string_view to_string(LineRole role) {
       return "comment";
     case LineRole::data:
       return "data";
+    case LineRole::footer:
+      return "footer";
   }
   return "";
 }

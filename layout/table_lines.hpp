@@ -1,4 +1,4 @@
-// What the lines of a text are for: header, names, units, data.
+// What the lines of a text are for: header, names, units, data, footer.
 //
 // Units  line numbers count the lines of the text from 1, as an editor shows them.
 #pragma once
@@ -27,8 +27,9 @@ enum class NamesSource {
   undecided,  // the first line after the header may hold names as well as values
 };
 
-// What a sampled line is for the table.
-enum class LineRole { header, names, units, blank, comment, data };
+// What a sampled line is for the table. A footer follows the data: totals, "(8 rows)", notes. Only the
+// assessment finds footers, and only where the text ends within the sample.
+enum class LineRole { header, names, units, blank, comment, data, footer };
 
 // The name of the enumerator with hyphens, such as "line-after-header"; empty for any other number.
 VLTEXTSTREAM_EXPORT std::string_view to_string(NamesSource source);

@@ -22,7 +22,7 @@ using namespace textio;
 using namespace textio::assessment;
 using nlohmann::json;
 
-const char* const kForms[] = {"delimited", "framed", "runs", "gaps", "one", "none"};
+const char* const kForms[] = {"delimited", "framed", "runs", "gaps", "fields", "one", "none"};
 
 std::string utf8(std::u16string_view text) { return standalone::to_utf8(std::u16string(text)); }
 
@@ -41,6 +41,7 @@ json hypothesis_of(const Verdict& verdict, const Hypothesis& each, bool with_nam
               {"quote", reading.quote ? std::string(1, static_cast<char>(reading.quote)) : ""},
               {"escape", reading.escape != 0},
               {"blanks", reading.least_blanks},
+              {"most_cells", reading.most_cells},
               {"columns", each.table.columns},
               {"first", cut.records[each.table.data[0]].line},
               {"records", each.table.data.size()},

@@ -101,8 +101,8 @@ struct VLTEXTSTREAM_EXPORT options {
   // The name of a locale for date recognition, for the host.
   std::u16string date_locale;
 
-  // The characters that mark an exponent, for a later import. The datatype classes use only the
-  // default ones.
+  // The characters that mark an exponent. The strategies use only the default ones; detect_layout
+  // classifies columns by these where its judge chooses the layout.
   std::u16string exp_chars;
 
   // Column widths of a fixed-width file, for the caller that builds a FixedWidthStrategy.
@@ -114,7 +114,8 @@ struct VLTEXTSTREAM_EXPORT options {
   // The expected number of variables; read if `detect_num_variables` is false.
   std::uint64_t num_variables = 0;
 
-  // Given lines and a given field, for a later import.
+  // Given lines of the text and a given field, 0 if none is. A selection does not read them; the
+  // judge of detect_layout obeys them.
   std::uint64_t variable_names_line = 0;
   std::uint64_t variable_units_line = 0;
   std::uint64_t variable_descriptions_line = 0;

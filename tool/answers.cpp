@@ -239,6 +239,8 @@ Answer try_to_answer(const std::string& file, const Arguments& arguments) {
     return answer;
   } catch (const std::bad_alloc&) {
     throw;
+  } catch (const standalone::GivenMismatch& mismatch) {
+    return {{}, problem_with(file, arguments, (file + ": " + mismatch.what()).c_str())};
   } catch (const std::exception& error) {
     return {{}, problem_with(file, arguments, error.what())};
   }

@@ -26,6 +26,7 @@ namespace {
 using standalone::DetectSettings;
 
 constexpr const char* kAutoEncoding = "auto";
+constexpr const char* kAllLines = "all";
 constexpr unsigned long kMostJobs = 256;
 constexpr unsigned long kAnyNumber = std::numeric_limits<unsigned long>::max();
 
@@ -68,8 +69,11 @@ void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numb
                  "Exit with 1 unless the answer is at least P percent sure, 50 if not given")
       ->type_name("P");
   app.add_option("--lines", numbers.lines,
-                 "Sample N data lines from the start of each file, 100 if not given")
+                 "Sample N data lines from the start of each file, 100 if not given; all: as many "
+                 "as the largest sample holds")
       ->type_name("N");
+  app.add_flag("--no-tail", arguments.no_tail,
+               "Do not look for a footer at the end of a file that goes on after the sample");
   app.add_option("--jobs", numbers.jobs,
                  "Look at up to N files at the same time, 1 to 256; if not given, as many as there "
                  "are processors. Each takes memory, so fewer where memory is limited")
@@ -172,22 +176,34 @@ std::vector<GivenOption> given_options(const CLI::App& app, const Flags& flags) 
   return given;
 }
 
+bool is_delimiter(const OptionFlag* flag) {
+  return flag != nullptr && flag->name == std::string_view("Delimiter");
+}
+
 standalone::Array value_of(const GivenOption& option) {
   const OptionFlag* const flag = find_option(option.name);
   const ValueKind kind = flag != nullptr ? flag->kind : ValueKind::text;
-  return option.is_json ? json_to_array(kind, option.values.front())
-                        : to_array(kind, option.values);
+  if (option.is_json) return json_to_array(kind, option.values.front());
+  std::vector<std::string> values = option.values;
+  if (is_delimiter(flag)) {
+    std::transform(values.begin(), values.end(), values.begin(), delimiter_named);
+  }
+  return to_array(kind, values);
 }
 
-// The library parses and checks the option; the tool checks nothing itself.
-void apply(const GivenOption& option, parser::options& record) {
-  if (!option.values.empty()) {
-    standalone::apply_options(record, {{option.name, value_of(option)}});
-    return;
+// The library parses and checks its options; the tool checks only its own settings.
+void apply(const GivenOption& option, DetectSettings& settings) {
+  const OptionFlag* const flag = find_option(option.name);
+  const bool is_setting = flag != nullptr && flag->kind == ValueKind::setting;
+  if (is_setting && !option.is_json && !option.values.empty()) {
+    apply_setting(flag->name, option.values.front(), settings);
+  } else if (!option.values.empty()) {
+    standalone::apply_option(settings, {option.name, value_of(option)});
+  } else {
+    const auto name = standalone::make_array(standalone::from_utf8(option.name));
+    const hxArray* alone[] = {name.get()};
+    options::set_parser_options(alone, 1, settings.options);
   }
-  const auto name = standalone::make_array(standalone::from_utf8(option.name));
-  const hxArray* alone[] = {name.get()};
-  options::set_parser_options(alone, 1, record);
 }
 
 [[noreturn]] void refuse(const GivenOption& option, const std::string& expected) {
@@ -196,9 +212,9 @@ void apply(const GivenOption& option, parser::options& record) {
   throw BadArgument(shortened(option.typed_as), with_short_echoes(expected, typed));
 }
 
-void apply_or_refuse(const GivenOption& option, parser::options& record) {
+void apply_or_refuse(const GivenOption& option, DetectSettings& settings) {
   try {
-    apply(option, record);
+    apply(option, settings);
   } catch (const MessageIdentifiedError& refused) {
     refuse(option, standalone::message_of(refused));
   } catch (const std::invalid_argument& refused) {
@@ -206,9 +222,15 @@ void apply_or_refuse(const GivenOption& option, parser::options& record) {
   }
 }
 
-bool is_encoding(const GivenOption& option) {
-  const OptionFlag* const flag = find_option(option.name);
-  return flag != nullptr && flag->name == std::string_view("Encoding");
+// Says which flag gives a setting that contradicts another.
+void check(const DetectSettings& settings) {
+  try {
+    check_settings(settings);
+  } catch (const std::invalid_argument& refused) {
+    const std::string message = refused.what();
+    const std::size_t colon = message.find(": ");
+    throw BadArgument(flag_of(message.substr(0, colon)), message.substr(colon + 2));
+  }
 }
 
 // The options one after the other. The word that asks for the encoding to be found is the tool's
@@ -221,9 +243,9 @@ DetectSettings settings_of(const std::vector<GivenOption>& given) {
       settings.options.encoding = parser::options().encoding;
       continue;
     }
-    apply_or_refuse(option, settings.options);
-    if (is_encoding(option)) settings.encoding = standalone::to_utf8(settings.options.encoding);
+    apply_or_refuse(option, settings);
   }
+  check(settings);
   return settings;
 }
 
@@ -280,7 +302,9 @@ Arguments parse_command_line(int argc, const char* const* argv) {
   if (arguments.files.empty()) throw UsageError("FILE is required");
   arguments.given = given_options(app, flags);
   arguments.settings = settings_of(arguments.given);
-  arguments.settings.num_lines = to_number("--lines", numbers.lines, 0, kAnyNumber);
+  arguments.settings.num_lines =
+      numbers.lines == kAllLines ? kAnyNumber : to_number("--lines", numbers.lines, 0, kAnyNumber);
+  arguments.settings.look_at_end = !arguments.no_tail;
   arguments.settings.trace = arguments.explain;
   if (numbers.max_bytes) {
     arguments.settings.max_bytes = to_number("--max-bytes", *numbers.max_bytes, 1, kAnyNumber);

@@ -31,6 +31,7 @@ struct Arguments {
   bool json = false;
   bool explain = false;
   bool no_progress = false;
+  bool no_tail = false;
 };
 
 // The command line asks for a text, what(), and nothing else.

@@ -1,6 +1,7 @@
 #include "tool/json_report.hpp"
 
 #include <limits>
+#include <numeric>
 #include <optional>
 #include <string_view>
 
@@ -16,6 +17,10 @@ using standalone::Layout;
 
 std::optional<std::string_view> or_null(const std::string& text) {
   return text.empty() ? std::nullopt : std::optional<std::string_view>(text);
+}
+
+std::optional<std::u16string_view> or_null(const std::u16string& text) {
+  return text.empty() ? std::nullopt : std::optional<std::u16string_view>(text);
 }
 
 void write_valuation(JsonWriter& json, const StrategyValuation& valuation) {
@@ -110,6 +115,12 @@ void write_options(JsonWriter& json, const parser::options& record) {
   json.end_object();
 }
 
+// U+0000, "none", is the empty text.
+std::optional<std::u16string> given_text(std::optional<char16_t> unit) {
+  if (!unit) return std::nullopt;
+  return *unit == 0 ? std::u16string() : std::u16string(1, *unit);
+}
+
 void write_settings(JsonWriter& json, const standalone::DetectSettings& settings) {
   json.begin_object();
   json.member("num_lines", settings.num_lines);
@@ -119,6 +130,15 @@ void write_settings(JsonWriter& json, const standalone::DetectSettings& settings
   json.member("trace", settings.trace);
   json.member("max_bytes", settings.max_bytes);
   json.member("judge", to_string(settings.judge));
+  json.member("name_separator", settings.name_separator);
+  json.member("look_at_end", settings.look_at_end);
+  json.member("names_line", settings.names_line);
+  json.member("units_line", settings.units_line);
+  json.member("quote", given_text(settings.quote));
+  json.member("escape", given_text(settings.escape));
+  json.member("decimal", given_text(settings.decimal));
+  json.member("grouping", given_text(settings.grouping));
+  json.member("missing", settings.missing);
   json.end_object();
 }
 
@@ -149,6 +169,7 @@ void write_rival(JsonWriter& json, const standalone::Rival& rival) {
   json.member("num_variables", rival.num_variables);
   json.member("probability", rival.probability);
   json.member("reason", rival.reason);
+  json.member("no_table", or_null(rival.no_table));
   json.end_object();
 }
 
@@ -161,6 +182,112 @@ void write_cascade(JsonWriter& json, const standalone::CascadeAnswer& cascade) {
   json.end_object();
 }
 
+void write_missing(JsonWriter& json, const std::vector<standalone::MissingWord>& words) {
+  json.key("missing");
+  json.array(words, [&](const standalone::MissingWord& each) {
+    json.begin_object();
+    json.member("word", each.word);
+    json.member("count", each.count);
+    json.end_object();
+  });
+}
+
+void write_dialect(JsonWriter& json, const standalone::TableDialect& dialect) {
+  json.begin_object();
+  json.member("delimiters", dialect.delimiters);
+  json.member("widths", dialect.widths);
+  json.member("quote", text_of(dialect.quote));
+  json.member("escape", to_string(dialect.escape));
+  json.member("escape_seen", dialect.is_escape_seen);
+  json.member("blanks_after_delimiters", dialect.blanks_after_delimiters);
+  json.member("comment_prefix", or_null(dialect.comment_prefix));
+  json.member("decimal", text_of(dialect.decimal));
+  json.member("grouping", text_of(dialect.grouping));
+  write_missing(json, dialect.missing);
+  json.member("byte_order_mark", dialect.has_byte_order_mark);
+  json.key("line_endings");
+  json.array(dialect.line_endings, [&](const standalone::LineEndingCount& each) {
+    json.begin_object();
+    json.member("ending", each.ending);
+    json.member("count", each.count);
+    json.end_object();
+  });
+  json.end_object();
+}
+
+void write_date(JsonWriter& json, const standalone::DateFacts& date) {
+  json.begin_object();
+  json.member("strptime", or_null(date.strptime));
+  json.member("icu", or_null(date.icu));
+  json.member("language", or_null(date.language));
+  json.member("order", to_string(date.order));
+  json.member("zone", or_null(date.zone));
+  json.end_object();
+}
+
+bool is_of_dates(standalone::ColumnKind kind) {
+  using Kind = standalone::ColumnKind;
+  return kind == Kind::date || kind == Kind::time || kind == Kind::date_time;
+}
+
+std::optional<std::u16string_view> text_at(const std::vector<std::u16string>& texts,
+                                           std::size_t index) {
+  if (index >= texts.size() || texts[index].empty()) return std::nullopt;
+  return texts[index];
+}
+
+void write_column(JsonWriter& json, const Layout& layout, std::size_t index) {
+  const standalone::ColumnFacts& column = layout.columns[index];
+  json.begin_object();
+  json.member("name", text_at(layout.names, index));
+  json.member("unique_name", layout.names_unique[index]);
+  json.member("unit", text_at(layout.units, index));
+  json.member("class", to_string(layout.classes[index]));
+  json.member("kind", to_string(column.kind));
+  json.member("num_cells", column.num_cells);
+  json.member("num_empty", column.num_empty);
+  json.member("num_missing", column.num_missing);
+  json.member("num_fitting", column.num_fitting);
+  json.member("first_misfit_line", column.first_misfit_line);
+  write_missing(json, column.missing);
+  json.member("least_width", column.least_width);
+  json.member("most_width", column.most_width);
+  json.member("decimal", text_of(column.decimal));
+  json.member("grouping", text_of(column.grouping));
+  json.member("marks_certain", column.are_marks_certain);
+  if (column.kind == standalone::ColumnKind::money) {
+    json.member("currency", or_null(column.currency));
+    json.member("currency_before", column.is_currency_before);
+  }
+  if (column.kind == standalone::ColumnKind::boolean) {
+    json.member("true", or_null(column.true_word));
+    json.member("false", or_null(column.false_word));
+  }
+  if (is_of_dates(column.kind)) {
+    json.key("date");
+    write_date(json, column.date);
+  }
+  json.member("examples", column.examples);
+  json.end_object();
+}
+
+void write_columns(JsonWriter& json, const Layout& layout) {
+  std::vector<std::size_t> indexes(layout.columns.size());
+  std::iota(indexes.begin(), indexes.end(), std::size_t{0});
+  json.array(indexes, [&](std::size_t index) { write_column(json, layout, index); });
+}
+
+void write_tail(JsonWriter& json, const std::optional<standalone::TailLook>& tail) {
+  json.key("tail");
+  if (!tail) return json.value(nullptr);
+  json.begin_object();
+  json.member("footer_lines", tail->footer_lines);
+  json.member("footer", tail->footer);
+  json.member("characters", tail->characters);
+  json.member("bytes", tail->bytes);
+  json.end_object();
+}
+
 // The members of the assessment; only where it chose the layout.
 void write_assessment(JsonWriter& json, const Layout& layout) {
   if (!layout.confidence) return;
@@ -169,9 +296,15 @@ void write_assessment(JsonWriter& json, const Layout& layout) {
   json.member("escape", text_of(layout.escape));
   json.member("least_blanks", layout.least_blanks);
   json.member("joins_times", layout.joins_times);
+  json.member("rest_in_last", layout.rest_in_last);
   json.member("no_table", or_null(layout.no_table));
   json.member("names_probability", layout.names_probability);
   json.member("names_candidate", layout.names_candidate);
+  json.member("names_unique", layout.names_unique);
+  json.key("dialect");
+  write_dialect(json, layout.dialect);
+  json.key("columns");
+  write_columns(json, layout);
   json.key("rivals");
   json.array(layout.rivals, [&](const auto& rival) { write_rival(json, rival); });
   json.key("evidence");
@@ -182,6 +315,8 @@ void write_assessment(JsonWriter& json, const Layout& layout) {
     json.member("sentence", item.sentence);
     json.end_object();
   });
+  json.member("lines_estimated", layout.lines_estimated);
+  write_tail(json, layout.tail);
   json.key("cascade");
   if (!layout.cascade) return json.value(nullptr);
   write_cascade(json, *layout.cascade);
@@ -220,6 +355,10 @@ void write_members(JsonWriter& json, const std::string& file, const Layout& layo
   json.key("trace");
   write_trace(json, layout.trace);
   if (layout.looks_binary) json.member("looks_binary", true);
+  if (layout.descriptions_line) {
+    json.member("descriptions_line", layout.descriptions_line);
+    json.member("descriptions", layout.descriptions);
+  }
   write_assessment(json, layout);
   json.end_object();
 }

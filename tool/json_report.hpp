@@ -16,7 +16,7 @@
 namespace textio::tool {
 
 // The version of the JSON's shape; it grows when a member changes its meaning or is removed.
-inline constexpr int kJsonSchema = 3;
+inline constexpr int kJsonSchema = 4;
 
 inline constexpr std::string_view kJsonSeparator = ",\n";
 inline constexpr std::string_view kJsonClosing = "\n  ]\n}\n";

@@ -21,6 +21,7 @@ namespace textio::tool {
 namespace {
 
 using standalone::Array;
+using standalone::DetectSettings;
 using standalone::from_utf8;
 using standalone::make_array;
 
@@ -185,14 +186,86 @@ std::string widths_help() {
       to_string(parser::parser_kind::fixedwidth));
 }
 
+// --- settings ------------------------------------------------------------------------------------
+
+[[noreturn]] void refuse(const char* expected, const std::string& typed) {
+  throw std::invalid_argument(fmt::format("Expected {}, got '{}'.", expected, shortened(typed)));
+}
+
+// The one character that was typed.
+char16_t to_character(const char* expected, const std::string& typed) {
+  const std::u16string units = from_utf8(typed == "\\t" ? "\t" : typed);
+  if (units.size() != 1) refuse(expected, typed);
+  return units[0];
+}
+
+void set_quote(const std::string& typed, DetectSettings& settings) {
+  constexpr const char* kExpected = "one character, or double, single or none";
+  if (typed == "double") {
+    settings.quote = u'"';
+  } else if (typed == "single") {
+    settings.quote = u'\'';
+  } else {
+    settings.quote = typed == "none" ? u'\0' : to_character(kExpected, typed);
+  }
+}
+
+void set_escape(const std::string& typed, DetectSettings& settings) {
+  if (typed != "backslash" && typed != "doubled") refuse("backslash or doubled", typed);
+  settings.escape = typed == "backslash" ? u'\\' : u'\0';
+}
+
+void set_names_line(const std::string& typed, DetectSettings& settings) {
+  std::size_t line = 0;
+  if (!parse(typed, line)) refuse("a whole number, 0 or larger", typed);
+  settings.names_line = line;
+}
+
+void set_decimal(const std::string& typed, DetectSettings& settings) {
+  settings.decimal = to_character("one character", typed);
+}
+
+void set_grouping(const std::string& typed, DetectSettings& settings) {
+  settings.grouping = to_character("one character", typed);
+}
+
+struct NamedSetting {
+  std::string_view name;
+  void (*set)(const std::string& typed, DetectSettings& settings);
+};
+
+constexpr NamedSetting kSettings[] = {
+    {"Quote", set_quote},     {"Escape", set_escape},     {"NamesLine", set_names_line},
+    {"Decimal", set_decimal}, {"Grouping", set_grouping},
+};
+
 }  // namespace
+
+void apply_setting(const std::string& name, const std::string& typed, DetectSettings& settings) {
+  for (const NamedSetting& setting : kSettings) {
+    if (name == setting.name) setting.set(typed, settings);
+  }
+}
+
+std::string delimiter_named(const std::string& typed) {
+  for (const char delimiter : {',', '\t', ';', ' ', '|', ':'}) {
+    std::string text(1, delimiter);
+    if (typed == marker_name(text)) return text;
+  }
+  return typed;
+}
 
 const std::vector<OptionFlag>& option_flags() {
   using Kind = ValueKind;
   constexpr bool kForImport = true;
   static const std::vector<OptionFlag> flags = {
       {"Delimiter", Kind::text_list, "TEXT",
-       "Fields are separated by TEXT: look for no other layout; may be repeated"},
+       "Fields are separated by TEXT: look for no other layout; may be repeated. TEXT may be tab, "
+       "comma, semicolon, space, bar or colon"},
+      {"Quote", Kind::setting, "C", "Fields are quoted by the character C, double, single or none"},
+      {"Escape", Kind::setting, "WORD",
+       "A quote in a quoted field is escaped by a backslash, or only doubled"},
+      {"NamesLine", Kind::setting, "N", "The same as --variable-names-line"},
       {"NumHeaderLines", Kind::count, "N", "N lines come before the data"},
       {"DataLine", Kind::count, "N", "The data begins in line N"},
       {"NumVariables", Kind::count, "N", "Prefer layouts with N columns"},
@@ -207,14 +280,20 @@ const std::vector<OptionFlag>& option_flags() {
       {"Whitespace", Kind::text, "CHARS", "These characters are trimmed around fields"},
       {"ParserType", Kind::text, "WORD", any_word<parser::parser_kind>()},
       {"VariableWidths", Kind::widths, "N,N,...", widths_help()},
-      {"VariableNamesLine", Kind::count, "N", "The names of the variables are in line N",
-       kForImport},
-      {"VariableUnitsLine", Kind::count, "N", "The units are in line N", kForImport},
-      {"VariableDescriptionsLine", Kind::count, "N", "The descriptions are in line N", kForImport},
-      {"RowNamesField", Kind::count, "N", "The names of the rows are field N", kForImport},
+      {"VariableNamesLine", Kind::count, "N",
+       "The names of the variables are in line N of the file, or in none: 0"},
+      {"VariableUnitsLine", Kind::count, "N", "The units are in line N, or in none: 0"},
+      {"VariableDescriptionsLine", Kind::count, "N", "The descriptions are in line N"},
+      {"RowNamesField", Kind::count, "N",
+       "The names of the rows are field N, which needs no name itself"},
+      {"TreatAsMissing", Kind::text_list, "TEXT",
+       "TEXT means a missing value, and does not count for the class of a column; may be repeated"},
+      {"TreatAsEmpty", Kind::text_list, "TEXT", "The same as --treat-as-missing"},
+      {"Decimal", Kind::setting, "C", "The decimal mark of the numbers"},
+      {"Grouping", Kind::setting, "C", "The mark between groups of digits"},
       {"DateLocale", Kind::text, "NAME",
        "Names of months and weekdays may also be those of this locale, such as de_DE"},
-      {"ExpChars", Kind::text, "CHARS", "Characters that mark an exponent", kForImport},
+      {"ExpChars", Kind::text, "CHARS", "These characters mark an exponent, not e, E, d and D"},
       {"ConsecutiveDelimitersRule", Kind::text, "WORD",
        any_word<parser::consecutive_delimiters_action>(), kForImport},
       {"LeadingDelimitersRule", Kind::text, "WORD", any_word<parser::leading_delimiters_action>(),
@@ -229,8 +308,6 @@ const std::vector<OptionFlag>& option_flags() {
       {"ImportErrorRule", Kind::text, "WORD", any_word<parser::row_rule>(), kForImport},
       {"TextType", Kind::text, "WORD", any_word<parser::text_kind>(), kForImport},
       {"DatetimeType", Kind::text, "WORD", any_word<parser::datetime_kind>(), kForImport},
-      {"TreatAsMissing", Kind::text_list, "TEXT", "TEXT means a missing value", kForImport},
-      {"TreatAsEmpty", Kind::text_list, "TEXT", "The same as --treat-as-missing", kForImport},
       {"CollectOutput", Kind::logical, "BOOL", "true or false", kForImport},
       {"IsFile", Kind::logical, "BOOL", "true or false", kForImport},
       {"ReturnOnError", Kind::text, "ANY", "Accepted and ignored", kForImport},
@@ -274,6 +351,7 @@ Array to_array(ValueKind kind, const std::vector<std::string>& typed) {
     case ValueKind::widths:
       return to_widths(typed.back());
     case ValueKind::text:
+    case ValueKind::setting:
       break;
   }
   return make_array(from_utf8(typed.back()));

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/standalone/services/array.hpp>
 
 namespace textio::tool {
@@ -15,6 +16,7 @@ enum class ValueKind {
   count,      // a number; anything else is passed as text, for the library to refuse
   logical,    // true or false; anything else is passed as text
   widths,     // whole numbers separated by commas
+  setting,    // the tool's own: a member of DetectSettings
 };
 
 struct OptionFlag {
@@ -41,6 +43,14 @@ std::string flag_of(const std::string& name);
 
 // The option with this name in any case; null when there is none.
 const OptionFlag* find_option(const std::string& name);
+
+// Sets the member of the settings for an option of the kind `setting`. Throws std::invalid_argument with what was
+// expected.
+void apply_setting(const std::string& name, const std::string& typed,
+                   standalone::DetectSettings& settings);
+
+// A delimiter as it was typed, or the one that the tool itself calls so: "tab" is "\t".
+std::string delimiter_named(const std::string& typed);
 
 // The host's array for what was typed. Throws std::invalid_argument for widths that are not.
 standalone::Array to_array(ValueKind kind, const std::vector<std::string>& typed);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <iterator>
 
 #include <fmt/format.h>
@@ -30,8 +31,16 @@ std::string joined(const std::vector<std::size_t>& numbers) {
   return fmt::format("{}", fmt::join(numbers, ", "));
 }
 
-std::string ending(const std::optional<std::u16string>& line_ending) {
-  return line_ending ? shown(*line_ending) : "none";
+std::string ending(const Layout& layout) {
+  const auto& counts = layout.dialect.line_endings;
+  if (counts.size() < 2) return layout.line_ending ? shown(*layout.line_ending) : "none";
+  std::vector<std::string> parts;
+  parts.reserve(counts.size());
+  for (const standalone::LineEndingCount& each : counts) {
+    parts.push_back(
+        fmt::format("{} {} time{}", shown(each.ending), each.count, each.count == 1 ? "" : "s"));
+  }
+  return fmt::format("mixed: {}", fmt::join(parts, ", "));
 }
 
 std::string number(double value) { return std::isinf(value) ? "-" : fmt::format("{:.4g}", value); }
@@ -51,18 +60,98 @@ std::string names(const Layout& layout) {
 std::string name_and_unit(const Layout& layout, std::size_t column) {
   std::string name = column < layout.names.size() ? printable(layout.names[column]) : "";
   if (column >= layout.units.size() || layout.units[column].empty()) return name;
+  if (!layout.units_line) return name;  // the unit is part of the name
   const std::string unit = printable(layout.units[column]);
   const bool has_brackets = unit.front() == '[' || unit.front() == '(';
   return fmt::format(fmt::runtime(has_brackets ? "{} {}" : "{} [{}]"), name, unit);
 }
 
+std::string quoted(std::u16string_view text) {
+  return fmt::format("\"{}\"", printable(to_utf8_lossy(text)));
+}
+
+// Blanks that look like the one of the keyboard have their numbers.
+std::string quoted(char16_t unit) {
+  const bool is_other_blank = unit == 0x00A0 || unit == 0x2009 || unit == 0x202F;
+  return is_other_blank ? fmt::format("U+{:04X}", static_cast<unsigned>(unit))
+                        : quoted(std::u16string_view(&unit, 1));
+}
+
+std::string quoted_and_counted(const std::vector<standalone::MissingWord>& words) {
+  constexpr std::size_t kMostWords = 3;
+  std::vector<std::string> parts;
+  for (const standalone::MissingWord& each : words) {
+    if (parts.size() == kMostWords) return fmt::format("{}, ...", fmt::join(parts, ", "));
+    parts.push_back(
+        fmt::format("{} {} time{}", quoted(each.word), each.count, each.count == 1 ? "" : "s"));
+  }
+  return fmt::format("{}", fmt::join(parts, ", "));
+}
+
+// How the cells of a column are written, as far as a reader may not guess it: nothing of plain numbers.
+std::vector<std::string> details_of(const Layout& layout, const standalone::ColumnFacts& column) {
+  std::vector<std::string> details;
+  if (!column.date.strptime.empty()) details.push_back(printable(column.date.strptime));
+  if (column.date.order == standalone::DateOrder::ambiguous)
+    details.emplace_back("day or month first: nothing decides");
+  if (!column.currency.empty()) details.push_back(printable(to_utf8_lossy(column.currency)));
+  if (!column.true_word.empty() || !column.false_word.empty())
+    details.push_back(quoted(column.true_word) + " or " + quoted(column.false_word));
+  if (column.decimal && *column.decimal != u'.' && column.decimal != layout.dialect.decimal)
+    details.push_back("decimal mark " + quoted(*column.decimal));
+  if (column.grouping && column.grouping != layout.dialect.grouping)
+    details.push_back("grouped by " + quoted(*column.grouping));
+  if (!column.are_marks_certain) details.emplace_back("a mark that may be decimal or grouping");
+  const std::size_t misfits =
+      column.num_cells - column.num_empty - column.num_missing - column.num_fitting;
+  if (misfits > 0) {
+    details.push_back(fmt::format("{} cell{} not fit, first in line {}", misfits,
+                                  misfits == 1 ? " does" : "s do", *column.first_misfit_line));
+  }
+  return details;
+}
+
+constexpr std::size_t kMostColumns = 60;
+
+std::string_view kind_of_column(const Layout& layout, std::size_t column) {
+  return column < layout.columns.size() ? to_string(layout.columns[column].kind)
+                                        : to_string(layout.classes[column]);
+}
+
 void add_columns(std::string& out, const Layout& layout) {
-  for (std::size_t i = 0; i < layout.classes.size(); ++i) {
-    fmt::format_to(Out(out), "  {:>14}  {:<10}{}", i + 1, to_string(layout.classes[i]),
+  const std::size_t shown = std::min(layout.classes.size(), kMostColumns);
+  std::size_t width = 8;  // of the longest class
+  for (std::size_t i = 0; i < shown; ++i) width = std::max(width, kind_of_column(layout, i).size());
+  for (std::size_t i = 0; i < shown; ++i) {
+    fmt::format_to(Out(out), "  {:>14}  {:<{}}  {}", i + 1, kind_of_column(layout, i), width,
                    name_and_unit(layout, i));
+    if (i < layout.columns.size()) {
+      const std::vector<std::string> details = details_of(layout, layout.columns[i]);
+      if (!details.empty()) fmt::format_to(Out(out), "  ({})", fmt::join(details, "; "));
+    }
     out.erase(out.find_last_not_of(' ') + 1);
     out.push_back('\n');
   }
+  if (layout.classes.size() > shown)
+    fmt::format_to(Out(out), "  {:>14}  {} more columns\n", "...", layout.classes.size() - shown);
+}
+
+// What a reader must be told besides the separators; an empty text if it is the custom.
+std::string dialect_details(const Layout& layout) {
+  const standalone::TableDialect& dialect = layout.dialect;
+  std::vector<std::string> parts;
+  if (dialect.quote && *dialect.quote != u'"')
+    parts.push_back("quoted by " + quoted(*dialect.quote));
+  if (dialect.escape == standalone::Escape::backslash) parts.emplace_back("escaped by backslashes");
+  if (dialect.decimal && *dialect.decimal != u'.')
+    parts.push_back("decimal mark " + quoted(*dialect.decimal));
+  if (dialect.grouping) parts.push_back("numbers grouped by " + quoted(*dialect.grouping));
+  if (dialect.blanks_after_delimiters) parts.emplace_back("blanks after delimiters");
+  if (!dialect.comment_prefix.empty())
+    parts.push_back("comments begin with " + quoted(dialect.comment_prefix));
+  if (dialect.has_byte_order_mark) parts.emplace_back("byte-order mark");
+  if (!dialect.missing.empty()) parts.push_back("missing: " + quoted_and_counted(dialect.missing));
+  return fmt::format("{}", fmt::join(parts, ", "));
 }
 
 std::string encoding(const Layout& layout) {
@@ -80,11 +169,41 @@ std::string encoding(const Layout& layout) {
   return out;
 }
 
+// "4,194,304"
+std::string grouped(std::uint64_t number) {
+  std::string digits = std::to_string(number);
+  for (std::size_t at = digits.size(); at > 3; at -= 3) digits.insert(at - 3, 1, ',');
+  return digits;
+}
+
 std::string sampled(const Layout& layout) {
   if (layout.characters_sampled == 0 && layout.has_more_text) {
     return "nothing: no line ends in the first 4,194,304 characters";
   }
-  return fmt::format("{} lines of {} characters", layout.lines_sampled, layout.characters_sampled);
+  if (!layout.confidence) {
+    return fmt::format("{} lines of {} characters", layout.lines_sampled,
+                       layout.characters_sampled);
+  }
+  const std::size_t looked_at = layout.lines.empty() ? 0 : layout.lines.back().last_line;
+  if (!layout.has_more_text) {
+    return looked_at == 1 ? "the only line" : fmt::format("all {} lines", grouped(looked_at));
+  }
+  if (!layout.lines_estimated)
+    return fmt::format("{} lines, and there are more", grouped(looked_at));
+  return fmt::format("{} of about {} lines", grouped(looked_at), grouped(*layout.lines_estimated));
+}
+
+void add_tail(std::string& out, const Layout& layout) {
+  if (!layout.tail || layout.tail->footer_lines == 0) return;
+  const standalone::TailLook& tail = *layout.tail;
+  fmt::format_to(Out(out), "  footer          {} line{} at the end:", tail.footer_lines,
+                 tail.footer_lines == 1 ? "" : "s");
+  const char* separator = " ";
+  for (const std::u16string& text : tail.footer) {
+    fmt::format_to(Out(out), "{}'{}'", separator, printable(text));
+    separator = ", ";
+  }
+  out += tail.footer_lines > tail.footer.size() ? " and more\n" : "\n";
 }
 
 // "1-4 header, 5 blank, 6 names, 7-18 data", or of many runs how many lines each role has.
@@ -101,7 +220,7 @@ std::string lines(const Layout& layout) {
     return parts.empty() ? "none" : fmt::format("{}", fmt::join(parts, ", "));
   }
   for (const LineRole role : {LineRole::header, LineRole::names, LineRole::units, LineRole::blank,
-                              LineRole::comment, LineRole::data}) {
+                              LineRole::comment, LineRole::data, LineRole::footer}) {
     std::size_t count = 0;
     for (const LineRun& run : layout.lines) count += run.role == role ? run.count : 0;
     if (count > 0) parts.push_back(fmt::format("{} {}", count, to_string(role)));
@@ -127,15 +246,18 @@ Dialect dialect_with(LayoutMode mode, const std::vector<std::u16string>& delimit
   return dialect_of(layout);
 }
 
+std::string short_form(const standalone::Rival& rival) {
+  if (!rival.no_table.empty()) return "no table: " + rival.no_table;
+  return dialect_and_columns(dialect_with(rival.mode, rival.delimiters), rival.num_variables);
+}
+
 void add_confidence(std::string& out, const Layout& layout) {
   if (!layout.confidence || layout.no_table == "empty") return;
   const char* const doubt = *layout.confidence < 0.5 ? ": no answer is likely" : "";
   fmt::format_to(Out(out), "  confidence      {} sure{}\n", percent(*layout.confidence), doubt);
   for (const standalone::Rival& rival : layout.rivals) {
-    const Dialect dialect = dialect_with(rival.mode, rival.delimiters);
-    fmt::format_to(Out(out), "  next best       {}, {}: {}\n",
-                   dialect_and_columns(dialect, rival.num_variables), percent(rival.probability),
-                   printable(rival.reason));
+    fmt::format_to(Out(out), "  next best       {}, {}: {}\n", short_form(rival),
+                   percent(rival.probability), printable(rival.reason));
     break;
   }
   if (layout.cascade && !layout.cascade->agrees) {
@@ -150,9 +272,8 @@ void add_evidence(std::string& out, const Layout& layout) {
     fmt::format_to(Out(out), "  {:>+14.1f}  {}\n", item.worth, printable(item.sentence));
   }
   for (const standalone::Rival& rival : layout.rivals) {
-    const Dialect dialect = dialect_with(rival.mode, rival.delimiters);
-    fmt::format_to(Out(out), "  {:>14}  {}: {}\n", percent(rival.probability),
-                   dialect_and_columns(dialect, rival.num_variables), printable(rival.reason));
+    fmt::format_to(Out(out), "  {:>14}  {}: {}\n", percent(rival.probability), short_form(rival),
+                   printable(rival.reason));
   }
 }
 
@@ -193,7 +314,8 @@ void add_trace(std::string& out, const detection::SelectionTrace& trace) {
 std::string report(const std::string& file, const Layout& layout,
                    const std::vector<GivenOption>& given) {
   std::string out = printable(file) + "\n";
-  fmt::format_to(Out(out), "  layout          {}\n", to_string(dialect_of(layout)));
+  fmt::format_to(Out(out), "  layout          {}{}\n", to_string(dialect_of(layout)),
+                 layout.rest_in_last ? ", the last column takes the rest of the line" : "");
   if (!layout.no_table.empty()) {
     fmt::format_to(Out(out), "  no table        {}\n",
                    layout.no_table == "empty" ? "there is no line that is not blank"
@@ -214,13 +336,16 @@ std::string report(const std::string& file, const Layout& layout,
   fmt::format_to(Out(out), "  names           {}\n", names(layout));
   fmt::format_to(Out(out), "  variables       {}\n", layout.num_variables);
   add_columns(out, layout);
+  if (const std::string details = dialect_details(layout); !details.empty())
+    fmt::format_to(Out(out), "  written         {}\n", details);
   fmt::format_to(Out(out), "  encoding        {}\n", encoding(layout));
-  fmt::format_to(Out(out), "  line ending     {}\n", ending(layout.line_ending));
+  fmt::format_to(Out(out), "  line ending     {}\n", ending(layout));
   fmt::format_to(Out(out), "  lines           {}\n", lines(layout));
   if (layout.ragged_lines > 0) {
     fmt::format_to(Out(out), "  ragged          {} lines of data, the first in line {}\n",
                    layout.ragged_lines, *layout.first_ragged_line);
   }
+  add_tail(out, layout);
   fmt::format_to(Out(out), "  sampled         {}\n", sampled(layout));
   if (!layout.confidence) fmt::format_to(Out(out), "  decided by      {}\n", name_of_end(layout));
   if (!layout.trace) return out;

@@ -4,14 +4,16 @@
 #include <cerrno>
 #include <cstdio>
 
+#include <vltextstream/standalone/files/end_look.hpp>
 #include <vltextstream/standalone/files/read_problem.hpp>
 
 namespace textio::standalone {
 
 ssize_t BoundedStream::read(char* to, std::size_t size) {
   if (size == 0) return 0;
-  if (position_ >= bound_) return read_at_bound();
-  const auto allowed = static_cast<std::uint64_t>(bound_ - position_);
+  const std::int64_t bound = looks_at_end() ? INT64_MAX : bound_;
+  if (position_ >= bound) return read_at_bound();
+  const auto allowed = static_cast<std::uint64_t>(bound - position_);
   const ssize_t count = bytes_->read(to, std::min<std::uint64_t>(size, allowed));
   if (count > 0) position_ += count;
   return count;

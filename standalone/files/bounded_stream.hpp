@@ -7,7 +7,7 @@
 //
 // Units      positions and the bound count bytes.
 // Errors     reading beyond the bound: -1 with kTooManyBytes. A stream that ends there, ends. Other
-//            errors are those of the inner stream.
+//            errors are those of the inner stream. An EndLookScope lifts the bound.
 // Cost       one byte more is read at the bound, to see whether the stream ends there. SEEK_END
 //            passes to the inner stream, which may have to read everything.
 #pragma once

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 
+#include <vltextstream/standalone/files/end_look.hpp>
 #include <vltextstream/standalone/files/read_problem.hpp>
 
 namespace textio::standalone {
@@ -79,6 +80,10 @@ bool CompressedStream::restart() {
 std::int64_t CompressedStream::seek(std::int64_t offset, int whence) {
   std::int64_t base = whence == SEEK_CUR ? position_ : 0;
   if (whence == SEEK_END) {
+    if (looks_at_end()) {
+      errno = ESPIPE;
+      return -1;
+    }
     ssize_t count = 1;
     while (count > 0) count = skip();
     if (count < 0) return -1;

@@ -9,7 +9,8 @@
 //            error of the archive. All text before the error is read first. Data that are not read
 //            are not checked, and a checksum comes after the data that it covers. An archive that
 //            is cut off between two members is a shorter valid archive; this cannot be detected.
-//            Going back fails with ESPIPE if the archive cannot go back.
+//            Going back fails with ESPIPE if the archive cannot go back, and so does SEEK_END in an
+//            EndLookScope.
 // Cost       64 KiB and the memory of the decoder, for data of any size. After going back, the next
 //            read decodes from the start again; after going forward, it decodes what is between.
 #pragma once

@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include <vltextstream/standalone/files/end_look.hpp>
+
 namespace textio::standalone {
 
 ssize_t RewindableStream::read(char* to, std::size_t size) {
@@ -54,7 +56,7 @@ void RewindableStream::forget() {
 }
 
 std::int64_t RewindableStream::seek(std::int64_t offset, int whence) {
-  const bool is_known = whence != SEEK_END || at_end_;
+  const bool is_known = whence != SEEK_END || (at_end_ && !looks_at_end());
   const std::int64_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? position_ : end_;
   const std::int64_t target = sum_of_positions(base, offset);
   if (target < 0 && is_known) return -1;

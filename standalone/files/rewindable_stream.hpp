@@ -9,7 +9,7 @@
 // is read, all but the last 64 KiB to 128 KiB are discarded.
 //
 // Errors     going back to discarded bytes fails with ESPIPE. SEEK_END does too before the end is
-//            reached, because looking for the end could discard the start. An error or the end of
+//            reached, because looking for the end could discard the start, and in an EndLookScope. An error or the end of
 //            the source is permanent; a terminal could otherwise continue after its end.
 // Cost       memory for the kept bytes, in blocks of 64 KiB that are allocated as needed. After
 //            going forward, the next read reads what is between.

@@ -180,7 +180,10 @@ TEST(MemberOrder, OfTheFrontHeader) {
       0, {MEMBER(Known, delimiters), MEMBER(Known, widths), MEMBER(Known, header_lines),
           MEMBER(Known, num_variables), MEMBER(Known, comment_marker), MEMBER(Known, line_endings),
           MEMBER(Known, whitespace), MEMBER(Known, encoding), MEMBER(Known, date_locale),
-          MEMBER(Known, lines_to_sample), MEMBER(Known, max_bytes)});
+          MEMBER(Known, lines_to_sample), MEMBER(Known, max_bytes), MEMBER(Known, judge),
+          MEMBER(Known, names_line), MEMBER(Known, units_line), MEMBER(Known, quote),
+          MEMBER(Known, escape), MEMBER(Known, decimal), MEMBER(Known, grouping),
+          MEMBER(Known, missing)});
   expect_in_order(0, {MEMBER(Column, name), MEMBER(Column, unit), MEMBER(Column, type)});
   using D = Detection;
   expect_in_order(0, {MEMBER(D, dialect),
@@ -203,7 +206,13 @@ TEST(MemberOrder, OfTheFrontHeader) {
                       MEMBER(D, has_more_text),
                       MEMBER(D, decided_by),
                       MEMBER(D, confidence),
-                      MEMBER(D, no_table)});
+                      MEMBER(D, no_table),
+                      MEMBER(D, quote),
+                      MEMBER(D, escape),
+                      MEMBER(D, rivals),
+                      MEMBER(D, evidence)});
+  expect_in_order(0, {MEMBER(Rival, dialect), MEMBER(Rival, quote), MEMBER(Rival, num_columns),
+                      MEMBER(Rival, probability), MEMBER(Rival, reason), MEMBER(Rival, no_table)});
 }
 
 // What a strategy from outside the library, derived from one of its own, can access.

@@ -59,6 +59,28 @@ TEST_P(CutRuns, IntoTheseCells) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, CutRuns, testing::ValuesIn(kRunCases), ByRule());
 
+const CutCase kRestCases[] = {
+    {"MorePieces", 1, u"a b c d  e\n", "0[a][b][c d  e]"},
+    {"AsManyPieces", 1, u"a b c\n", "0[a][b][c]"},
+    {"FewerPieces", 1, u"a b\n\nc\n", "0[a][b] 2[c]"},
+    {"BlanksAtTheEnd", 1, u"a b c d  \n", "0[a][b][c d]"},
+    {"SingleBlanksInside", 2, u"a b  c d  e  f\n", "0[a b][c d][e  f]"},
+    {"ADateWithItsTimeIsOneCell", 1, u"2020-01-02 12:30 a b c\n", "0[2020-01-02 12:30][a][b c]"},
+    {"DateAndTimeInTheRest", 1, u"a b c 2020-01-02 12:30\n", "0[a][b][c 2020-01-02 12:30]"},
+};
+
+class CutRunsWithRest : public testing::TestWithParam<CutCase> {};
+TEST_P(CutRunsWithRest, HaveThreeCellsAtMost) {
+  const Sample sample(GetParam().text);
+  EXPECT_EQ(shown(cut_runs(sample.lines(), GetParam().least_blanks, 3)), GetParam().records);
+}
+INSTANTIATE_TEST_SUITE_P(Table, CutRunsWithRest, testing::ValuesIn(kRestCases), ByRule());
+
+TEST(CutRunsIntoOneCell, TakesTheLine) {
+  const Sample sample(u" a b c\n");
+  EXPECT_EQ(shown(cut_runs(sample.lines(), 1, 1)), "0[a b c]");
+}
+
 // --- gaps ------------------------------------------------------------------------------------
 
 const CutCase kGapCases[] = {

@@ -143,38 +143,38 @@ std::u16string lines_of(std::size_t count, std::u16string_view line) {
   return text;
 }
 
-TEST(CutDelimitedLongQuotes, AreClosedOnTheSixtiethLineAfterThem) {
-  const Sample sample(u"\"a\n" + lines_of(59, u"b") + u"c\",d\n");
+TEST(CutDelimitedLongQuotes, AreClosedOnTheFourHundredthLineAfterThem) {
+  const Sample sample(u"\"a\n" + lines_of(399, u"b") + u"c\",d\n");
   const Records records = cut_delimited(sample.lines(), kQuoted);
   ASSERT_EQ(records.size(), 1U);
-  EXPECT_EQ(records[0].num_lines, 61U);
+  EXPECT_EQ(records[0].num_lines, 401U);
   EXPECT_EQ(records[0].num_cells, 2U);
 }
 
 TEST(CutDelimitedLongQuotes, AreCharactersIfTheyAreNotClosedByThen) {
-  const Sample sample(u"\"a\n" + lines_of(60, u"b") + u"c\",d\n");
+  const Sample sample(u"\"a\n" + lines_of(400, u"b") + u"c\",d\n");
   const Records records = cut_delimited(sample.lines(), kQuoted);
-  EXPECT_EQ(records.size(), 62U);
+  EXPECT_EQ(records.size(), 402U);
   EXPECT_EQ(records.ill_placed_quotes, 2 + 1);  // one opens and one is within a cell
 }
 
 TEST(CutDelimitedLongQuotes, AreGivenUpAfterEight) {
-  const std::u16string block = u"\"a\n" + lines_of(61, u"b");
+  const std::u16string block = u"\"a\n" + lines_of(401, u"b");
   const std::u16string last = u"\"c,d\"\n";
   std::u16string text;
   for (int k = 0; k < 7; ++k) text += block;
   {
     const Sample sample(text + last);
     const Records records = cut_delimited(sample.lines(), kQuoted);
-    ASSERT_EQ(records.size(), 7U * 62 + 1);
-    EXPECT_EQ(records[7 * 62].num_cells, 1U);
+    ASSERT_EQ(records.size(), 7U * 402 + 1);
+    EXPECT_EQ(records[7 * 402].num_cells, 1U);
   }
   text += block;
   {
     const Sample sample(text + last);
     const Records records = cut_delimited(sample.lines(), kQuoted);
-    ASSERT_EQ(records.size(), 8U * 62 + 1);
-    EXPECT_EQ(records[8 * 62].num_cells, 2U);
+    ASSERT_EQ(records.size(), 8U * 402 + 1);
+    EXPECT_EQ(records[8 * 402].num_cells, 2U);
   }
 }
 

@@ -28,6 +28,8 @@ Reading by(std::u16string_view delimiter, char16_t quote = 0) {
 const Reading kOne = {Form::one};
 const Reading kFramed = {Form::framed, u"|"};
 const Reading kRuns = {Form::runs, u" ", 0, 0, 1};
+const Reading kRest = {Form::runs, u" ", 0, 0, 1, 2};
+const Reading kFields = {Form::fields, u"", 0, 0, 1, 0, {0, 2, 4, 6}};
 const Reading kWideRuns = {Form::runs, u" ", 0, 0, 2};
 const Reading kGaps = {Form::gaps, u" ", 0, 0, 1};
 const Reading kWideGaps = {Form::gaps, u" ", 0, 0, 2};
@@ -202,6 +204,12 @@ const AmountCase kSeparatorCases[] = {
     {"GapsAreNoRuns", Evidence::runs, kGaps, u"a b\nc d\n", 2, 0},
     {"GapsOfOneBlankAreNarrow", Evidence::narrow, kGaps, u"a b\nc d\n", 2, 1},
     {"GapsOfTwoBlanksAreNot", Evidence::narrow, kWideGaps, u"a  b\nc  d\n", 2, 0},
+    {"TextAtTheEnd", Evidence::rest, kRest, u"a b c\n", 2, 1},
+    {"TextAtTheEndIsNarrow", Evidence::narrow, kRest, u"a b c\n", 2, 1},
+    {"RunsHaveNoRest", Evidence::rest, kRuns, u"a b\n", 2, 0},
+    {"Fields", Evidence::dense, kFields, u"12ab34\n", 3, 1},
+    {"FieldsAreNotNarrow", Evidence::narrow, kFields, u"12ab34\n", 3, 0},
+    {"GapsAreNotDense", Evidence::dense, kGaps, u"a b\nc d\n", 2, 0},
 };
 
 const double kInteger = worth_of(CellKind::integer);
@@ -230,6 +238,8 @@ const AmountCase kColumnCases[] = {
     {"WordsAndNumbers", Evidence::wordy, by(u" "), u"red a\nold 5\nbig 7\n", 2, 0.5},
     {"WordsInRuns", Evidence::wordy, kRuns, u"red fox\nold cow\n", 2, 1},
     {"WordsInGaps", Evidence::wordy, kGaps, u"red fox\nold cow\n", 2, 1},
+    {"WordsAtTheEndOfTheLineAreText", Evidence::wordy, kRest, u"5 red fox\n7 old cow\n", 2, 0},
+    {"WordsBeforeThem", Evidence::wordy, kRest, u"one red fox\ntwo old cow\n", 2, 0.5},
     {"WordsBetweenCommas", Evidence::wordy, by(u","), u"red,fox\nold,cow\n", 2, 0},
 
     {"Names", Evidence::named, by(u","), u"day,level [m]\n1,2\n", 2, 1},
@@ -280,6 +290,9 @@ const AmountCase kCellCases[] = {
     {"AnUnusualSignCutsNothing", Evidence::cut_values, by(u"@"), u"a@example.org\n", 2, 0},
     {"DateAndTimeCutByABlank", Evidence::cut_values, by(u" "), u"2020-01-02 12:30\n", 2, 1},
     {"DateAndNumberCutByABlank", Evidence::cut_values, by(u" "), u"2020-01-02 1230\n", 2, 0},
+    {"NumberCutByFields", Evidence::cut_values, kFields, u"1.5E02\n", 3, 1},
+    {"WordsCutByFields", Evidence::cut_values, kFields, u"12ab34\n", 3, 0},
+    {"BlanksBetweenFields", Evidence::cut_values, kFields, u"1 2 34\n", 3, 0},
     {"TimeInRuns", Evidence::cut_values, kRuns, u"12:30 a\n", 2, 0},
     {"TimeInOneOfTwoRecords", Evidence::cut_values, by(u":"), u"12:30\na:b\n", 2, 0.5},
 
@@ -343,6 +356,7 @@ TEST(EvidenceOfSeparators, IsOneOfAll) {
     const Sample sample(row.text);
     const EvidenceAmounts amounts = amounts_of(sample, row.reading, row.columns);
     double sum = amounts[static_cast<std::size_t>(Evidence::one)] +
+                 amounts[static_cast<std::size_t>(Evidence::dense)] +
                  amounts[static_cast<std::size_t>(Evidence::framed)];
     for (auto k = static_cast<std::size_t>(Evidence::tab);
          k <= static_cast<std::size_t>(Evidence::rare); ++k) {
@@ -364,6 +378,7 @@ TEST(EvidenceNames, AreDifferentWordsWithHyphens) {
   EXPECT_EQ(to_string(Evidence::cut_values), "cut-values");
   EXPECT_EQ(to_string(Evidence::numbers_cut), "numbers-cut");
   EXPECT_EQ(to_string(Evidence::indented), "indented");
+  EXPECT_EQ(to_string(Evidence::spaced), "spaced");
 }
 
 }  // namespace

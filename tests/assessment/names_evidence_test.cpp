@@ -91,6 +91,16 @@ const AmountCase kTextCases[] = {
     {"OnlyFilledColumnsCount", NamesEvidence::odd_length, u"abc,abcd\n1,\n3,\n", 2},
     {"NoDataNoLengths", NamesEvidence::odd_length, u"abc,abcd\n", 0},
 
+    {"IdentifierAboveIdentifiers", NamesEvidence::shaped_alike, u"PX-1,a\nPX-23,b\nQ-7,c\n", 1},
+    {"IdentifierAboveOthers", NamesEvidence::shaped_alike, u"PX-1,a\nPX,b\n7,c\n", 0},
+    {"WordsAboveWords", NamesEvidence::shaped_alike, u"part,a\nbolt,b\nnut,c\n", 0},
+    {"ChecksumAboveChecksums", NamesEvidence::shaped_alike, u"1d50e3,a\nffffff,b\n0123ab,c\n", 1},
+    {"ChecksumOfAnotherLength", NamesEvidence::shaped_alike, u"1d50e39,a\nabcdef,b\nfedcba,c\n", 0},
+    {"FirstWordsCount", NamesEvidence::shaped_alike, u"AB 1x,a\nx1 y,b\nx2 z,c\n", 0},
+    {"FirstWordsWithDigits", NamesEvidence::shaped_alike, u"A1 one,a\nB2,b\nC3 three,c\n", 1},
+    {"NumbersAreNoIdentifiers", NamesEvidence::shaped_alike, u"12,a\n34,b\n56,c\n", 0},
+    {"OneRecordIsTooFew", NamesEvidence::shaped_alike, u"PX-1,a\nPX-23,b\n", 0},
+
     {"NoData", NamesEvidence::no_data, u"a,b\n", 1},
     {"Data", NamesEvidence::no_data, u"a,b\n1,2\n", 0},
 };

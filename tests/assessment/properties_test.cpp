@@ -56,8 +56,37 @@ std::u16string random_table() {
   return text;
 }
 
+// Fields of fixed width, or a few columns and text; both with a few odd lines.
+std::u16string random_records() {
+  const bool is_dense = *rc::gen::arbitrary<bool>();
+  const auto rows = *rc::gen::inRange<std::size_t>(8, 24);
+  const std::vector<std::u16string> tails = {u"ready", u"out of memory", u"job 7 is done", u""};
+  std::u16string text;
+  for (std::size_t row = 0; row < rows; ++row) {
+    const auto odd = *rc::gen::inRange<std::size_t>(0, 20);
+    const auto number = *rc::gen::inRange<char16_t>(u'0', u':');
+    if (odd == 0) {
+      text += u"odd";
+    } else if (is_dense) {
+      text += std::u16string(4, number) + (odd < 9 ? u"MILLER  " : u"LEE     ") + u"0099X";
+    } else {
+      text += std::u16string(u"2024-05-0") + number + u" 10:15 INFO ";
+      text += *rc::gen::elementOf(tails);
+    }
+    text += u'\n';
+  }
+  return text;
+}
+
 std::u16string random_text() {
-  return *rc::gen::arbitrary<bool>() ? random_units() : random_table();
+  switch (*rc::gen::inRange(0, 3)) {
+    case 0:
+      return random_units();
+    case 1:
+      return random_table();
+    default:
+      return random_records();
+  }
 }
 std::size_t random_count() {
   return *rc::gen::elementOf(std::vector<std::size_t>{1, 2, 3, 5, 100, kAllLines});
@@ -95,14 +124,15 @@ TEST(VerdictProperty, ProbabilitiesSumToOne) {
   }));
 }
 
-// No other answer is less probable than one after it, and all together have what the winner leaves.
+// No other answer is more probable than the winner or the one before it, and all together have what the
+// winner leaves.
 TEST(VerdictProperty, RivalsHaveTheRest) {
   EXPECT_TRUE(rc::check([] {
     const ExactText text(random_text());
     const Verdict verdict = judge(text.view(), random_count());
     if (verdict.hypotheses.empty()) return;
     double sum = verdict.confidence;
-    double last = 1;
+    double last = verdict.confidence + 1e-9;
     for (const Rival& rival : rivals_of(verdict, verdict.hypotheses.size())) {
       RC_ASSERT(rival.probability <= last);
       const Hypothesis& hypothesis = verdict.hypotheses[rival.hypothesis];
@@ -111,6 +141,56 @@ TEST(VerdictProperty, RivalsHaveTheRest) {
       sum += rival.probability;
     }
     RC_ASSERT(std::abs(sum - 1) < 1e-9);
+  }));
+}
+
+// --- a table that grows ----------------------------------------------------------------------
+
+std::u16string random_cell(int kind) {
+  const auto number = [](int from, int to) {
+    const std::string digits = std::to_string(*rc::gen::inRange(from, to));
+    return std::u16string(digits.begin(), digits.end());
+  };
+  const std::u16string kWords[] = {u"north", u"Old Mill", u"quay", u"Upper Bridge", u"lock"};
+  switch (kind) {
+    case 0:
+      return number(0, 100'000);
+    case 1:
+      return number(-99, 100) + u'.' + number(0, 1000);
+    case 2:
+      return u"2024-" + number(10, 13) + u'-' + number(10, 29);
+    case 3:
+      return number(10, 24) + u':' + number(10, 60);
+    default:
+      return kWords[*rc::gen::inRange(0, 5)];
+  }
+}
+
+TEST(VerdictProperty, ARegularRecordMoreLeavesNoDoubt) {
+  EXPECT_TRUE(rc::check([] {
+    const char16_t separator = *rc::gen::element(u',', u';', u'\t', u'|');
+    auto kinds = *rc::gen::container<std::vector<int>>(*rc::gen::inRange<std::size_t>(2, 7),
+                                                       rc::gen::inRange(0, 5));
+    if (separator == u',') kinds.push_back(4);  // numbers alone may have decimal commas
+    const auto record = [&] {
+      std::u16string line;
+      for (const int kind : kinds) {
+        if (!line.empty()) line += separator;
+        line += random_cell(kind);
+      }
+      return line + u'\n';
+    };
+    std::u16string text;
+    for (int rows = *rc::gen::inRange(2, 30); rows > 0; --rows) text += record();
+    const ExactText shorter(text);
+    const ExactText longer(text + record());
+    const Verdict before = judge(shorter.view(), 100);
+    const Verdict after = judge(longer.view(), 100);
+    const Reading& reading = before.cut_of(before.winner()).reading;
+    if (before.confidence < 0.5 || reading.delimiter != std::u16string(1, separator)) return;
+    RC_ASSERT(after.cut_of(after.winner()).reading.delimiter == reading.delimiter);
+    RC_ASSERT(after.winner().table.columns == before.winner().table.columns);
+    RC_ASSERT(after.confidence >= 0.5);
   }));
 }
 

@@ -100,6 +100,19 @@ const ReadingsCase kBlankCases[] = {
      with_narrow({"delimited :", "delimited  ", "delimited  : "})},
 };
 
+const ReadingsCase kRestCases[] = {
+    {"TextAtTheEndsOfLines",
+     lines_of(5, u"10:15 one") + lines_of(5, u"10:16 two three"),
+     {"delimited :", "delimited  ", "runs 1", "gaps 1", "runs 1, 2 cells"}},
+    {"TabsInHalfOfTheLines",
+     lines_of(5, u"10:15 one\ttwo") + lines_of(5, u"10:16 two three four"),
+     {"delimited \\u0009", "delimited :", "delimited  ", "runs 1", "runs 2", "gaps 1", "gaps 2"}},
+    {"BlanksInEightOfTenLines",
+     lines_of(2, u"10:15") + lines_of(4, u"10:15 one") + lines_of(4, u"10:16 two three"),
+     {"delimited :", "delimited  ", "runs 1", "gaps 1"}},
+    {"FieldsThatTouch", lines_of(10, u"0123MILLER0099X"), {"fields 0 4 10 14 15"}},
+};
+
 const ReadingsCase kMarkCases[] = {
     {"TwoBars", u"a||b\n1||2\n", {"delimited |", "delimited ||"}},
     {"TwoCommasAsHalfOfAllCommas", u"a,,b,c,d\n1,,2,3,4\n", {"delimited ,", "delimited ,,"}},
@@ -107,6 +120,11 @@ const ReadingsCase kMarkCases[] = {
     {"InFourOfFiveLines", lines_of(4, u"a->b") + u"c\n", {"delimited >", "delimited ->"}},
     {"InThreeOfFiveLines", lines_of(3, u"a->b") + u"c\nd\n", {"delimited >"}},
     {"Once", u"a||b\n", {"delimited |", "delimited ||"}},
+    {"PaddedSignBesideBareOnes", u"1,5, 2,5\n3,5, 4,5\n",
+     with_narrow({"delimited ,", "delimited  ", "delimited , "})},
+    {"PaddedSignAlone", u"a; b\n1; 2\n", with_narrow({"delimited ;", "delimited  "})},
+    {"PaddedBarBesideBareOnes", u"a | b|c\n1 | 2\n",
+     with_narrow({"delimited |", "delimited  ", "delimited  | "})},
     {"OfThreeSigns", u"a~|~b\n1~|~2\n", {"delimited |", "delimited ~", "delimited ~|~"}},
 };
 
@@ -157,6 +175,7 @@ TEST_P(FindReadings, TriesTheseAndNoOthers) {
 }
 INSTANTIATE_TEST_SUITE_P(Signs, FindReadings, testing::ValuesIn(kSignCases), ByRule());
 INSTANTIATE_TEST_SUITE_P(Blanks, FindReadings, testing::ValuesIn(kBlankCases), ByRule());
+INSTANTIATE_TEST_SUITE_P(Rest, FindReadings, testing::ValuesIn(kRestCases), ByRule());
 INSTANTIATE_TEST_SUITE_P(Marks, FindReadings, testing::ValuesIn(kMarkCases), ByRule());
 INSTANTIATE_TEST_SUITE_P(Quotes, FindReadings, testing::ValuesIn(kQuoteCases), ByRule());
 INSTANTIATE_TEST_SUITE_P(Frames, FindReadings, testing::ValuesIn(kFrameCases), ByRule());
@@ -188,7 +207,7 @@ TEST(FindReadingsOfManySigns, TriesEveryUsualSignAsWell) {
 TEST(ReadingIsAligned, ByRunsOrGaps) {
   EXPECT_TRUE((Reading{Form::runs}.is_aligned()));
   EXPECT_TRUE((Reading{Form::gaps}.is_aligned()));
-  for (const Form form : {Form::delimited, Form::framed, Form::one, Form::none}) {
+  for (const Form form : {Form::delimited, Form::framed, Form::fields, Form::one, Form::none}) {
     EXPECT_FALSE((Reading{form}.is_aligned()));
   }
 }
@@ -207,6 +226,8 @@ const FormCase kFormCases[] = {
     {"RunsOfTwoBlanks", {Form::runs, u" ", 0, 0, 2}, "0[a x | b] 1[1][| 2]"},
     {"GapsOfOneBlank", {Form::gaps, u" ", 0, 0, 1}, "0[a][x][|][b] 1[1][][|][2]"},
     {"GapsOfTwoBlanks", {Form::gaps, u" ", 0, 0, 2}, "0[a x | b] 1[1][| 2]"},
+    {"RunsWithRest", {Form::runs, u" ", 0, 0, 1, 2}, "0[a][x | b] 1[1][| 2]"},
+    {"Fields", {Form::fields, u"", 0, 0, 1, 0, {0, 4, 7}}, "0[a x][| b] 1[1][| 2]"},
     {"SingleColumn", {Form::one}, "0[a x | b] 1[1   | 2]"},
     {"NoTable", {Form::none}, "0[a x | b] 1[1   | 2]"},
 };

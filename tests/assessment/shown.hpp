@@ -32,7 +32,8 @@ inline std::string shown(const assessment::Records& records) {
   return out;
 }
 
-// "delimited ," and, with a quote and an escape, `delimited , "\`; "runs 2"; "one".
+// "delimited ," and, with a quote and an escape, `delimited , "\`; "runs 2", and with a last column of text
+// "runs 1, 3 cells"; "fields 0 4 9"; "one".
 inline std::string shown(const assessment::Reading& reading) {
   using assessment::Form;
   std::string quotes;
@@ -45,9 +46,15 @@ inline std::string shown(const assessment::Reading& reading) {
     case Form::framed:
       return "framed " + readable(reading.delimiter);
     case Form::runs:
-      return "runs " + std::to_string(reading.least_blanks);
+      return "runs " + std::to_string(reading.least_blanks) +
+             (reading.most_cells > 0 ? ", " + std::to_string(reading.most_cells) + " cells" : "");
     case Form::gaps:
       return "gaps " + std::to_string(reading.least_blanks);
+    case Form::fields: {
+      std::string out = "fields";
+      for (const std::size_t border : reading.borders) out += ' ' + std::to_string(border);
+      return out;
+    }
     case Form::one:
       return "one" + quotes;
     case Form::none:

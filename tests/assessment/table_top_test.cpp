@@ -69,6 +69,16 @@ const TopCase kTopCases[] = {
      2},
     {"OneTextIsNoGroup", u",north,,,\nday,min,max,low,high\n" + kFiveNumbers, 1},
 
+    {"GroupsBesideNames", u"day,north,,south,\n,min,max,low,high\n" + kFiveNumbers, 0, 2},
+    {"OneGapIsNoGroup", u"day,north,,low,high\n,min,max,,\n" + kFiveNumbers, 0},
+    {"GroupsRepeated", u"Field,north,north,south,south\nday,min,max,low,high\n" + kFiveNumbers, 0,
+     2},
+    {"YearsAsGroups", u",2019,,2020,\nday,min,max,low,high\n" + kFiveNumbers, 0, 2},
+    {"YearsAsGroupsRepeated", u"Field,2019,2019,2020,2020\nday,min,max,low,high\n" + kFiveNumbers,
+     0, 2},
+    {"TextsAmongManyData", kFiveNumbers + u"day,min,max,low,high\n" + kFiveNumbers + kFiveNumbers,
+     0},
+
     {"YearsAreNames", u"name,2019,2020\na,5,6\nb,7,8\nc,9,10\nd,11,12\ne,13,14\n", 0},
     {"OnlyTexts", u"a,b,c\nd,e,f\ng,h,i\nj,k,l\nm,n,o\n", 0},
     {"PaddedTitleAboveTexts", u"Title,,\na,b,c\nd,e,f\ng,h,i\nj,k,l\nm,n,o\n", 1},

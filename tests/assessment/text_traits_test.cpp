@@ -83,6 +83,8 @@ const LineCase kKeyedLines[] = {
     {"DigitFirst", &TextTraits::keyed, u"12:30", false},
     {"NoKey", &TextTraits::keyed, u"= value", false},
     {"OnlyAKey", &TextTraits::keyed, u"key", false},
+    {"Address", &TextTraits::keyed, u"https://example.org/a", false},
+    {"AddressAsTheValue", &TextTraits::keyed, u"home: https://example.org/a", true},
 };
 
 class TraitOfLine : public testing::TestWithParam<LineCase> {};
@@ -116,6 +118,12 @@ const ShareCase kShareCases[] = {
     {"FurtherInOnce", &TextTraits::indented, u"a\n  b\n  c\n  d\n", 0.25},
     {"InAndOut", &TextTraits::indented, u"a\n\tb\nc\n d\n", 0.75},
     {"AllIndented", &TextTraits::indented, u"  a\n  b\n", 0},
+
+    {"NotSpaced", &TextTraits::spaced, u"a\nb\n", 0},
+    {"BlankLineBetween", &TextTraits::spaced, u"a\nb\n\nc\nd\n", 0.25},
+    {"SeveralBlankLinesBetween", &TextTraits::spaced, u"a\n\n \n\nb\n", 0.5},
+    {"BlankLineAbove", &TextTraits::spaced, u"\na\nb\n", 0},
+    {"BlankLineBelow", &TextTraits::spaced, u"a\nb\n\n", 0},
 };
 
 class TraitShare : public testing::TestWithParam<ShareCase> {};

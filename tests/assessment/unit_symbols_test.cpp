@@ -190,6 +190,77 @@ class IsNoUnitRefused : public testing::TestWithParam<SymbolsCase> {};
 TEST_P(IsNoUnitRefused, LeavesOtherTexts) { expect_all(is_no_unit, GetParam(), false); }
 INSTANTIATE_TEST_SUITE_P(Table, IsNoUnitRefused, testing::ValuesIn(kSomeUnit), ByRule());
 
+// --- units in names ----------------------------------------------------------------------------
+
+struct NameCase {
+  const char* rule;
+  std::u16string name;
+  std::u16string unit;
+};
+std::ostream& operator<<(std::ostream& out, const NameCase& row) { return out << row.rule; }
+
+const NameCase kNames[] = {
+    {"SquareBrackets", u"level [cm]", u"cm"},
+    {"SquareBracketsWithoutABlank", u"level[cm]", u"cm"},
+    {"BlanksInSquareBrackets", u"level [ cm ]", u"cm"},
+    {"BlanksAround", u" level [cm] ", u"cm"},
+    {"SquareBracketsHoldAnyUnit", u"signal [AU]", u"AU"},
+    {"SquareBracketsHoldWords", u"signal [count rate]", u"count rate"},
+    {"SquareBracketsHoldPercent", u"humidity [%]", u"%"},
+    {"SquareBracketsHoldADegree", u"T [\u00B0C]", u"\u00B0C"},
+    {"Product", u"density [kg m^-3]", u"kg m^-3"},
+    {"SquareAfterRoundBrackets", u"p (raw) [hPa]", u"hPa"},
+    {"RoundBrackets", u"speed (km/h)", u"km/h"},
+    {"RoundBracketsAndPercent", u"share (%)", u"%"},
+    {"RoundBracketsAndADegree", u"Temperatur (\u00B0C)", u"\u00B0C"},
+    {"RoundBracketsAndMoney", u"price (EUR)", u"EUR"},
+    {"Slash", u"Zeit / s", u"s"},
+    {"SlashAndAFraction", u"v / km/h", u"km/h"},
+    {"SlashAndAPower", u"A / m^2", u"m^2"},
+    {"SlashBeforeBrackets", u"U / V [mV]", u"mV"},
+    {"In", u"current in mA", u"mA"},
+    {"InAndAWord", u"time in seconds", u"seconds"},
+    {"TheLastIn", u"change in current in mA", u"mA"},
+    {"Percent", u"humidity %", u"%"},
+    {"Degree", u"Temp \u00B0C", u"\u00B0C"},
+
+    {"NothingInTheName", u"level", u""},
+    {"Nothing", u"", u""},
+    {"Blanks", u"  ", u""},
+    {"NoLetterInSquareBrackets", u"x [1]", u""},
+    {"NothingInSquareBrackets", u"x []", u""},
+    {"SignOfNone", u"ratio [-]", u""},
+    {"WordForNone", u"ratio [none]", u""},
+    {"OnlyBrackets", u"[cm]", u""},
+    {"OnlyRoundBrackets", u"(cm)", u""},
+    {"BracketsThatDoNotEndTheName", u"level [cm] raw", u""},
+    {"BracketsThatAreNotClosed", u"level [cm", u""},
+    {"RemarkInRoundBrackets", u"station (old)", u""},
+    {"NumberInRoundBrackets", u"station (2)", u""},
+    {"UnitAlone", u"km/h", u""},
+    {"PercentAlone", u"%", u""},
+    {"SlashWithoutBlanks", u"input/output", u""},
+    {"SlashBeforeAWord", u"yes / no", u""},
+    {"InBeforeAWord", u"born in Ulm", u""},
+    {"UnitAsASecondWord", u"level cm", u""},
+    {"LetterAsASecondWord", u"vitamin C", u""},
+};
+
+class UnitInName : public testing::TestWithParam<NameCase> {};
+TEST_P(UnitInName, IsThatOfTheRow) {
+  const ExactText name(GetParam().name);
+  EXPECT_EQ(readable(unit_in_name(name.view())), readable(GetParam().unit));
+}
+INSTANTIATE_TEST_SUITE_P(Table, UnitInName, testing::ValuesIn(kNames), ByRule());
+
+TEST(UnitInNameLength, IsBoundedInSquareBrackets) {
+  const std::u16string longest(32, u'x');
+  const std::u16string name = u"y [" + longest + u"]";
+  const std::u16string longer_name = u"y [x" + longest + u"]";
+  EXPECT_EQ(unit_in_name(name), longest);
+  EXPECT_EQ(unit_in_name(longer_name), u"");
+}
+
 // No text is both a unit and a sign of none, whatever its characters.
 TEST(UnitSymbols, AUnitIsNeverASignOfNone) {
   const std::u16string alphabet = u"amsk1-/[] ^%";

@@ -39,6 +39,8 @@ std::string answer_of(const Verdict& verdict) {
     case Form::runs:
     case Form::gaps:
       return columns + " by blanks";
+    case Form::fields:
+      return columns + " by width";
     case Form::one:
       return "one";
     case Form::none:
@@ -55,6 +57,30 @@ struct AnswerCase {
   std::string answer;
 };
 std::ostream& operator<<(std::ostream& out, const AnswerCase& row) { return out << row.rule; }
+
+std::u16string lines_of(std::size_t count, const std::vector<std::u16string>& lines) {
+  std::u16string text;
+  for (std::size_t k = 0; k < count; ++k) text += lines[k % lines.size()] + u'\n';
+  return text;
+}
+
+const AnswerCase kRestCases[] = {
+    {"Processes",
+     u"  PID TTY      TIME COMMAND\n" +
+         lines_of(12, {u"    1 ?        0:01 init", u"   22 pts/0    1:10 vim my notes",
+                       u" 4711 ?        9:59 cron -f"}),
+     "4 by blanks"},
+    {"Log",
+     lines_of(20, {u"2024-05-01 10:15:02 INFO ready", u"2024-05-01 10:15:09 ERROR out of memory",
+                   u"2024-05-01 10:17:30 WARN lease of 10.0.0.4 is over",
+                   u"2024-05-01 10:17:31 INFO user ann logged in"}),
+     "3 by blanks"},
+    {"Records",
+     lines_of(20,
+              {u"004711MILLER JOHN   19840302000123EUR", u"004712LEE ANN       19790131004567USD",
+               u"004799VON BERG OTTO 20010509000009EUR"}),
+     "4 by width"},
+};
 
 const AnswerCase kDelimitedCases[] = {
     {"Commas",
@@ -196,6 +222,7 @@ TEST_P(Answer, IsBeyondDoubt) {
   const Verdict verdict = judge(text.view(), 100);
   EXPECT_EQ(answer_of(verdict), GetParam().answer);
 }
+INSTANTIATE_TEST_SUITE_P(Rest, Answer, testing::ValuesIn(kRestCases), ByRule());
 INSTANTIATE_TEST_SUITE_P(Delimited, Answer, testing::ValuesIn(kDelimitedCases), ByRule());
 INSTANTIATE_TEST_SUITE_P(Quoted, Answer, testing::ValuesIn(kQuotedCases), ByRule());
 INSTANTIATE_TEST_SUITE_P(Framed, Answer, testing::ValuesIn(kFramedCases), ByRule());

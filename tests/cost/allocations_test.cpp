@@ -170,9 +170,9 @@ TEST(DetectionAllocationsOfManyLines, GrowOnlyForTheFirstSample) {
 
 // --- the assessment ----------------------------------------------------------------------------
 
-// Per reading: its cells and records, and of each number of columns the records that fit, those that are
-// data and the kinds of their cells.
-constexpr std::size_t kVectorsOfAReading = 8;
+// Per reading: its cells, records and borders of columns, and of each number of columns the records that
+// fit, those that are data and the kinds of their cells.
+constexpr std::size_t kVectorsOfAReading = 9;
 
 Cost cost_of_assessment(MakeField field, std::size_t rows, std::size_t columns) {
   const ExactText text(table_of(field, rows, columns));

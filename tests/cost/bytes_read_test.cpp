@@ -25,15 +25,22 @@ struct WatchedFile {
   std::vector<std::uint8_t> reads;
   std::size_t position = 0;
   std::size_t times_opened = 0;
+  std::size_t times_moved = 0;  // to another position than the one after the last read
 
   void put(std::string content) {
     reads.assign(content.size(), 0);
     bytes = std::move(content);
     times_opened = 0;
+    times_moved = 0;
+    position = 0;
   }
 
-  std::size_t bytes_touched() const {
-    return bytes.size() - static_cast<std::size_t>(std::count(reads.begin(), reads.end(), 0));
+  std::size_t bytes_touched() const { return bytes_touched_from(0); }
+
+  std::size_t bytes_touched_from(std::size_t begin) const {
+    return bytes.size() - begin -
+           static_cast<std::size_t>(
+               std::count(reads.begin() + static_cast<std::ptrdiff_t>(begin), reads.end(), 0));
   }
 };
 
@@ -51,7 +58,10 @@ int seek_watched(void* /*file*/, off64_t* offset, int whence) {
   const std::size_t base = whence == SEEK_SET   ? 0
                            : whence == SEEK_CUR ? watched.position
                                                 : watched.bytes.size();
-  watched.position = std::min(base + static_cast<std::size_t>(*offset), watched.bytes.size());
+  const std::size_t target =
+      std::min(base + static_cast<std::size_t>(*offset), watched.bytes.size());
+  watched.times_moved += target != watched.position;
+  watched.position = target;
   *offset = static_cast<off64_t>(watched.position);
   return 0;
 }
@@ -92,6 +102,10 @@ std::string with_two_byte_characters(const std::string& ascii) {
   for (const char c : ascii) bytes += c == 'b' ? std::string("\xC3\xA9") : std::string(1, c);
   return bytes;
 }
+
+// The end of a long file that is read after the sample.
+constexpr std::size_t kTail = 65'536;
+constexpr std::size_t kStartOfTheEnd = 3 * kSampleUnits - kTail;
 
 constexpr auto kAllLines = std::numeric_limits<unsigned long>::max();
 
@@ -156,7 +170,8 @@ class BytesReadOfALongFile : public testing::Test {
     EXPECT_TRUE(std::all_of(watched.reads.begin(), sample_end, reads_once));
     EXPECT_TRUE(std::none_of(sample_end, watched.reads.end(),
                              [](std::uint8_t reads) { return reads > 1; }));
-    EXPECT_LE(watched.bytes_touched(),
+    const std::size_t at_end = watched.bytes_touched_from(bytes.size() - kTail);
+    EXPECT_LE(watched.bytes_touched() - at_end,
               bytes_per_character * (kSampleUnits + kCharactersAfterTheSample) + BUFSIZ);
     EXPECT_EQ(watched.times_opened, 1u);
   }
@@ -203,8 +218,11 @@ TEST_P(BytesReadForLines, AreThoseOfTheFirstPrefixThatHoldsThem) {
   const std::string bytes = row.last_line_end == kAllLines ? table_of(3 * kSampleUnits)
                                                            : table_that_ends_at(row.last_line_end);
   detect(bytes, "UTF-8", row.num_lines);
-  EXPECT_LE(watched.bytes_touched(), row.blocks * TextStream::kBufferUnits + BUFSIZ);
-  EXPECT_GT(watched.bytes_touched(), (row.blocks - 1) * TextStream::kBufferUnits);
+  const std::size_t at_end = watched.bytes_touched_from(kStartOfTheEnd);
+  const std::size_t at_start = watched.bytes_touched() - at_end;
+  EXPECT_LE(at_start, row.blocks * TextStream::kBufferUnits + BUFSIZ);
+  EXPECT_GT(at_start, (row.blocks - 1) * TextStream::kBufferUnits);
+  EXPECT_LE(at_end, kTail);
   const auto most_reads = *std::max_element(watched.reads.begin(), watched.reads.end());
   EXPECT_EQ(most_reads, 1U);
 }
@@ -213,9 +231,42 @@ INSTANTIATE_TEST_SUITE_P(Table, BytesReadForLines, testing::ValuesIn(kLinesCases
 // Finding the encoding reads the first 64 KB a second time.
 TEST(BytesReadToFindTheEncoding, AreAmongThoseOfTheFirstPrefix) {
   detect(table_of(3 * kSampleUnits), std::nullopt, 100);
-  EXPECT_LE(watched.bytes_touched(), TextStream::kBufferUnits + BUFSIZ);
+  EXPECT_LE(watched.bytes_touched() - watched.bytes_touched_from(kStartOfTheEnd),
+            TextStream::kBufferUnits + BUFSIZ);
   const auto twice = std::count(watched.reads.begin(), watched.reads.end(), 2);
   EXPECT_LE(twice, 65'536 + BUFSIZ);
+}
+
+// --- the end of the file -------------------------------------------------------------------------
+
+std::size_t reads_at_end(bool looks_at_end, std::uint64_t max_bytes) {
+  watched.put(table_of(3 * kSampleUnits));
+  standalone::DetectSettings settings;
+  settings.encoding = "UTF-8";
+  settings.look_at_end = looks_at_end;
+  settings.max_bytes = max_bytes;
+  standalone::detect_layout("table.csv", settings);
+  return watched.bytes_touched_from(TextStream::kBufferUnits + BUFSIZ);
+}
+
+// To learn the length, and to the place from which on the end is read.
+TEST(BytesReadAtTheEnd, AreAtMost64KilobytesInOnePlace) {
+  EXPECT_LE(reads_at_end(true, 67'108'864), kTail);
+  EXPECT_GE(reads_at_end(true, 67'108'864), kTail - 8192);
+  EXPECT_EQ(watched.bytes_touched_from(watched.bytes.size() - 1), 1U);
+  EXPECT_LE(watched.times_moved, 2U);
+}
+
+TEST(BytesReadAtTheEnd, AreNoneWithoutALookOrWithoutRoom) {
+  EXPECT_EQ(reads_at_end(false, 67'108'864), 0U);
+  EXPECT_LE(watched.times_moved, 1U);
+  EXPECT_EQ(reads_at_end(true, TextStream::kBufferUnits + 1000), 0U);
+}
+
+TEST(BytesReadAtTheEnd, AreNoneOfAFileThatIsLoaded) {
+  const standalone::Layout layout = detect(table_of(80'000), "UTF-8", 100);
+  EXPECT_TRUE(layout.tail);
+  EXPECT_EQ(*std::max_element(watched.reads.begin(), watched.reads.end()), 1);
 }
 
 TEST(BytesReadByTheWatchedFile, BelongToTheTableThatIsDetected) {

@@ -97,6 +97,45 @@ TEST(KnownLinesToSample, IsTheBudget) {
   EXPECT_EQ(settings_of({.lines_to_sample = kMost}).num_lines, kMost);
 }
 
+TEST(KnownJudge, IsAsked) {
+  EXPECT_EQ(settings_of({}).judge, Judge::assessment);
+  EXPECT_EQ(settings_of({.judge = Judge::cascade}).judge, Judge::cascade);
+}
+
+TEST(KnownTable, ReachesTheSettings) {
+  const DetectSettings settings = settings_of({.names_line = 3,
+                                               .units_line = 0,
+                                               .quote = "\xC2\xAB",
+                                               .escape = "\\",
+                                               .decimal = ",",
+                                               .grouping = "\xC2\xA0",
+                                               .missing = {{"n/a", ""}}});
+  EXPECT_EQ(settings.names_line, 3U);
+  EXPECT_EQ(settings.units_line, 0U);
+  EXPECT_EQ(settings.quote, u'\u00AB');
+  EXPECT_EQ(settings.escape, u'\\');
+  EXPECT_EQ(settings.decimal, u',');
+  EXPECT_EQ(settings.grouping, u'\u00A0');
+  EXPECT_EQ(settings.missing, (Texts{u"n/a", u""}));
+}
+
+TEST(KnownTable, IsNothingByDefault) {
+  const DetectSettings settings = settings_of({});
+  EXPECT_EQ(settings.names_line, std::nullopt);
+  EXPECT_EQ(settings.units_line, std::nullopt);
+  EXPECT_EQ(settings.quote, std::nullopt);
+  EXPECT_EQ(settings.escape, std::nullopt);
+  EXPECT_EQ(settings.decimal, std::nullopt);
+  EXPECT_EQ(settings.grouping, std::nullopt);
+  EXPECT_TRUE(settings.missing.empty());
+}
+
+TEST(KnownTable, MayHaveNoQuoteAndNoEscape) {
+  const DetectSettings settings = settings_of({.quote = "", .escape = ""});
+  EXPECT_EQ(settings.quote, u'\0');
+  EXPECT_EQ(settings.escape, u'\0');
+}
+
 // --- what is refused ---------------------------------------------------------------------------
 
 struct RefusedCase {
@@ -140,6 +179,22 @@ const RefusedCase kRefused[] = {
     {"UnknownLocale", {.date_locale = "klingon"}, "Known::date_locale: expected the name of a"},
     {"LocaleNoUtf8", {.date_locale = "\xFF"}, "Known::date_locale: expected UTF-8"},
     {"NoLinesToSample", {.lines_to_sample = 0}, "Known::lines_to_sample: expected 1 to"},
+    {"NamesLineNegative", {.names_line = kNegative}, "Known::names_line: expected 0 to"},
+    {"UnitsLineAbsurd", {.units_line = kMost + 1}, "Known::units_line: expected 0 to"},
+    {"OneLineForNamesAndUnits",
+     {.names_line = 2, .units_line = 2},
+     "Known::units_line: expected another line than that of the names, 2"},
+    {"TwoCharactersAsQuote", {.quote = "''"}, "Known::quote: expected one character"},
+    {"ALetterAsQuote", {.quote = "q"}, "Known::quote: expected a character that is no letter"},
+    {"QuoteNoUtf8", {.quote = "\xA7"}, "Known::quote: expected UTF-8"},
+    {"QuoteInADelimiter",
+     {.delimiters = {{"||"}}, .quote = "|"},
+     "Known::quote: expected a character that is not part of a delimiter"},
+    {"AnotherEscape", {.escape = "/"}, "Known::escape: expected a backslash"},
+    {"NoDecimalMark", {.decimal = ""}, "Known::decimal: expected one character"},
+    {"ADigitAsDecimalMark", {.decimal = "0"}, "Known::decimal: expected a character that is no"},
+    {"OneMarkForBoth", {.decimal = ".", .grouping = "."}, "Known::grouping: expected another"},
+    {"MissingNoUtf8", {.missing = {{"\xFF"}}}, "Known::missing: expected UTF-8"},
     {"LinesToSampleNegative", {.lines_to_sample = kNegative}, "Known::lines_to_sample: expected"},
 };
 

@@ -34,7 +34,8 @@ using Change = void (*)(DetectSettings&);
 constexpr char16_t kEndMark = 0xFFFF;
 
 const char* name_of(LineRole role) {
-  constexpr const char* kNames[] = {"header", "names", "units", "blank", "comment", "data"};
+  constexpr const char* kNames[] = {"header",  "names", "units", "blank",
+                                    "comment", "data",  "footer"};
   return kNames[static_cast<std::size_t>(role)];
 }
 

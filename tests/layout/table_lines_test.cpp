@@ -20,7 +20,8 @@ TEST(LineRoleInWords, AreTheEnumerators) {
   EXPECT_EQ(to_string(LineRole::blank), "blank");
   EXPECT_EQ(to_string(LineRole::comment), "comment");
   EXPECT_EQ(to_string(LineRole::data), "data");
-  EXPECT_EQ(to_string(static_cast<LineRole>(6)), "");
+  EXPECT_EQ(to_string(LineRole::footer), "footer");
+  EXPECT_EQ(to_string(static_cast<LineRole>(7)), "");
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ struct ExampleCase {
   nlohmann::json expect;               // members that the layout of the cascade must have
   nlohmann::json assessed;             // those that the layout of the assessment should have
   nlohmann::json known_wrong;          // those that it has instead; null if it is right
-  bool is_doubtful = false;            // whether its confidence must be below 80 %
+  bool is_doubtful = false;            // whether its confidence must be below 90 %
   int status = 0;                      // of the tool
   bool is_status_open = false;         // whether it may be 0 or 1
 

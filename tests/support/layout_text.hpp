@@ -11,6 +11,7 @@
 #include "support/datatype_names.hpp"
 #include "support/printing.hpp"
 #include "support/selection.hpp"
+#include "support/table_facts.hpp"
 
 namespace textio::testing_support {
 
@@ -45,7 +46,19 @@ inline std::string every_member_of(const standalone::Layout& layout) {
       << "\nsampled " << layout.lines_sampled << " lines " << layout.characters_sampled
       << " characters" << (layout.has_more_text ? " of more" : "") << "\nend "
       << static_cast<int>(layout.selection_end) << " by '" << layout.decided_by << "'\n";
-  if (layout.trace) out << describe(*layout.trace);
+  out << "confidence " << layout.confidence.value_or(-1) << " names "
+      << layout.names_probability.value_or(-1) << quoted_texts(layout.names_unique) << "\ndialect "
+      << facts_of(layout) << (layout.dialect.has_byte_order_mark ? " mark" : "") << "\nendings";
+  for (const auto& each : layout.dialect.line_endings) {
+    out << ' ' << readable(each.ending) << '*' << each.count;
+  }
+  out << "\ncolumns";
+  for (const auto& column : layout.columns) {
+    out << " [" << facts_of(column) << ' ' << column.num_fitting << " of " << column.num_cells
+        << ", " << column.least_width << '-' << column.most_width << quoted_texts(column.examples)
+        << ']';
+  }
+  if (layout.trace) out << '\n' << describe(*layout.trace);
   return out.str();
 }
 

@@ -25,26 +25,35 @@ using testing_support::example_cases;
 using testing_support::ExampleCase;
 using testing_support::run_command;
 
+// Whether `actual` is `expected`. Of objects, as a dialect or a column, a case may leave out members.
+bool is_as_expected(const nlohmann::json& actual, const nlohmann::json& expected) {
+  if (expected.is_object() && actual.is_object()) {
+    const auto members = expected.items();
+    return std::all_of(members.begin(), members.end(), [&](const auto& member) {
+      return actual.contains(member.key()) && is_as_expected(actual[member.key()], member.value());
+    });
+  }
+  if (expected.is_array() && actual.is_array()) {
+    return std::equal(actual.begin(), actual.end(), expected.begin(), expected.end(),
+                      is_as_expected);
+  }
+  return actual == expected;
+}
+
 void expect_members(const nlohmann::json& actual, const nlohmann::json& expected) {
   ASSERT_FALSE(expected.empty());
   for (const auto& [name, value] : expected.items()) {
     ASSERT_TRUE(actual.contains(name)) << name;
-    EXPECT_EQ(actual[name], value) << name;
+    EXPECT_TRUE(is_as_expected(actual[name], value))
+        << name << "\n  is       " << actual[name] << "\n  expected " << value;
   }
-}
-
-bool has_members(const nlohmann::json& actual, const nlohmann::json& expected) {
-  const auto members = expected.items();
-  return std::all_of(members.begin(), members.end(), [&](const auto& member) {
-    return actual.contains(member.key()) && actual[member.key()] == member.value();
-  });
 }
 
 // Of an example with a wrong answer, the answer must be that one, and not yet the right one.
 void expect_answer(const nlohmann::json& actual, const ExampleCase& example) {
   if (example.known_wrong.is_null()) return expect_members(actual, example.assessed);
   expect_members(actual, example.known_wrong);
-  EXPECT_FALSE(has_members(actual, example.assessed))
+  EXPECT_FALSE(is_as_expected(actual, example.assessed))
       << "the answer is right: remove \"known_wrong\" of " << example.file;
 }
 
@@ -76,7 +85,7 @@ TEST_P(Examples, AreLaidOutAsTheirCaseSays) {
   expect_answer(as_json(layout), example);
   if (example.is_doubtful) {
     ASSERT_TRUE(layout.confidence.has_value());
-    EXPECT_LT(*layout.confidence, 0.8);
+    EXPECT_LT(*layout.confidence, 0.9);
   }
 }
 
@@ -140,6 +149,11 @@ TEST_P(Examples, GiveTheSameLayoutAsFileAndAsText) {
   for (const char* name : {"encoding", "encoding_found", "encoding_confidence"}) {
     from_file.erase(name);
     from_text.erase(name);
+  }
+  // Only a file has a byte-order mark.
+  if (from_file.contains("dialect")) {
+    from_file["dialect"].erase("byte_order_mark");
+    from_text["dialect"].erase("byte_order_mark");
   }
   EXPECT_EQ(from_text, from_file);
 }

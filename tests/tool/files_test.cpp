@@ -127,7 +127,7 @@ class ToolInput : public testing::TestWithParam<Disguise> {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
     EXPECT_THAT(result.out, HasSubstr("delimited by semicolon"));
-    EXPECT_THAT(result.out, HasSubstr("3 lines of 18 characters"));
+    EXPECT_THAT(result.out, HasSubstr("all 3 lines"));
   }
 
   const TempFolder folder_;
@@ -185,7 +185,7 @@ TEST(ToolStandardInput, MayBeEmpty) {
   for (const CommandResult& result : {vltext({"-"}), vltext_with_a_pipe({"-"}, ""),
                                       vltext({"-"}, gzip_of("")), vltext({"-"}, zstd_of(""))}) {
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.out, HasSubstr("0 lines of 0 characters"));
+    EXPECT_THAT(result.out, HasSubstr("all 0 lines"));
   }
 }
 

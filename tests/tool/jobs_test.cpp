@@ -174,8 +174,7 @@ TEST(ToolManyFiles, ShareStandardInputInTheirOrder) {
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.out, testing::StartsWith("-\n  layout          delimited by semicolon\n"));
     EXPECT_THAT(result.out, HasSubstr(table + "\n  layout          delimited by comma\n"));
-    EXPECT_THAT(result.out.substr(result.out.find("/dev/stdin\n")),
-                HasSubstr("0 lines of 0 characters\n"));
+    EXPECT_THAT(result.out.substr(result.out.find("/dev/stdin\n")), HasSubstr("all 0 lines\n"));
     EXPECT_EQ(result.err, "vltext: cannot open '-': standard input has been read already\n");
   }
 }

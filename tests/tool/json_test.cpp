@@ -129,6 +129,61 @@ TEST(ToolJsonSchema, RefusesAMissingAndAnUnknownMember) {
   EXPECT_THAT(faults(other), Not(IsEmpty()));
 }
 
+// A file with a column of money, one of booleans and one of dates.
+json document_with_all_kinds(const TempFolder& folder) {
+  return printed({"--json", folder.file("k.csv",
+                                        "paid,due,price,note\n"
+                                        "yes,2024-01-31,$5.00,red\n"
+                                        "no,2024-02-29,$7.50,NA\n"
+                                        "yes,2024-03-01,NA,blue\n")});
+}
+
+TEST(ToolJsonSchema, RefusesAMissingAndAnUnknownMemberOfTheDialect) {
+  const TempFolder folder;
+  const json document = document_with_all_kinds(folder);
+  ASSERT_THAT(faults(document), IsEmpty());
+  for (const auto& member : document["files"][0]["dialect"].items()) {
+    json without = document;
+    without["files"][0]["dialect"].erase(member.key());
+    EXPECT_THAT(faults(without), Not(IsEmpty())) << member.key();
+  }
+  json more = document;
+  more["files"][0]["dialect"]["colour"] = "blue";
+  EXPECT_THAT(faults(more), Not(IsEmpty()));
+}
+
+TEST(ToolJsonSchema, RefusesAMissingMemberOfAColumn) {
+  const TempFolder folder;
+  const json document = document_with_all_kinds(folder);
+  for (std::size_t i = 0; i < 4; ++i) {
+    for (const auto& member : document["files"][0]["columns"][i].items()) {
+      json without = document;
+      without["files"][0]["columns"][i].erase(member.key());
+      EXPECT_THAT(faults(without), Not(IsEmpty())) << i << ' ' << member.key();
+    }
+  }
+}
+
+TEST(ToolJsonSchema, RefusesAMemberOfAnotherKindOfColumn) {
+  const TempFolder folder;
+  const json document = document_with_all_kinds(folder);
+  const json& columns = document["files"][0]["columns"];
+  ASSERT_EQ(columns[0]["kind"], "boolean");
+  ASSERT_EQ(columns[1]["kind"], "date");
+  ASSERT_EQ(columns[2]["kind"], "money");
+  ASSERT_EQ(columns[3]["kind"], "text");
+  for (const char* const own : {"true", "false", "date", "currency", "currency_before"}) {
+    for (std::size_t i = 0; i < 4; ++i) {
+      if (columns[i].contains(own)) continue;
+      json more = document;
+      for (const json& column : columns) {
+        if (column.contains(own)) more["files"][0]["columns"][i][own] = column[own];
+      }
+      EXPECT_THAT(faults(more), Not(IsEmpty())) << i << ' ' << own;
+    }
+  }
+}
+
 TEST(ToolJsonSchema, HasTheNumberThatTheToolPrints) {
   EXPECT_EQ(published_schema()["properties"]["schema"]["enum"], json::array({tool::kJsonSchema}));
 }

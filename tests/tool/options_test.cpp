@@ -51,6 +51,11 @@ json layout_of(const std::string& bytes, const Words& options) {
   if (document.is_discarded()) return nullptr;
   json layout = document.at("files").at(0);
   layout.erase("file");
+  std::size_t data = 0;
+  for (const json& run : layout.at("lines")) {
+    if (run.at("role") == "data") data += run.at("count").get<std::size_t>();
+  }
+  layout["lines_of_data"] = data;
   layout["given"] = document.at("given");
   return layout;
 }
@@ -107,6 +112,10 @@ struct OptionCase {
 };
 std::ostream& operator<<(std::ostream& out, const OptionCase& row) { return out << row.rule; }
 
+const std::string kSwitched = "n,v\n1,off\n2,off\n3,off\n";
+const std::string kDollars = "n,v\n1,$a, b$\n2,$c, d$\n3,$e, f$\n";
+const std::string kBackslashes = "n;v\nx;\"a \\\" ; b\"\ny;\"c\"\nz;\"d\"\n";
+
 const Words kOfFixedWidth = {"--parser-type", "fixedwidth"};
 const Words kTwoAndThree = {"--variable-widths", "2,3"};
 const std::string kPlaces = "ab123\ncd456\nef789\n";
@@ -140,7 +149,14 @@ const std::vector<OptionCase> kOptions = {
      "classes",
      {"text", "number"},
      {"date", "number"}},
-    {"ExpChars", "--exp-chars", "xX", kNamed, {}, "", {}, {}},
+    {"ExpChars",
+     "--exp-chars",
+     "xX",
+     "a,b\n1x2,y\n2X3,z\n",
+     {},
+     "classes",
+     {"text", "text"},
+     {"number", "text"}},
     {"VariableWidths",
      "--variable-widths",
      "2,3",
@@ -152,13 +168,41 @@ const std::vector<OptionCase> kOptions = {
     {"NumHeaderLines", "--num-header-lines", "1", kNamed, {}, "header_lines", 0, 1},
     {"DataLine", "--data-line", "3", kNamed, {}, "header_lines", 0, 2},
     {"NumVariables", "--num-variables", "2", kBoth, {}, "num_variables", 3, 2},
-    {"VariableNamesLine", "--variable-names-line", "2", kNamed, {}, "", {}, {}},
-    {"VariableUnitsLine", "--variable-units-line", "2", kNamed, {}, "", {}, {}},
-    {"VariableDescriptionsLine", "--variable-descriptions-line", "2", kNamed, {}, "", {}, {}},
-    {"RowNamesField", "--row-names-field", "1", kNamed, {}, "", {}, {}},
+    {"VariableNamesLine",
+     "--variable-names-line",
+     "2",
+     kNamed,
+     {},
+     "names",
+     {"x", "y"},
+     {"1", "2"}},
+    {"VariableUnitsLine", "--variable-units-line", "2", kNamed, {}, "units_line", nullptr, 2},
+    {"VariableDescriptionsLine",
+     "--variable-descriptions-line",
+     "2",
+     kNamed,
+     {},
+     "lines_of_data",
+     3,
+     2},
+    {"RowNamesField",
+     "--row-names-field",
+     "2",
+     "x,z\n1,2,3\n4,5,6\n7,8,9\n",
+     {},
+     "names",
+     {"", "x", "z"},
+     {"x", "", "z"}},
     {"CollectOutput", "--collect-output", "true", kNamed, {}, "", {}, {}},
     {"IsFile", "--is-file", "false", kNamed, {}, "", {}, {}},
-    {"MultipleDelimsAsOne", "--multiple-delims-as-one", "true", "1,,2\n3,,4\n", {}, "", {}, {}},
+    {"MultipleDelimsAsOne",
+     "--multiple-delims-as-one",
+     "true",
+     "1,2,3\n4,,5\n6,,7\n",
+     {},
+     "",
+     {},
+     {}},
     {"ParserType", "--parser-type", "fixedwidth", kPlaces, kTwoAndThree, "mode", "line-reader",
      "fixed-width"},
     {"MissingRule", "--missing-rule", "omitrow", "1,\n3,4\n5,6\n", {}, "", {}, {}},
@@ -166,7 +210,7 @@ const std::vector<OptionCase> kOptions = {
     {"ConsecutiveDelimitersRule",
      "--consecutive-delimiters-rule",
      "join",
-     "1,,2\n3,,4\n",
+     "1,2,3\n4,,5\n6,,7\n",
      {},
      "",
      {},
@@ -191,13 +235,46 @@ const std::vector<OptionCase> kOptions = {
      {},
      {}},
     {"PartialFieldRule", "--partial-field-rule", "wrap", kNamed, {}, "", {}, {}},
-    {"TreatAsMissing", "--treat-as-missing", "4", kNamed, {}, "", {}, {}},
-    {"TreatAsEmpty", "--treat-as-empty", "4", kNamed, {}, "", {}, {}},
+    {"TreatAsMissing",
+     "--treat-as-missing",
+     "off",
+     kSwitched,
+     {},
+     "classes",
+     {"number", "text"},
+     {"number", "empty"}},
+    {"TreatAsEmpty",
+     "--treat-as-empty",
+     "off",
+     kSwitched,
+     {},
+     "classes",
+     {"number", "text"},
+     {"number", "empty"}},
+    {"Quote", "--quote", "$", kDollars, {}, "num_variables", 3, 2},
+    {"Escape", "--escape", "doubled", kBackslashes, {}, "escape", "\\", nullptr},
+    {"NamesLine", "--names-line", "0", kNamed, {}, "names_line", 1, nullptr},
+    {"Decimal",
+     "--decimal",
+     ".",
+     "a;b\n1,500;x\n2,250;y\n",
+     {},
+     "classes",
+     json::array({"number", "text"}),
+     json::array({"number", "text"})},
+    {"Grouping",
+     "--grouping",
+     " ",
+     kNamed,
+     {},
+     "classes",
+     json::array({"number", "number"}),
+     json::array({"number", "number"})},
     {"ReturnOnError", "--return-on-error", "whatever", kNamed, {}, "", {}, {}},
     {"EmptyValue", "--empty-value", "\\q", kNamed, {}, "", {}, {}},
 };
 
-TEST(ToolOptions, AreThirtyThree) { EXPECT_EQ(kOptions.size(), 33U); }
+TEST(ToolOptions, AreThirtyEight) { EXPECT_EQ(kOptions.size(), 38U); }
 
 class ToolOption : public testing::TestWithParam<OptionCase> {};
 
@@ -283,6 +360,8 @@ struct AcceptedCase {
 };
 std::ostream& operator<<(std::ostream& out, const AcceptedCase& row) { return out << row.rule; }
 
+const std::string kApostrophes = "a,b\n1,'x, y'\n2,'z, w'\n3,'q, r'\n";
+
 const std::string kLongDelimiter(100'000, 'x');
 
 const AcceptedCase kAccepted[] = {
@@ -367,6 +446,42 @@ const AcceptedCase kAccepted[] = {
 
     // Escapes.
     {"Tab", "1\t2\n3\t4\n", {"--delimiter", "\\t"}, "delimiters", {"\t"}},
+
+    // The tool's own words.
+    {"WordTab", "1\t2\n3\t4\n", {"--delimiter", "tab"}, "delimiters", {"\t"}},
+    {"WordComma", kBoth, {"--delimiter", "comma"}, "delimiters", {","}},
+    {"WordSemicolon", kBoth, {"--delimiter", "semicolon"}, "delimiters", {";"}},
+    {"WordSpace", "1 2\n3 4\n", {"--delimiter", "space"}, "delimiters", {" "}},
+    {"WordBar", "1|2\n3|4\n", {"--delimiter", "bar"}, "delimiters", {"|"}},
+    {"WordColon", "1:2\n3:4\n", {"--delimiter", "colon"}, "delimiters", {":"}},
+    {"WordByName", kBoth, {"--option", "delimiter=semicolon"}, "delimiters", {";"}},
+    {"TwoWords",
+     kBoth,
+     {"--delimiter", "semicolon", "--delimiter", "comma"},
+     "delimiters",
+     {";", ","}},
+    {"WordInJsonIsAText", kBoth, {"--option", "Delimiter:=\"tab\""}, "delimiters", {"tab"}},
+    {"QuoteSingle", kApostrophes, {"--quote", "single"}, "quote", "'"},
+    {"QuoteDouble", kApostrophes, {"--quote", "double"}, "quote", "\""},
+    {"QuoteNone", kApostrophes, {"--quote", "none"}, "quote", nullptr},
+    {"QuoteAsItIs", kApostrophes, {"--quote", "'"}, "quote", "'"},
+    {"EscapeByBackslash", kBackslashes, {"--escape", "backslash"}, "escape", "\\"},
+    {"QuoteOfAGivenDelimiter",
+     kApostrophes,
+     {"--delimiter", "comma", "--quote", "single"},
+     "num_variables",
+     2},
+    {"LineOfNames", kNamed, {"--names-line", "2"}, "header_lines", 1},
+    {"LineOfNamesOfAGivenDelimiter",
+     kNamed,
+     {"--delimiter", "comma", "--names-line", "2"},
+     "names",
+     {"1", "2"}},
+    {"NoLineOfNamesAfterOne",
+     kNamed,
+     {"--variable-names-line", "2", "--names-line", "0"},
+     "names_line",
+     nullptr},
     {"TypedTab", "1\t2\n3\t4\n", {"--delimiter", "\t"}, "delimiters", {"\t"}},
     {"Backspace", "1\b2\n3\b4\n", {"--delimiter", "\\b"}, "delimiters", {"\b"}},
     {"Backslash", "1\\2\n3\\4\n", {"--delimiter", "\\\\"}, "delimiters", {"\\"}},
@@ -379,7 +494,7 @@ const AcceptedCase kAccepted[] = {
      {"--line-ending", "\\r\\n"},
      "lines_sampled",
      3},
-    {"LineFeedAlone", "1,2\r3,4\n5,6\n", {"--line-ending", "\\n"}, "lines_sampled", 2},
+    {"LineFeedAlone", "1,2\r3\n4,5\n6,7\n", {"--line-ending", "\\n"}, "lines_sampled", 3},
     {"NoEscapesInOtherTexts",
      kNamed,
      {"--exp-chars", "\\q", "--empty-value", "\\q"},
@@ -576,6 +691,46 @@ TEST(ToolGiven, MayHoldBytesThatAreNoUtf8) {
   }
 }
 
+// --- lines that a file does not have ------------------------------------------------------------
+
+struct MismatchCase {
+  const char* rule;
+  Words options;
+  std::string said;
+};
+std::ostream& operator<<(std::ostream& out, const MismatchCase& row) { return out << row.rule; }
+
+const MismatchCase kMismatches[] = {
+    {"NamesBelowTheText",
+     {"--names-line", "5"},
+     "VariableNamesLine: Expected a line from 1 to 4, got 5."},
+    {"UnitsBelowTheText",
+     {"--variable-units-line", "9"},
+     "VariableUnitsLine: Expected a line from 1 to 4, got 9."},
+    {"DescriptionsBelowTheText",
+     {"--variable-descriptions-line", "1000000000000"},
+     "VariableDescriptionsLine: Expected a line from 1 to 4, got 1000000000000."},
+    {"NamesFarBelowNoHeaderLine",
+     {"--names-line", "4", "--num-header-lines", "0"},
+     "VariableNamesLine: Expected a line from 1 to 3, as 0 header lines are given, got 4."},
+    {"NoSuchColumn",
+     {"--row-names-field", "3"},
+     "RowNamesField: Expected a column from 1 to 2, got 3."},
+};
+
+class ToolMismatch : public testing::TestWithParam<MismatchCase> {};
+
+TEST_P(ToolMismatch, NamesTheFileAndTheOption) {
+  const TempFolder folder;
+  const std::string path = folder.file("t", kNamed);
+  const CommandResult result = vltext(joined(GetParam().options, {path}));
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "vltext: " + path + ": " + GetParam().said + "\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, ToolMismatch, testing::ValuesIn(kMismatches), ByRule());
+
 // --- values that are refused -------------------------------------------------------------------
 
 struct CountFlag {
@@ -652,6 +807,33 @@ const Words kAllRows = {"'fill', 'omitrow', 'omitvar', 'error'."};
 
 const RefusedCase kRefused[] = {
     {"DataLineZero", {"--data-line", "0"}, "--data-line", {"whole number", "1 or larger"}},
+
+    // The tool's own settings, and settings that contradict one another.
+    {"TwoCharactersAsQuote", {"--quote", "ab"}, "--quote", {"one character", "'ab'"}},
+    {"NothingAsQuote", {"--quote", ""}, "--quote", {"one character"}},
+    {"LetterAsQuote", {"--quote", "x"}, "--quote", {"no letter"}},
+    {"BlankAsQuote", {"--quote", " "}, "--quote", {"white space"}},
+    {"QuoteInADelimiter", {"--quote", ",", "--delimiter", "comma"}, "--quote", {"delimiter"}},
+    {"BackslashAsQuoteAndEscape",
+     {"--quote", "\\", "--escape", "backslash"},
+     "--quote",
+     {"the escape"}},
+    {"EscapeByAnotherWord", {"--escape", "\\"}, "--escape", {"backslash or doubled"}},
+    {"WordAsNamesLine", {"--names-line", "first"}, "--names-line", {"whole number", "'first'"}},
+    {"NegativeNamesLine", {"--names-line", "-1"}, "--names-line", {"0 or larger"}},
+    {"NamesLineByName", {"--option", "namesline=x"}, "namesline", {"whole number"}},
+    {"UnitsInTheLineOfTheNames",
+     {"--names-line", "2", "--variable-units-line", "2"},
+     "--variable-units-line",
+     {"another line", "names, 2"}},
+    {"DescriptionsInTheLineOfTheUnits",
+     {"--variable-descriptions-line", "2", "--variable-units-line", "2"},
+     "--variable-descriptions-line",
+     {"another line"}},
+    {"DigitAsDecimalMark", {"--decimal", "1"}, "--decimal", {"no letter, digit"}},
+    {"TwoDecimalMarks", {"--decimal", ".,"}, "--decimal", {"one character"}},
+    {"SignAsGroupingMark", {"--grouping", "-"}, "--grouping", {"digit or sign"}},
+    {"OneMarkForBoth", {"--grouping", ",", "--decimal", ","}, "--grouping", {"decimal mark"}},
 
     // Logical values.
     {"OneAsLogical", {"--is-file", "1"}, "--is-file", {"true or false"}},

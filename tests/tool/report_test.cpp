@@ -42,6 +42,42 @@ detection::SelectionTrace random_trace() {
   return trace;
 }
 
+char16_t random_mark() { return *rc::gen::arbitrary<char16_t>(); }
+
+std::vector<standalone::MissingWord> random_words() { return {{random_text(), 2}, {u"NA", 1}}; }
+
+standalone::TableDialect random_dialect() {
+  standalone::TableDialect dialect;
+  dialect.delimiters = random_texts();
+  dialect.quote = random_mark();
+  dialect.escape = standalone::Escape::backslash;
+  dialect.comment_prefix = random_text();
+  dialect.decimal = random_mark();
+  dialect.grouping = random_mark();
+  dialect.missing = random_words();
+  dialect.line_endings = {{random_text(), 2}, {u"\n", 1}};
+  return dialect;
+}
+
+standalone::ColumnFacts random_column() {
+  standalone::ColumnFacts column;
+  column.kind = *rc::gen::element(standalone::ColumnKind::money, standalone::ColumnKind::boolean,
+                                  standalone::ColumnKind::date);
+  column.num_cells = 2;
+  column.first_misfit_line = 3;
+  column.missing = random_words();
+  column.decimal = random_mark();
+  column.grouping = random_mark();
+  column.currency = random_text();
+  column.true_word = random_text();
+  column.false_word = random_text();
+  column.date.strptime = random_bytes();
+  column.date.icu = random_bytes();
+  column.date.zone = random_bytes();
+  column.examples = random_texts();
+  return column;
+}
+
 Layout random_layout() {
   Layout layout;
   layout.mode =
@@ -55,6 +91,10 @@ Layout random_layout() {
   layout.line_ending = random_text();
   layout.trace = random_trace();
   layout.looks_binary = *rc::gen::arbitrary<bool>();
+  layout.confidence = 0.5;
+  layout.names_unique = {random_text(), random_text(), random_text()};
+  layout.dialect = random_dialect();
+  layout.columns = {random_column(), random_column(), random_column()};
   return layout;
 }
 
@@ -126,6 +166,45 @@ TEST(Report, ShowsADelimiterOutsideTheBasicPlane) {
   layout.delimiters = {u"\xD83D\xDC80", u"a\xD83D"};
   EXPECT_NE(report("f", layout).find("delimited by \"\xF0\x9F\x92\x80\" or \"a\xEF\xBF\xBD\"\n"),
             std::string::npos);
+}
+
+Layout layout_of_columns(const std::vector<standalone::ColumnKind>& kinds) {
+  Layout layout;
+  layout.names.assign(kinds.size(), u"x");
+  layout.classes.assign(kinds.size(), DatatypeCode::text);
+  for (const standalone::ColumnKind kind : kinds) {
+    layout.columns.emplace_back();
+    layout.columns.back().kind = kind;
+  }
+  return layout;
+}
+
+TEST(Report, AlignsTheNamesOfColumns) {
+  using Kind = standalone::ColumnKind;
+  EXPECT_NE(report("f", layout_of_columns({Kind::date, Kind::category}))
+                .find("               1  date      x\n"
+                      "               2  category  x\n"),
+            std::string::npos);
+  EXPECT_NE(report("f", layout_of_columns({Kind::percentage, Kind::date}))
+                .find("               1  percentage  x\n"
+                      "               2  date        x\n"),
+            std::string::npos);
+  EXPECT_NE(report("f", layout_of_columns({Kind::date, Kind::epoch_milliseconds}))
+                .find("               1  date                x\n"
+                      "               2  epoch-milliseconds  x\n"),
+            std::string::npos);
+}
+
+TEST(Report, NamesBlanksThatLookAlike) {
+  const auto grouped_by = [](char16_t mark) {
+    Layout layout;
+    layout.dialect.grouping = mark;
+    return report("f", layout);
+  };
+  EXPECT_NE(grouped_by(u' ').find("numbers grouped by \" \"\n"), std::string::npos);
+  EXPECT_NE(grouped_by(u'\u00A0').find("numbers grouped by U+00A0\n"), std::string::npos);
+  EXPECT_NE(grouped_by(u'\u2009').find("numbers grouped by U+2009\n"), std::string::npos);
+  EXPECT_NE(grouped_by(u'\u202F').find("numbers grouped by U+202F\n"), std::string::npos);
 }
 
 TEST(Report, SaysThatAFileLooksBinary) {

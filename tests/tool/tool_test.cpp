@@ -45,12 +45,12 @@ TEST_F(Tool, PrintsTheLayoutInWords) {
                             "  header lines    0\n"
                             "  names           in line 1: texts above values\n"
                             "  variables       2\n"
-                            "               1  number    x\n"
+                            "               1  integer   x\n"
                             "               2  text      y\n"
                             "  encoding        UTF-8 (valid UTF-8)\n"
                             "  line ending     \"\\n\"\n"
                             "  lines           1 names, 2-3 data\n"
-                            "  sampled         3 lines of 12 characters\n");
+                            "  sampled         all 3 lines\n");
 }
 
 TEST_F(Tool, TellsAFirstLineBeyondAnySampleFromAnEmptyFile) {
@@ -58,7 +58,7 @@ TEST_F(Tool, TellsAFirstLineBeyondAnySampleFromAnEmptyFile) {
   EXPECT_EQ(endless.status, 1);
   EXPECT_THAT(endless.out, HasSubstr("nothing: no line ends in the first 4,194,304 characters"));
   const CommandResult empty = vltext({folder_.file("e", "")});
-  EXPECT_THAT(empty.out, HasSubstr("0 lines of 0 characters"));
+  EXPECT_THAT(empty.out, HasSubstr("all 0 lines"));
 }
 
 TEST_F(Tool, ExplainsWithCandidatesAndFilters) {
@@ -75,7 +75,7 @@ TEST_F(Tool, PutsTheTraceIntoTheJson) {
   const CommandResult result =
       vltext({"--explain", "--json", folder_.file("t.csv", "x,y\n1,a\n2,b\n")});
   const auto document = nlohmann::json::parse(result.out);
-  EXPECT_EQ(document["schema"], 3);
+  EXPECT_EQ(document["schema"], 4);
   const auto& trace = document["files"][0]["trace"];
   EXPECT_EQ(trace["candidate_chars"], ",");
   ASSERT_EQ(trace["candidates"].size(), 1U);
@@ -88,6 +88,66 @@ TEST_F(Tool, SamplesAsManyDataLinesAsAsked) {
   const CommandResult result =
       vltext({"--json", "--lines", "2", folder_.file("t.csv", "1,2\n3,4\n5,6\n7,8\n")});
   EXPECT_EQ(nlohmann::json::parse(result.out)["files"][0]["lines_sampled"], 2);
+}
+
+// Names and as many records, of eight bytes each, and what follows them.
+std::string table_of(std::size_t records, const std::string& footer) {
+  std::string text = "num,abc\n";
+  for (std::size_t i = 0; i < records; ++i) text += "1.5,abc\n";
+  return text + footer;
+}
+
+TEST_F(Tool, PrintsFooters) {
+  const std::string file = folder_.file("t.csv", "x,y\n1,a\n2,b\n\n(2 rows)\nBye\n");
+  EXPECT_THAT(vltext({file}).out,
+              HasSubstr("\n  lines           1 names, 2-3 data, 4 blank, 5-6 footer\n"));
+  const auto document = nlohmann::json::parse(vltext({"--json", file}).out);
+  const auto& layout = document["files"][0];
+  EXPECT_EQ(layout["lines"].back()["role"], "footer");
+  EXPECT_EQ(layout["lines"].back()["first_line"], 5);
+  EXPECT_EQ(layout["tail"], nullptr);
+}
+
+TEST_F(Tool, PrintsWhatTheEndHolds) {
+  const std::string file = folder_.file("t.csv", table_of(3000, "Total,\nBye\n"));
+  EXPECT_THAT(vltext({file}).out, HasSubstr("\n  footer          2 lines at the end: 'Total,', "
+                                            "'Bye'\n  sampled         100 of about 3,002 lines\n"));
+  const auto document = nlohmann::json::parse(vltext({"--json", file}).out);
+  const auto& layout = document["files"][0];
+  EXPECT_EQ(layout["lines_estimated"], 3002);
+  EXPECT_EQ(layout["tail"]["footer_lines"], 2);
+  EXPECT_EQ(layout["tail"]["footer"], nlohmann::json({"Total,", "Bye"}));
+  EXPECT_EQ(layout["tail"]["bytes"], 0);
+  EXPECT_EQ(document["settings"]["look_at_end"], true);
+}
+
+TEST_F(Tool, SaysWhenThereIsMoreThanItTells) {
+  const std::string file = folder_.file("t.csv", table_of(150, "\na b\nc d\ne f\ng h\ni j\nk l\n"));
+  EXPECT_THAT(vltext({file}).out,
+              HasSubstr("6 lines at the end: 'a b', 'c d', 'e f', 'g h', 'i j' and more\n"));
+  const std::string one = folder_.file("one.csv", table_of(150, "Bye\n"));
+  EXPECT_THAT(vltext({one}).out, HasSubstr("1 line at the end: 'Bye'\n"));
+}
+
+TEST_F(Tool, DoesNotLookAtTheEndIfToldSo) {
+  const std::string file = folder_.file("t.csv", table_of(3000, "Bye\n"));
+  EXPECT_THAT(vltext({"--no-tail", file}).out, Not(HasSubstr("footer")));
+  const auto document = nlohmann::json::parse(vltext({"--no-tail", "--json", file}).out);
+  EXPECT_EQ(document["files"][0]["tail"], nullptr);
+  EXPECT_EQ(document["settings"]["look_at_end"], false);
+}
+
+TEST_F(Tool, SamplesAllLinesIfAsked) {
+  const std::string file = folder_.file("t.csv", table_of(2999, "Bye\n"));
+  EXPECT_THAT(vltext({"--lines", "all", file}).out,
+              HasSubstr("2-3000 data, 3001 footer\n  sampled         all 3,001 lines\n"));
+}
+
+TEST_F(Tool, SaysHowMuchItLookedAt) {
+  EXPECT_THAT(vltext({folder_.file("one", "x\n")}).out,
+              HasSubstr("sampled         the only line\n"));
+  EXPECT_THAT(vltext({"--judge", "cascade", folder_.file("two", "x,y\n1,2\n")}).out,
+              HasSubstr("sampled         2 lines of 8 characters\n"));
 }
 
 TEST_F(Tool, GoesOnAfterAFileThatFails) {

@@ -1,0 +1,7 @@
+#include <vltextstream/layout/given_mismatch.hpp>
+
+namespace textio::standalone {
+
+GivenMismatch::~GivenMismatch() = default;
+
+}  // namespace textio::standalone

@@ -1,0 +1,123 @@
+#include <vltextstream/layout/table_columns.hpp>
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include <vltextstream/columns/table_formats.hpp>
+
+namespace textio::standalone {
+namespace {
+
+using assessment::Reading;
+using assessment::Records;
+
+std::optional<char16_t> mark_or_none(char16_t mark) {
+  return mark != 0 ? std::optional<char16_t>(mark) : std::nullopt;
+}
+
+columns::ColumnHints hints_for(const Reading& reading, const DetectSettings& settings) {
+  columns::ColumnHints hints;
+  const bool has_delimiter = reading.form == assessment::Form::delimited;
+  if (has_delimiter && reading.delimiter.size() == 1) hints.marks.delimiter = reading.delimiter[0];
+  hints.marks.are_given = settings.decimal || settings.grouping;
+  hints.marks.decimal = settings.decimal.value_or(0);
+  hints.marks.grouping = settings.grouping.value_or(0);
+  hints.missing = settings.missing;
+  hints.exponents = settings.options.exp_chars;
+  return hints;
+}
+
+DateFacts facts_of(const columns::DateFormat& date) {
+  return {date.strptime, date.icu, date.language, date.zone, date.order};
+}
+
+ColumnFacts facts_of(const columns::ColumnDescription& column) {
+  ColumnFacts facts;
+  facts.kind = column.kind;
+  facts.num_cells = column.num_cells;
+  facts.num_empty = column.num_empty;
+  facts.num_missing = column.num_missing;
+  facts.num_fitting = column.num_fitting;
+  for (const columns::MissingWord& each : column.missing) {
+    facts.missing.push_back({each.word, each.count});
+  }
+  facts.least_width = column.least_width;
+  facts.most_width = column.most_width;
+  facts.decimal = mark_or_none(column.number.decimal);
+  facts.grouping = mark_or_none(column.number.grouping);
+  facts.are_marks_certain = column.number.is_certain;
+  facts.currency = column.money.currency;
+  facts.is_currency_before = column.money.place == columns::CurrencyPlace::before;
+  facts.true_word = column.boolean.yes;
+  facts.false_word = column.boolean.no;
+  facts.date = facts_of(column.date);
+  facts.examples = column.examples;
+  return facts;
+}
+
+// The mark of the table or, if none is certain, that of the first column with another mark than `other`.
+std::optional<char16_t> mark_of_table(char16_t mark, char16_t other,
+                                      const std::vector<columns::ColumnDescription>& columns,
+                                      char16_t columns::NumberFormat::*member) {
+  if (mark != 0) return mark;
+  for (const columns::ColumnDescription& each : columns) {
+    const char16_t own = each.number.*member;
+    if (own != 0 && own != other) return own;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::vector<MissingWord> TableColumns::missing() const {
+  std::vector<MissingWord> all;
+  for (const ColumnFacts& column : facts) {
+    for (const MissingWord& each : column.missing) {
+      const auto same = std::find_if(all.begin(), all.end(), [&](const MissingWord& other) {
+        return other.word == each.word;
+      });
+      if (same == all.end()) {
+        all.push_back(each);
+      } else {
+        same->count += each.count;
+      }
+    }
+  }
+  std::stable_sort(all.begin(), all.end(),
+                   [](const MissingWord& a, const MissingWord& b) { return a.count > b.count; });
+  return all;
+}
+
+TableColumns describe_columns(const assessment::Verdict& verdict,
+                              const std::vector<std::size_t>& rows,
+                              const std::vector<std::u16string>& names,
+                              const DetectSettings& settings) {
+  const assessment::Cut& cut = verdict.cut_of(verdict.winner());
+  const Records& records = cut.records;
+  const columns::ColumnHints hints = hints_for(cut.reading, settings);
+  std::vector<columns::TableColumn> columns(
+      std::min(verdict.winner().table.columns, kMostColumnsDescribed), {{}, hints});
+  for (std::size_t c = 0; c < columns.size(); ++c) {
+    if (c < names.size()) columns[c].hints.name = names[c];
+    columns[c].cells.reserve(rows.size());
+    for (const std::size_t row : rows)
+      columns[c].cells.push_back(assessment::trimmed(records.view(records.cells(row)[c])));
+  }
+  const std::vector<columns::ColumnDescription> described = columns::describe_columns(columns);
+  const columns::TableFormats formats = columns::find_formats(described);
+  TableColumns found;
+  found.decimal =
+      mark_of_table(formats.decimal, formats.grouping, described, &columns::NumberFormat::decimal);
+  found.grouping = mark_of_table(formats.grouping, found.decimal.value_or(0), described,
+                                 &columns::NumberFormat::grouping);
+  for (const columns::ColumnDescription& each : described) {
+    found.facts.push_back(facts_of(each));
+    if (each.first_misfit) {
+      found.facts.back().first_misfit_line = records[rows[*each.first_misfit]].line + 1;
+    }
+  }
+  return found;
+}
+
+}  // namespace textio::standalone
