@@ -118,11 +118,14 @@ CellClass class_of_kind(View cell, CellKind kind, const CellRules& rules) {
 }  // namespace
 
 CellClass class_of_cell(View cell, const CellRules& rules) {
+  return class_of_cell(cell, assessment::kind_of(cell), rules);
+}
+
+CellClass class_of_cell(View cell, CellKind kind, const CellRules& rules) {
   if (cell.empty()) return CellClass::empty;
   const bool is_given =
       std::find(rules.missing.begin(), rules.missing.end(), cell) != rules.missing.end();
   if (is_given) return CellClass::given_missing;
-  const CellKind kind = assessment::kind_of(cell);
   if (kind == CellKind::empty) return CellClass::empty;
   if (is_missing_word(cell, kind)) return CellClass::missing;
   return class_of_kind(cell, kind, rules);

@@ -16,6 +16,8 @@
 #include <string>
 #include <string_view>
 
+#include <vltextstream/assessment/cell_kind.hpp>
+
 namespace textio::columns {
 
 enum class CellClass : std::uint8_t {
@@ -53,5 +55,9 @@ struct CellRules {
 
 // `cell` has no blanks at its ends.
 CellClass class_of_cell(std::u16string_view cell, const CellRules& rules);
+
+// The same of a cell whose kind is known.
+CellClass class_of_cell(std::u16string_view cell, assessment::CellKind kind,
+                        const CellRules& rules);
 
 }  // namespace textio::columns

@@ -129,7 +129,9 @@ class ColumnExaminer {
     classes_.reserve(cells_.size());
     for (const View cell : cells_) {
       const View text = trimmed(cell);
-      const CellClass one = class_of_cell(text, rules);
+      const std::size_t i = classes_.size();
+      const CellClass one = i < hints_.kinds.size() ? class_of_cell(text, hints_.kinds[i], rules)
+                                                    : class_of_cell(text, rules);
       classes_.push_back(one);
       ++counts_[static_cast<std::size_t>(one)];
       if (one == CellClass::empty) continue;
@@ -190,6 +192,7 @@ class ColumnExaminer {
     const Classes classes = rule.own.with(rule.others);
     const bool is_compact = rule.kind == ColumnKind::date && !rule.own.has(CellClass::date);
     const auto reader = is_compact ? compact_date_reader(hints_) : reader_of(rule.kind, hints_);
+    reader->expect(count_of(classes));
     for_each_of(classes, [&](View text, CellClass one, std::size_t) { reader->look(text, one); });
     reader->settle();
     for_each_of(classes, [&](View text, CellClass one, std::size_t) { reader->weigh(text, one); });

@@ -27,6 +27,7 @@
 #include <string_view>
 #include <vector>
 
+#include <vltextstream/assessment/cell_kind.hpp>
 #include <vltextstream/columns/boolean_words.hpp>
 #include <vltextstream/columns/column_kind.hpp>
 #include <vltextstream/columns/date_format.hpp>
@@ -49,6 +50,9 @@ struct ColumnHints {
 
   // The letters that may begin an exponent.
   std::u16string exponents = u"eEdD";
+
+  // The kinds of the first cells, as far as they are known.
+  std::span<const assessment::CellKind> kinds;
 };
 
 struct ColumnDescription {

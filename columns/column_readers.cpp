@@ -63,6 +63,7 @@ class NumberReader : public ColumnReader {
  public:
   explicit NumberReader(const ColumnHints& hints) : hints_(hints) {}
 
+  void expect(std::size_t cells) override { shapes_.reserve(cells); }
   void look(View text, CellClass) override {
     shapes_.push_back(shape_of_number(text));
     votes_.add(shapes_.back());
@@ -176,6 +177,7 @@ class DateReader : public ColumnReader {
  public:
   DateReader(ColumnKind kind, const ColumnHints& hints) : kind_(kind), hints_(hints) {}
 
+  void expect(std::size_t cells) override { first_cells_.reserve(std::min(cells, kMostKept)); }
   void look(View text, CellClass) override {
     const auto cell = read_date(text);
     if (cell) {

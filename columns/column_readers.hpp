@@ -7,6 +7,7 @@
 // Cost    linear in the cells. Memory: of numbers some bytes for each cell, otherwise bounded.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
@@ -18,6 +19,9 @@ namespace textio::columns {
 class ColumnReader {
  public:
   virtual ~ColumnReader() = default;
+
+  // How many cells follow.
+  virtual void expect(std::size_t) {}
 
   virtual void look(std::u16string_view, CellClass) {}
   virtual void settle() {}

@@ -1,6 +1,7 @@
 #include <vltextstream/layout/table_columns.hpp>
 
 #include <algorithm>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -28,19 +29,25 @@ columns::ColumnHints hints_for(const Reading& reading, const DetectSettings& set
   return hints;
 }
 
+// A line break at an end of a cell counts for its kind, but is cut off here.
+bool has_break_at_end(std::u16string_view cell) {
+  const auto is_break = [](char16_t unit) { return unit >= u'\n' && unit <= u'\r'; };
+  return !cell.empty() && (is_break(cell.front()) || is_break(cell.back()));
+}
+
 DateFacts facts_of(const columns::DateFormat& date) {
   return {date.strptime, date.icu, date.language, date.zone, date.order};
 }
 
-ColumnFacts facts_of(const columns::ColumnDescription& column) {
+ColumnFacts facts_of(columns::ColumnDescription&& column) {
   ColumnFacts facts;
   facts.kind = column.kind;
   facts.num_cells = column.num_cells;
   facts.num_empty = column.num_empty;
   facts.num_missing = column.num_missing;
   facts.num_fitting = column.num_fitting;
-  for (const columns::MissingWord& each : column.missing) {
-    facts.missing.push_back({each.word, each.count});
+  for (columns::MissingWord& each : column.missing) {
+    facts.missing.push_back({std::move(each.word), each.count});
   }
   facts.least_width = column.least_width;
   facts.most_width = column.most_width;
@@ -52,7 +59,7 @@ ColumnFacts facts_of(const columns::ColumnDescription& column) {
   facts.true_word = column.boolean.yes;
   facts.false_word = column.boolean.no;
   facts.date = facts_of(column.date);
-  facts.examples = column.examples;
+  facts.examples = std::move(column.examples);
   return facts;
 }
 
@@ -98,24 +105,38 @@ TableColumns describe_columns(const assessment::Verdict& verdict,
   const columns::ColumnHints hints = hints_for(cut.reading, settings);
   std::vector<columns::TableColumn> columns(
       std::min(verdict.winner().table.columns, kMostColumnsDescribed), {{}, hints});
+  const assessment::Hypothesis& winner = verdict.winner();
+  const std::vector<std::size_t>& data = winner.table.data;
+  const auto first = static_cast<std::size_t>(
+      rows.empty() ? 0 : std::lower_bound(data.begin(), data.end(), rows.front()) - data.begin());
+  const std::size_t known =
+      std::min(rows.size(), winner.kinds.size() - std::min(first, winner.kinds.size()));
+  std::vector<assessment::CellKind> kinds(columns.size() * known);
   for (std::size_t c = 0; c < columns.size(); ++c) {
-    if (c < names.size()) columns[c].hints.name = names[c];
-    columns[c].cells.reserve(rows.size());
-    for (const std::size_t row : rows)
-      columns[c].cells.push_back(assessment::trimmed(records.view(records.cells(row)[c])));
+    columns::TableColumn& column = columns[c];
+    if (c < names.size()) column.hints.name = names[c];
+    column.cells.reserve(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      const std::u16string_view cell = records.view(records.cells(rows[i])[c]);
+      column.cells.push_back(assessment::trimmed(cell));
+      if (i >= known) continue;
+      kinds[c * known + i] = has_break_at_end(cell) ? assessment::kind_of(column.cells[i])
+                                                    : winner.kinds.at(first + i, c);
+    }
+    column.hints.kinds = std::span(kinds).subspan(c * known, known);
   }
-  const std::vector<columns::ColumnDescription> described = columns::describe_columns(columns);
+  std::vector<columns::ColumnDescription> described = columns::describe_columns(columns);
   const columns::TableFormats formats = columns::find_formats(described);
   TableColumns found;
   found.decimal =
       mark_of_table(formats.decimal, formats.grouping, described, &columns::NumberFormat::decimal);
   found.grouping = mark_of_table(formats.grouping, found.decimal.value_or(0), described,
                                  &columns::NumberFormat::grouping);
-  for (const columns::ColumnDescription& each : described) {
-    found.facts.push_back(facts_of(each));
-    if (each.first_misfit) {
-      found.facts.back().first_misfit_line = records[rows[*each.first_misfit]].line + 1;
-    }
+  found.facts.reserve(described.size());
+  for (columns::ColumnDescription& each : described) {
+    const std::optional<std::size_t> misfit = each.first_misfit;
+    found.facts.push_back(facts_of(std::move(each)));
+    if (misfit) found.facts.back().first_misfit_line = records[rows[*misfit]].line + 1;
   }
   return found;
 }
