@@ -141,7 +141,7 @@ void fail_allocation(std::size_t nth, bool all_after_it) {
 // before any is counted.
 void warm_up() {
   standalone::DetectSettings settings;
-  MemoryFile file("a,2024-03-01 10:00,\"x\"\nb,2024-03-02 11:00,\xE9\n", 0);
+  MemoryFile file("a,2024-03-01 10:00,\"x\",1 Mar 2024\nb,2024-03-02 11:00,\xE9,2 Mar 2024\n", 0);
   served_file = &file;
   standalone::detect_layout(std::string("warm"), settings);
   describe(standalone::Layout());
