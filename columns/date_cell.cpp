@@ -64,7 +64,7 @@ class DateReader {
   }
   bool add_literal(char16_t literal) { return cell_.parts.add({DateUnit::literal, literal, 0, 0}); }
 
-  // The first digits of a longer run; what is left of it is no part of a date.
+  // The first digits of a longer run; what is left of it does not belong to a date.
   Number take_number(std::size_t most = 9) {
     Number number;
     while (number.digits < most && is_digit_at(0)) {

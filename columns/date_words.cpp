@@ -17,7 +17,7 @@ namespace {
 using View = std::u16string_view;
 
 // Names with blanks between them, from January and from Sunday on. Without
-// names that stand alone, they are the same as those after a day.
+// names without a day, they are the same as those after a day.
 struct Language {
   std::string_view name;
   View months;

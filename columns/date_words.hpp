@@ -19,7 +19,7 @@
 
 namespace textio::columns {
 
-// The forms that ICU distinguishes. A name that stands alone has no day before it.
+// The forms that ICU distinguishes. A name in a form "alone" has no day before it.
 enum class NameForm : std::uint8_t { full, abbreviated, full_alone, abbreviated_alone };
 
 inline constexpr std::size_t kNameForms = 4;

@@ -49,7 +49,7 @@ struct VLTEXTSTREAM_EXPORT TableDialect {
   Escape escape = Escape::none;
   bool is_escape_seen = false;
 
-  // Whether a blank follows most delimiters and is no part of the cells.
+  // Whether a blank follows most delimiters and does not belong to the cells.
   bool blanks_after_delimiters = false;
 
   // What the comments among the sampled lines begin with; empty without comments.
