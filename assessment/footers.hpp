@@ -1,4 +1,4 @@
-// Footers: what follows the records of a table and is none of them.
+// Footers: the lines below a table that are not records of it.
 //
 //   const TableProfile profile = profile_of(cut.records, cut.reading, table, kinds, names_rows);
 //   first_footer(lines, cut.records, table, profile);    // the first record that is a footer
@@ -31,7 +31,7 @@
 
 namespace textio::assessment {
 
-// Kinds of cells that may stand in one column.
+// Kinds of cells that may occur in the same column.
 enum class CellGroup : std::uint8_t { nothing, text, number, date, time, duration, other };
 
 // `nothing` for an empty or missing cell; boolean, addresses and the like are `other`.

@@ -31,7 +31,7 @@ struct Given {
 
   LineEndings line_endings = {};
 
-  // Readings with so many columns are preferred: others are left only if there is none.
+  // Readings with this number of columns are preferred. Others remain only if no reading has it.
   std::optional<std::size_t> columns = {};
 
   // Without a value, all readings are tried. With one, the only reading is that these separate cells, the
@@ -49,7 +49,7 @@ struct Given {
   std::optional<std::size_t> names_line = {};
   std::optional<std::size_t> units_line = {};
 
-  // A line that is none of the data, and the column that names the rows and may have no name itself; 0: not
+  // A line that does not hold data, and the column that names the rows and may have no name itself; 0: not
   // known.
   std::size_t descriptions_line = 0;
   std::size_t row_names_column = 0;
@@ -59,7 +59,7 @@ struct Given {
 };
 
 // `given` with what the first line of a text says if it is "sep=;" or the like, as spreadsheets write it, and the
-// delimiters and the header lines are not given: that line is none of the table.
+// delimiters and the header lines are not given: that line does not belong to the table.
 Given with_first_line(Given given, std::u16string_view text);
 
 // Where the lines above the table end.

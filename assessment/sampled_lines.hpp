@@ -64,7 +64,7 @@ class SampledLines {
   // other lines, or fewer than half of those have such a sign.
   bool is_comment(std::size_t index) const { return is_comment_[index]; }
 
-  // Lines that are known not to belong to the table look blank to all who ask for their view.
+  // view() shows these lines as blank, because they are known not to belong to the table.
   void hide(const std::vector<std::size_t>& indices);
   bool is_hidden(std::size_t index) const { return lines_[index].hidden_end > 0; }
 
@@ -74,7 +74,7 @@ class SampledLines {
     return text_.substr(lines_[index].begin, end - lines_[index].begin);
   }
 
-  // Says that a line is a comment, or that it is none.
+  // Sets whether a line is a comment.
   void set_comment(std::size_t index, bool is_comment) { is_comment_[index] = is_comment; }
 
   // Whether it is known that the table begins with the first record.

@@ -121,7 +121,7 @@ class TopFinder {
     return first;
   }
 
-  // What a record within the data counts that is none of them: one that reads like names is probably above
+  // The weight of a record among the data that does not fit: one that reads like names is probably above
   // the data, with a few records above it that only look like data, as years over groups of columns do.
   static constexpr double kOddWithin = -0.5;
   static constexpr double kNamesWithin = -3;

@@ -5,7 +5,7 @@
 //   votes.add(u"nein");
 //   votes.words();   // u"Ja" and u"nein"
 //
-// 0 and 1 are no such words: they are as often counts or codes, and an integer can still be read as
+// 0 and 1 are not among them: they are just as often counts or codes, and an integer can still be read as
 // true or false, while a boolean cannot become a 2 that follows later.
 //
 // Errors   nothing throws but std::bad_alloc.

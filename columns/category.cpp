@@ -3,7 +3,7 @@
 namespace textio::columns {
 namespace {
 
-// More texts than a person would choose from are no categories: there are some 50 states and 90
+// A column with more texts than a person would choose from is not a category: there are some 50 states and 90
 // departments, but hundreds of towns.
 constexpr std::size_t kMostTexts = 100;
 

@@ -29,7 +29,7 @@ using NameSet = std::uint64_t;
 
 struct DateWord {
   std::u16string text;  // folded, without a point
-  int month = 0;        // 1 to 12; 0 if it is no month
+  int month = 0;        // 1 to 12; 0 if it is not a month
   NameSet months = 0;
   NameSet weekdays = 0;
 };

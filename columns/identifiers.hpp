@@ -1,4 +1,4 @@
-// Identifiers: digits that are no amount, and that a number would not keep.
+// Identifiers: digits that do not express an amount and that a number would not preserve.
 //
 //   is_phone_like(u"+49 30 123456")   // true
 //   IdentifierVotes votes;            // "007", "012", "115"

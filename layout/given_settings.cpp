@@ -11,8 +11,8 @@ namespace {
 
 using assessment::Given;
 
-// More columns of given widths are left to the strategy: a cut of each sampled line into so many cells
-// would not be linear in the text.
+// If more widths than this are given, the strategy cuts the lines: with this many cells for each sampled
+// line, the cost would not be linear in the text.
 constexpr std::size_t kMostWidths = 4096;
 
 const parser::options& defaults() {

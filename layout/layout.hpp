@@ -58,7 +58,7 @@ struct VLTEXTSTREAM_EXPORT CascadeAnswer {
 
 // What the end of a text holds that goes on after the sample.
 struct VLTEXTSTREAM_EXPORT TailLook {
-  // The last lines of the text that are no data, blank ones and rules not counted, and their texts: at
+  // The last lines of the text that do not hold data, blank ones and rules not counted, and their texts: at
   // most kMostTexts, each cut to kLongestText characters.
   std::size_t footer_lines = 0;
   std::vector<std::u16string> footer;

@@ -77,7 +77,7 @@ const RestCase kColumnsCases[] = {
      6},
 
     {"NumbersBeforeText", u"", {u"12 Mill Road", u"7 Hill", u"110 Old Church Lane"}, 0},
-    {"WordsBeforeText", u"", {u"TODO call", u"DONE pay the rent", u"TODO mend the door"}, 0},
+    {"WordsBeforeText", u"", {u"OPEN call", u"DONE pay the rent", u"OPEN mend the door"}, 0},
     {"Labelled",
      u"",
      {u"HAMLET: To be", u"OPHELIA: Good my lord,", u"HAMLET: I humbly thank you"},
