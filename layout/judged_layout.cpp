@@ -12,6 +12,7 @@
 #include <vltextstream/assessment/sentences.hpp>
 #include <vltextstream/assessment/unit_symbols.hpp>
 #include <vltextstream/layout/given_settings.hpp>
+#include <vltextstream/layout/judged_dialect.hpp>
 #include <vltextstream/layout/table_columns.hpp>
 #include <vltextstream/layout/unique_names.hpp>
 #include <vltextstream/scoring/datatype_recognizers.hpp>
@@ -62,30 +63,6 @@ std::vector<std::u16string> delimiters_of(const Reading& reading) {
       return {};
   }
 }
-
-// Texts and how often each occurs.
-class Tally {
- public:
-  void add(std::u16string_view text) {
-    const auto same = std::find_if(counts_.begin(), counts_.end(),
-                                   [&](const auto& each) { return each.first == text; });
-    if (same == counts_.end()) {
-      counts_.emplace_back(text, 1);
-    } else {
-      ++same->second;
-    }
-  }
-
-  // The most frequent first; of equally frequent ones, that which came first.
-  std::vector<std::pair<std::u16string, std::size_t>> take() {
-    std::stable_sort(counts_.begin(), counts_.end(),
-                     [](const auto& a, const auto& b) { return a.second > b.second; });
-    return std::move(counts_);
-  }
-
- private:
-  std::vector<std::pair<std::u16string, std::size_t>> counts_;
-};
 
 std::optional<char16_t> unit_or_none(char16_t unit) {
   return unit != 0 ? std::optional<char16_t>(unit) : std::nullopt;
@@ -159,7 +136,7 @@ class VerdictDescription {
     describe_given_lines();
     describe_columns();
     describe_lines();
-    describe_dialect();
+    describe_dialect(verdict_, table_, layout_);
     describe_evidence();
     describe_rivals();
     layout_.characters_sampled = verdict_.lines.end();
@@ -378,14 +355,16 @@ class VerdictDescription {
     }
     const std::size_t first = std::min(first_data(), table_.data.size());
     data_.assign(table_.data.begin() + static_cast<std::ptrdiff_t>(first), table_.data.end());
-    columns_ = standalone::describe_columns(verdict_, data_, layout_.names, settings_);
+    TableColumns columns = standalone::describe_columns(verdict_, data_, layout_.names, settings_);
     for (std::size_t c = 0; c < table_.columns; ++c) {
-      const bool has_kind = c < columns_.facts.size();
-      layout_.classes.push_back(has_kind ? class_of_kind(columns_.facts[c].kind, c)
+      const bool has_kind = c < columns.facts.size();
+      layout_.classes.push_back(has_kind ? class_of_kind(columns.facts[c].kind, c)
                                          : class_of_column(c));
     }
-    layout_.dialect.missing = columns_.missing();
-    layout_.columns = std::move(columns_.facts);
+    layout_.dialect.decimal = columns.decimal;
+    layout_.dialect.grouping = columns.grouping;
+    layout_.dialect.missing = columns.missing();
+    layout_.columns = std::move(columns.facts);
     layout_.names_unique = unique_names(layout_.names, layout_.columns.size());
   }
 
@@ -521,101 +500,6 @@ class VerdictDescription {
   }
 
   // -------------------------------------------------------------------------------------------
-  // The dialect
-
-  void describe_dialect() {
-    TableDialect& dialect = layout_.dialect;
-    count_line_endings();
-    if (is_none()) return;
-    dialect.delimiters = layout_.delimiters;
-    dialect.widths = layout_.widths;
-    describe_quotes();
-    dialect.blanks_after_delimiters = blanks_follow_delimiters();
-    dialect.comment_prefix = comment_prefix();
-    dialect.decimal = columns_.decimal;
-    dialect.grouping = columns_.grouping;
-  }
-
-  // Without those within quotes, which are parts of cells.
-  void count_line_endings() {
-    Tally endings;
-    const auto add = [&](std::size_t begin, std::size_t end) {
-      for (std::size_t k = begin; k < end; ++k) {
-        const assessment::TextLine& line = verdict_.lines[k];
-        const std::size_t line_end = line.begin + verdict_.lines.whole(k).size();
-        if (line.next == line_end) continue;
-        endings.add(verdict_.lines.text().substr(line_end, line.next - line_end));
-      }
-    };
-    std::size_t line = 0;
-    for (std::size_t i = 0; i < records_.size(); ++i) {
-      add(line, line_of(i));
-      line = line_of(i) + records_[i].num_lines;
-      add(line - 1, line);
-    }
-    add(line, verdict_.lines.size());
-    for (auto& [ending, count] : endings.take()) {
-      layout_.dialect.line_endings.push_back({std::move(ending), count});
-    }
-  }
-
-  void describe_quotes() {
-    TableDialect& dialect = layout_.dialect;
-    const bool has_backslash = reading().escape != 0;
-    for (const std::size_t row : table_.data) {
-      for (const Cell& cell : records_.cells(row)) {
-        if (cell.is_quoted) dialect.quote = unit_or_none(reading().quote);
-        dialect.is_escape_seen = dialect.is_escape_seen || has_escape(cell);
-      }
-    }
-    if (has_backslash) {
-      dialect.escape = Escape::backslash;
-    } else if (dialect.quote) {
-      dialect.escape = Escape::doubled;
-    }
-  }
-
-  // A quote within quotes, or an escaped character.
-  bool has_escape(const Cell& cell) const {
-    const std::u16string_view text = records_.view(cell);
-    if (reading().escape != 0) return text.find(reading().escape) != text.npos;
-    return cell.is_quoted && text.find(reading().quote) != text.npos;
-  }
-
-  // After nine of ten delimiters before a cell with text.
-  bool blanks_follow_delimiters() const {
-    const std::u16string& delimiter = reading().delimiter;
-    if (reading().form != Form::delimited || assessment::is_blank(delimiter.back())) return false;
-    std::size_t filled = 0;
-    std::size_t blanks = 0;
-    for (const std::size_t row : table_.data) {
-      for (const Cell& cell : records_.cells(row).subspan(1)) {
-        const std::size_t begin = cell.begin - (cell.is_quoted ? 1 : 0);
-        if (cell.begin == cell.end) continue;
-        ++filled;
-        const std::u16string_view text = records_.text();
-        blanks += text[begin] == u' ' || (cell.is_quoted && text[begin - 1] == u' ');
-      }
-    }
-    return filled > 0 && 10 * blanks >= 9 * filled;
-  }
-
-  // Of lines that are comments, not rules, the commonest sign.
-  std::u16string comment_prefix() const {
-    Tally signs;
-    for (const LineRun& run : layout_.lines) {
-      if (run.role != LineRole::comment) continue;
-      for (std::size_t k = run.first_line - 1; k < run.last_line; ++k) {
-        const std::u16string_view line = assessment::trimmed(verdict_.lines.view(k));
-        if (!assessment::has_comment_sign(line) || assessment::is_rule(line)) continue;
-        signs.add(line.substr(0, line.substr(0, 2) == u"//" ? 2 : 1));
-      }
-    }
-    const auto counts = signs.take();
-    return counts.empty() ? std::u16string() : counts.front().first;
-  }
-
-  // -------------------------------------------------------------------------------------------
   // Evidence and rivals
 
   void describe_evidence() {
@@ -673,7 +557,6 @@ class VerdictDescription {
   bool has_names_ = false;
   bool has_units_ = false;
   std::vector<std::size_t> data_;  // the records of the data
-  TableColumns columns_;
 };
 
 }  // namespace

@@ -2,12 +2,12 @@
 #include <vltextstream/assessment/cuts.hpp>
 
 #include <cstddef>
-#include <ostream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "assessment/cut_case.hpp"
 #include "assessment/shown.hpp"
 #include "support/rule_name.hpp"
 
@@ -15,15 +15,9 @@ namespace textio::assessment {
 namespace {
 
 using testing_support::ByRule;
+using testing_support::CutCase;
 using testing_support::Sample;
 using testing_support::shown;
-
-struct CutCase {
-  const char* rule;
-  std::u16string text;
-  std::string records;
-};
-std::ostream& operator<<(std::ostream& out, const CutCase& row) { return out << row.rule; }
 
 const CutCase kCases[] = {
     {"NoText", u"", ""},

@@ -1,11 +1,11 @@
 // cut_framed, and the rules and bars of frames.
 #include <vltextstream/assessment/cuts.hpp>
 
-#include <ostream>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "assessment/cut_case.hpp"
 #include "assessment/shown.hpp"
 #include "support/exact_text.hpp"
 #include "support/rule_name.hpp"
@@ -14,16 +14,10 @@ namespace textio::assessment {
 namespace {
 
 using testing_support::ByRule;
+using testing_support::CutCase;
 using testing_support::ExactText;
 using testing_support::Sample;
 using testing_support::shown;
-
-struct CutCase {
-  const char* rule;
-  std::u16string text;
-  std::string records;
-};
-std::ostream& operator<<(std::ostream& out, const CutCase& row) { return out << row.rule; }
 
 const CutCase kCutCases[] = {
     {"NoText", u"", ""},
