@@ -1,0 +1,1 @@
+#include <vltextstream/reading/column_builder.hpp>
