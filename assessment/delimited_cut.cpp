@@ -7,14 +7,13 @@ namespace textio::assessment {
 namespace {
 
 constexpr std::size_t kLongestQuote = 400;  // lines
-constexpr std::size_t kMostUnclosedQuotes =
-    8;  // after these, quotes are ignored, which keeps the cut linear
 
 class DelimitedCut {
  public:
-  DelimitedCut(const SampledLines& lines, const Reading& reading)
+  DelimitedCut(const SampledLines& lines, const Reading& reading, std::size_t most_unclosed)
       : lines_(lines),
         reading_(reading),
+        most_unclosed_(most_unclosed),
         has_one_delimiter_(reading.other_delimiters.empty()),
         looks_for_escapes_(reading.escape != 0 && reading.quote == 0),
         text_(lines.text()),
@@ -41,6 +40,7 @@ class DelimitedCut {
     }
     records_.add_lines(line_ - first_line);
     ++line_;
+    records_.is_open = is_open_;
     if (is_open_ && records_.size() > 1) records_.drop_last();
   }
 
@@ -54,7 +54,7 @@ class DelimitedCut {
     }
     const bool may_quote =
         reading_.quote != 0 && start < line_end() && text_[start] == reading_.quote;
-    if (may_quote && unclosed_ < kMostUnclosedQuotes) {
+    if (may_quote && unclosed_ < most_unclosed_) {
       const std::size_t line = line_;
       if (add_quoted(start)) return goes_on();
       line_ = line;
@@ -167,6 +167,7 @@ class DelimitedCut {
 
   const SampledLines& lines_;
   const Reading& reading_;
+  const std::size_t most_unclosed_;
   const bool has_one_delimiter_;
   const bool looks_for_escapes_;
   const std::u16string_view text_;
@@ -179,8 +180,9 @@ class DelimitedCut {
 
 }  // namespace
 
-Records cut_delimited(const SampledLines& lines, const Reading& reading) {
-  return DelimitedCut(lines, reading).take();
+Records cut_delimited(const SampledLines& lines, const Reading& reading,
+                      std::size_t most_unclosed) {
+  return DelimitedCut(lines, reading, most_unclosed).take();
 }
 
 }  // namespace textio::assessment

@@ -70,6 +70,10 @@ class Records {
   // Whether a time was joined with the date before it.
   bool joins_times = false;
 
+  // Whether the last record goes on after the lines that were cut, within quotes. It is left out unless it is the
+  // only one.
+  bool is_open = false;
+
   // Quotes that do not open and close at borders of cells, as a weighted count.
   double ill_placed_quotes = 0;
 

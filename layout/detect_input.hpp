@@ -8,6 +8,8 @@
 
 namespace textio::standalone {
 
+// `input` is not needed afterwards, except for its file.
+Layout detect_input(InputText& input, const DetectSettings& settings);
 Layout detect_input(InputText&& input, const DetectSettings& settings);
 
 // The same, whose first prefix has `units` code units, at least 1: the answer does not depend on it.

@@ -294,11 +294,9 @@ Layout detect_layout(std::u16string_view text, std::initializer_list<NameValue> 
   return detect_layout(text, settings_with(options));
 }
 
-Layout detect_input(InputText&& input, const DetectSettings& settings) {
-  return detect_input(std::move(input), settings, first_prefix_units(settings));
-}
+namespace {
 
-Layout detect_input(InputText&& input, const DetectSettings& settings, std::size_t units) {
+Layout detect_in(InputText& input, const DetectSettings& settings, std::size_t units) {
   FoundLayout found = layout_of_input(input, settings, units);
   if (!input.confirm_encoding(found.layout.characters_sampled)) {
     found = layout_of_input(input, settings, units);
@@ -312,6 +310,20 @@ Layout detect_input(InputText&& input, const DetectSettings& settings, std::size
   layout.dialect.has_byte_order_mark = layout.encoding_found == EncodingFound::byte_order_mark;
   if (found.profile) look_beyond_sample(input, *found.profile, settings, layout);
   return std::move(layout);
+}
+
+}  // namespace
+
+Layout detect_input(InputText& input, const DetectSettings& settings) {
+  return detect_in(input, settings, first_prefix_units(settings));
+}
+
+Layout detect_input(InputText&& input, const DetectSettings& settings) {
+  return detect_input(input, settings);
+}
+
+Layout detect_input(InputText&& input, const DetectSettings& settings, std::size_t units) {
+  return detect_in(input, settings, units);
 }
 
 Layout detect_layout(const std::string& path, const DetectSettings& settings) {

@@ -180,6 +180,14 @@ bool may_assess(const DetectSettings& settings) {
   return options.parser_type == defaults().parser_type;
 }
 
+bool has_usual_line_endings(const DetectSettings& settings) {
+  return are_usual_endings(settings.options.line_endings);
+}
+
+assessment::LineEndings line_endings_of(const DetectSettings& settings) {
+  return endings_of(settings.options.line_endings);
+}
+
 Given given_of(const DetectSettings& settings) {
   const parser::options& options = settings.options;
   Given given;

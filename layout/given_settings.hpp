@@ -30,6 +30,10 @@ bool may_assess(const DetectSettings& settings);
 
 assessment::Given given_of(const DetectSettings& settings);
 
+// Whether lines end with "\r\n", "\n" or "\r", or some of these; and with which of them.
+bool has_usual_line_endings(const DetectSettings& settings);
+assessment::LineEndings line_endings_of(const DetectSettings& settings);
+
 // Whether lines may be given not to belong to the table, so that none may be left.
 bool may_leave_no_table(const assessment::Given& given);
 

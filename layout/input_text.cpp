@@ -120,6 +120,13 @@ InputText::InputText(const std::string& path, const DetectSettings& settings)
   read(File(open_file(from_utf8(path), "rb")));
 }
 
+InputText::InputText(std::FILE* file, std::string name, const DetectSettings& settings)
+    : name_(std::move(name)), settings_(settings) {
+  read(File(file));
+}
+
+std::FILE* InputText::release() { return source_->release(); }
+
 InputText::InputText(FileContent content, const DetectSettings& settings)
     : name_("the bytes"), settings_(settings) {
   const ReadLimitScope limit(settings.max_bytes);

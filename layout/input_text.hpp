@@ -43,6 +43,10 @@ struct PlainBytes {
 class InputText {
  public:
   InputText(const std::string& path, const DetectSettings& settings);
+
+  // Of an open file at its start, which is called `name` in messages. No limit of bytes is in force.
+  InputText(std::FILE* file, std::string name, const DetectSettings& settings);
+
   InputText(FileContent content, const DetectSettings& settings);
   InputText(PlainBytes text, const DetectSettings& settings);
 
@@ -62,6 +66,9 @@ class InputText {
 
   // The ill-formed parts in these characters; 0 before.
   std::size_t ill_formed_parts() const { return ill_formed_parts_; }
+
+  // The open file, at any position; null if there is none. The text can no longer be read.
+  std::FILE* release();
 
   // --- after confirm_encoding was true
 

@@ -177,6 +177,7 @@ class VerdictDescription {
     if (reading().form == Form::runs) layout_.least_blanks = reading().least_blanks;
     layout_.joins_times = records_.joins_times;
     layout_.rest_in_last = reading().most_cells > 0;
+    layout_.is_framed = reading().form == Form::framed;
     layout_.confidence = verdict_.confidence;
     layout_.no_table = no_table_of(reading(), winner_);
   }

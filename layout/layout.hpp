@@ -162,6 +162,10 @@ struct VLTEXTSTREAM_EXPORT Layout {
   bool joins_times = false;
   bool rest_in_last = false;
 
+  // Delimited by bars: whether bars may also be at the ends of the lines, and lines that draw rules between rows,
+  // as database shells and Markdown have them. Neither belongs to a cell.
+  bool is_framed = false;
+
   // What else the text may be, the most probable first, and what speaks for the answer and against it,
   // the weightiest first.
   std::vector<Rival> rivals;

@@ -84,6 +84,10 @@ struct VLTEXTSTREAM_EXPORT ReadSettings {
   // A longer record is an error. Characters.
   std::size_t longest_record = 16'777'216;
 
+  // Reads the input twice, first to learn how many columns it has and which types hold all cells: then all
+  // batches have the same columns and types. The input must be a regular file, or bytes.
+  bool two_passes = false;
+
   // About as many characters as a batch is read from.
   std::size_t window = 1'048'576;
 
@@ -158,7 +162,8 @@ struct VLTEXTSTREAM_EXPORT Table {
   std::size_t num_rows() const;
 };
 
-// The whole table. If a column is widened after the first batch, or rules.missing_rule or another rule omits columns, the file is read a second time.
+// The whole table. If a later batch needs a wider type or another column, the file is read a second time; the bytes
+// of a pipe are kept for that.
 VLTEXTSTREAM_EXPORT Table read_table(const std::string& path, const ReadSettings& settings = {});
 VLTEXTSTREAM_EXPORT Table read_table_of_bytes(std::string_view bytes,
                                               const ReadSettings& settings = {});
