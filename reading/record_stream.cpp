@@ -83,8 +83,8 @@ void RecordStream::find_footer() {
 
 void RecordStream::read(std::size_t units) { input_.read(text_, units); }
 
-LineFate RecordStream::fate_above(std::uint64_t line, bool is_blank) const {
-  if (is_blank) return LineFate::blank;
+LineFate RecordStream::fate_above(std::uint64_t line, std::u16string_view text) const {
+  if (assessment::is_blank(text)) return LineFate::blank;
   if (line == layout_.names_line) return LineFate::names;
   if (line == layout_.units_line) return LineFate::units;
   if (line == layout_.descriptions_line) return LineFate::descriptions;
@@ -94,8 +94,8 @@ LineFate RecordStream::fate_above(std::uint64_t line, bool is_blank) const {
   if (run == layout_.lines.end()) return LineFate::preamble;
   if (run->role == LineRole::names) return LineFate::names;
   if (run->role == LineRole::units) return LineFate::units;
-  if (run->role == LineRole::comment) return LineFate::comment;
-  return LineFate::preamble;
+  if (run->role != LineRole::comment) return LineFate::preamble;
+  return assessment::is_rule(text) ? LineFate::rule : LineFate::comment;
 }
 
 LineFate RecordStream::fate_of(std::uint64_t line, std::u16string_view text, bool is_record) const {
@@ -198,8 +198,8 @@ std::optional<Block> RecordStream::cut_block() {
     const std::u16string_view line = cut.lines.whole(k);
     LineGroup group;
     group.first_line = next_line_ + k;
-    group.fate = is_above ? fate_above(group.first_line, assessment::is_blank(line))
-                          : fate_of(group.first_line, line, is_record);
+    group.fate =
+        is_above ? fate_above(group.first_line, line) : fate_of(group.first_line, line, is_record);
     group.num_lines = is_record ? cut.records[record].num_lines : 1;
     const std::size_t last = k + group.num_lines - 1;
     group.begin = static_cast<std::uint32_t>(cut.lines[k].begin);

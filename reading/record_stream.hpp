@@ -74,7 +74,7 @@ class RecordStream {
   void find_footer();
   void read(std::size_t units);
   std::optional<Block> cut_block();
-  LineFate fate_above(std::uint64_t line, bool is_blank) const;
+  LineFate fate_above(std::uint64_t line, std::u16string_view text) const;
   LineFate fate_of(std::uint64_t line, std::u16string_view text, bool is_record) const;
   std::size_t lines_settled(const Cut& cut) const;
   std::size_t lines_in_whole_rows(const assessment::SampledLines& lines, std::size_t first,

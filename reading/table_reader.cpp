@@ -66,13 +66,16 @@ struct Source {
 
 // A source and its layout; of a pipe, the file that was opened to detect it.
 struct Opened {
+  explicit Opened(Source from) : source(std::move(from)) {}
+  Opened(Source from, const Layout& known) : source(std::move(from)), layout(known) {}
+
   Source source;
   Layout layout;
   File file;
 };
 
 Opened detected(Source source, const ReadSettings& settings) {
-  Opened opened{std::move(source), {}, nullptr};
+  Opened opened(std::move(source));
   if (opened.source.bytes) {
     standalone::InputText input(standalone::FileContent{*opened.source.bytes}, settings.detect);
     opened.layout = detect_input(input, settings.detect);
@@ -206,7 +209,7 @@ class TableReader::Work {
     if (rules.partial_field_rule == parser::partial_field_action::omitvar) {
       rules.partial_field_rule = parser::partial_field_action::fill;
     }
-    Work first({source_, layout_, nullptr}, settings);
+    Work first(Opened(source_, layout_), settings);
     while (first.next()) {
     }
     TablePlan plan = *first.plan_;
@@ -407,7 +410,7 @@ TableReader::TableReader(const std::string& path, const ReadSettings& settings)
 
 TableReader::TableReader(const std::string& path, const Layout& layout,
                          const ReadSettings& settings)
-    : work_(std::make_unique<Work>(Opened{{path, std::nullopt}, layout, nullptr}, settings)) {}
+    : work_(std::make_unique<Work>(Opened({path, std::nullopt}, layout), settings)) {}
 
 TableReader TableReader::of_bytes(std::string_view bytes, const ReadSettings& settings) {
   return TableReader(std::make_unique<Work>(detected({"", bytes}, settings), settings));
@@ -415,7 +418,7 @@ TableReader TableReader::of_bytes(std::string_view bytes, const ReadSettings& se
 
 TableReader TableReader::of_bytes(std::string_view bytes, const Layout& layout,
                                   const ReadSettings& settings) {
-  return TableReader(std::make_unique<Work>(Opened{{"", bytes}, layout, nullptr}, settings));
+  return TableReader(std::make_unique<Work>(Opened({"", bytes}, layout), settings));
 }
 
 TableReader::TableReader(TableReader&&) noexcept = default;
