@@ -59,6 +59,14 @@ bool is_boolean_word(View text) {
   });
 }
 
+View other_boolean_word(View text) {
+  for (std::size_t i = 0; i < kPairsOfOneWord; ++i) {
+    if (is_word(text, kKnownPairs[i].yes)) return kKnownPairs[i].no;
+    if (is_word(text, kKnownPairs[i].no)) return kKnownPairs[i].yes;
+  }
+  return {};
+}
+
 void BooleanVotes::add(View text) {
   static_assert(std::size(kKnownPairs) == kPairs);
   if (text.size() > kLongestWord) return;

@@ -31,6 +31,9 @@ struct BooleanWords {
 // Whether a word belongs to a pair of words for true and false in any of the known languages.
 bool is_boolean_word(std::u16string_view text);
 
+// The other word of a pair of which one is enough, folded: "false" for "True". Empty for all other words.
+std::u16string_view other_boolean_word(std::u16string_view text);
+
 class BooleanVotes {
  public:
   void add(std::u16string_view text);

@@ -87,6 +87,15 @@ class ColumnBuilder {
 
  private:
   class Values;
+  template <typename Reader>
+  class Scalars;
+  class Booleans;
+  class Decimals;
+  class Texts;
+  class Categories;
+
+  static std::unique_ptr<Values> values_for(ColumnPlan plan);
+
   std::unique_ptr<Values> values_;
 };
 
