@@ -216,7 +216,9 @@ class StrategyCutter final : public RecordCutter {
     fields_.clear();
     strategy_->cut_line(record, fields_);
     for (const Field& field : fields_) add_cell(field, lines.text().data(), records);
-    const bool is_open = reaches_end && lines.has_more() && line - first > 1;
+    // Within quotes it takes the last line ending with it.
+    const bool is_open = reaches_end && lines.has_more() &&
+                         record.data + record.length == lines.text().data() + lines.end();
     records.is_open = is_open;
     if (is_open && records.size() > 1) records.drop_last();
   }

@@ -14,7 +14,9 @@
 namespace textio::reading {
 namespace {
 
-constexpr std::size_t kChunkBytes = 65'536;
+// What is read at once.
+constexpr std::size_t kMostBytes = 65'536;
+constexpr std::size_t kLeastBytes = 256;
 
 // What an encoding makes of some bytes.
 std::u16string decoded(const std::string& encoding, std::string_view bytes) {
@@ -95,13 +97,14 @@ TextInput::TextInput(File file, std::string name, const std::string& encoding,
       converter_(std::make_unique<StreamCodeConverter>(encoding, false)),
       endings_(endings),
       unit_bytes_(unit_bytes_of(encoding)),
-      chunk_(std::make_unique_for_overwrite<char[]>(kChunkBytes)) {}
+      chunk_(std::make_unique_for_overwrite<char[]>(kMostBytes)) {}
 
 void TextInput::read(TextBuffer& text, std::size_t units) {
   while (!is_at_end_ && text.size() < units) {
     errno = 0;
-    const std::size_t count = std::fread(chunk_.get(), 1, kChunkBytes, file_.get());
-    if (count < kChunkBytes && std::ferror(file_.get()) != 0) {
+    const std::size_t wanted = std::clamp(units - text.size(), kLeastBytes, kMostBytes);
+    const std::size_t count = std::fread(chunk_.get(), 1, wanted, file_.get());
+    if (count < wanted && std::ferror(file_.get()) != 0) {
       const int error = errno != 0 ? errno : EIO;
       if (error == ENOMEM) throw std::bad_alloc();
       throw standalone::FileError(
@@ -110,7 +113,7 @@ void TextInput::read(TextBuffer& text, std::size_t units) {
     const std::string_view bytes(chunk_.get(), count);
     if (num_bytes_ == 0) num_text_bytes_ = mark_bytes(bytes, unit_bytes_);
     const char* in = bytes.data();
-    const bool is_last = count < kChunkBytes;
+    const bool is_last = count < wanted;
     const std::size_t before = text.size();
     do {
       char16_t* const begin = text.room_for(count + 16);
