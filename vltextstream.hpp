@@ -17,6 +17,7 @@
 #include <vltextstream/options/option_keywords.hpp>
 #include <vltextstream/options/parser_options.hpp>
 #include <vltextstream/options/set_parser_options.hpp>
+#include <vltextstream/reading/table_reader.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>
 #include <vltextstream/scoring/datatype_inspection.hpp>
 #include <vltextstream/scoring/datatype_recognizers.hpp>
