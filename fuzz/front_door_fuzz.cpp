@@ -95,6 +95,13 @@ bool is_of_line(const LineRun& run, const std::optional<std::size_t>& line) {
   return run.count == 1 && line == run.first_line;
 }
 
+// Groups of columns have names in a row of their own, above the others.
+bool holds_names(const LineRun& run, const Layout& layout) {
+  const bool is_in_run = layout.names_line && run.first_line <= *layout.names_line &&
+                         *layout.names_line <= run.last_line;
+  return is_of_line(run, layout.names_line) || (is_in_run && layout.confidence && run.count == 2);
+}
+
 void check_runs(const Layout& layout) {
   std::size_t sampled = 0;
   std::size_t data = 0;
@@ -104,7 +111,7 @@ void check_runs(const Layout& layout) {
     require_equal("first line of a run", run.first_line, next_line);
     require(run.first_line <= run.last_line && run.count > 0, "a run has lines");
     require(i == 0 || layout.lines[i - 1].role != run.role, "runs side by side have other roles");
-    require(run.role != LineRole::names || is_of_line(run, layout.names_line), "line of the names");
+    require(run.role != LineRole::names || holds_names(run, layout), "line of the names");
     require(run.role != LineRole::units || is_of_line(run, layout.units_line), "line of the units");
     next_line = run.last_line + 1;
     if (run.role != LineRole::comment) sampled += run.count;
