@@ -83,8 +83,13 @@ void check_names(const Layout& layout) {
                          layout.names_source == NamesSource::line_after_header;
   require(layout.names_line.has_value() == has_names, "names that are found are on a line");
   require_equal<std::size_t>("names", layout.names.size(), has_names ? layout.num_variables : 0);
-  require_equal<std::size_t>("units", layout.units.size(),
-                             layout.units_line ? layout.num_variables : 0);
+  // The assessment also takes units from the names.
+  const bool has_units = layout.units_line || (layout.confidence && !layout.units.empty());
+  require_equal<std::size_t>("units", layout.units.size(), has_units ? layout.num_variables : 0);
+  require(
+      layout.units_line || std::any_of(layout.units.begin(), layout.units.end(),
+                                       [](const auto& unit) { return !unit.empty(); }) == has_units,
+      "units in names are of some name");
   require(!layout.units_line || has_names, "units are next to names");
   require(layout.units_line != layout.names_line || !has_names, "units have a line of their own");
   require(!layout.names_reason.empty(), "a reason is given");
