@@ -55,13 +55,16 @@ class TopFinder {
     const std::size_t first = first_of_data();
     if (first == kNotFound) return {first_filled()};
     const std::size_t names = names_above(first);
-    if (names > 0 && is_group_row(names - 1)) return {names - 1, 2};
-    if (names + 1 < first && completes(names, names + 1)) return {names, 2};
+    if (names > 0 && are_adjacent(names - 1) && is_group_row(names - 1)) return {names - 1, 2};
+    if (names + 1 < first && are_adjacent(names) && completes(names, names + 1)) return {names, 2};
     return {is_preamble(names, first) ? names : 0};
   }
 
  private:
   CellKind kind_at(std::size_t index, std::size_t column) const { return kinds_.at(index, column); }
+
+  // Whether no other record is between this record of the table and the next.
+  bool are_adjacent(std::size_t index) const { return data_[index + 1] == data_[index] + 1; }
 
   // From the lower half of the records.
   void find_types() {

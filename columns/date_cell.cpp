@@ -266,9 +266,7 @@ class DateReader {
   }
 
   bool is_ordinal(View word) const {
-    const bool follows_number = !cell_.parts.empty() &&
-                                cell_.parts.back().unit == DateUnit::number && at_ > 0 &&
-                                is_digit(text_[at_ - 1]);
+    const bool follows_number = !cell_.parts.empty() && cell_.parts.back().unit == DateUnit::number;
     return follows_number && (is_word(word, u"st") || is_word(word, u"nd") ||
                               is_word(word, u"rd") || is_word(word, u"th"));
   }
@@ -403,7 +401,7 @@ class DateReader {
     a.unit = DateUnit::one;
     b.unit = DateUnit::two;
     c.unit = DateUnit::three;
-    if (a.digits > 2 || b.digits > 2 || c.digits > 2) return false;
+    if (b.digits > 2) return false;  // the others have no four digits, and no number has three
     const bool may_end_with_year = c.digits == 2 && is_day(a.value) && is_day(b.value) &&
                                    (is_month(a.value) || is_month(b.value));
     const bool may_begin_with_year = a.digits == 2 && is_month(b.value) && is_day(c.value);

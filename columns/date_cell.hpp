@@ -78,8 +78,6 @@ class DateParts {
   const DatePart& back() const { return parts_[size_ - 1]; }
   const DatePart* begin() const { return parts_.data(); }
   const DatePart* end() const { return parts_.data() + size_; }
-  DatePart* begin() { return parts_.data(); }
-  DatePart* end() { return parts_.data() + size_; }
 
  private:
   std::array<DatePart, kMost> parts_{};

@@ -91,10 +91,9 @@ bool begins_with_year(const DateCell& cell) {
   return std::none_of(cell.parts.begin(), year, is_other);
 }
 
-// The mark between the two numbers.
+// The mark between the two numbers of a cell that has a pair.
 char16_t mark_of_pair(const DateCell& cell, const PairOfParts& pair) {
-  const DatePart* const first = part_with(cell, pair.first);
-  return first == nullptr || first + 1 == cell.parts.end() ? u'\0' : (first + 1)->literal;
+  return (part_with(cell, pair.first) + 1)->literal;
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <cstdint>
 
 #include <vltextstream/columns/characters.hpp>
@@ -204,7 +203,7 @@ std::optional<double> value_of(View text, const NumberFormat& format) {
   }
   double value = 0;
   const auto result = std::from_chars(ascii.data(), ascii.data() + size, value);
-  if (result.ec != std::errc() || !std::isfinite(value)) return std::nullopt;
+  if (result.ec != std::errc()) return std::nullopt;
   const View before = text.substr(0, core.begin);
   const bool is_negative = std::any_of(before.begin(), before.end(), is_minus) ||
                            before.find(u'(') != View::npos || text.back() == u'-';
@@ -292,7 +291,7 @@ NumberFormat NumberVotes::format(const MarkHints& hints) const {
     format.decimal = hints.decimal;
     if (hints.grouping != hints.decimal) format.grouping = hints.grouping;
     if (hints.grouping == 0) format.grouping = commonest_but(groupings_, hints.decimal);
-    if (hints.decimal == 0) format.decimal = commonest_but(decimals_, hints.grouping);
+    if (hints.decimal == 0) format.decimal = commonest_but(decimals_, format.grouping);
     return format;
   }
   add_own_marks(format);

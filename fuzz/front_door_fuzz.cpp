@@ -83,8 +83,13 @@ void check_names(const Layout& layout) {
                          layout.names_source == NamesSource::line_after_header;
   require(layout.names_line.has_value() == has_names, "names that are found are on a line");
   require_equal<std::size_t>("names", layout.names.size(), has_names ? layout.num_variables : 0);
-  require_equal<std::size_t>("units", layout.units.size(),
-                             layout.units_line ? layout.num_variables : 0);
+  // The assessment also takes units from the names.
+  const bool has_units = layout.units_line || (layout.confidence && !layout.units.empty());
+  require_equal<std::size_t>("units", layout.units.size(), has_units ? layout.num_variables : 0);
+  require(
+      layout.units_line || std::any_of(layout.units.begin(), layout.units.end(),
+                                       [](const auto& unit) { return !unit.empty(); }) == has_units,
+      "units in names are of some name");
   require(!layout.units_line || has_names, "units are next to names");
   require(layout.units_line != layout.names_line || !has_names, "units have a line of their own");
   require(!layout.names_reason.empty(), "a reason is given");
@@ -93,6 +98,13 @@ void check_names(const Layout& layout) {
 
 bool is_of_line(const LineRun& run, const std::optional<std::size_t>& line) {
   return run.count == 1 && line == run.first_line;
+}
+
+// Groups of columns have names in a row of their own, above the others.
+bool holds_names(const LineRun& run, const Layout& layout) {
+  const bool is_in_run = layout.names_line && run.first_line <= *layout.names_line &&
+                         *layout.names_line <= run.last_line;
+  return is_of_line(run, layout.names_line) || (is_in_run && layout.confidence && run.count == 2);
 }
 
 void check_runs(const Layout& layout) {
@@ -104,7 +116,7 @@ void check_runs(const Layout& layout) {
     require_equal("first line of a run", run.first_line, next_line);
     require(run.first_line <= run.last_line && run.count > 0, "a run has lines");
     require(i == 0 || layout.lines[i - 1].role != run.role, "runs side by side have other roles");
-    require(run.role != LineRole::names || is_of_line(run, layout.names_line), "line of the names");
+    require(run.role != LineRole::names || holds_names(run, layout), "line of the names");
     require(run.role != LineRole::units || is_of_line(run, layout.units_line), "line of the units");
     next_line = run.last_line + 1;
     if (run.role != LineRole::comment) sampled += run.count;

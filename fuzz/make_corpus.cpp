@@ -234,6 +234,29 @@ void make_assessment(Seeds seeds, const std::vector<std::string>& examples) {
   for (const std::string& text : examples) seeds.add(byte(20) + text.substr(0, 380));
 }
 
+// Each setting alone, over a table with a title, names, units and descriptions; and a few of them together.
+void make_given(Seeds seeds, const std::vector<std::string>& examples) {
+  const std::string table = "Log, of today\nx,y,z\nm,s,kg\nway,time,mass\n1,2,'3'\n4,x,6\n7,8,9\n";
+  const std::string lines = byte(30);
+  const std::string no_separators = byte(0);
+  constexpr std::size_t kSettings = 13;
+  for (std::size_t given = 0; given < kSettings; ++given) {
+    for (const std::size_t value : {0U, 1U, 2U, 3U}) {
+      // A setting that is given has a byte more.
+      seeds.add(lines + no_separators + zeros(given) + byte(1) + byte(value) +
+                zeros(kSettings - 1 - given) + table);
+    }
+  }
+  for (const std::string& separators : {"\1\0"s, "\1\3"s, "\2\0\1"s, "\3\2\4\4\4"s}) {
+    seeds.add(lines + separators + zeros(kSettings) + table);
+    // With names in the second line and units in the third.
+    seeds.add(lines + separators + zeros(6) + "\1\2\1\3"s + zeros(5) + table);
+  }
+  for (const std::string& text : examples) {
+    seeds.add(lines + no_separators + zeros(kSettings) + text.substr(0, 360));
+  }
+}
+
 // Columns of each kind, a line each, with and without hints.
 void make_columns(Seeds seeds) {
   const std::string texts[] = {"1|22|NA|-333",
@@ -303,6 +326,7 @@ void make_all(const fs::path& folder, const fs::path& examples_folder) {
   make_counts(Seeds(folder, "counts"));
   make_assessment(Seeds(folder, "assessment"), examples);
   make_columns(Seeds(folder, "columns"));
+  make_given(Seeds(folder, "given"), examples);
   make_tables(Seeds(folder, "detection"), 1, examples, {""});
   // Size of a read, read fault (3) or allocation, once or from then on, which one, trace, encoding.
   make_tables(Seeds(folder, "faults"), 2, examples,

@@ -189,8 +189,7 @@ Assessment assess(const TextPrefix& prefix, const TextStream& stream,
   const bool ends = reached_prefix_end && ends_with(prefix, stream);
   found.profile = describe_verdict(verdict, settings, ends, layout);
   // However few of them occur.
-  const bool has_given_delimiters = given.delimiters && given.widths.empty();
-  if (has_given_delimiters) {
+  if (given.delimiters) {
     layout.mode = LayoutMode::delimited;
     layout.delimiters = *given.delimiters;
   }

@@ -21,16 +21,10 @@ std::size_t end_of(const Field& field, const Field& text) {
   return static_cast<std::size_t>(field.data + field.length - text.data);
 }
 
+// A run is of blank lines or of comments.
 SampledTable::Kind kind_of(const SampleRun& run) {
-  switch (run.kind) {
-    case SampleLineKind::blank:
-      return SampledTable::Kind::blank;
-    case SampleLineKind::comment:
-      return SampledTable::Kind::comment;
-    case SampleLineKind::text:
-      break;
-  }
-  return SampledTable::Kind::text;
+  return run.kind == SampleLineKind::blank ? SampledTable::Kind::blank
+                                           : SampledTable::Kind::comment;
 }
 
 // Numbers the lines of a sample.

@@ -184,5 +184,19 @@ TEST(CutGapsOfWideLines, AreAllTheirColumns) {
   EXPECT_EQ(records[19].num_cells, 5'000U);
 }
 
+// A date and a time are one column if they are in six of ten lines.
+TEST(CutGapsOfDates, JoinTimesThatAreInMostLines) {
+  for (const int times : {5, 6}) {
+    std::u16string text;
+    for (int line = 0; line < 10; ++line) {
+      text += line < times ? u"2024-05-01 10:15 7\n" : u"2024-05-01 abcde 7\n";
+    }
+    const Sample sample(text);
+    const Records records = cut_gaps(sample.lines(), 1);
+    ASSERT_EQ(records.size(), 10U);
+    EXPECT_EQ(records[9].num_cells, times == 6 ? 2U : 3U);
+  }
+}
+
 }  // namespace
 }  // namespace textio::assessment

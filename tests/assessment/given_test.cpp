@@ -316,5 +316,53 @@ TEST(GivenVerdict, CutsAnyLineIntoCells) {
   EXPECT_EQ(readable(units[2]), "km/h");
 }
 
+// Two words of the header are over the last column, one over each of the others.
+TEST(GivenVerdict, CutsALineByThePositionsOfColumns) {
+  Given given;
+  given.header_lines = 2;
+  const ExactText text(
+      u"depth of water  speed\n    \nOslo  1.5   22\nRome  2.5    3\nBonn 13.5    4\n");
+  const Verdict verdict = judge(text.view(), 100, given);
+  const Cut& cut = verdict.cut_of(verdict.winner());
+  ASSERT_EQ(verdict.winner().table.columns, 3U);
+  const auto names = cells_of_line(verdict.lines, 0, cut, 3);
+  ASSERT_EQ(names.size(), 3U);
+  EXPECT_EQ(readable(names[0]), "depth");
+  EXPECT_EQ(readable(names[1]), "of");
+  EXPECT_EQ(readable(names[2]), "water  speed");
+  for (const std::u16string_view cell : cells_of_line(verdict.lines, 1, cut, 3)) {
+    EXPECT_EQ(readable(cell), "");
+  }
+}
+
+TEST(GivenVerdict, HasNoNamesInALineThatTheTextLacks) {
+  Given given;
+  given.names_line = 9;
+  const ExactText text(u"1,2\n3,4\n");
+  const Verdict verdict = judge(text.view(), 100, given);
+  EXPECT_EQ(verdict.names.probability, 0);
+}
+
+TEST(GivenVerdict, KnowsPatternsOfTimesAsUnits) {
+  Given given;
+  given.header_lines = 2;
+  const ExactText text(u"day,depth\nyyyy-mm-dd,m\n2024-01-01,5\n2024-01-02,6\n2024-01-03,7\n");
+  const Verdict verdict = judge(text.view(), 100, given);
+  const Cut& cut = verdict.cut_of(verdict.winner());
+  EXPECT_TRUE(holds_units(verdict.lines, 1, cut, 2));
+  EXPECT_FALSE(holds_units(verdict.lines, 0, cut, 2));
+}
+
+// Without quotes in the text, the two readings differ by the backslash.
+TEST(GivenDelimiters, MayBeEscapedWhereThereIsABackslash) {
+  Given given;
+  given.delimiters = {{u";"}};
+  const ExactText text(u"a\\;b;c\nd;e\n");
+  const std::vector<Reading> readings = find_readings(sample_lines(text.view(), 100, given), given);
+  ASSERT_EQ(readings.size(), 2U);
+  EXPECT_EQ(readings[0].escape, u'\\');
+  EXPECT_EQ(readings[1].escape, u'\0');
+}
+
 }  // namespace
 }  // namespace textio::assessment

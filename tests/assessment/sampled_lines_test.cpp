@@ -195,5 +195,13 @@ TEST_P(Trimmed, HasNoBlanksAtItsEnds) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, Trimmed, testing::ValuesIn(kTrimCases), ByRule());
 
+// A thousand comments do not count; the next one is the first of two lines.
+TEST(SampleLines, CountCommentsAboveFromTheThousandAndFirstOn) {
+  std::u16string text;
+  for (int i = 0; i < 1001; ++i) text += u"# c\n";
+  text += u"1,2\n3,4\n5,6\n";
+  EXPECT_EQ(sample_lines(text, 2).size(), 1002U);
+}
+
 }  // namespace
 }  // namespace textio::assessment

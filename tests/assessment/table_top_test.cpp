@@ -104,5 +104,21 @@ TEST(FindTopOfManyRecords, TakesTypesFromTheirLowerHalf) {
   EXPECT_EQ(top_of(text).first, 1U);
 }
 
+// Former bug: the names were then in two places of the text.
+TEST(FindTopRows, OfNamesAreOneBelowTheOther) {
+  const std::u16string groups = u"Station,Temperature,,Wind,\n";
+  const std::u16string names = u",min,max,speed,gust\n";
+  EXPECT_EQ(top_of(groups + names + kFiveNumbers).names_rows, 2U);
+  EXPECT_EQ(top_of(groups + u"ragged\n" + names + kFiveNumbers, {1}).names_rows, 1U);
+}
+
+// Names in the upper row, and those of the two columns without a group in the lower one.
+TEST(FindTopRows, AreCompletedByTheOneBelow) {
+  const std::u16string upper = u"day,,,wind,rain\n";
+  const std::u16string lower = u",min,max,,\n";
+  EXPECT_EQ(top_of(upper + lower + kFiveNumbers).names_rows, 2U);
+  EXPECT_EQ(top_of(upper + u"ragged\n" + lower + kFiveNumbers, {1}).names_rows, 1U);
+}
+
 }  // namespace
 }  // namespace textio::assessment

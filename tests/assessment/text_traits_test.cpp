@@ -28,6 +28,10 @@ const LineCase kProseLines[] = {
     {"FourWords", &TextTraits::prose, u"It was a night.", false},
     {"WithPunctuation", &TextTraits::prose, u"\"Well,\" he said, \"it's a half-day (today)!\"",
      true},
+    // Each of these words is plain; without two of them there are too few.
+    {"WithHyphens", &TextTraits::prose, u"half-baked ready-made last-minute plans fail", true},
+    {"WithCurlyApostrophes", &TextTraits::prose, u"it\u2019s what we\u2019d say here", true},
+    {"WithOtherMarksInWords", &TextTraits::prose, u"half+baked ready+made plans may fail", false},
     {"WithANumberAmongFour", &TextTraits::prose, u"There are 5 dogs here today", true},
     {"WithTooManyNumbers", &TextTraits::prose, u"Dogs 5 cats 7 birds", false},
     {"OtherAlphabets", &TextTraits::prose,

@@ -274,5 +274,15 @@ TEST(UnitSymbols, AUnitIsNeverASignOfNone) {
   }
 }
 
+TEST(IsUnit, NeedsAWordInBrackets) {
+  EXPECT_FALSE(is_unit(u"()"));
+  EXPECT_TRUE(is_unit(u"[Count]"));
+}
+
+TEST(IsTimePattern, HasAZoneAtItsEndAlone) {
+  EXPECT_TRUE(is_time_pattern(u"hh:mmz"));
+  EXPECT_FALSE(is_time_pattern(u"hh:mmzss"));
+}
+
 }  // namespace
 }  // namespace textio::assessment

@@ -414,5 +414,17 @@ TEST_P(JudgedNames, AreFoundWhereTheyAre) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, JudgedNames, testing::ValuesIn(kNamesCases), ByRule());
 
+// --- long lines ----------------------------------------------------------------------------------
+
+// The third line goes on after what is judged.
+TEST(JudgeLongLines, LeavesOutTheOneThatIsCut) {
+  std::u16string text;
+  for (int i = 0; i < 4; ++i) text += std::u16string(100'000, u'x') + u",1\n";
+  const ExactText exact(text);
+  const Verdict verdict = judge(exact.view(), 100);
+  EXPECT_EQ(verdict.winner().table.columns, 2U);
+  EXPECT_EQ(verdict.lines.size(), 4U);
+}
+
 }  // namespace
 }  // namespace textio::assessment

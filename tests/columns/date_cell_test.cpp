@@ -29,11 +29,11 @@ const KindCase kKinds[] = {
     {"Dates",
      ColumnKind::date,
      {u"2024-01-31", u"1/2/24", u"31 Jan", u"Jan 31", u"Jan 2024", u"1st May 2024", u"20240131",
-      u"Mi. 31.01.2024", u"12/2023"}},
+      u"Mi. 31.01.2024", u"12/2023", u"12 sept. mar 2023", u"Jan \u201920"}},
     {"Times",
      ColumnKind::time,
      {u"9:05", u"24:00", u"15:04:60", u"5pm", u"5 p.m.", u"12 AM", u"1 am", u"1 p.m. UTC",
-      u"15:04 CET", u"15:04+14:00"}},
+      u"15:04 CET", u"15:04+14:00", u"5 p.m"}},
     {"DatesAndTimes",
      ColumnKind::date_time,
      {u"2024-01-31T15:04", u"31.1.2024 5 pm", u"15:04 31 Jan", u"202401311504",
@@ -53,53 +53,23 @@ TEST_P(ReadDate, HasTheKindOfTheRow) {
 INSTANTIATE_TEST_SUITE_P(Table, ReadDate, testing::ValuesIn(kKinds), ByRule());
 
 TEST(ReadDateOf, OtherTextsIsNone) {
-  for (const std::u16string cell : {u"",
-                                    u"12",
-                                    u"2024",
-                                    u"12.5",
-                                    u"1-2",
-                                    u"2024-13-13",
-                                    u"2024-1-32",
-                                    u"13/13/2024",
-                                    u"0/1/2024",
-                                    u"32.1.2024",
-                                    u"1/2/3/2024",
-                                    u"12345-01-01",
-                                    u"25:00",
-                                    u"25:00:00",
-                                    u"15:60",
-                                    u"15:04:61",
-                                    u"9:5",
-                                    u"13 pm",
-                                    u"0 am",
-                                    u"15:04+15:00",
-                                    u"15:04+1",
-                                    u"15:04+010",
-                                    u"Monday",
-                                    u"January",
-                                    u"Mon 5",
-                                    u"1 Jan 5",
-                                    u"45-99-12",
-                                    u"12-45-7",
-                                    u"Jan 1, 5",
-                                    u"5 apples",
-                                    u"Jan Feb 2024",
-                                    u"Mon Tue 1 Jan 2024",
-                                    u"1 Jan 2024x",
-                                    u"20241301",
-                                    u"20240230",
-                                    u"18991231",
-                                    u"21000101",
-                                    u"202401312460",
-                                    u"20240131T2460",
-                                    u"-2024-01-31",
-                                    u"31 March 2024, Montag",
-                                    u"59:12.5 1.2.2024",
-                                    u"60:12.5",
-                                    u"59:12.5 pm",
-                                    u"15:04 16:05",
-                                    u"2024013",
-                                    u"20240131 20240131"}) {
+  for (const std::u16string cell :
+       {u"", u"12", u"2024", u"12.5", u"1-2", u"2024-13-13", u"2024-1-32", u"13/13/2024",
+        u"0/1/2024", u"32.1.2024", u"1/2/3/2024", u"12345-01-01", u"25:00", u"25:00:00", u"15:60",
+        u"15:04:61", u"9:5", u"13 pm", u"0 am", u"15:04+15:00", u"15:04+1", u"15:04+010", u"Monday",
+        u"January", u"Mon 5", u"1 Jan 5", u"45-99-12", u"12-45-7", u"Jan 1, 5", u"5 apples",
+        u"Jan Feb 2024", u"Mon Tue 1 Jan 2024", u"1 Jan 2024x", u"20241301", u"20240230",
+        u"18991231", u"21000101", u"202401312460", u"20240131T2460", u"-2024-01-31",
+        u"31 March 2024, Montag", u"59:12.5 1.2.2024", u"60:12.5", u"59:12.5 pm", u"15:04 16:05",
+        u"2024013", u"20240131 20240131",
+        // Words and marks after a part of a clock or a date.
+        u"x\u5E74", u"15:04:x", u"15:04,5", u"20240131150405.x", u"5 amp", u"9:12.5 pm",
+        u"15:04 +x", u"15:04 A", u"15:04 ABCDEF", u"15:04 CETx", u"15:04+01:x", u"15:04+01:5",
+        u"20240131T1504+1", u"202401311", u"mar 5\u6708 x", u"mar x 5", u"mar Mon 5 x",
+        // Parts that do not go together.
+        u"15:04 Jan", u"15:04 Mon", u"20240131 5", u"20240131 Jan", u"2024 Jan 2024",
+        u"45 Jan 2024", u"1 2 Jan 2024", u"2024 2024", u"2024-2024-01", u"2024-01-2024",
+        u"1-2024-1", u"12-45-12", u"13-13-13"}) {
     EXPECT_FALSE(read_date(ExactText(cell).view())) << readable(cell);
   }
 }
@@ -109,6 +79,28 @@ TEST(ReadDateOf, LongTextsIsNone) {
   const std::u16string blanks(50, u' ');
   EXPECT_TRUE(read_date(date + std::u16string(44, u' ') + u"15:04"));
   EXPECT_FALSE(read_date(date + blanks + u"15:04"));
+}
+
+// A cell has room for 32 parts. Each of these begins with one and then has `n` commas.
+TEST(ReadDateOf, MorePartsThanThereIsRoomForIsNone) {
+  struct PartsCase {
+    std::u16string begin;
+    std::u16string end;
+    std::size_t parts;  // without the commas
+  };
+  const PartsCase cases[] = {
+      {u"1", u" Jan 2024 3:04:05.25 pm UTC", 17},
+      {u"1", u" Jan 2024 15:04 +01", 11},
+      {u"1", u" de Jan 2024", 8},
+      {u"Wed", u"20240131150405.25", 9},
+  };
+  for (const PartsCase& row : cases) {
+    // A longer text is no date either, so that this would prove nothing.
+    for (std::size_t n = 0; row.begin.size() + n + row.end.size() <= 60; ++n) {
+      const std::u16string text = row.begin + std::u16string(n, u',') + row.end;
+      EXPECT_EQ(read_date(text).has_value(), row.parts + n <= 32) << readable(text);
+    }
+  }
 }
 
 TEST(ReadDateOf, WhatNoPatternDescribesSaysSo) {
@@ -135,11 +127,11 @@ TEST(IsSurelyDate, NeedsAYear) {
     return date && is_surely_date(*date, cell);
   };
   for (const std::u16string cell : {u"12 mars 2024", u"12 de marzo de 2024", u"99-12-31",
-                                    u"set 2024", u"12 lipca 2024 15:04"}) {
+                                    u"set 2024", u"12 lipca 2024 15:04", u"12 mars 24"}) {
     EXPECT_TRUE(is_sure(cell)) << readable(cell);
   }
-  for (const std::u16string cell :
-       {u"Set 5", u"12 mars", u"15:04 ABC", u"99-12-1", u"99.12-31", u"5 do"}) {
+  for (const std::u16string cell : {u"Set 5", u"12 mars", u"15:04 ABC", u"99-12-1", u"99.12-31",
+                                    u"5 do", u"1-12-12,", u"31.01.2024"}) {
     EXPECT_FALSE(is_sure(cell)) << readable(cell);
   }
 }

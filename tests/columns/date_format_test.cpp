@@ -557,6 +557,7 @@ const PatternlessCase kPatternless[] = {
     {"HalfDaysWithPoints", {u"3:04 p.m.", u"4:05 a.m."}},
     {"EndOfTheDay", {u"24:00"}},
     {"LeapSecond", {u"23:59:60"}},
+    {"TwoLanguagesOfWeekdays", {u"Mon 2024-01-01", u"Di 2024-01-02"}},
     {"LongAndShortMonths", {u"31 January 2024", u"01 Feb 2024"}},
 };
 
@@ -597,6 +598,10 @@ const OddCase kOdd[] = {
      {u"01/31/2024", u"01/30/2024", u"31/01/2024"},
      u"31/01/2024",
      kMonth},
+    {"AnOrdinal",
+     {u"31 May 2024", u"30 May 2024", u"29 May 2024", u"1st May 2024"},
+     u"1st May 2024",
+     kNone},
 };
 
 class OddDate : public testing::TestWithParam<OddCase> {};
@@ -628,6 +633,8 @@ const OrderCase kOrders[] = {
     {"YearFirstOfThreeShortNumbers", {u"01-02-03"}, {kYear, false}, kYear},
     {"GivenYearFirst", {u"01-02-03"}, {kYear, true}, kYear},
     {"YearLastOfThreeShortNumbers", {u"01-02-75"}, {kYear, false}, kEither},
+    {"TableDecidesForTheDay", {u"01/02/2024"}, {kDay, false}, kDay},
+    {"ThreeEqualDatesSayNothing", {u"01-02-03", u"01-02-03", u"01-02-03"}, {kNone, false}, kEither},
     {"NamesHaveNoOrder", {u"1 Jan 2024"}, {kMonth, true}, kNone},
 };
 
@@ -636,6 +643,25 @@ TEST_P(DateOrderByHints, IsThatOfTheRow) {
   EXPECT_EQ(votes_of(GetParam().cells, GetParam().hints).format().order, GetParam().order);
 }
 INSTANTIATE_TEST_SUITE_P(Table, DateOrderByHints, testing::ValuesIn(kOrders), ByRule());
+
+// --- parts of patterns -------------------------------------------------------------------------
+
+TEST(DatePattern, HasShortMinutesOfAClockWithoutHours) {
+  EXPECT_EQ(votes_of({u"9:12.5"}).format().icu, "m:ss.S");
+  EXPECT_EQ(votes_of({u"9:12.5"}).format().strptime, "%M:%S.%f");
+}
+
+TEST(DatePattern, QuotesAZoneInAnotherLanguage) {
+  const DateFormat format = votes_of({u"31. Januar 2024 15:04 EST"}).format();
+  EXPECT_EQ(format.icu, "dd. MMMM yyyy HH:mm 'EST'");
+  EXPECT_EQ(format.strptime, "%d. %B %Y %H:%M EST");
+}
+
+TEST(DatePattern, IsNoneWhereOnlySomeNamesHavePoints) {
+  const DateFormat format = votes_of({u"Mon 1 Jan 2024", u"Tue. 2 Jan. 2024"}).format();
+  EXPECT_EQ(format.icu, "");
+  EXPECT_EQ(format.strptime, "");
+}
 
 TEST(DateOrderName, HasHyphens) {
   EXPECT_EQ(to_string(DateOrder::none), "none");

@@ -27,7 +27,8 @@ TEST(IsPhoneLike, WithAPrefixOrTwoHyphens) {
 TEST(IsPhoneLike, NotWithOtherLettersLengthsOrGroups) {
   for (const std::u16string text :
        {u"", u"12345678", u"1990-1999", u"12 34 56 78", u"03-04", u"+12", u"+1234567", u"030 1234x",
-        u"555-123-4567-8901-2345", u"1 234 567"}) {
+        u"555-123-4567-8901-2345", u"1 234 567", u"0301234567",
+        u"030/1234567                    "}) {
     EXPECT_FALSE(is_phone_like(text)) << readable(text);
   }
 }
@@ -56,6 +57,7 @@ const VotesCase kVotes[] = {
     {"NineteenDigits", {u"1234567890123456789", u"-1234567890123456789"}, true},
     {"DigitsWithMarks", {u"0,123", u"00 123"}, false},
     {"NoCell", {}, false},
+    {"EmptyCell", {u""}, false},
 };
 
 class Identifiers : public testing::TestWithParam<VotesCase> {};
@@ -65,6 +67,13 @@ TEST_P(Identifiers, AreAsInTheRow) {
   EXPECT_EQ(votes.are_identifiers(), GetParam().are_identifiers);
 }
 INSTANTIATE_TEST_SUITE_P(Table, Identifiers, testing::ValuesIn(kVotes), ByRule());
+
+TEST(IdentifierWidth, IsOfCellsWithLeadingZeros) {
+  IdentifierVotes votes;
+  votes.add(u"1545");
+  votes.add(u"1230");
+  EXPECT_FALSE(votes.have_width(4));
+}
 
 TEST(IdentifierWidth, IsThatOfAllCells) {
   IdentifierVotes votes;

@@ -62,6 +62,13 @@ TEST(IsMoney, NeedsACurrencyOrADash) {
   }
 }
 
+TEST(PartsOfMoney, AreAroundTheDigits) {
+  EXPECT_EQ(readable(parts_of_money(u"(5 EUR)").currency), "EUR");
+  EXPECT_EQ(readable(parts_of_money(u"(5 EUR)").amount), "5");
+  EXPECT_EQ(readable(parts_of_money(u"--").amount), "");
+  EXPECT_EQ(readable(parts_of_money(u"--").currency), "");
+}
+
 struct VotesCase {
   const char* rule;
   std::vector<std::u16string> cells;
@@ -73,6 +80,7 @@ const VotesCase kVotes[] = {
     {"AllBefore", {u"$5", u"-$7.50", u"$ 8"}, {u"$", CurrencyPlace::before}},
     {"AllAfter", {u"5 \u20AC", u"7,50\u20AC"}, {u"\u20AC", CurrencyPlace::after}},
     {"TwoCurrencies", {u"$5", u"\u20AC5"}, {u"", CurrencyPlace::before}},
+    {"TwoCurrenciesInTurn", {u"$5", u"\u20AC5", u"$6"}, {u"", CurrencyPlace::before}},
     {"TwoPlaces", {u"EUR 5", u"5 EUR"}, {u"EUR", CurrencyPlace::none}},
     {"OneWithoutACurrency", {u"5.-", u"CHF 7.-"}, {u"CHF", CurrencyPlace::before}},
     {"NoCurrency", {u"5.-", u"7.-"}, {u"", CurrencyPlace::none}},

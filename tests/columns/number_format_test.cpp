@@ -84,6 +84,14 @@ const FormatCase kFormats[] = {
     {"Percent", {u"12,5 %", u"3%"}, {u',', 0, 0, true}},
     {"Exponents", {u"1e5", u"2E5"}, {0, 0, u'e', true}},
     {"ExponentOfFortran", {u"1.5D-03"}, {u'.', 0, u'D', true}},
+    {"LetterThatIsNoExponent", {u"5ex"}, {0, 0, 0, true}},
+    {"EmptyCell", {u""}, {0, 0, 0, true}},
+    {"CommaAtTheEnd", {u"5,"}, {0, 0, 0, true}},
+    {"PointOfAWord", {u"Rs. 5"}, {0, 0, 0, true}},
+    {"PercentageThatMayBeEither", {u"1,234 %"}, {0, u',', 0, false}},
+    {"PercentageThatBeginsWithAComma", {u",125 %"}, {u',', 0, 0, true}},
+    {"PercentageBelowOne", {u"0,125 %"}, {u',', 0, 0, true}},
+    {"PercentageOfFourDigits", {u"1234,567 %"}, {u',', 0, 0, true}},
 };
 
 class NumberFormatOf : public testing::TestWithParam<FormatCase> {};
@@ -118,6 +126,12 @@ const HintCase kHints[] = {
     {"CommasLeaveCommas", {u"1,234"}, {0, 0, false, u',', false}, {0, u',', 0, false}},
     {"MoneyWithCents", {u"1.50"}, {0, 0, false, 0, true}, {u'.', 0, 0, true}},
     {"TableBeforeDelimiter", {u"1,234"}, {u'.', 0, false, u';', false}, {0, u',', 0, false}},
+    {"GivenDecimalMark", {u"1,234.5"}, {u'.', 0, true, 0, false}, {u'.', u',', 0, true}},
+    {"GivenGroupingMark", {u"1.5", u"2,345"}, {0, u',', true, 0, false}, {u'.', u',', 0, true}},
+    {"GivenDecimalMarkThatMayBeEither", {u"1,234"}, {u',', 0, true, 0, false}, {u',', 0, 0, true}},
+    {"GivenDecimalMarkThatIsRare", {u"1,234"}, {u'/', 0, true, 0, false}, {u'/', u',', 0, true}},
+    // Former bugs.
+    {"GivenMarksOfWhichNeitherIs", {u"1,234"}, {0, 0, true, 0, false}, {0, u',', 0, true}},
 };
 
 class NumberFormatByHints : public testing::TestWithParam<HintCase> {};
@@ -147,6 +161,8 @@ const FitCase kFits[] = {
     {"TheOtherApostrophe", u"1\u2019234", {u'.', u'\'', 0, true}, true, false},
     {"DigitsAlone", u"1234", {u',', u'.', 0, true}, true, false},
     {"NotFinite", u"inf", {u',', u'.', 0, true}, true, true},
+    {"ApostropheAmongPoints", u"1'234", {u',', u'.', 0, true}, false, false},
+    {"ThinSpaceAmongNarrowOnes", u"1\u2009234", {u',', u'\u202F', 0, true}, true, false},
 };
 
 class NumberFits : public testing::TestWithParam<FitCase> {};
@@ -175,6 +191,12 @@ TEST(NumberValue, FollowsTheFormat) {
   EXPECT_EQ(value_of(u"1,234.5", {u'.', u',', 0, true}), 1234.5);
   EXPECT_EQ(value_of(u"1 234", {0, u' ', 0, true}), 1234);
   EXPECT_EQ(value_of(u"\u0661\u0662", {}), 12);
+}
+
+TEST(NumberShape, HasDigitsUpToThoseThatADoubleHolds) {
+  EXPECT_EQ(shape_of_number(u"123456789012345").digits, 123'456'789'012'345);
+  EXPECT_EQ(shape_of_number(u"-1234567890.12345").digits, -123'456'789'012'345);
+  EXPECT_EQ(shape_of_number(u"1234567890123456").digits, std::nullopt);
 }
 
 TEST(NumberValue, IsNoneIfNotFiniteOrLong) {

@@ -59,6 +59,7 @@ const SentinelCase kSentinels[] = {
     {"NotCustomary", {u"1", u"2", u"3", u"-998", u"-998"}, u"-998", false},
     {"TwoPositiveNines", {u"1", u"2", u"3", u"99", u"99"}, u"99", false},
     {"OneNegativeNine", {u"1", u"2", u"3", u"-9", u"-9"}, u"-9", false},
+    {"NinesWithAnExponent", {u"1", u"2", u"3", u"999e9", u"999e9"}, u"999e9", false},
     {"OtherText", {u"1", u"2", u"3", u"-999"}, u"-999.0", false},
 };
 
@@ -73,6 +74,8 @@ TEST_P(Sentinel, IsAsInTheRow) {
   EXPECT_EQ(search.is_sentinel(GetParam().cell), GetParam().is_sentinel);
 }
 INSTANTIATE_TEST_SUITE_P(Table, Sentinel, testing::ValuesIn(kSentinels), ByRule());
+
+TEST(SentinelTexts, AreNotEmpty) { EXPECT_FALSE(is_customary_sentinel(u"", 0)); }
 
 TEST(SentinelTexts, AreSixteenAtMost) {
   SentinelSearch search;

@@ -95,5 +95,15 @@ TEST(DescribeColumns, PrefersWhatTheCallerSays) {
   EXPECT_EQ(describe_columns(table)[0].number.grouping, u',');
 }
 
+// Two that are equal but for one member differ.
+TEST(Formats, DifferByOneMember) {
+  EXPECT_FALSE(TableFormats() == (TableFormats{u',', 0, DateOrder::none}));
+  EXPECT_FALSE(NumberFormat() == (NumberFormat{0, u'.', 0, true}));
+  EXPECT_FALSE(MoneyFormat() == (MoneyFormat{u"EUR", CurrencyPlace::none}));
+  EXPECT_FALSE(DateFormat() == (DateFormat{"%Y", "", "", "", false, DateOrder::none}));
+  EXPECT_FALSE(MissingWord() == (MissingWord{u"NA", 0}));
+  EXPECT_FALSE(BooleanWords() == (BooleanWords{u"yes", u""}));
+}
+
 }  // namespace
 }  // namespace textio::columns

@@ -79,6 +79,26 @@ const AskedCase kAsked[] = {
        s.missing = {u"-"};
      }),
      true},
+    {"ADelimiterAndAnEscape", with([](auto& s) {
+       s.options.detect_delimiters = false;
+       s.escape = u'\\';
+     }),
+     true},
+    {"ADelimiterAndALineOfDescriptions", with_options([](auto& o) {
+       o.detect_delimiters = false;
+       o.variable_descriptions_line = 2;
+     }),
+     true},
+    {"ADelimiterAndNamesOfRows", with_options([](auto& o) {
+       o.detect_delimiters = false;
+       o.row_names_field = 1;
+     }),
+     true},
+    {"ADelimiterAndOtherExponents", with_options([](auto& o) {
+       o.detect_delimiters = false;
+       o.exp_chars = u"x";
+     }),
+     true},
     {"WidthsAndALineOfUnits", with([](auto& s) {
        s.options.parser_type = kFixedWidth;
        s.options.variable_widths = {1, 2};
@@ -235,6 +255,27 @@ const ProblemCase kProblems[] = {
      "Decimal: Expected a character that is no letter, digit, sign or white space."},
     {"ABlankAsGroupingMark", with([](auto& s) { s.grouping = u' '; }), ""},
     {"ASignAsGroupingMark", with([](auto& s) { s.grouping = u'+'; }),
+     "Grouping: Expected a character that is no letter, digit or sign."},
+    {"OneLineForUnitsAndDescriptions", with([](auto& s) {
+       s.units_line = 2;
+       s.options.variable_descriptions_line = 2;
+     }),
+     "VariableDescriptionsLine: Expected another line than that of the names or the units, 2."},
+    {"ACapitalAsQuote", with([](auto& s) { s.quote = u'X'; }),
+     "Quote: Expected a character that is no letter, digit or white space."},
+    {"ANoBreakSpaceAsQuote", with([](auto& s) { s.quote = u'\u00A0'; }),
+     "Quote: Expected a character that is no letter, digit or white space."},
+    {"TheEndMarkAsQuote", with([](auto& s) { s.quote = static_cast<char16_t>(0xFFFF); }),
+     "Quote: Expected a character that is no letter, digit or white space."},
+    {"AControlCharacterAsQuote", with([](auto& s) { s.quote = u'\x01'; }), ""},
+    {"ACharacterOfPrivateUseAsQuote", with([](auto& s) { s.quote = u'\uE000'; }), ""},
+    {"AMinusAsDecimalMark", with([](auto& s) { s.decimal = u'-'; }),
+     "Decimal: Expected a character that is no letter, digit, sign or white space."},
+    {"TheEndMarkAsDecimalMark", with([](auto& s) { s.decimal = static_cast<char16_t>(0xFFFF); }),
+     "Decimal: Expected a character that is no letter, digit, sign or white space."},
+    {"NothingAsDecimalMark", with([](auto& s) { s.decimal = u'\0'; }),
+     "Decimal: Expected a character that is no letter, digit, sign or white space."},
+    {"NothingAsGroupingMark", with([](auto& s) { s.grouping = u'\0'; }),
      "Grouping: Expected a character that is no letter, digit or sign."},
     {"OneMarkForBoth", with([](auto& s) { s.decimal = s.grouping = u','; }),
      "Grouping: Expected another character than the decimal mark."},

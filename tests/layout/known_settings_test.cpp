@@ -50,6 +50,12 @@ TEST(KnownDelimiters, AreSettled) {
   EXPECT_TRUE(settings.options.detect_num_variables);
 }
 
+TEST(KnownMaxBytes, AreSettled) {
+  EXPECT_EQ(settings_of({.max_bytes = 1}).max_bytes, 1U);
+  EXPECT_EQ(settings_of({.max_bytes = 70'000'000}).max_bytes, 70'000'000U);
+  EXPECT_EQ(settings_of({}).max_bytes, DetectSettings().max_bytes);
+}
+
 TEST(KnownWidths, AreSettled) {
   const DetectSettings settings = settings_of({.widths = {{1, kMost}}});
   EXPECT_EQ(settings.options.variable_widths, (std::vector<std::uint64_t>{1, kMost}));
@@ -195,6 +201,7 @@ const RefusedCase kRefused[] = {
     {"ADigitAsDecimalMark", {.decimal = "0"}, "Known::decimal: expected a character that is no"},
     {"OneMarkForBoth", {.decimal = ".", .grouping = "."}, "Known::grouping: expected another"},
     {"MissingNoUtf8", {.missing = {{"\xFF"}}}, "Known::missing: expected UTF-8"},
+    {"NoBytes", {.max_bytes = 0}, "Known::max_bytes: expected"},
     {"LinesToSampleNegative", {.lines_to_sample = kNegative}, "Known::lines_to_sample: expected"},
 };
 

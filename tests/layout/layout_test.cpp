@@ -25,6 +25,12 @@ TEST(DialectOfALayout, HasNoHalfCharacters) {
             (std::vector<std::string>{"\xEF\xBF\xBD", "\xEF\xBF\xBD"}));
 }
 
+TEST(JudgeName, IsThatOfTheEnumerator) {
+  EXPECT_EQ(to_string(Judge::assessment), "assessment");
+  EXPECT_EQ(to_string(Judge::cascade), "cascade");
+  EXPECT_EQ(to_string(static_cast<Judge>(2)), "");
+}
+
 TEST(DialectOfALayout, WithoutATableIsALineReader) { EXPECT_EQ(dialect_of(Layout()), Dialect()); }
 
 }  // namespace

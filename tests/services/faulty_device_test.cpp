@@ -11,6 +11,7 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -277,6 +278,106 @@ TEST(DetectionFromAFaultyDevice, ClosesTheFileOfAnUnknownEncoding) {
   settings.encoding = "nobody knows";
   EXPECT_THROW(answer_from(device, settings), std::invalid_argument);
   EXPECT_EQ(device.open_streams(), 0U);
+}
+
+// --- the end of a file that goes on after the sample ---------------------------------------------
+
+// 320,008 bytes of records, and a footer of 39 bytes.
+constexpr std::size_t kTableBytes = 320'008;
+constexpr std::size_t kFileBytes = 320'047;
+
+std::string table_with_footer() {
+  return long_table(kTableBytes) + "Total,\n\nAll figures without guarantee.\n";
+}
+
+// The last 64 KB, from a whole block of 8,192 bytes on: (320,047 - 65,536) / 8,192 is 31.07.
+constexpr std::size_t kEndBegins = 32 * 8'192;
+
+enum class End { told, not_told };
+
+// Whatever happens at the end of the file, nothing is thrown, and the rest of the answer is the same.
+void expect_layout(FaultyDevice& device, End end) {
+  open_next = [&] { return device.open(); };
+  const standalone::Layout layout = detect_layout("table.csv", in_utf8());
+  FaultyDevice sound(table_with_footer());
+  EXPECT_EQ(every_member_of(layout), answer_from(sound, in_utf8()));
+  EXPECT_EQ(device.open_streams(), 0U);
+  ASSERT_EQ(layout.tail.has_value(), end == End::told);
+  if (!layout.tail) return;
+  EXPECT_EQ(layout.tail->footer,
+            (std::vector<std::u16string>{u"Total,", u"All figures without guarantee."}));
+  EXPECT_EQ(layout.tail->bytes, kFileBytes - kEndBegins);
+}
+
+TEST(EndOfAFaultyDevice, IsTheSameWithShortReads) {
+  for (const std::size_t most : {100U, 1'000U, 4'095U, 8'192U, 65'535U, 131'072U}) {
+    FaultyDevice device(table_with_footer());
+    device.shorten_reads(most);
+    SCOPED_TRACE(most);
+    expect_layout(device, End::told);
+  }
+}
+
+// The sample is in the first 131,072 bytes. What is between them and the end is never read.
+TEST(EndOfAFaultyDevice, IsToldWhereNothingBeforeItCanBeRead) {
+  for (const std::size_t place : {140'000UL, 200'000UL, kEndBegins - 1}) {
+    FaultyDevice device(table_with_footer());
+    device.fail_reads_at(place, EIO);
+    SCOPED_TRACE(place);
+    expect_layout(device, End::told);
+  }
+}
+
+TEST(EndOfAFaultyDevice, IsNotToldWhereverAReadOfItFails) {
+  for (const std::size_t place : {kEndBegins, kEndBegins + 1, kEndBegins + 30'000, kTableBytes,
+                                  kFileBytes - 30, kFileBytes - 1}) {
+    for (const int error : {EIO, ENXIO, ESTALE}) {
+      for (const std::size_t times : {std::size_t{1}, FaultyDevice::kAlways}) {
+        FaultyDevice device(table_with_footer());
+        device.fail_reads_at(place, error, times);
+        SCOPED_TRACE(place);
+        expect_layout(device, End::not_told);
+      }
+    }
+  }
+}
+
+// As after the file was cut while it was read.
+TEST(EndOfAFaultyDevice, IsNotToldOfAFileThatEndsBeforeIt) {
+  for (const std::size_t place : {kEndBegins, kEndBegins + 30'000, kFileBytes - 1}) {
+    FaultyDevice device(table_with_footer());
+    device.fail_reads_at(place, 0);
+    SCOPED_TRACE(place);
+    expect_layout(device, End::not_told);
+  }
+}
+
+// Which seeks a detection makes depends on the C library: each of them fails in turn, once or with all that
+// follow it. Those before the look at the end concern a sample that was read whole.
+TEST(EndOfAFaultyDevice, IsToldOrNotWhicheverSeekFails) {
+  FaultyDevice sound(table_with_footer());
+  expect_layout(sound, End::told);
+  const std::size_t seeks = sound.seeks();
+  ASSERT_GT(seeks, 0U);
+  for (std::size_t nth = 1; nth <= seeks; ++nth) {
+    for (const std::size_t times : {std::size_t{1}, FaultyDevice::kAlways}) {
+      for (const int error : {EIO, ESPIPE, EINVAL}) {
+        FaultyDevice device(table_with_footer());
+        device.fail_seeks(nth, error, times);
+        open_next = [&] { return device.open(); };
+        const standalone::Layout layout = detect_layout("table.csv", in_utf8());
+        EXPECT_EQ(every_member_of(layout), answer_from(sound, in_utf8())) << nth;
+        EXPECT_EQ(device.open_streams(), 0U);
+        if (layout.tail) EXPECT_EQ(layout.tail->footer_lines, 2U) << nth;
+      }
+    }
+  }
+}
+
+TEST(EndOfAFaultyDevice, IsNotToldOfOneThatCannotSeek) {
+  FaultyDevice device(table_with_footer());
+  device.fail_seeks(1, ESPIPE);
+  expect_layout(device, End::not_told);
 }
 
 }  // namespace
