@@ -253,6 +253,31 @@ std::optional<std::u16string> InputText::end_from(std::uint64_t begin, std::size
   }
 }
 
+std::optional<InputText::Part> InputText::part_from(std::uint64_t begin, std::size_t units) {
+  const EndLookScope look;
+  try {
+    std::u16string text = read_from(begin, units);
+    const source_pos end = source_->getPos();
+    const bool is_whole = source_->read_error() == 0 && end >= static_cast<source_pos>(begin);
+    if (!is_whole) return std::nullopt;
+    return Part{std::move(text), static_cast<std::size_t>(end) - begin};
+  } catch (const std::runtime_error&) {
+    return std::nullopt;  // the decoder failed
+  }
+}
+
+std::optional<std::uint64_t> InputText::byte_after(std::uint64_t begin, std::size_t units) {
+  const EndLookScope look;
+  try {
+    const bool is_long_enough =
+        source_->skipFromPos(static_cast<source_pos>(begin), units) == units;
+    if (!is_long_enough || source_->read_error() != 0) return std::nullopt;
+    return static_cast<std::uint64_t>(source_->getPos());
+  } catch (const std::runtime_error&) {
+    return std::nullopt;  // the decoder failed
+  }
+}
+
 // The converter keeps the byte order that a mark at the start of the file has set.
 std::u16string InputText::read_from(std::uint64_t begin, std::size_t count) {
   std::u16string text(count, u'\0');

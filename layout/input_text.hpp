@@ -77,6 +77,17 @@ class InputText {
   // encoding; the first character may be cut. No value if they cannot be read, or the file has got shorter.
   std::optional<std::u16string> end_from(std::uint64_t begin, std::size_t count);
 
+  // About `units` characters from byte `begin` on, as for end_from, of any part of the file, and the bytes that they take.
+  // No value if they cannot be read.
+  struct Part {
+    std::u16string text;
+    std::size_t bytes = 0;
+  };
+  std::optional<Part> part_from(std::uint64_t begin, std::size_t units);
+
+  // The byte that follows the `units` characters from byte `begin` on, which begins a character.
+  std::optional<std::uint64_t> byte_after(std::uint64_t begin, std::size_t units);
+
  private:
   struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
