@@ -316,7 +316,7 @@ Layout detect_input(InputText&& input, const DetectSettings& settings, std::size
   layout.encoding_found = input.encoding().found;
   layout.encoding_confidence = input.encoding().confidence;
   layout.ill_formed_parts = input.ill_formed_parts();
-  layout.dialect.has_byte_order_mark = layout.encoding_found == EncodingFound::byte_order_mark;
+  layout.dialect.has_byte_order_mark = input.has_byte_order_mark();
   if (found.profile) look_beyond_sample(input, *found.profile, settings, layout);
   if (settings.sample == SampleFrom::spread)
     look_spread(input, profile_in(found), settings, layout);

@@ -60,6 +60,9 @@ class InputText {
 
   const FoundEncoding& encoding() const { return encoding_; }
 
+  // Whether the file begins with the byte-order mark of its encoding.
+  bool has_byte_order_mark() const { return has_mark_; }
+
   // The ill-formed parts in these characters; 0 before.
   std::size_t ill_formed_parts() const { return ill_formed_parts_; }
 
@@ -114,6 +117,7 @@ class InputText {
   std::size_t units_loaded_ = 0;
   std::uint64_t bytes_loaded_ = 0;
   bool is_all_loaded_ = false;
+  bool has_mark_ = false;
 };
 
 }  // namespace textio::standalone
