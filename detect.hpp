@@ -124,7 +124,7 @@ struct VLTEXTSTREAM_EXPORT Column {
   std::string unit;  // "km/h", "[s]"; empty when there is none
   DatatypeCode type = DatatypeCode::empty;
 
-  // Finer than the type; empty where the layout was given or the cascade chose it.
+  // Finer than the type; empty beyond the first 65,536 columns.
   ColumnKind kind = ColumnKind::empty;
 
   bool operator==(const Column&) const = default;

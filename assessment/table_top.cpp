@@ -13,6 +13,7 @@ namespace {
 constexpr std::size_t kRecordsCompared = 100;
 constexpr std::size_t kFewestRecords = 5;    // fewer do not show the types of columns
 constexpr std::size_t kMostRowsOfNames = 4;  // with units, formats and descriptions
+constexpr std::size_t kMostRowsOfGroups = 2;
 constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
 
 // What a column holds, as far as it tells data from names.
@@ -55,7 +56,8 @@ class TopFinder {
     const std::size_t first = first_of_data();
     if (first == kNotFound) return {first_filled()};
     const std::size_t names = names_above(first);
-    if (names > 0 && are_adjacent(names - 1) && is_group_row(names - 1)) return {names - 1, 2};
+    if (const std::size_t groups = group_rows_above(names); groups > 0)
+      return {names - groups, groups + 1};
     if (names + 1 < first && are_adjacent(names) && completes(names, names + 1)) return {names, 2};
     return {is_preamble(names, first) ? names : 0};
   }
@@ -235,6 +237,16 @@ class TopFinder {
     const std::size_t count = filled(index);
     if (count == columns_) return has_repeats(index) && reads_like_names(index + 1);
     return count > 1 && 4 * count >= columns_ && filled(index + 1) > count;
+  }
+
+  // Groups, and perhaps groups of these.
+  std::size_t group_rows_above(std::size_t names) const {
+    std::size_t groups = 0;
+    while (groups < kMostRowsOfGroups && groups < names && are_adjacent(names - groups - 1) &&
+           is_group_row(names - groups - 1)) {
+      ++groups;
+    }
+    return groups;
   }
 
   // Whether a record has at least two gaps, and the one below it a text for each of them: names of columns

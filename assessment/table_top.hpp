@@ -19,7 +19,7 @@ struct TableTop {
   // of data if nothing above it could.
   std::size_t first = 0;
 
-  // The records with names: two if the upper one names groups of columns.
+  // The records with names: two if the upper one names groups of columns, three if one above it groups of these.
   std::size_t names_rows = 1;
 };
 

@@ -278,6 +278,41 @@ View bracketed_end(View name, char16_t open, char16_t close) {
   return trimmed(name.substr(begin + 1, name.size() - begin - 2));
 }
 
+// Quantities that are measured in units of time; "events/s" is a rate.
+constexpr View kTimes[] = {u"time",       u"times",  u"duration", u"elapsed", u"delay",
+                           u"latency",    u"period", u"age",      u"runtime", u"uptime",
+                           u"zeit",       u"dauer",  u"laufzeit", u"alter",   u"temps",
+                           u"dur\u00E9e", u"tiempo", u"tempo",    u"tid",     u"tijd"};
+constexpr View kUnitsOfTime[] = {u"ns",   u"us",    u"\u00B5s", u"\u03BCs", u"ms",
+                                 u"s",    u"sec",   u"min",     u"h",       u"hr",
+                                 u"d",    u"day",   u"a",       u"y",       u"yr",
+                                 u"days", u"hours", u"minutes", u"seconds", u"years"};
+
+// What is per unit of another quantity: "price/kg".
+constexpr View kRates[] = {u"price", u"prices", u"cost",   u"costs", u"fee",    u"rate",
+                           u"preis", u"preise", u"kosten", u"prix",  u"precio", u"prezzo"};
+
+bool is_name_character(char16_t unit) {
+  const char16_t lower = unit | 0x20;
+  return unit == u' ' || unit == u'_' || (lower >= u'a' && lower <= u'z') || unit > 0xBF;
+}
+
+// "Time/s" or "speed/km/h": a quantity of three characters or more, and a unit in which it is expressed. Not "events/s",
+// "price/kg", "km/h" or "max/min".
+View unit_of_quantity(View name) {
+  constexpr std::size_t kShortest = 3;
+  const std::size_t at = name.find(u'/');
+  if (at == View::npos || at < kShortest) return {};
+  const View quantity = name.substr(0, at);
+  const View unit = name.substr(at + 1);
+  if (!is_unit(unit) || is_unit(quantity)) return {};
+  if (!std::all_of(quantity.begin(), quantity.end(), is_name_character)) return {};
+  const std::u16string words = lower_case(quantity);
+  const View last = View(words).substr(words.find_last_of(u" _") + 1);
+  const bool is_of_time = is_one_of(kUnitsOfTime, unit);
+  return is_of_time == is_one_of(kTimes, last) && !is_one_of(kRates, last) ? unit : View();
+}
+
 // What follows the last occurrence of `mark`.
 View after_last(View name, View mark) {
   const std::size_t at = name.rfind(mark);
@@ -315,6 +350,7 @@ std::u16string_view unit_in_name(std::u16string_view name) {
     const View last = after_last(text, mark);
     if (is_unit(last)) return last;
   }
+  if (const View unit = unit_of_quantity(text); !unit.empty()) return unit;
   const View word = after_last(text, u" ");
   return word == u"%" || (is_unit(word) && word.front() == u'\u00B0') ? word : View();
 }

@@ -82,6 +82,7 @@ std::function<DetectSettings()> settings_for(const char* encoding, unsigned long
   return [=] {
     DetectSettings settings;
     settings.judge = standalone::Judge::cascade;
+    settings.describe_columns = false;
     settings.num_lines = num_lines;
     settings.encoding = encoding;
     return settings;
@@ -93,6 +94,7 @@ DetectSettings default_settings() { return {}; }
 DetectSettings cascade_settings() {
   DetectSettings settings;
   settings.judge = standalone::Judge::cascade;
+  settings.describe_columns = false;
   return settings;
 }
 

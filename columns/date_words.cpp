@@ -148,6 +148,21 @@ constexpr NameSet bit_of(std::size_t language, NameForm form) {
   return NameSet{1} << (language * kNameForms + static_cast<std::size_t>(form));
 }
 
+const Language* language_of(std::string_view name) {
+  const auto* const found =
+      std::find_if(std::begin(kLanguages), std::end(kLanguages),
+                   [name](const Language& each) { return each.name == name; });
+  return found == std::end(kLanguages) ? nullptr : found;
+}
+
+// Abbreviations that ICU does not have, but programs and people write.
+struct OtherMonth {
+  View name;  // folded
+  int month;
+  std::string_view language;
+};
+constexpr OtherMonth kOtherMonths[] = {{u"mrz", 3, "de"}};
+
 class Collector {
  public:
   std::vector<DateWord> collect() {
@@ -160,6 +175,7 @@ class Collector {
       add_weekdays(language.weekdays, bit_of(i, NameForm::full));
       add_weekdays(language.short_weekdays, bit_of(i, NameForm::abbreviated));
     }
+    for (const OtherMonth& other : kOtherMonths) add_other(other);
     return merged();
   }
 
@@ -186,6 +202,13 @@ class Collector {
     for_each_name(names, [&](std::u16string name) {
       words_.push_back({std::move(name), 0, 0, set});
     });
+  }
+
+  void add_other(const OtherMonth& other) {
+    const auto language = static_cast<std::size_t>(language_of(other.language) - kLanguages);
+    const NameSet forms =
+        bit_of(language, NameForm::abbreviated) | bit_of(language, NameForm::abbreviated_alone);
+    words_.push_back({std::u16string(other.name), other.month, forms, 0});
   }
 
   // Each text once. No name is that of two different months.
@@ -222,13 +245,6 @@ NameForm first_form(NameSet forms) {
 }
 
 bool has_point(View names) { return names.find(u'.') != View::npos; }
-
-const Language* language_of(std::string_view name) {
-  const auto* const found =
-      std::find_if(std::begin(kLanguages), std::end(kLanguages),
-                   [name](const Language& each) { return each.name == name; });
-  return found == std::end(kLanguages) ? nullptr : found;
-}
 
 }  // namespace
 

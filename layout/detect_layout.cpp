@@ -17,6 +17,8 @@
 #include <vltextstream/layout/input_text.hpp>
 #include <vltextstream/layout/judged_layout.hpp>
 #include <vltextstream/layout/line_roles.hpp>
+#include <vltextstream/layout/look_spread.hpp>
+#include <vltextstream/layout/sampled_facts.hpp>
 #include <vltextstream/layout/sampled_table.hpp>
 #include <vltextstream/layout/text_lines.hpp>
 #include <vltextstream/layout/text_prefix.hpp>
@@ -132,6 +134,7 @@ void describe_table(Strategy& strategy, const DetectSettings& settings, TextLine
   const VariableNames names = find_variable_names(table);
   describe_names(table, names, layout);
   describe_lines(table, names, layout);
+  if (settings.describe_columns) describe_facts(strategy, table, names, settings, layout);
 }
 
 CascadeAnswer cascade_answer(const Layout& layout) {
@@ -144,6 +147,10 @@ struct FoundLayout {
   Layout layout;
   std::optional<assessment::TableProfile> profile;
 };
+
+assessment::TableProfile profile_in(const FoundLayout& found) {
+  return found.profile ? *found.profile : profile_of(found.layout);
+}
 
 // Whether the text ends with the sample. The stream has loaded more than is asked for here.
 bool ends_with(const TextPrefix& sample, const TextStream& stream) {
@@ -306,8 +313,10 @@ Layout detect_in(InputText& input, const DetectSettings& settings, std::size_t u
   layout.encoding_found = input.encoding().found;
   layout.encoding_confidence = input.encoding().confidence;
   layout.ill_formed_parts = input.ill_formed_parts();
-  layout.dialect.has_byte_order_mark = layout.encoding_found == EncodingFound::byte_order_mark;
+  layout.dialect.has_byte_order_mark = input.has_byte_order_mark();
   if (found.profile) look_beyond_sample(input, *found.profile, settings, layout);
+  if (settings.sample == SampleFrom::spread)
+    look_spread(input, profile_in(found), settings, layout);
   return std::move(layout);
 }
 
@@ -340,10 +349,11 @@ Layout detect_layout(std::u16string_view text, const DetectSettings& settings) {
   };
   FoundLayout found =
       layout_of_prefixes(get_prefix, stream, settings, first_prefix_units(settings));
-  if (found.profile) {
-    const std::size_t length = stream.find_first_pos_of(TextStream::kEnd, 0);
-    look_beyond_sample({folded.data(), length}, *found.profile, settings, found.layout);
-  }
+  const bool is_spread = settings.sample == SampleFrom::spread;
+  if (!found.profile && !is_spread) return std::move(found.layout);
+  const std::u16string_view all(folded.data(), stream.find_first_pos_of(TextStream::kEnd, 0));
+  if (found.profile) look_beyond_sample(all, *found.profile, settings, found.layout);
+  if (is_spread) look_spread(all, profile_in(found), settings, found.layout);
   return std::move(found.layout);
 }
 

@@ -37,6 +37,7 @@
 #include <vltextstream/layout/file_error.hpp>
 #include <vltextstream/layout/given_mismatch.hpp>
 #include <vltextstream/layout/layout.hpp>
+#include <vltextstream/layout/spread_look.hpp>
 #include <vltextstream/options/parser_options.hpp>
 #include <vltextstream/standalone/services/array.hpp>
 
@@ -63,12 +64,17 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
   // sequences, need so many: the default is 15 bytes for each character of the largest sample.
   std::uint64_t max_bytes = 67'108'864;
 
+  // Say how a table is written and what its columns hold also where its layout is given or the cascade chooses it. It
+  // takes longer than what the cascade does; the assessment always says it.
+  bool describe_columns = true;
+
   // Who chooses the layout. Given delimiters or widths settle it without a choice. The cascade
   // chooses, because only it obeys them, if line endings other than "\r\n", "\n" and "\r" are given, if white
   // space is given that has no blank or has characters that are not white space, or if a parser
   // type is given. The judge obeys all else, and its confidence is then among what is left to choose.
   //
-  // What follows is obeyed by the judge alone.
+  // What follows is obeyed by the judge alone; `decimal`, `grouping` and `missing` also by the description of the
+  // columns of any other layout.
   Judge judge = Judge::assessment;
 
   // What is between the name of a group of columns and the name of a column below it: "Temperature.min".
@@ -77,6 +83,10 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
   // Look for a footer at the end of a text that goes on after the sample. Of a file that can be read there at
   // once, the last 64 KB are read, if max_bytes allows. Nothing that goes wrong there is an error.
   bool look_at_end = true;
+
+  // Look at several places after the sample too, whoever chose the layout: Layout::spread. Of a file that can be read
+  // there at once, at most 576 KB are read for it, if max_bytes allows; nothing that goes wrong there is an error.
+  SampleFrom sample = SampleFrom::start;
 
   // The lines of the text that hold the names and the units; 0: no line holds them. Without a value
   // it is the line in `options`, unless that is 0. What precedes the last of these lines, and the one

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <new>
 #include <stdexcept>
 #include <string_view>
@@ -111,6 +112,40 @@ FoundEncoding encoding_past_ascii(Preview& preview) {
   return {"UTF-8", EncodingFound::valid_utf8, 1.0};
 }
 
+// Whether the name of an encoding, in any case, has these characters: "utf", "8".
+bool has_in_name(std::string_view name, std::string_view part) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c; };
+  return std::search(name.begin(), name.end(), part.begin(), part.end(),
+                     [lower](char a, char b) { return lower(a) == b; }) != name.end();
+}
+
+bool begins_with_mark(std::string_view bytes, std::string_view encoding) {
+  constexpr std::string_view kOfUtf8 = "\xEF\xBB\xBF";
+  constexpr std::string_view kOfOthers[] = {"\xFF\xFE", "\xFE\xFF", {"\0\0\xFE\xFF", 4}};
+  if (!has_in_name(encoding, "utf")) return false;
+  if (has_in_name(encoding, "8")) return bytes.starts_with(kOfUtf8);
+  return std::any_of(std::begin(kOfOthers), std::end(kOfOthers),
+                     [bytes](std::string_view mark) { return bytes.starts_with(mark); });
+}
+
+// The first bytes, which are read again. C guarantees that one can be put back; here they all are still in the
+// buffer of the stream, and nothing but the place in it changes.
+std::string peek(std::FILE* file, const std::string& name) {
+  constexpr std::size_t kLongestMark = 4;
+  std::string bytes;
+  errno = 0;
+  while (bytes.size() < kLongestMark) {
+    const int byte = std::fgetc(file);
+    if (byte == EOF) break;
+    bytes.push_back(static_cast<char>(byte));
+  }
+  if (std::ferror(file) != 0) refuse("read", name, errno != 0 ? errno : EIO);
+  for (std::size_t i = bytes.size(); i-- > 0;) {
+    if (std::ungetc(static_cast<unsigned char>(bytes[i]), file) == EOF) refuse("read", name, EIO);
+  }
+  return bytes;
+}
+
 }  // namespace
 
 InputText::InputText(const std::string& path, const DetectSettings& settings)
@@ -144,6 +179,10 @@ InputText::InputText(PlainBytes text, const DetectSettings& settings)
 void InputText::read(File file) {
   if (!file) refuse("open", name_, errno);
   encoding_ = encoding_of(file.get(), name_, settings_);
+  has_mark_ = encoding_.found == EncodingFound::byte_order_mark;
+  if (encoding_.found == EncodingFound::given && has_in_name(encoding_.name, "utf")) {
+    has_mark_ = begins_with_mark(peek(file.get(), name_), encoding_.name);
+  }
   decode(std::move(file));
 }
 
@@ -255,6 +294,31 @@ std::optional<std::u16string> InputText::end_from(std::uint64_t begin, std::size
     const bool is_whole =
         source_->read_error() == 0 && source_->getPos() >= static_cast<source_pos>(begin + count);
     return is_whole ? std::optional(std::move(text)) : std::nullopt;
+  } catch (const std::runtime_error&) {
+    return std::nullopt;  // the decoder failed
+  }
+}
+
+std::optional<InputText::Part> InputText::part_from(std::uint64_t begin, std::size_t units) {
+  const EndLookScope look;
+  try {
+    std::u16string text = read_from(begin, units);
+    const source_pos end = source_->getPos();
+    const bool is_whole = source_->read_error() == 0 && end >= static_cast<source_pos>(begin);
+    if (!is_whole) return std::nullopt;
+    return Part{std::move(text), static_cast<std::size_t>(end) - begin};
+  } catch (const std::runtime_error&) {
+    return std::nullopt;  // the decoder failed
+  }
+}
+
+std::optional<std::uint64_t> InputText::byte_after(std::uint64_t begin, std::size_t units) {
+  const EndLookScope look;
+  try {
+    const bool is_long_enough =
+        source_->skipFromPos(static_cast<source_pos>(begin), units) == units;
+    if (!is_long_enough || source_->read_error() != 0) return std::nullopt;
+    return static_cast<std::uint64_t>(source_->getPos());
   } catch (const std::runtime_error&) {
     return std::nullopt;  // the decoder failed
   }

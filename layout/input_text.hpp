@@ -64,6 +64,9 @@ class InputText {
 
   const FoundEncoding& encoding() const { return encoding_; }
 
+  // Whether the file begins with the byte-order mark of its encoding.
+  bool has_byte_order_mark() const { return has_mark_; }
+
   // The ill-formed parts in these characters; 0 before.
   std::size_t ill_formed_parts() const { return ill_formed_parts_; }
 
@@ -83,6 +86,17 @@ class InputText {
   // The text of the last `count` bytes, which begin at position `begin`, a multiple of the code units of the
   // encoding; the first character may be cut. No value if they cannot be read, or the file has got shorter.
   std::optional<std::u16string> end_from(std::uint64_t begin, std::size_t count);
+
+  // About `units` characters from byte `begin` on, as for end_from, of any part of the file, and the bytes that they take.
+  // No value if they cannot be read.
+  struct Part {
+    std::u16string text;
+    std::size_t bytes = 0;
+  };
+  std::optional<Part> part_from(std::uint64_t begin, std::size_t units);
+
+  // The byte that follows the `units` characters from byte `begin` on, which begins a character.
+  std::optional<std::uint64_t> byte_after(std::uint64_t begin, std::size_t units);
 
  private:
   struct CloseFile {
@@ -110,6 +124,7 @@ class InputText {
   std::size_t units_loaded_ = 0;
   std::uint64_t bytes_loaded_ = 0;
   bool is_all_loaded_ = false;
+  bool has_mark_ = false;
 };
 
 }  // namespace textio::standalone

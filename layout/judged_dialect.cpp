@@ -7,36 +7,13 @@
 #include <vector>
 
 #include <vltextstream/assessment/cuts.hpp>
+#include <vltextstream/layout/tally.hpp>
 
 namespace textio::standalone {
 namespace {
 
 using assessment::Cell;
 using assessment::Form;
-
-// Texts and how often each occurs.
-class Tally {
- public:
-  void add(std::u16string_view text) {
-    const auto same = std::find_if(counts_.begin(), counts_.end(),
-                                   [&](const auto& each) { return each.first == text; });
-    if (same == counts_.end()) {
-      counts_.emplace_back(text, 1);
-    } else {
-      ++same->second;
-    }
-  }
-
-  // The most frequent first; of equally frequent ones, that which came first.
-  std::vector<std::pair<std::u16string, std::size_t>> take() {
-    std::stable_sort(counts_.begin(), counts_.end(),
-                     [](const auto& a, const auto& b) { return a.second > b.second; });
-    return std::move(counts_);
-  }
-
- private:
-  std::vector<std::pair<std::u16string, std::size_t>> counts_;
-};
 
 class DialectDescription {
  public:

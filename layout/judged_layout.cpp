@@ -224,17 +224,28 @@ class VerdictDescription {
     std::vector<std::u16string> texts;
     for (const std::u16string_view name : verdict_.names.texts) texts.push_back(plain(name));
     if (verdict_.names.is_above_table || table_.names_rows < 2) return texts;
-    // The name of a group of columns is above its first column.
+    for (std::size_t row = table_.names_rows - 1; row-- > 0;) add_groups(row, texts);
+    return texts;
+  }
+
+  // The name of a group of columns is above its first column. It ends where a row above has another name.
+  void add_groups(std::size_t row, std::vector<std::u16string>& texts) const {
     std::u16string group;
-    const auto groups = records_.cells(table_.data[0]);
+    const auto groups = records_.cells(table_.data[row]);
     for (std::size_t c = 0; c < texts.size(); ++c) {
       const std::u16string above = text_of(groups[c]);
-      if (!above.empty()) group = above;
+      if (!above.empty() || has_name_above(row, c)) group = above;
       if (!group.empty() && !texts[c].empty())
         texts[c] = group + settings_.name_separator + texts[c];
       if (texts[c].empty()) texts[c] = above;
     }
-    return texts;
+  }
+
+  bool has_name_above(std::size_t row, std::size_t column) const {
+    for (std::size_t i = 0; i < row; ++i) {
+      if (!text_of(records_.cells(table_.data[i])[column]).empty()) return true;
+    }
+    return false;
   }
 
   std::u16string text_of(const Cell& cell) const {
@@ -472,7 +483,8 @@ class VerdictDescription {
   LineRole role_of(std::size_t record) const {
     const std::size_t line = line_of(record);
     if (has_names_ && verdict_.names.line == line) return LineRole::names;
-    if (has_names_ && names_rows() == 2 && table_.data[1] == record) return LineRole::names;
+    const auto names_end = table_.data.begin() + static_cast<std::ptrdiff_t>(names_rows());
+    if (std::find(table_.data.begin(), names_end, record) != names_end) return LineRole::names;
     if (layout_.units_line == line + 1) return LineRole::units;
     const bool is_among_data = std::binary_search(table_.data.begin(), table_.data.end(), record);
     if (is_among_data) return LineRole::data;

@@ -20,6 +20,7 @@
 #include <vltextstream/host/export.hpp>
 #include <vltextstream/layout/column_facts.hpp>
 #include <vltextstream/layout/judgement.hpp>
+#include <vltextstream/layout/spread_look.hpp>
 #include <vltextstream/layout/table_dialect.hpp>
 #include <vltextstream/layout/table_lines.hpp>
 #include <vltextstream/scoring/datatype_code.hpp>
@@ -182,7 +183,9 @@ struct VLTEXTSTREAM_EXPORT Layout {
 
   std::optional<CascadeAnswer> cascade;
 
-  // How the table is written, and what each of its columns holds: one for each variable, but at most 2,000, as
+  // --- of every table, unless DetectSettings::describe_columns is false
+
+  // How the table is written, and what each of its columns holds: one for each variable, but at most 65,536, as
   // that takes time and memory; none of a text that is no table.
   TableDialect dialect;
   std::vector<ColumnFacts> columns;
@@ -190,6 +193,8 @@ struct VLTEXTSTREAM_EXPORT Layout {
   // A name for each of these columns that no other has, in one line without control characters: "column_2" where there
   // is none, "level_2" for a second "level".
   std::vector<std::u16string> names_unique;
+
+  // --- of the assessment again
 
   // How many lines the text has, as an editor shows them: all that were looked at if it ends with the
   // sample, otherwise an estimate by its length. Without a value where the length is not known, as that of
@@ -199,6 +204,9 @@ struct VLTEXTSTREAM_EXPORT Layout {
   // The end of the text, if it was looked at: not where the sample has it, where the input would have to be
   // unpacked or waited for, or where the text is no table.
   std::optional<TailLook> tail;
+
+  // What several places after the sample hold that contradicts it; only on request.
+  std::optional<SpreadLook> spread;
 
   // The line that was given as that of the descriptions of the columns, and its texts.
   std::optional<std::size_t> descriptions_line;

@@ -1,11 +1,9 @@
 #include <vltextstream/layout/table_columns.hpp>
 
 #include <algorithm>
-#include <span>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
-
-#include <vltextstream/columns/table_formats.hpp>
 
 namespace textio::standalone {
 namespace {
@@ -17,16 +15,9 @@ std::optional<char16_t> mark_or_none(char16_t mark) {
   return mark != 0 ? std::optional<char16_t>(mark) : std::nullopt;
 }
 
-columns::ColumnHints hints_for(const Reading& reading, const DetectSettings& settings) {
-  columns::ColumnHints hints;
-  const bool has_delimiter = reading.form == assessment::Form::delimited;
-  if (has_delimiter && reading.delimiter.size() == 1) hints.marks.delimiter = reading.delimiter[0];
-  hints.marks.are_given = settings.decimal || settings.grouping;
-  hints.marks.decimal = settings.decimal.value_or(0);
-  hints.marks.grouping = settings.grouping.value_or(0);
-  hints.missing = settings.missing;
-  hints.exponents = settings.options.exp_chars;
-  return hints;
+char16_t delimiter_of(const Reading& reading) {
+  const bool has_one = reading.form == assessment::Form::delimited && reading.delimiter.size() == 1;
+  return has_one ? reading.delimiter[0] : u'\0';
 }
 
 // A line break at an end of a cell counts for its kind, but is cut off here.
@@ -79,15 +70,14 @@ std::optional<char16_t> mark_of_table(char16_t mark, char16_t other,
 
 std::vector<MissingWord> TableColumns::missing() const {
   std::vector<MissingWord> all;
+  std::unordered_map<std::u16string_view, std::size_t> places;
   for (const ColumnFacts& column : facts) {
     for (const MissingWord& each : column.missing) {
-      const auto same = std::find_if(all.begin(), all.end(), [&](const MissingWord& other) {
-        return other.word == each.word;
-      });
-      if (same == all.end()) {
+      const auto [place, is_new] = places.emplace(each.word, all.size());
+      if (is_new) {
         all.push_back(each);
       } else {
-        same->count += each.count;
+        all[place->second].count += each.count;
       }
     }
   }
@@ -96,13 +86,43 @@ std::vector<MissingWord> TableColumns::missing() const {
   return all;
 }
 
+columns::ColumnHints hints_for(char16_t delimiter, const DetectSettings& settings) {
+  columns::ColumnHints hints;
+  hints.marks.delimiter = delimiter;
+  hints.marks.are_given = settings.decimal || settings.grouping;
+  hints.marks.decimal = settings.decimal.value_or(0);
+  hints.marks.grouping = settings.grouping.value_or(0);
+  hints.missing = settings.missing;
+  hints.exponents = settings.options.exp_chars;
+  return hints;
+}
+
+TableColumns describe_columns(
+    std::span<const columns::TableColumn> columns,
+    const std::function<std::size_t(std::size_t column, std::size_t cell)>& line_of) {
+  std::vector<columns::ColumnDescription> described = columns::describe_columns(columns);
+  const columns::TableFormats formats = columns::find_formats(described);
+  TableColumns found;
+  found.decimal =
+      mark_of_table(formats.decimal, formats.grouping, described, &columns::NumberFormat::decimal);
+  found.grouping = mark_of_table(formats.grouping, found.decimal.value_or(0), described,
+                                 &columns::NumberFormat::grouping);
+  found.facts.reserve(described.size());
+  for (std::size_t c = 0; c < described.size(); ++c) {
+    const std::optional<std::size_t> misfit = described[c].first_misfit;
+    found.facts.push_back(facts_of(std::move(described[c])));
+    if (misfit) found.facts.back().first_misfit_line = line_of(c, *misfit);
+  }
+  return found;
+}
+
 TableColumns describe_columns(const assessment::Verdict& verdict,
                               const std::vector<std::size_t>& rows,
                               const std::vector<std::u16string>& names,
                               const DetectSettings& settings) {
   const assessment::Cut& cut = verdict.cut_of(verdict.winner());
   const Records& records = cut.records;
-  const columns::ColumnHints hints = hints_for(cut.reading, settings);
+  const columns::ColumnHints hints = hints_for(delimiter_of(cut.reading), settings);
   std::vector<columns::TableColumn> columns(
       std::min(verdict.winner().table.columns, kMostColumnsDescribed), {{}, hints});
   const assessment::Hypothesis& winner = verdict.winner();
@@ -125,20 +145,8 @@ TableColumns describe_columns(const assessment::Verdict& verdict,
     }
     column.hints.kinds = std::span(kinds).subspan(c * known, known);
   }
-  std::vector<columns::ColumnDescription> described = columns::describe_columns(columns);
-  const columns::TableFormats formats = columns::find_formats(described);
-  TableColumns found;
-  found.decimal =
-      mark_of_table(formats.decimal, formats.grouping, described, &columns::NumberFormat::decimal);
-  found.grouping = mark_of_table(formats.grouping, found.decimal.value_or(0), described,
-                                 &columns::NumberFormat::grouping);
-  found.facts.reserve(described.size());
-  for (columns::ColumnDescription& each : described) {
-    const std::optional<std::size_t> misfit = each.first_misfit;
-    found.facts.push_back(facts_of(std::move(each)));
-    if (misfit) found.facts.back().first_misfit_line = records[rows[*misfit]].line + 1;
-  }
-  return found;
+  return describe_columns(
+      columns, [&](std::size_t, std::size_t cell) { return records[rows[cell]].line + 1; });
 }
 
 }  // namespace textio::standalone

@@ -51,8 +51,14 @@ struct TypedNumbers {
   std::optional<std::string> max_bytes;
 };
 
+// What was typed for the options that take a word.
+struct TypedWords {
+  std::optional<std::string> judge;
+  std::optional<std::string> sample;
+};
+
 void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numbers,
-                         std::optional<std::string>& judge) {
+                         TypedWords& words) {
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.set_version_flag("--version", std::string("vltext ") + libvltextstream_version,
                        "Print the version and exit");
@@ -61,7 +67,7 @@ void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numb
                "Also print the evidence, and the candidates of the cascade, their scores and what "
                "each filter left");
   app.add_option(
-         "--judge", judge,
+         "--judge", words.judge,
          "Who chooses the layout: assessment, the likeliest of all sensible readings, which "
          "is what happens if not given, or cascade, a series of filters")
       ->type_name("NAME");
@@ -74,6 +80,11 @@ void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numb
       ->type_name("N");
   app.add_flag("--no-tail", arguments.no_tail,
                "Do not look for a footer at the end of a file that goes on after the sample");
+  app.add_option("--sample", words.sample,
+                 "start: look at the first lines and the end of each file, which is what happens "
+                 "if not given; spread: also at several places between them, and say what "
+                 "contradicts the answer there. Compressed files and pipes cannot be spread")
+      ->type_name("NAME");
   app.add_option("--jobs", numbers.jobs,
                  "Look at up to N files at the same time, 1 to 256; if not given, as many as there "
                  "are processors. Each takes memory, so fewer where memory is limited")
@@ -273,6 +284,14 @@ standalone::Judge judge_named(const std::string& name) {
                     fmt::format("Expected assessment or cascade, got '{}'.", shortened(name)));
 }
 
+standalone::SampleFrom sample_named(const std::string& name) {
+  for (const auto sample : {standalone::SampleFrom::start, standalone::SampleFrom::spread}) {
+    if (name == to_string(sample)) return sample;
+  }
+  throw BadArgument("--sample",
+                    fmt::format("Expected start or spread, got '{}'.", shortened(name)));
+}
+
 void parse(CLI::App& app, const std::vector<std::string>& typed) {
   try {
     app.parse(reversed_arguments(app, typed));
@@ -292,8 +311,8 @@ Arguments parse_command_line(int argc, const char* const* argv) {
   app.formatter(std::make_shared<HelpFormatter>());
   Arguments arguments;
   TypedNumbers numbers;
-  std::optional<std::string> judge;
-  declare_own_options(app, arguments, numbers, judge);
+  TypedWords words;
+  declare_own_options(app, arguments, numbers, words);
   const Flags flags = declare_library_options(app);
   const CLI::Option* const files = declare_files(app, argc);
 
@@ -309,7 +328,8 @@ Arguments parse_command_line(int argc, const char* const* argv) {
   if (numbers.max_bytes) {
     arguments.settings.max_bytes = to_number("--max-bytes", *numbers.max_bytes, 1, kAnyNumber);
   }
-  if (judge) arguments.settings.judge = judge_named(*judge);
+  if (words.judge) arguments.settings.judge = judge_named(*words.judge);
+  if (words.sample) arguments.settings.sample = sample_named(*words.sample);
   if (numbers.strict) arguments.least_percent = to_number("--strict", *numbers.strict, 0, 100);
   if (numbers.jobs) arguments.num_jobs = to_number("--jobs", *numbers.jobs, 1, kMostJobs);
   return arguments;

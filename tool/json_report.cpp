@@ -132,6 +132,7 @@ void write_settings(JsonWriter& json, const standalone::DetectSettings& settings
   json.member("judge", to_string(settings.judge));
   json.member("name_separator", settings.name_separator);
   json.member("look_at_end", settings.look_at_end);
+  json.member("sample", to_string(settings.sample));
   json.member("names_line", settings.names_line);
   json.member("units_line", settings.units_line);
   json.member("quote", given_text(settings.quote));
@@ -288,6 +289,51 @@ void write_tail(JsonWriter& json, const std::optional<standalone::TailLook>& tai
   json.end_object();
 }
 
+void write_place(JsonWriter& json, const standalone::TextPlace& place) {
+  json.member("byte", place.byte);
+  json.member("line", place.line);
+  json.member("line_exact", place.is_line_exact);
+}
+
+void write_contradiction(JsonWriter& json, const standalone::Contradiction& each) {
+  json.begin_object();
+  json.member("column", each.column + 1);
+  json.member("expected", to_string(each.expected));
+  json.member("count", each.count);
+  json.member("example", each.example);
+  write_place(json, each.place);
+  json.end_object();
+}
+
+void write_first_ragged(JsonWriter& json, const standalone::SpreadLook& look) {
+  json.key("first_ragged");
+  if (look.ragged_records == 0) return json.value(nullptr);
+  json.begin_object();
+  json.member("cells", look.ragged_cells);
+  json.member("example", look.ragged_example);
+  write_place(json, look.ragged_place);
+  json.end_object();
+}
+
+// Only where it was asked for.
+void write_spread(JsonWriter& json, const std::optional<standalone::SpreadLook>& spread) {
+  if (!spread) return;
+  json.key("spread");
+  json.begin_object();
+  json.member("reason", or_null(spread->reason));
+  json.member("places", spread->places);
+  json.member("records", spread->records);
+  json.member("characters", spread->characters);
+  json.member("bytes", spread->bytes);
+  json.key("contradictions");
+  json.array(spread->contradictions,
+             [&](const standalone::Contradiction& each) { write_contradiction(json, each); });
+  json.member("ragged_records", spread->ragged_records);
+  write_first_ragged(json, *spread);
+  write_missing(json, spread->missing);
+  json.end_object();
+}
+
 // The members of the assessment; only where it chose the layout.
 void write_assessment(JsonWriter& json, const Layout& layout) {
   if (!layout.confidence) return;
@@ -300,11 +346,6 @@ void write_assessment(JsonWriter& json, const Layout& layout) {
   json.member("no_table", or_null(layout.no_table));
   json.member("names_probability", layout.names_probability);
   json.member("names_candidate", layout.names_candidate);
-  json.member("names_unique", layout.names_unique);
-  json.key("dialect");
-  write_dialect(json, layout.dialect);
-  json.key("columns");
-  write_columns(json, layout);
   json.key("rivals");
   json.array(layout.rivals, [&](const auto& rival) { write_rival(json, rival); });
   json.key("evidence");
@@ -359,6 +400,12 @@ void write_members(JsonWriter& json, const std::string& file, const Layout& layo
     json.member("descriptions_line", layout.descriptions_line);
     json.member("descriptions", layout.descriptions);
   }
+  json.member("names_unique", layout.names_unique);
+  json.key("dialect");
+  write_dialect(json, layout.dialect);
+  json.key("columns");
+  write_columns(json, layout);
+  write_spread(json, layout.spread);
   write_assessment(json, layout);
   json.end_object();
 }

@@ -111,6 +111,13 @@ std::vector<std::string> details_of(const Layout& layout, const standalone::Colu
   return details;
 }
 
+// "4,194,304"
+std::string grouped(std::uint64_t number) {
+  std::string digits = std::to_string(number);
+  for (std::size_t at = digits.size(); at > 3; at -= 3) digits.insert(at - 3, 1, ',');
+  return digits;
+}
+
 constexpr std::size_t kMostColumns = 60;
 
 std::string_view kind_of_column(const Layout& layout, std::size_t column) {
@@ -134,6 +141,10 @@ void add_columns(std::string& out, const Layout& layout) {
   }
   if (layout.classes.size() > shown)
     fmt::format_to(Out(out), "  {:>14}  {} more columns\n", "...", layout.classes.size() - shown);
+  if (!layout.columns.empty() && layout.columns.size() < layout.classes.size()) {
+    fmt::format_to(Out(out), "  not described   the columns from {} on\n",
+                   grouped(layout.columns.size() + 1));
+  }
 }
 
 // What a reader must be told besides the separators; an empty text if it is the custom.
@@ -169,13 +180,6 @@ std::string encoding(const Layout& layout) {
   return out;
 }
 
-// "4,194,304"
-std::string grouped(std::uint64_t number) {
-  std::string digits = std::to_string(number);
-  for (std::size_t at = digits.size(); at > 3; at -= 3) digits.insert(at - 3, 1, ',');
-  return digits;
-}
-
 std::string sampled(const Layout& layout) {
   if (layout.characters_sampled == 0 && layout.has_more_text) {
     return "nothing: no line ends in the first 4,194,304 characters";
@@ -204,6 +208,54 @@ void add_tail(std::string& out, const Layout& layout) {
     separator = ", ";
   }
   out += tail.footer_lines > tail.footer.size() ? " and more\n" : "\n";
+}
+
+// "in about line 12,004, byte 250,000"
+std::string shown(const standalone::TextPlace& place) {
+  std::string out =
+      fmt::format("in {}line {}", place.is_line_exact ? "" : "about ", grouped(place.line));
+  if (place.byte) fmt::format_to(Out(out), ", byte {}", grouped(*place.byte));
+  return out;
+}
+
+// "3 (level)"
+std::string shown_column(const Layout& layout, std::size_t column) {
+  const bool has_name = column < layout.names.size() && !layout.names[column].empty();
+  return has_name ? fmt::format("{} ({})", column + 1, printable(layout.names[column]))
+                  : fmt::format("{}", column + 1);
+}
+
+void add_spread(std::string& out, const Layout& layout) {
+  constexpr std::size_t kMostContradictions = 20;
+  if (!layout.spread) return;
+  const standalone::SpreadLook& look = *layout.spread;
+  if (!look.reason.empty()) fmt::format_to(Out(out), "  not spread      {}\n", look.reason);
+  if (look.places == 0) return;
+  const bool is_clear =
+      look.contradictions.empty() && look.ragged_records == 0 && look.missing.empty();
+  fmt::format_to(Out(out), "  spread          {} records at {} place{}{}\n", grouped(look.records),
+                 look.places, look.places == 1 ? "" : "s",
+                 is_clear ? ", and none contradicts the answer" : "");
+  const std::size_t shown_ones = std::min(look.contradictions.size(), kMostContradictions);
+  for (std::size_t i = 0; i < shown_ones; ++i) {
+    const standalone::Contradiction& each = look.contradictions[i];
+    fmt::format_to(Out(out), "  contradicts     column {}: {} cell{} not fit {}, first {} {}\n",
+                   shown_column(layout, each.column), grouped(each.count),
+                   each.count == 1 ? " does" : "s do", to_string(each.expected),
+                   quoted(each.example), shown(each.place));
+  }
+  if (look.contradictions.size() > shown_ones) {
+    fmt::format_to(Out(out), "  contradicts     {} more columns\n",
+                   look.contradictions.size() - shown_ones);
+  }
+  if (look.ragged_records > 0) {
+    fmt::format_to(Out(out),
+                   "  contradicts     {} record{} of another number of cells, first {} {}\n",
+                   grouped(look.ragged_records), look.ragged_records == 1 ? "" : "s",
+                   look.ragged_cells, shown(look.ragged_place));
+  }
+  if (!look.missing.empty())
+    fmt::format_to(Out(out), "  also missing    {}\n", quoted_and_counted(look.missing));
 }
 
 // "1-4 header, 5 blank, 6 names, 7-18 data", or of many runs how many lines each role has.
@@ -346,6 +398,7 @@ std::string report(const std::string& file, const Layout& layout,
                    layout.ragged_lines, *layout.first_ragged_line);
   }
   add_tail(out, layout);
+  add_spread(out, layout);
   fmt::format_to(Out(out), "  sampled         {}\n", sampled(layout));
   if (!layout.confidence) fmt::format_to(Out(out), "  decided by      {}\n", name_of_end(layout));
   if (!layout.trace) return out;

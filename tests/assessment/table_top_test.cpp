@@ -69,6 +69,10 @@ const TopCase kTopCases[] = {
      2},
     {"OneTextIsNoGroup", u",north,,,\nday,min,max,low,high\n" + kFiveNumbers, 1},
 
+    {"GroupsOfGroups", u",land,,,\n,north,,south,\nday,min,max,low,high\n" + kFiveNumbers, 1, 2},
+    {"TwoGroupsOfGroups", u"land,,,sea,\nnorth,,south,west,\nday,min,max,low,high\n" + kFiveNumbers,
+     0, 3},
+
     {"GroupsBesideNames", u"day,north,,south,\n,min,max,low,high\n" + kFiveNumbers, 0, 2},
     {"OneGapIsNoGroup", u"day,north,,low,high\n,min,max,,\n" + kFiveNumbers, 0},
     {"GroupsRepeated", u"Field,north,north,south,south\nday,min,max,low,high\n" + kFiveNumbers, 0,

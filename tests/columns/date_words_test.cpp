@@ -97,6 +97,15 @@ TEST(DateWords, AreFoundInAnyCase) {
   }
 }
 
+TEST(DateWords, AreThoseThatPeopleWriteToo) {
+  const DateWord* const word = find_date_word(u"Mrz");
+  ASSERT_TRUE(word);
+  EXPECT_EQ(word->month, 3);
+  const NameChoice choice = choose_names(word->months, 0);
+  EXPECT_EQ(choice.language, "de");
+  EXPECT_EQ(choice.month, NameForm::abbreviated);
+}
+
 TEST(DateWords, AreWholeWords) {
   for (const std::u16string name : {u"", u"J", u"Janu", u"Januarys", u"Ja nuary", u"Jan.", u"Sept1",
                                     u"averyveryverylongname"}) {

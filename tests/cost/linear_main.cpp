@@ -27,6 +27,7 @@ namespace {
 void detect(const Shape& shape, std::size_t units, unsigned long lines) {
   DetectSettings settings;
   settings.judge = textio::standalone::Judge::CHOSEN_BY;
+  settings.describe_columns = false;  // the cascade alone
   settings.num_lines = lines > 0 ? lines : std::numeric_limits<unsigned long>::max();
   if (shape.set != nullptr) shape.set(settings, units);
   detect_once(units == 0 ? std::u16string() : shape.make(units), settings);

@@ -51,6 +51,7 @@ int main(int argc, char** argv) {
   const std::string path = folder.file("text", bytes_of(shape->make(units)));
   textio::standalone::DetectSettings settings;
   settings.judge = textio::standalone::Judge::cascade;
+  settings.describe_columns = false;  // the cascade alone
   settings.num_lines = lines > 0 ? lines : std::numeric_limits<unsigned long>::max();
   if (shape->set != nullptr) shape->set(settings, units);
 

@@ -505,6 +505,7 @@ TEST(JudgedOptions, HaveNoEffectOnTheCascade) {
   settings.quote = u'$';
   DetectSettings nothing;
   nothing.judge = Judge::cascade;
+  settings.describe_columns = nothing.describe_columns = false;
   EXPECT_EQ(every_member_of(detect_layout(kLog, settings)),
             every_member_of(detect_layout(kLog, nothing)));
 }

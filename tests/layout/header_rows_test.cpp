@@ -115,6 +115,39 @@ const HeadCase kThreeRows[] = {
      {u"north.level", u"north.flow", u"south.level", u"south.flow"},
      {u"cm", u"m3/s", u"cm", u"m3/s"}},
 };
+const HeadCase kGroupsOfGroups[] = {
+    {"EachAboveItsFirstColumn",
+     u"land,,,,sea,,,\n"
+     u"north,,south,,north,,south,\n"
+     u"low,high,low,high,low,high,low,high\n"
+     u"1,5,3,7,2,6,4,8\n2,6,4,9,3,7,5,9\n0,4,8,12,1,5,3,7\n3,9,2,5,4,8,6,10\n1,7,3,6,2,6,4,8\n",
+     "1-3 names, 4-8 data",
+     {u"land.north.low", u"land.north.high", u"land.south.low", u"land.south.high",
+      u"sea.north.low", u"sea.north.high", u"sea.south.low", u"sea.south.high"},
+     {}},
+    {"AndUnits",
+     u"land;;;sea;\n"
+     u"north;;south;west;\n"
+     u"length;mass;length;length;mass\n"
+     u"m;kg;m;m;kg\n"
+     u"1,5;5,5;3,5;7,5;1,25\n2,5;6,5;4,5;9,5;2,25\n0,5;4,5;8,5;12,5;3,25\n3,5;9,5;2,5;5,5;4,25\n"
+     u"1,5;7,5;3,5;6,5;5,25\n",
+     "1-3 names, 4 units, 5-9 data",
+     {u"land.north.length", u"land.north.mass", u"land.south.length", u"sea.west.length",
+      u"sea.west.mass"},
+     {u"m", u"kg", u"m", u"m", u"kg"}},
+    {"AGroupEndsWhereTheOneAboveItDoes",
+     u"land,,,,sea,,\n"
+     u"north,,south,,,west,\n"
+     u"low,high,low,high,depth,low,high\n"
+     u"1,5,3,7,2,6,4\n2,6,4,9,3,7,5\n0,4,8,12,1,5,3\n3,9,2,5,4,8,6\n1,7,3,6,2,6,4\n",
+     "1-3 names, 4-8 data",
+     {u"land.north.low", u"land.north.high", u"land.south.low", u"land.south.high", u"sea.depth",
+      u"sea.west.low", u"sea.west.high"},
+     {}},
+};
+INSTANTIATE_TEST_SUITE_P(GroupsOfGroups, TableHead, testing::ValuesIn(kGroupsOfGroups), ByRule());
+
 INSTANTIATE_TEST_SUITE_P(ThreeRows, TableHead, testing::ValuesIn(kThreeRows), ByRule());
 
 TEST(TableHeadSeparator, IsThatOfTheSettings) {

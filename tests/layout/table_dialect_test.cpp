@@ -374,6 +374,9 @@ const MarkCase kMarks[] = {
     {"NoneInUtf8", std::string(kTable), std::nullopt, false},
     {"NoneInUtf16", in_two_bytes(kTable, false), std::nullopt, false},
     {"NoneBesideAGivenEncoding", std::string(kTable), "UTF-8", false},
+    {"Utf8BesideAGivenEncoding", std::string("\xEF\xBB\xBF").append(kTable), "utf8", true},
+    {"Utf16BesideAGivenEncoding", "\xFE\xFF" + in_two_bytes(kTable, true), "UTF-16", true},
+    {"NoneInGivenUtf16", in_two_bytes(kTable, false), "UTF-16LE", false},
 };
 
 class TableDialectMark : public testing::TestWithParam<MarkCase> {};
@@ -387,15 +390,6 @@ TEST_P(TableDialectMark, IsSeenInAFile) {
   EXPECT_EQ(layout.names, (std::vector<std::u16string>{u"x", u"y"}));
 }
 INSTANTIATE_TEST_SUITE_P(Table, TableDialectMark, testing::ValuesIn(kMarks), ByRule());
-
-// The bytes are not looked at then, so the mark is not seen: wrong today.
-TEST(TableDialectMarkOfAFile, IsNotYetSeenBesideAGivenEncoding) {
-  const TempFolder folder;
-  DetectSettings settings;
-  settings.encoding = "UTF-8";
-  const std::string bytes = std::string("\xEF\xBB\xBF").append(kTable);
-  EXPECT_FALSE(detect_layout(folder.file("t.csv", bytes), settings).dialect.has_byte_order_mark);
-}
 
 TEST(TableDialect, IsEmptyButForLineEndingsWithoutATable) {
   const Layout layout = detect_layout(std::u16string_view(

@@ -129,6 +129,29 @@ TEST(ToolJsonSchema, RefusesAMissingAndAnUnknownMember) {
   EXPECT_THAT(faults(other), Not(IsEmpty()));
 }
 
+TEST(ToolJsonSchema, RefusesAMissingAndAnUnknownMemberOfTheSpread) {
+  const TempFolder folder;
+  std::string text = "num,abc\n";
+  for (int i = 0; i < 500; ++i) text += i == 300 ? "bad,abc\n" : i == 310 ? "1.5\n" : "1.5,abc\n";
+  const json document = printed({"--json", "--sample", "spread", folder.file("t", text)});
+  ASSERT_THAT(faults(document), IsEmpty());
+  const auto expect_strict = [&](const json::json_pointer& at) {
+    ASSERT_TRUE(document.at(at).is_object()) << at.to_string();
+    for (const auto& member : document.at(at).items()) {
+      json without = document;
+      without.at(at).erase(member.key());
+      EXPECT_THAT(faults(without), Not(IsEmpty())) << at.to_string() << " " << member.key();
+    }
+    json more = document;
+    more.at(at)["colour"] = "blue";
+    EXPECT_THAT(faults(more), Not(IsEmpty()));
+  };
+  for (const char* at :
+       {"/files/0/spread", "/files/0/spread/contradictions/0", "/files/0/spread/first_ragged"}) {
+    expect_strict(json::json_pointer(at));
+  }
+}
+
 // A file with a column of money, one of booleans and one of dates.
 json document_with_all_kinds(const TempFolder& folder) {
   return printed({"--json", folder.file("k.csv",

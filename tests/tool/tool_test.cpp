@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "support/archives.hpp"
 #include "support/command.hpp"
 #include "support/rule_name.hpp"
 #include "support/temp_folder.hpp"
@@ -91,7 +92,7 @@ TEST_F(Tool, SamplesAsManyDataLinesAsAsked) {
 }
 
 // Names and as many records, of eight bytes each, and what follows them.
-std::string table_of(std::size_t records, const std::string& footer) {
+std::string table_of(std::size_t records, const std::string& footer = "") {
   std::string text = "num,abc\n";
   for (std::size_t i = 0; i < records; ++i) text += "1.5,abc\n";
   return text + footer;
@@ -135,6 +136,60 @@ TEST_F(Tool, DoesNotLookAtTheEndIfToldSo) {
   const auto document = nlohmann::json::parse(vltext({"--no-tail", "--json", file}).out);
   EXPECT_EQ(document["files"][0]["tail"], nullptr);
   EXPECT_EQ(document["settings"]["look_at_end"], false);
+}
+
+// The 2,500th and the 2,600th record are odd; each record has eight bytes, as the line of the names has.
+TEST_F(Tool, LooksAtPlacesAllOverTheFileIfAsked) {
+  std::string text = table_of(3000);
+  text.replace(2500 * 8, 7, "bad,abc");
+  text.replace(2600 * 8, 7, "1.5;abc");
+  text.replace(2700 * 8, 7, "n/a,abc");
+  const std::string file = folder_.file("t.csv", text);
+  EXPECT_THAT(vltext({"--sample", "spread", file}).out,
+              HasSubstr("\n  spread          2,900 records at 1 place\n"
+                        "  contradicts     column 1 (num): 1 cell does not fit decimal, first "
+                        "\"bad\" in line 2,501, byte 20,000\n"
+                        "  contradicts     1 record of another number of cells, first 1 in line "
+                        "2,601, byte 20,800\n"
+                        "  also missing    \"n/a\" 1 time\n"));
+  const auto document = nlohmann::json::parse(vltext({"--sample", "spread", "--json", file}).out);
+  EXPECT_EQ(document["settings"]["sample"], "spread");
+  const auto& spread = document["files"][0]["spread"];
+  EXPECT_EQ(spread["reason"], nullptr);
+  EXPECT_EQ(spread["contradictions"],
+            nlohmann::json::parse(R"([{"column": 1, "expected": "decimal", "count": 1,
+                "example": "bad", "byte": 20000, "line": 2501, "line_exact": true}])"));
+  EXPECT_EQ(spread["first_ragged"],
+            nlohmann::json::parse(R"({"cells": 1, "example": "1.5;abc", "byte": 20800,
+                "line": 2601, "line_exact": true})"));
+  EXPECT_EQ(spread["missing"], nlohmann::json::parse(R"([{"word": "n/a", "count": 1}])"));
+}
+
+TEST_F(Tool, SaysThatPlacesAgreeOrCannotBeReached) {
+  const std::string file = folder_.file("t.csv", table_of(3000));
+  EXPECT_THAT(vltext({"--sample=spread", file}).out,
+              HasSubstr("  spread          2,901 records at 1 place, and none contradicts the "
+                        "answer\n"));
+  const std::string packed = folder_.file("t.gz", testing_support::gzip_of(table_of(100'000)));
+  EXPECT_THAT(vltext({"--sample=spread", packed}).out,
+              HasSubstr("  not spread      what is after the sample cannot be reached without "
+                        "reading or unpacking all before it\n"));
+  const auto document = nlohmann::json::parse(vltext({"--json", file}).out);
+  EXPECT_FALSE(document["files"][0].contains("spread"));
+  EXPECT_EQ(document["settings"]["sample"], "start");
+}
+
+TEST_F(Tool, RefusesAnotherWordForTheSample) {
+  EXPECT_THAT(vltext({"--sample", "middle", "t.csv"}).err,
+              HasSubstr("--sample: Expected start or spread, got 'middle'."));
+}
+
+TEST_F(Tool, DescribesTheColumnsOfAGivenLayout) {
+  const std::string file = folder_.file("t.csv", "day;level\n31.01.2024;1,5\n01.02.2024;2,25\n");
+  EXPECT_THAT(vltext({"--delimiter", ";", file}).out,
+              HasSubstr("               1  date      day  (%d.%m.%Y)\n"
+                        "               2  decimal   level\n"
+                        "  written         decimal mark \",\"\n"));
 }
 
 TEST_F(Tool, SamplesAllLinesIfAsked) {
