@@ -510,23 +510,26 @@ bool DateParser::take_pair(int first, int second, char16_t mark, Moment& moment)
   return take(is_month_first) || take(!is_month_first);
 }
 
-// Numbers of two digits each, with the year first or last.
-bool DateParser::take_three(const std::array<int, 3>& numbers, char16_t mark,
-                            Moment& moment) const {
+// Three short numbers, with a year of two digits first or last.
+bool DateParser::take_three(const PartsByUnit& parts, Moment& moment) const {
+  const DatePart& one = *parts[DateUnit::one];
+  const DatePart& three = *parts[DateUnit::three];
+  const int two = parts.value(DateUnit::two);
   moment.has_year = true;
   const auto take_year_first = [&] {
-    moment.year = year_of_two_digits(numbers[0]);
-    moment.month = numbers[1];
-    moment.day = numbers[2];
-    moment.has_month = columns::is_on_calendar(moment.year, moment.month, moment.day);
+    moment.year = year_of_two_digits(one.value);
+    moment.month = two;
+    moment.day = three.value;
+    moment.has_month = one.digits == 2 && columns::is_on_calendar(moment.year, two, three.value);
     return moment.has_month;
   };
   const auto take_year_last = [&] {
-    moment.year = year_of_two_digits(numbers[2]);
-    return take_pair(numbers[0], numbers[1], mark, moment);
+    moment.year = year_of_two_digits(three.value);
+    return three.digits == 2 && take_pair(one.value, two, parts.mark_after(DateUnit::one), moment);
   };
-  if (order_ == DateOrder::year_first)
+  if (order_ == DateOrder::year_first) {
     return take_year_first() || (!has_pattern_ && take_year_last());
+  }
   return take_year_last() || (!has_pattern_ && take_year_first());
 }
 
@@ -553,11 +556,7 @@ bool DateParser::read_by_itself(View cell, Moment& moment) const {
 
 // A time without a date is no error here.
 bool DateParser::take_date(const PartsByUnit& parts, Moment& moment) const {
-  if (parts[DateUnit::one] != nullptr) {
-    return take_three(
-        {parts.value(DateUnit::one), parts.value(DateUnit::two), parts.value(DateUnit::three)},
-        parts.mark_after(DateUnit::one), moment);
-  }
+  if (parts[DateUnit::one] != nullptr) return take_three(parts, moment);
   const DatePart* const year = parts[DateUnit::year];
   const DatePart* const short_year = parts[DateUnit::short_year];
   if (year != nullptr) moment.year = year->value;

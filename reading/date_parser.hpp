@@ -155,7 +155,7 @@ class DateParser {
   bool take_date(const PartsByUnit& parts, Moment& moment) const;
   bool take_pair_after_year(int first, int second, Moment& moment) const;
   bool take_pair(int first, int second, char16_t mark, Moment& moment) const;
-  bool take_three(const std::array<int, 3>& numbers, char16_t mark, Moment& moment) const;
+  bool take_three(const PartsByUnit& parts, Moment& moment) const;
   static bool is_valid(const Moment& moment);
   static bool clock_of(const Moment& moment, std::int64_t& microseconds);
 
