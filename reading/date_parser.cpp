@@ -424,7 +424,7 @@ const DateParser::KnownName& DateParser::name_of(View letters) {
   const columns::DateWord* const word = columns::find_date_word(letters);
   std::copy(letters.begin(), letters.end(), name.units.begin());
   name.size = static_cast<std::uint8_t>(letters.size());
-  name.month = static_cast<std::int8_t>(word == nullptr ? 0 : word->month);
+  name.month = static_cast<std::uint8_t>(word == nullptr ? 0 : word->month);
   name.is_weekday = word != nullptr && word->weekdays != 0;
   return name;
 }

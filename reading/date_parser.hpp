@@ -127,7 +127,7 @@ class DateParser {
   struct KnownName {
     std::array<char16_t, 15> units{};
     std::uint8_t size = 0;
-    std::int8_t month = 0;
+    std::uint8_t month = 0;
     bool is_weekday = false;
   };
 
