@@ -4,13 +4,18 @@
 //   level.append(cells, misfits);
 //   const Column column = level.take();
 //
-// A cell is a missing value if it is absent, if it is one of the missing words, or if it is empty and the column
-// is not of text. Blanks at the ends of cells that are not quoted do not count, except in text. A cell that is not of the type becomes a missing value,
-// and is a misfit: the caller decides what comes of it.
+// A cell is a missing value if it is absent, if it is one of the missing words, or if it is empty and the column is not
+// of text. Blanks at the ends of a cell do not count, quoted or not; in texts they are kept, but do not make a cell of
+// blanks other than empty. A cell that is not of the type becomes a missing value, and is a misfit: the caller decides
+// what comes of it.
 //
-// Numbers     are exact: the double nearest to the decimal number in the cell, the integer of 64 bits or none.
+// Numbers     are exact: the double nearest to the decimal number in the cell, the integer of 64 bits or none. A number
+//             beyond all doubles is a misfit.
+// Booleans    are the two words of the column. Where it has only "true" or only "yes", the other one of the pair counts.
 // Dates       are read by the pattern of the column; a cell that it does not fit is read by itself, with the order
-//             of day and month of the column.
+//             of day and month of the column. See date_parser.hpp, and has_year() there for dates without a year.
+// Moments     of a column whose pattern has no zone are misfits if they have one. Without a pattern, the column is in
+//             UTC from the batch on in which a cell has a zone.
 //
 // Units      UTF-16 text; a character outside the BMP is a surrogate pair, and an unpaired surrogate becomes U+FFFD.
 // Ownership  the cells are views, which are not needed after the call.

@@ -31,18 +31,6 @@ constexpr int kSecondsOfHour = 3600;
 constexpr std::size_t kDigitsOfMicrosecond = 6;
 constexpr std::size_t kMostDigitsOfFraction = 9;
 
-// Of the Gregorian calendar, from 1970-01-01. Years of the calculation begin in March, so that a leap day is the last.
-std::int32_t days_until(int year, int month, int day) {
-  constexpr int kDaysOfEra = 146'097;  // 400 years
-  constexpr int kDaysUntil1970 = 719'468;
-  const int march_year = month <= 2 ? year - 1 : year;
-  const int era = (march_year >= 0 ? march_year : march_year - 399) / 400;
-  const int year_of_era = march_year - era * 400;
-  const int day_of_year = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
-  const int day_of_era = year_of_era * 365 + year_of_era / 4 - year_of_era / 100 + day_of_year;
-  return era * kDaysOfEra + day_of_era - kDaysUntil1970;
-}
-
 int year_of_two_digits(int year) {
   constexpr int kFirstOf1900 = 69;
   return year + (year >= kFirstOf1900 ? 1900 : 2000);
@@ -134,6 +122,17 @@ class DateParser::Cursor {
   bool take_blanks() {
     if (!columns::is_any_blank(unit())) return false;
     while (columns::is_any_blank(unit())) ++at_;
+    return true;
+  }
+
+  // One digit or two.
+  bool take_short_number(int& value) {
+    const unsigned first = unit() - unsigned{u'0'};
+    const unsigned second = unit(1) - unsigned{u'0'};
+    if (first > 9) return take_number(1, 2, value);
+    const bool are_two = second <= 9;
+    value = static_cast<int>(are_two ? 10 * first + second : first);
+    at_ += are_two ? 2 : 1;
     return true;
   }
 
@@ -310,38 +309,30 @@ void DateParser::find_fixed_part() {
   if (size < kLeast) return;
   fixed_.size = size;
   fixed_.parts = count;
+  const auto has = [this](Step step) { return fixed_.place(step) != Fixed::kAbsent; };
+  const bool has_day = has(Step::year) && has(Step::month) && has(Step::day);
+  const bool is_all = count == parts_.size() && has_day;
+  fixed_.is_date = is_all && !has(Step::hour) && !has(Step::minute) && !has(Step::second);
+  if (!is_all || !has(Step::hour)) return;
+  fixed_.is_moment = true;
+  if (has(Step::minute)) fixed_.minute_at = fixed_.place(Step::minute);
+  if (has(Step::second)) fixed_.second_at = fixed_.place(Step::second);
 }
 
 // --- one cell ------------------------------------------------------------------------------------
 
-bool DateParser::read_fixed(View cell, Moment& moment) const {
-  std::array<char16_t, Fixed::kMost> digits;  // NOLINT: each unit that is read was written
-  std::uint64_t beyond = 0;
-  // Adding the limit to a difference that is too large sets a bit above the lowest four, unless one is set already.
-  const auto compare_at = [&](std::size_t at) {
-    const std::uint64_t different =
-        digits::load_four(cell.data() + at) ^ digits::load_four(fixed_.units.data() + at);
-    beyond |= different | (different + digits::load_four(fixed_.limits.data() + at));
-    for (std::size_t i = 0; i < 4; ++i) {
-      digits[at + i] = static_cast<char16_t>(different >> (16 * i));
-    }
-  };
-  std::size_t at = 0;
-  for (; at + 4 <= fixed_.size; at += 4) compare_at(at);
-  if (at < fixed_.size) compare_at(fixed_.size - 4);
-  if ((beyond & 0xFFF0FFF0FFF0FFF0) != 0) return false;
-  const auto place_of = [this](Step step) { return fixed_.places[static_cast<std::size_t>(step)]; };
+void DateParser::read_fixed(const Digits& digits, Moment& moment) const {
   const auto two_at = [&digits](std::size_t place) {
     return 10 * digits[place] + digits[place + 1];
   };
   const auto two_of = [&](Step step, int& value) {
-    const std::uint8_t place = place_of(step);
+    const std::size_t place = fixed_.place(step);
     if (place == Fixed::kAbsent) return false;
     value = two_at(place);
     return true;
   };
-  if (const std::uint8_t place = place_of(Step::year); place != Fixed::kAbsent) {
-    moment.year = 100 * two_at(place) + two_at(place + std::size_t{2});
+  if (const std::size_t place = fixed_.place(Step::year); place != Fixed::kAbsent) {
+    moment.year = 100 * two_at(place) + two_at(place + 2);
     moment.has_year = true;
   } else if (two_of(Step::short_year, moment.year)) {
     moment.year = year_of_two_digits(moment.year);
@@ -352,11 +343,12 @@ bool DateParser::read_fixed(View cell, Moment& moment) const {
   moment.has_clock = two_of(Step::hour, moment.hour);
   two_of(Step::minute, moment.minute);
   two_of(Step::second, moment.second);
-  return true;
 }
 
 bool DateParser::read_by_pattern(View cell, Moment& moment) {
-  if (fixed_.size != 0 && cell.size() >= fixed_.size && read_fixed(cell, moment)) {
+  Digits digits;  // NOLINT: each unit that is read was written
+  if (fixed_.size != 0 && cell.size() >= fixed_.size && take_digits(cell.data(), digits)) {
+    read_fixed(digits, moment);
     if (cell.size() == fixed_.size && fixed_.parts == parts_.size()) return true;
     if (read_parts(cell, fixed_.parts, fixed_.size, moment)) return true;
   }
@@ -387,12 +379,12 @@ bool DateParser::read_part(const PatternPart& part, Cursor& cursor, Moment& mome
       return moment.has_year;
     case Step::month:
       moment.has_month = true;
-      return cursor.take_number(1, 2, moment.month);
+      return cursor.take_short_number(moment.month);
     case Step::day:
-      return cursor.take_number(1, 2, moment.day);
+      return cursor.take_short_number(moment.day);
     case Step::hour:
       moment.has_clock = true;
-      return cursor.take_number(1, 2, moment.hour);
+      return cursor.take_short_number(moment.hour);
     case Step::minute:
       return cursor.take_number(2, 2, moment.minute);
     case Step::second:
@@ -432,7 +424,7 @@ const DateParser::KnownName& DateParser::name_of(View letters) {
   const columns::DateWord* const word = columns::find_date_word(letters);
   std::copy(letters.begin(), letters.end(), name.units.begin());
   name.size = static_cast<std::uint8_t>(letters.size());
-  name.month = static_cast<std::int8_t>(word == nullptr ? 0 : word->month);
+  name.month = static_cast<std::uint8_t>(word == nullptr ? 0 : word->month);
   name.is_weekday = word != nullptr && word->weekdays != 0;
   return name;
 }
@@ -518,23 +510,26 @@ bool DateParser::take_pair(int first, int second, char16_t mark, Moment& moment)
   return take(is_month_first) || take(!is_month_first);
 }
 
-// Numbers of two digits each, with the year first or last.
-bool DateParser::take_three(const std::array<int, 3>& numbers, char16_t mark,
-                            Moment& moment) const {
+// Three short numbers, with a year of two digits first or last.
+bool DateParser::take_three(const PartsByUnit& parts, Moment& moment) const {
+  const DatePart& one = *parts[DateUnit::one];
+  const DatePart& three = *parts[DateUnit::three];
+  const int two = parts.value(DateUnit::two);
   moment.has_year = true;
   const auto take_year_first = [&] {
-    moment.year = year_of_two_digits(numbers[0]);
-    moment.month = numbers[1];
-    moment.day = numbers[2];
-    moment.has_month = columns::is_on_calendar(moment.year, moment.month, moment.day);
+    moment.year = year_of_two_digits(one.value);
+    moment.month = two;
+    moment.day = three.value;
+    moment.has_month = one.digits == 2 && columns::is_on_calendar(moment.year, two, three.value);
     return moment.has_month;
   };
   const auto take_year_last = [&] {
-    moment.year = year_of_two_digits(numbers[2]);
-    return take_pair(numbers[0], numbers[1], mark, moment);
+    moment.year = year_of_two_digits(three.value);
+    return three.digits == 2 && take_pair(one.value, two, parts.mark_after(DateUnit::one), moment);
   };
-  if (order_ == DateOrder::year_first)
+  if (order_ == DateOrder::year_first) {
     return take_year_first() || (!has_pattern_ && take_year_last());
+  }
   return take_year_last() || (!has_pattern_ && take_year_first());
 }
 
@@ -561,11 +556,7 @@ bool DateParser::read_by_itself(View cell, Moment& moment) const {
 
 // A time without a date is no error here.
 bool DateParser::take_date(const PartsByUnit& parts, Moment& moment) const {
-  if (parts[DateUnit::one] != nullptr) {
-    return take_three(
-        {parts.value(DateUnit::one), parts.value(DateUnit::two), parts.value(DateUnit::three)},
-        parts.mark_after(DateUnit::one), moment);
-  }
+  if (parts[DateUnit::one] != nullptr) return take_three(parts, moment);
   const DatePart* const year = parts[DateUnit::year];
   const DatePart* const short_year = parts[DateUnit::short_year];
   if (year != nullptr) moment.year = year->value;
@@ -648,7 +639,7 @@ bool DateParser::clock_of(const Moment& moment, std::int64_t& microseconds) {
   return true;
 }
 
-bool DateParser::date(View cell, std::int32_t& days) {
+bool DateParser::slow_date(View cell, std::int32_t& days) {
   Moment moment;
   if (!read(cell, moment)) return false;
   if (moment.has_clock || !moment.has_year || !moment.has_month || !is_valid(moment)) return false;
@@ -662,7 +653,7 @@ bool DateParser::time(View cell, std::int64_t& microseconds) {
   return moment.has_clock && !moment.has_month && clock_of(moment, microseconds);
 }
 
-bool DateParser::date_time(View cell, std::int64_t& microseconds) {
+bool DateParser::slow_date_time(View cell, std::int64_t& microseconds) {
   Moment moment;
   std::int64_t clock = 0;
   if (!read(cell, moment)) return false;

@@ -30,6 +30,7 @@
 
 #include <vltextstream/columns/date_cell.hpp>
 #include <vltextstream/columns/date_order.hpp>
+#include <vltextstream/reading/number_parser.hpp>
 
 namespace textio::reading {
 
@@ -110,13 +111,23 @@ class DateParser {
     std::array<char16_t, kMost> units{};   // as the cell has them, with "0" for each digit
     std::array<char16_t, kMost> limits{};  // 6 for a digit, 15 for all else: see read_fixed()
     std::array<std::uint8_t, kSteps> places{};
+
+    // Whether the pattern has nothing else, and is a day; or a day, an hour, and perhaps minutes and seconds. Of
+    // these, what is absent is read at kMost.
+    bool is_date = false;
+    bool is_moment = false;
+    std::size_t minute_at = kMost;
+    std::size_t second_at = kMost;
+
+    std::size_t place(Step step) const { return places[static_cast<std::size_t>(step)]; }
   };
+  using Digits = std::array<char16_t, Fixed::kMost + 2>;
 
   // A name of a month or weekday that was looked up.
   struct KnownName {
     std::array<char16_t, 15> units{};
     std::uint8_t size = 0;
-    std::int8_t month = 0;
+    std::uint8_t month = 0;
     bool is_weekday = false;
   };
 
@@ -130,7 +141,11 @@ class DateParser {
   bool has_step(Step step) const;
   bool read(std::u16string_view cell, Moment& moment);
   bool read_by_pattern(std::u16string_view cell, Moment& moment);
-  bool read_fixed(std::u16string_view cell, Moment& moment) const;
+  bool take_digits(const char16_t* units, Digits& digits) const;
+  bool days_of(const Digits& digits, std::int32_t& days) const;
+  bool slow_date(std::u16string_view cell, std::int32_t& days);
+  bool slow_date_time(std::u16string_view cell, std::int64_t& microseconds);
+  void read_fixed(const Digits& digits, Moment& moment) const;
   bool read_parts(std::u16string_view cell, std::size_t first, std::size_t at, Moment& moment);
   bool read_part(const PatternPart& part, Cursor& cursor, Moment& moment);
   bool read_name(Step step, Cursor& cursor, Moment& moment);
@@ -140,7 +155,7 @@ class DateParser {
   bool take_date(const PartsByUnit& parts, Moment& moment) const;
   bool take_pair_after_year(int first, int second, Moment& moment) const;
   bool take_pair(int first, int second, char16_t mark, Moment& moment) const;
-  bool take_three(const std::array<int, 3>& numbers, char16_t mark, Moment& moment) const;
+  bool take_three(const PartsByUnit& parts, Moment& moment) const;
   static bool is_valid(const Moment& moment);
   static bool clock_of(const Moment& moment, std::int64_t& microseconds);
 
@@ -152,5 +167,81 @@ class DateParser {
   Fixed fixed_;
   std::array<KnownName, 64> names_{};
 };
+
+// --- the fast way --------------------------------------------------------------------------------
+
+// Of the Gregorian calendar, from 1970-01-01. The year is not negative. Years of the calculation begin in March, so
+// that a leap day is the last.
+inline std::int32_t days_until(int year, int month, int day) {
+  constexpr std::array<std::int16_t, 13> kUntilMonth{0,   306, 337, 0,   31,  61, 92,
+                                                     122, 153, 184, 214, 245, 275};
+  constexpr std::uint32_t kYearsAhead = 400;
+  constexpr std::int32_t kDaysUntil1970 = 719'469 + 146'097;  // with those of the years ahead
+  const auto march_year = static_cast<std::uint32_t>(year) + kYearsAhead - (month <= 2 ? 1U : 0U);
+  const std::uint32_t century = march_year / 100;
+  const auto days = static_cast<std::int32_t>(march_year * 1461 / 4 - century + century / 4);
+  return days + kUntilMonth[static_cast<std::size_t>(month)] + day - kDaysUntil1970;
+}
+
+// What the units of the fixed part have different from the pattern: digits in the places of digits, 0 elsewhere. A
+// larger difference has one of the bits above the lowest four, or gets one when the limit is added.
+inline bool DateParser::take_digits(const char16_t* units, Digits& digits) const {
+  std::uint64_t beyond = 0;
+  const auto compare_at = [&](std::size_t at) {
+    const std::uint64_t different =
+        digits::load_four(units + at) ^ digits::load_four(fixed_.units.data() + at);
+    beyond |= different | (different + digits::load_four(fixed_.limits.data() + at));
+    digits[at] = static_cast<char16_t>(different);
+    digits[at + 1] = static_cast<char16_t>(different >> 16U);
+    digits[at + 2] = static_cast<char16_t>(different >> 32U);
+    digits[at + 3] = static_cast<char16_t>(different >> 48U);
+  };
+  std::size_t at = 0;
+  for (; at + 4 <= fixed_.size; at += 4) compare_at(at);
+  if (at < fixed_.size) compare_at(fixed_.size - 4);
+  return (beyond & 0xFFF0FFF0FFF0FFF0) == 0;
+}
+
+inline bool DateParser::days_of(const Digits& digits, std::int32_t& days) const {
+  const auto two_at = [&digits](std::size_t place) {
+    return 10 * digits[place] + digits[place + 1];
+  };
+  const std::size_t year_at = fixed_.place(Step::year);
+  const int year = 100 * two_at(year_at) + two_at(year_at + 2);
+  const int month = two_at(fixed_.place(Step::month));
+  const int day = two_at(fixed_.place(Step::day));
+  constexpr int kDaysOfEveryMonth = 28;
+  const bool is_common = month >= 1 && month <= 12 && day >= 1 && day <= kDaysOfEveryMonth;
+  if (!is_common && !columns::is_on_calendar(year, month, day)) return false;
+  days = days_until(year, month, day);
+  return true;
+}
+
+inline bool DateParser::date(std::u16string_view cell, std::int32_t& days) {
+  Digits digits;  // NOLINT: each unit that is read was written
+  if (fixed_.is_date && cell.size() == fixed_.size && take_digits(cell.data(), digits)) {
+    return days_of(digits, days);
+  }
+  return slow_date(cell, days);
+}
+
+inline bool DateParser::date_time(std::u16string_view cell, std::int64_t& microseconds) {
+  Digits digits;  // NOLINT: as above
+  if (!fixed_.is_moment || cell.size() != fixed_.size || !take_digits(cell.data(), digits)) {
+    return slow_date_time(cell, microseconds);
+  }
+  digits[Fixed::kMost] = digits[Fixed::kMost + 1] = 0;
+  const auto two_at = [&digits](std::size_t place) {
+    return 10 * digits[place] + digits[place + 1];
+  };
+  const int hour = two_at(fixed_.place(Step::hour));
+  const int minute = two_at(fixed_.minute_at);
+  const int second = two_at(fixed_.second_at);
+  if (hour > 23 || minute > 59 || second > 59) return slow_date_time(cell, microseconds);
+  std::int32_t days = 0;
+  if (!days_of(digits, days)) return false;
+  microseconds = days * kMicrosecondsOfDay + (hour * 3600 + minute * 60 + second) * kMicroseconds;
+  return true;
+}
 
 }  // namespace textio::reading

@@ -4,8 +4,10 @@
 #include <vltextstream/reading/number_parser.hpp>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <system_error>
 #include <utility>
@@ -32,16 +34,6 @@ bool is_mark(char16_t unit) {
          columns::is_any_blank(unit);
 }
 
-std::size_t digits_at(View text, std::size_t at) {
-  std::size_t end = at;
-  while (end < text.size() && is_ascii_digit(text[end])) ++end;
-  return end - at;
-}
-
-void append_narrowed(std::string& out, View text) {
-  for (const char16_t unit : text) out += static_cast<char>(unit);
-}
-
 bool is_sign_of_currency(char16_t unit) {
   return unit == u'$' || unit == 0x20AC || unit == 0x00A3 || unit == 0x00A5;
 }
@@ -65,11 +57,11 @@ int zeros_of_scale(View text) {
 
 }  // namespace
 
-void NumberParser::Parts::clear() {
-  is_negative = is_infinite = is_nan = has_exponent = false;
+void NumberParser::Parts::clear(std::size_t units) {
+  if (room.size() < units) room.resize(units);
+  is_negative = is_infinite = is_nan = has_mark = has_exponent = false;
+  size = whole = 0;
   exponent = 0;
-  whole.clear();
-  fraction.clear();
 }
 
 // Where both marks are the same, as they are where no cell has a decimal mark, the mark groups.
@@ -106,47 +98,53 @@ View NumberParser::without_unit(View cell) const {
 
 bool NumberParser::take_apart(View cell) {
   const View inside = has_unit_ ? without_unit(cell) : cell;
-  parts_.clear();
+  parts_.clear(cell.size());
   if (take_plain(inside, rules_.kind != ColumnKind::money)) return true;
-  parts_.clear();
+  parts_.clear(cell.size());
   return take_any(cell);
 }
 
 // ASCII alone: a sign, digits in groups of three or not, a fraction, an exponent.
 bool NumberParser::take_plain(View text, bool may_have_exponent) {
   std::size_t at = 0;
-  if (!text.empty() && (text[0] == u'-' || text[0] == u'+')) {
-    parts_.is_negative = text[0] == u'-';
-    at = 1;
-  }
-  std::size_t count = digits_at(text, at);
-  append_narrowed(parts_.whole, text.substr(std::min(at, text.size()), count));
-  const bool may_group = count >= 1 && count <= kDigitsOfGroup && text[at] != u'0';
-  at += count;
+  const auto take_digits = [&] {
+    const std::size_t before = parts_.size;
+    for (; at < text.size() && is_ascii_digit(text[at]); ++at) parts_.add(text[at]);
+    return parts_.size - before;
+  };
+  const auto unit = [&] { return at < text.size() ? text[at] : u'\0'; };
+  const auto take_sign = [&] {
+    const char16_t sign = unit();
+    if (sign == u'-' || sign == u'+') ++at;
+    return sign == u'-';
+  };
+  parts_.is_negative = take_sign();
+  const std::size_t head = take_digits();
+  const bool may_group =
+      rules_.grouping != 0 && head >= 1 && head <= kDigitsOfGroup && parts_.room[0] != '0';
   bool is_grouped = false;
-  while (rules_.grouping != 0 && may_group && at < text.size() && text[at] == rules_.grouping) {
-    count = digits_at(text, at + 1);
-    if (count != kDigitsOfGroup) return false;
-    append_narrowed(parts_.whole, text.substr(at + 1, count));
-    at += count + 1;
+  while (may_group && unit() == rules_.grouping) {
+    ++at;
     is_grouped = true;
+    if (take_digits() != kDigitsOfGroup) return false;
   }
-  if (at < text.size() && text[at] == rules_.decimal) {
-    count = digits_at(text, at + 1);
-    if (count == 0 && (parts_.whole.empty() || rules_.decimal != u'.' || is_grouped)) return false;
-    append_narrowed(parts_.fraction, text.substr(at + 1, count));
-    at += count + 1;
+  parts_.whole = parts_.size;
+  if (rules_.decimal != 0 && unit() == rules_.decimal) {
+    ++at;
+    parts_.has_mark = true;
+    // "5." is a number, and "5," is not.
+    const bool may_end = parts_.whole > 0 && rules_.decimal == u'.' && !is_grouped;
+    if (take_digits() == 0 && !may_end) return false;
   }
-  if (parts_.whole.empty() && parts_.fraction.empty()) return false;
+  if (parts_.size == 0) return false;
   if (at == text.size()) return true;
-  if (!may_have_exponent || is_grouped || rules_.exponents.find(text[at]) == View::npos)
-    return false;
-  std::size_t first = at + 1;
-  if (first < text.size() && (text[first] == u'-' || text[first] == u'+')) ++first;
-  count = digits_at(text, first);
-  if (count == 0 || count > kMostDigitsOfExponent || first + count != text.size()) return false;
-  take_exponent(text.substr(at));
-  return true;
+  if (!may_have_exponent || is_grouped || rules_.exponents.find(unit()) == View::npos) return false;
+  const View exponent = text.substr(at++);
+  take_sign();
+  const std::size_t count = text.size() - at;
+  if (count == 0 || count > kMostDigitsOfExponent) return false;
+  take_exponent(exponent);
+  return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(), is_ascii_digit);
 }
 
 // A letter, a sign or none, and at most four digits.
@@ -197,18 +195,18 @@ bool NumberParser::take_amount(View cell, View amount) {
            columns::is_digit(amount[at + 1]))) {
     ++at;
   }
-  bool is_fraction = false;
   for (; at < amount.size(); ++at) {
     if (columns::is_digit(amount[at])) {
-      (is_fraction ? parts_.fraction : parts_.whole) +=
-          static_cast<char>('0' + columns::digit_value(amount[at]));
+      parts_.add(static_cast<char16_t>(u'0' + columns::digit_value(amount[at])));
     } else if (has_decimal && amount[at] == rules_.decimal) {
-      is_fraction = true;
+      parts_.has_mark = true;
+      parts_.whole = parts_.size;
     } else if (!is_mark(amount[at]) || at + 1 == amount.size() ||
                !columns::is_digit(amount[at + 1])) {
       break;
     }
   }
+  if (!parts_.has_mark) parts_.whole = parts_.size;
   if (shape.exponent != 0 && at < amount.size()) take_exponent(amount.substr(at));
   const std::size_t begin = static_cast<std::size_t>(amount.data() - cell.data());
   const View before = cell.substr(0, begin + amount.size());
@@ -223,35 +221,22 @@ bool NumberParser::take_amount(View cell, View amount) {
   if (rules_.kind == ColumnKind::money) {
     parts_.exponent += zeros_of_scale(cell.substr(begin + amount.size()));
   }
-  return !parts_.whole.empty() || !parts_.fraction.empty();
+  return parts_.size > 0;
 }
 
 // --- values --------------------------------------------------------------------------------------
 
 bool NumberParser::slow_integer(View cell, std::int64_t& value) {
-  if (!take_apart(cell)) return false;
-  if (parts_.whole.empty() || !parts_.fraction.empty() || parts_.has_exponent ||
-      parts_.exponent != 0 || parts_.is_infinite || parts_.is_nan) {
-    return false;
-  }
-  // "5." has a decimal mark.
-  if (cell.back() == u'.') return false;
+  if (!take_apart(cell) || parts_.is_infinite || parts_.is_nan) return false;
+  if (parts_.has_mark || parts_.has_exponent || parts_.exponent != 0) return false;
   text_.clear();
   if (parts_.is_negative) text_.push_back('-');
-  text_.append(parts_.whole);
+  text_.append(parts_.digits());
   std::int64_t read = 0;
   const auto result = std::from_chars(text_.data(), text_.data() + text_.size(), read);
   if (result.ec != std::errc()) return false;
   value = read;
   return true;
-}
-
-// How many digits the whole part has after its zeros; less than 0 if the fraction begins with zeros.
-int NumberParser::place_of_point() const {
-  const std::size_t first = parts_.whole.find_first_not_of('0');
-  if (first != std::string::npos) return static_cast<int>(parts_.whole.size() - first);
-  return -static_cast<int>(
-      std::min(parts_.fraction.find_first_not_of('0'), parts_.fraction.size()));
 }
 
 bool NumberParser::slow_real(View cell, double& value) {
@@ -261,54 +246,66 @@ bool NumberParser::slow_real(View cell, double& value) {
     magnitude = std::numeric_limits<double>::infinity();
   } else if (parts_.is_nan) {
     magnitude = std::numeric_limits<double>::quiet_NaN();
-  } else {
-    text_.clear();
-    text_.append(parts_.whole).push_back('.');
-    text_.append(parts_.fraction);
-    if (parts_.exponent != 0) text_.append("e").append(std::to_string(parts_.exponent));
-    const auto result = std::from_chars(text_.data(), text_.data() + text_.size(), magnitude);
-    if (result.ec == std::errc::result_out_of_range) {
-      if (place_of_point() + parts_.exponent > 0) return false;  // too large, not too small
-      magnitude = 0;
-    } else if (!std::isfinite(magnitude)) {
-      return false;
-    }
+  } else if (!nearest_double(magnitude)) {
+    return false;
   }
   value = parts_.is_negative ? -magnitude : magnitude;
   return true;
 }
 
-bool NumberParser::decimal(View cell, std::string& out) {
-  if (!take_apart(cell) || parts_.is_infinite || parts_.is_nan) return false;
-  return append_moved(out);
+// False if the number is beyond all doubles.
+bool NumberParser::nearest_double(double& value) {
+  constexpr std::size_t kMostDigits = 19;  // that surely fit 64 bits
+  constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  constexpr std::uint64_t kExact = std::uint64_t{1} << 53U;
+  const std::ptrdiff_t power = parts_.point() - static_cast<std::ptrdiff_t>(parts_.size);
+  const auto magnitude = static_cast<std::size_t>(power < 0 ? -power : power);
+  if (parts_.size <= kMostDigits && magnitude < std::size(kPowers)) {
+    std::uint64_t digits = 0;
+    for (const char digit : parts_.digits())
+      digits = 10 * digits + static_cast<unsigned>(digit - '0');
+    if (digits <= kExact) {
+      const auto exact = static_cast<double>(static_cast<std::int64_t>(digits));
+      value = power < 0 ? exact / kPowers[magnitude] : exact * kPowers[magnitude];
+      return true;
+    }
+  }
+  text_.assign(parts_.digits());
+  if (power != 0) {
+    std::array<char, 24> exponent{};
+    const auto written = std::to_chars(exponent.data(), exponent.data() + exponent.size(), power);
+    text_.push_back('e');
+    text_.append(exponent.data(), written.ptr);
+  }
+  double read = 0;
+  const auto result = std::from_chars(text_.data(), text_.data() + text_.size(), read);
+  value = read;
+  if (result.ec != std::errc::result_out_of_range) return std::isfinite(read);
+  // Too large, or so small that 0 is nearest.
+  value = 0;
+  const std::size_t zeros = parts_.digits().find_first_not_of('0');
+  return parts_.point() - static_cast<std::ptrdiff_t>(zeros) <= 0;
 }
 
-bool NumberParser::append_moved(std::string& out) const {
+bool NumberParser::decimal(View cell, std::string& out) {
   constexpr int kMostMoved = 400;
-  if (std::abs(parts_.exponent) > kMostMoved) return false;
-  const auto moved = static_cast<std::size_t>(std::abs(parts_.exponent));
-  std::string_view whole = parts_.whole;
-  std::string_view fraction = parts_.fraction;
-  std::string moved_whole;
-  std::string moved_fraction;
-  if (parts_.exponent > 0) {
-    moved_whole = whole;
-    moved_whole += fraction.substr(0, moved);
-    moved_whole.append(moved - std::min(moved, fraction.size()), '0');
-    fraction.remove_prefix(std::min(moved, fraction.size()));
-    whole = moved_whole;
-  } else if (parts_.exponent < 0) {
-    moved_fraction.append(moved - std::min(moved, whole.size()), '0');
-    moved_fraction += whole.substr(whole.size() - std::min(moved, whole.size()));
-    moved_fraction += fraction;
-    whole.remove_suffix(std::min(moved, whole.size()));
-    fraction = moved_fraction;
-  }
-  whole.remove_prefix(std::min(whole.find_first_not_of('0'), whole.size()));
+  if (!take_apart(cell) || parts_.is_infinite || parts_.is_nan) return false;
+  if (parts_.exponent > kMostMoved || parts_.exponent < -kMostMoved) return false;
+  const std::string_view digits = parts_.digits();
+  const std::ptrdiff_t point = parts_.point();
+  const auto whole = static_cast<std::size_t>(std::max<std::ptrdiff_t>(point, 0));
+  std::string_view before = digits.substr(0, whole);
+  before.remove_prefix(std::min(before.find_first_not_of('0'), before.size()));
   if (parts_.is_negative) out += '-';
-  if (whole.empty()) out += '0';
-  out += whole;
-  if (!fraction.empty()) out.append(".").append(fraction);
+  if (before.empty()) out += '0';
+  out += before;
+  if (whole > digits.size() && !before.empty()) out.append(whole - digits.size(), '0');
+  if (whole >= digits.size()) return true;
+  out += '.';
+  if (point < 0) out.append(static_cast<std::size_t>(-point), '0');
+  out += digits.substr(whole);
   return true;
 }
 

@@ -50,17 +50,25 @@ class NumberParser {
   bool decimal(std::u16string_view cell, std::string& out);
 
  private:
-  // A number taken apart: digits, and how far the point is to be moved.
+  // A number taken apart.
   struct Parts {
     bool is_negative = false;
     bool is_infinite = false;
     bool is_nan = false;
-    std::string whole;
-    std::string fraction;
+    bool has_mark = false;  // a decimal mark
     bool has_exponent = false;
-    int exponent = 0;
+    std::string room;       // longer than the digits
+    std::size_t size = 0;   // of the digits, which have no marks
+    std::size_t whole = 0;  // how many of them are before the decimal mark
+    int exponent = 0;       // by how many places the mark moves to the right
 
-    void clear();
+    // Makes room for as many digits as a cell has units.
+    void clear(std::size_t units);
+    void add(char16_t digit) { room[size++] = static_cast<char>(digit); }
+    std::string_view digits() const { return std::string_view(room).substr(0, size); }
+
+    // Where the mark is in the digits after the move; less than 0 before them.
+    std::ptrdiff_t point() const { return static_cast<std::ptrdiff_t>(whole) + exponent; }
   };
 
   bool slow_integer(std::u16string_view cell, std::int64_t& value);
@@ -72,8 +80,7 @@ class NumberParser {
   bool take_word(std::u16string_view cell);
   bool take_amount(std::u16string_view cell, std::u16string_view amount);
   void take_exponent(std::u16string_view text);
-  bool append_moved(std::string& out) const;
-  int place_of_point() const;
+  bool nearest_double(double& value);
 
   NumberRules rules_;
   columns::NumberFormat format_;

@@ -77,6 +77,15 @@ TEST(BooleanVotesOf, OneWordOfManyLanguagesDecideNothing) {
   }
 }
 
+TEST(OtherBooleanWord, IsThatOfAPairOfWhichOneIsEnough) {
+  EXPECT_EQ(readable(other_boolean_word(u"True")), "false");
+  EXPECT_EQ(readable(other_boolean_word(u"FALSE")), "true");
+  EXPECT_EQ(readable(other_boolean_word(u"yes")), "no");
+  EXPECT_EQ(readable(other_boolean_word(u"no")), "yes");
+  EXPECT_EQ(readable(other_boolean_word(u"ja")), "");
+  EXPECT_EQ(readable(other_boolean_word(u"")), "");
+}
+
 TEST(IsBooleanWord, KnowsNoNumbersAndNoOtherWords) {
   for (const std::u16string word : {u"", u"0", u"1", u"s", u"north", u"truee", u"verdadeiros"}) {
     EXPECT_FALSE(is_boolean_word(word)) << readable(word);
