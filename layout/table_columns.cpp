@@ -1,9 +1,12 @@
 #include <vltextstream/layout/table_columns.hpp>
 
 #include <algorithm>
+#include <deque>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+
+#include <vltextstream/layout/given_settings.hpp>
 
 namespace textio::standalone {
 namespace {
@@ -66,6 +69,54 @@ std::optional<char16_t> mark_of_table(char16_t mark, char16_t other,
   return std::nullopt;
 }
 
+// The columns with the usual letters in the exponents of their numbers, which is how numbers are recognised.
+class UsualExponents {
+ public:
+  explicit UsualExponents(std::span<const columns::TableColumn> columns)
+      : columns_(columns.begin(), columns.end()) {
+    DetectSettings settings;
+    const std::u16string usual = settings.options.exp_chars;
+    for (columns::TableColumn& column : columns_) {
+      settings.options.exp_chars = column.hints.exponents;
+      for (std::u16string_view& cell : column.cells) {
+        std::u16string text = with_usual_exponent(cell, settings);
+        if (text == cell) continue;
+        const std::u16string_view rewritten = texts_.emplace_back(std::move(text));
+        originals_.emplace(rewritten, cell);
+        cell = rewritten;
+      }
+      column.hints.exponents = usual;
+      column.hints.kinds = {};
+    }
+  }
+
+  std::span<const columns::TableColumn> columns() const { return columns_; }
+
+  // Turns examples into what the cells are.
+  void restore(std::vector<std::u16string>& examples) const {
+    for (std::u16string& example : examples) {
+      const auto original = originals_.find(example);
+      if (original != originals_.end()) example = original->second;
+    }
+  }
+
+ private:
+  std::vector<columns::TableColumn> columns_;
+  std::deque<std::u16string> texts_;
+  std::unordered_map<std::u16string_view, std::u16string_view> originals_;
+};
+
+std::vector<columns::ColumnDescription> described_columns(
+    std::span<const columns::TableColumn> columns) {
+  const bool is_usual =
+      columns.empty() || columns.front().hints.exponents == parser::default_exp_chars;
+  if (is_usual) return columns::describe_columns(columns);
+  const UsualExponents usual(columns);
+  std::vector<columns::ColumnDescription> described = columns::describe_columns(usual.columns());
+  for (columns::ColumnDescription& each : described) usual.restore(each.examples);
+  return described;
+}
+
 }  // namespace
 
 std::vector<MissingWord> TableColumns::missing() const {
@@ -100,7 +151,7 @@ columns::ColumnHints hints_for(char16_t delimiter, const DetectSettings& setting
 TableColumns describe_columns(
     std::span<const columns::TableColumn> columns,
     const std::function<std::size_t(std::size_t column, std::size_t cell)>& line_of) {
-  std::vector<columns::ColumnDescription> described = columns::describe_columns(columns);
+  std::vector<columns::ColumnDescription> described = described_columns(columns);
   const columns::TableFormats formats = columns::find_formats(described);
   TableColumns found;
   found.decimal =
