@@ -253,6 +253,8 @@ FoundLayout layout_of_input(InputText& input, const DetectSettings& settings, st
   return layout_of_prefixes(get_prefix, input.text(), settings, units);
 }
 
+constexpr std::size_t kMostFirstBytes = 16'384;
+
 // Case does not matter in names of options.
 bool is_named(std::string_view name, std::string_view upper_case) {
   return std::equal(name.begin(), name.end(), upper_case.begin(), upper_case.end(),
@@ -311,6 +313,8 @@ Layout detect_input(InputText&& input, const DetectSettings& settings, std::size
   layout.ill_formed_parts = input.ill_formed_parts();
   layout.dialect.has_byte_order_mark = layout.encoding_found == EncodingFound::byte_order_mark;
   if (found.profile) look_beyond_sample(input, *found.profile, settings, layout);
+  if (!layout.no_table.empty() && layout.no_table != "empty")
+    layout.first_bytes = input.first_bytes(kMostFirstBytes);
   return std::move(layout);
 }
 

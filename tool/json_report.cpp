@@ -289,7 +289,7 @@ void write_tail(JsonWriter& json, const std::optional<standalone::TailLook>& tai
 }
 
 // The members of the assessment; only where it chose the layout.
-void write_assessment(JsonWriter& json, const Layout& layout) {
+void write_assessment(JsonWriter& json, const Layout& layout, const std::string& file_kind) {
   if (!layout.confidence) return;
   json.member("confidence", layout.confidence);
   json.member("quote", text_of(layout.quote));
@@ -298,6 +298,7 @@ void write_assessment(JsonWriter& json, const Layout& layout) {
   json.member("joins_times", layout.joins_times);
   json.member("rest_in_last", layout.rest_in_last);
   json.member("no_table", or_null(layout.no_table));
+  json.member("file_kind", or_null(file_kind));
   json.member("names_probability", layout.names_probability);
   json.member("names_candidate", layout.names_candidate);
   json.member("names_unique", layout.names_unique);
@@ -324,7 +325,8 @@ void write_assessment(JsonWriter& json, const Layout& layout) {
 
 constexpr std::size_t kFileDepth = 2;  // within the list of the files
 
-void write_members(JsonWriter& json, const std::string& file, const Layout& layout) {
+void write_members(JsonWriter& json, const std::string& file, const Layout& layout,
+                   const std::string& file_kind) {
   json.begin_object();
   json.member("file", file);
   write_separators(json, layout);
@@ -359,7 +361,7 @@ void write_members(JsonWriter& json, const std::string& file, const Layout& layo
     json.member("descriptions_line", layout.descriptions_line);
     json.member("descriptions", layout.descriptions);
   }
-  write_assessment(json, layout);
+  write_assessment(json, layout, file_kind);
   json.end_object();
 }
 
@@ -380,18 +382,19 @@ std::string json_opening(const standalone::DetectSettings& settings,
   return text += '\n';
 }
 
-std::string json_member(const std::string& file, const Layout& layout) {
+std::string json_member(const std::string& file, const Layout& layout,
+                        const std::string& file_kind) {
   std::string text;
   JsonWriter json(text, kFileDepth);
-  write_members(json, file, layout);
+  write_members(json, file, layout, file_kind);
   return text;
 }
 
 void write_json_member(const std::string& file, const Layout& layout,
-                       const JsonWriter::Empty& empty) {
+                       const JsonWriter::Empty& empty, const std::string& file_kind) {
   std::string text;
   JsonWriter json(text, kFileDepth, empty);
-  write_members(json, file, layout);
+  write_members(json, file, layout, file_kind);
   empty(text);
 }
 
