@@ -42,14 +42,15 @@ bool keeps_apart(const Spans& old, const Spans& columns) {
 
 class GapCut {
  public:
-  GapCut(const SampledLines& lines, std::size_t least_blanks)
-      : lines_(lines), least_blanks_(least_blanks), records_(lines.text()) {}
+  GapCut(const SampledLines& lines, std::size_t least_blanks, bool by_names)
+      : lines_(lines), least_blanks_(least_blanks), by_names_(by_names), records_(lines.text()) {}
 
   Records take() {
     find_table_lines();
     if (table_lines_.size() < 2) return std::move(records_);
     find_columns();
     if (columns_.size() < 2) return std::move(records_);
+    if (by_names_ && !obey_names()) return std::move(records_);
     join_dates_and_times();
     add_records();
     return std::move(records_);
@@ -111,6 +112,39 @@ class GapCut {
     return column.begin <= least_blanks_ && longest <= column.end + least_blanks_;
   }
 
+  // The nearest line above the data, or the first of these.
+  std::size_t names_line() const {
+    std::size_t line = table_lines_[0];
+    for (const std::size_t each : table_lines_) {
+      if (is_data_[each]) return is_data_[line] ? each : line;
+      line = each;
+    }
+    return line;
+  }
+
+  // Whether the names change the columns, and at least two are left. More lines may then agree with them.
+  bool obey_names() {
+    const std::size_t size = columns_.size();
+    const std::size_t line = names_line();
+    joined_with(line);
+    columns_.swap(joined_);
+    is_data_[line] = true;
+    const std::u16string_view names = lines_.view(line);
+    for (std::size_t c = columns_.size(); c-- > 1;) {
+      if (!part(names, columns_[c]).empty()) continue;
+      columns_[c - 1].end = columns_[c].end;
+      columns_.erase(columns_.begin() + static_cast<std::ptrdiff_t>(c));
+    }
+    if (columns_.size() < 2 || columns_.size() == size) return false;
+    for (std::size_t i = table_lines_.size(); i-- > 0;) {
+      const std::size_t other = table_lines_[i];
+      if (is_data_[other] || !keeps_apart(columns_, joined_with(other))) continue;
+      is_data_[other] = true;
+      columns_.swap(joined_);
+    }
+    return true;
+  }
+
   // A date and the time beside it are one column.
   void join_dates_and_times() {
     for (std::size_t c = columns_.size() - 1; c-- > 0;) {
@@ -170,6 +204,7 @@ class GapCut {
 
   const SampledLines& lines_;
   const std::size_t least_blanks_;
+  const bool by_names_;
   Records records_;
   std::vector<std::size_t> table_lines_;
   std::vector<bool> is_data_;
@@ -182,8 +217,8 @@ class GapCut {
 
 }  // namespace
 
-Records cut_gaps(const SampledLines& lines, std::size_t least_blanks) {
-  return GapCut(lines, least_blanks).take();
+Records cut_gaps(const SampledLines& lines, std::size_t least_blanks, bool by_names) {
+  return GapCut(lines, least_blanks, by_names).take();
 }
 
 Records cut_runs(const SampledLines& lines, std::size_t least_blanks, std::size_t most_cells) {

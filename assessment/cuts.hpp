@@ -28,7 +28,10 @@ Records cut_runs(const SampledLines& lines, std::size_t least_blanks, std::size_
 // Blank columns through the data separate cells. The data are found from the bottom: a line belongs
 // to them if it closes no gap between two columns. Other lines are one cell each. No records if
 // there are no two columns.
-Records cut_gaps(const SampledLines& lines, std::size_t least_blanks);
+//
+// `by_names`: the line above the data, or their first line, belongs to them in any case, and a column without
+// text in it is part of the one before. No records if that changes nothing.
+Records cut_gaps(const SampledLines& lines, std::size_t least_blanks, bool by_names = false);
 
 // Fields between `borders`, trimmed. A line that does not end at the last border is one cell.
 Records cut_fields(const SampledLines& lines, const std::vector<std::size_t>& borders);

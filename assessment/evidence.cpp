@@ -135,6 +135,12 @@ bool has_values_together(std::u16string_view cell) {
   }
 }
 
+// Two blanks in a row between words.
+bool has_gap(std::u16string_view cell) {
+  cell = trimmed(cell);
+  return find_text(cell, u"  ", 0, cell.size()) < cell.size();
+}
+
 // A blank, a word in lower case and another word.
 bool is_clause(std::u16string_view cell) {
   if (cell.size() < 4 || cell[0] != u' ' || !u_islower(cell[1])) return false;
@@ -197,6 +203,49 @@ std::size_t size_of_text(std::u16string_view text) {
   return text.size() - static_cast<std::size_t>(std::count(text.begin(), text.end(), u'\r'));
 }
 
+constexpr std::size_t kLongestName = 40;
+
+// Whether every cell of a record begins with a letter, is short and differs from the others.
+bool has_names(const Records& records, std::size_t record) {
+  std::vector<std::u16string_view> names;
+  for (const Cell& cell : records.cells(record)) {
+    const std::u16string_view name = trimmed(records.view(cell));
+    if (name.empty() || size_of_text(name) > kLongestName || !is_letter(name[0])) return false;
+    names.push_back(name);
+  }
+  std::sort(names.begin(), names.end());
+  return std::adjacent_find(names.begin(), names.end()) == names.end();
+}
+
+constexpr std::size_t kNoRecord = static_cast<std::size_t>(-1);
+constexpr std::size_t kFewestNames = 3;
+constexpr double kWorthOfShort =
+    0.5;  // of a record that ends early, where 1 is that of one that fits
+
+// The first record with as many cells as no other exceeds, if it has names, another one has as many, and of all
+// records four in five are below it and have several cells: those that have fewer end early.
+std::size_t find_complete_names(const SampledLines& lines, const Records& records,
+                                const Reading& reading) {
+  if (reading.form != Form::delimited) return kNoRecord;
+  std::size_t first = kNoRecord;
+  std::size_t most = kFewestNames - 1;
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    const std::size_t size = records.cells(i).size();
+    if (size < most || lines.is_comment(records[i].line)) continue;
+    if (size > most) {
+      most = size;
+      first = i;
+      count = 0;
+    }
+    ++count;
+  }
+  if (first == kNoRecord || count < 2 || !has_names(records, first)) return kNoRecord;
+  std::size_t below = 0;
+  for (std::size_t i = first; i < records.size(); ++i) below += records.cells(i).size() > 1;
+  return 5 * below >= 4 * records.size() ? first : kNoRecord;
+}
+
 class ContentWeigher {
  public:
   ContentWeigher(const SampledLines& lines, const Records& records, const Reading& reading,
@@ -210,7 +259,7 @@ class ContentWeigher {
         amounts_(amounts) {}
 
   void weigh() {
-    amount(Evidence::named) = is_named() ? 1 : 0;
+    amount(Evidence::named) = table_.columns > 1 && has_names(records_, table_.data[0]) ? 1 : 0;
     weigh_columns();
     weigh_cells();
   }
@@ -218,24 +267,12 @@ class ContentWeigher {
  private:
   double& amount(Evidence evidence) { return at(amounts_, evidence); }
 
-  // Every cell of the first record begins with a letter, is short and differs from the others.
-  bool is_named() const {
-    if (table_.columns < 2) return false;
-    std::vector<std::u16string_view> names;
-    for (const Cell& cell : records_.cells(table_.data[0])) {
-      const std::u16string_view name = trimmed(records_.view(cell));
-      if (name.empty() || size_of_text(name) > kLongestName || !is_letter(name[0])) return false;
-      names.push_back(name);
-    }
-    std::sort(names.begin(), names.end());
-    return std::adjacent_find(names.begin(), names.end()) == names.end();
-  }
-
   // The first record is skipped because it may hold names.
   void weigh_columns() {
     const std::size_t first = looked_into_ > table_.names_rows ? table_.names_rows : 0;
     double worth = 0;
     std::size_t empty = 0;
+    std::size_t used = 0;
     std::size_t wordy = 0;
     for (std::size_t c = 0; c < table_.columns; ++c) {
       std::array<std::size_t, kCellKinds> counts = {};
@@ -250,6 +287,7 @@ class ContentWeigher {
       const std::size_t blanks = counts[static_cast<std::size_t>(CellKind::empty)];
       const std::size_t filled = size - blanks;
       if (filled == 0) ++empty;
+      if (kFewestFilled * filled >= size) ++used;
       if (filled > 0) sum *= 0.8 + 0.2 * ratio(largest_class(counts), filled);
       worth += sum / static_cast<double>(size);
       const std::size_t words = counts[static_cast<std::size_t>(CellKind::word)] +
@@ -259,6 +297,8 @@ class ContentWeigher {
     }
     amount(Evidence::worth) = worth / static_cast<double>(table_.columns);
     amount(Evidence::empty) = ratio(empty, table_.columns);
+    if (table_.columns > 1)
+      amount(Evidence::few) = 2 / static_cast<double>(std::max<std::size_t>(used, 1));
     const bool by_single_blanks =
         reading_.is_aligned() ? reading_.least_blanks == 1 : reading_.delimiter == u" ";
     if (by_single_blanks && table_.columns > 1)
@@ -293,6 +333,7 @@ class ContentWeigher {
       sum.together += found.together;
       sum.dangling += found.dangling;
       sum.clauses += found.clauses;
+      sum.gaps += found.gaps;
       const CutKinds values = cut_in(i);
       cut += values.value;
       cut_numbers += values.number;
@@ -303,6 +344,7 @@ class ContentWeigher {
     amount(Evidence::numbers_cut) = ratio(cut_numbers, looked_into_);
     amount(Evidence::cut_values) = ratio(cut, looked_into_);
     amount(Evidence::left_together) = ratio(sum.together, looked_into_);
+    amount(Evidence::gaps_inside) = ratio(sum.gaps, looked_into_);
     if (reading_.form == Form::delimited)
       amount(Evidence::clauses) = ratio(sum.clauses, looked_into_);
     amount(Evidence::dangling) = ratio(sum.dangling, looked_into_);
@@ -315,6 +357,7 @@ class ContentWeigher {
     std::size_t together = 0;
     std::size_t dangling = 0;
     std::size_t clauses = 0;
+    std::size_t gaps = 0;
   };
 
   CellFaults faults_of(std::size_t row) const {
@@ -335,6 +378,7 @@ class ContentWeigher {
       }
       if (has_pairs && found.torn == 0 && is_torn(text)) found.torn = 1;
       if (!has_blanks) continue;
+      if (reading_.is_aligned() && found.gaps == 0 && has_gap(text)) found.gaps = 1;
       if (is_text(kind) && found.together == 0 && has_values_together(text)) found.together = 1;
       const bool may_go_on = column > 1 && kind == CellKind::sentence;
       if (may_go_on && is_clause(text) && follows_tight(cell)) found.clauses = 1;
@@ -442,7 +486,7 @@ class ContentWeigher {
   }
 
   static constexpr double kWorthOfQuoted = 0.75;
-  static constexpr std::size_t kLongestName = 40;
+  static constexpr std::size_t kFewestFilled = 20;  // one cell in so many
 
   static constexpr CharacterSet kSeparators = characters_in(u",;|\t");
   static constexpr CharacterSet kPaired = characters_in(u"\"'()[]{}");
@@ -499,6 +543,7 @@ void weigh_separator(const Reading& reading, EvidenceAmounts& amounts) {
       [[fallthrough]];
     case Form::gaps:
       at(amounts, Evidence::narrow) = reading.least_blanks == 1 ? 1 : 0;
+      at(amounts, Evidence::by_names) = reading.by_names ? 1 : 0;
       return;
     case Form::fields:
       at(amounts, Evidence::dense) = 1;
@@ -558,13 +603,13 @@ std::size_t most_frequent(const SampledLines& lines, const Records& records, std
 
 std::string_view to_string(Evidence evidence) {
   static constexpr std::array<std::string_view, kNumEvidence> kNames = {
-      "ragged",        "outside",  "worth",       "unsplit",     "torn",  "cut-values",
-      "left-together", "dangling", "well-quoted", "lost-quotes", "wordy", "empty",
-      "few",           "one",      "runs",        "narrow",      "rest",  "dense",
-      "framed",        "named",    "clauses",     "numbers-cut", "tab",   "comma",
-      "semicolon",     "colon",    "bar",         "blank",       "caret", "control",
-      "several",       "rare",     "no-table",    "prose",       "code",  "markup",
-      "keyed",         "indented", "spaced"};
+      "ragged",        "outside",  "worth",       "unsplit",     "torn",        "cut-values",
+      "left-together", "dangling", "well-quoted", "lost-quotes", "wordy",       "empty",
+      "few",           "one",      "runs",        "narrow",      "rest",        "dense",
+      "framed",        "named",    "clauses",     "numbers-cut", "gaps-inside", "by-names",
+      "tab",           "comma",    "semicolon",   "colon",       "bar",         "blank",
+      "caret",         "control",  "several",     "rare",        "no-table",    "prose",
+      "code",          "markup",   "keyed",       "indented",    "spaced",      "brief"};
   return kNames[static_cast<std::size_t>(evidence)];
 }
 
@@ -579,6 +624,10 @@ std::vector<std::size_t> likely_columns(const SampledLines& lines, const Records
     if (found > 1 && std::find(columns.begin(), columns.end(), found) == columns.end())
       columns.push_back(found);
   }
+  const std::size_t names = find_complete_names(lines, records, reading);
+  if (names == kNoRecord) return columns;
+  const std::size_t named = records.cells(names).size();
+  if (std::find(columns.begin(), columns.end(), named) == columns.end()) columns.push_back(named);
   return columns;
 }
 
@@ -596,16 +645,22 @@ TableFrame find_table(const SampledLines& lines, const Records& records, const R
         (reading.form == Form::delimited && !is_bar(reading.delimiter[0]) && is_rule(lines, line));
     fits[i] = has_columns && !notes[i];
   }
+  const std::size_t names = find_complete_names(lines, records, reading);
+  const bool is_named = names != kNoRecord && records.cells(names).size() == columns;
+  const auto ends_early = [&](std::size_t i) {
+    return is_named && i > names && !notes[i] && !fits[i] && records.cells(i).size() > 1;
+  };
   // The table begins with the first record after which most records fit.
   double sum = 0;
   double most = -1e9;
   table.end = 0;
   for (std::size_t i = records.size(); i-- > 0;) {
     if (notes[i]) continue;
-    sum += fits[i] ? 1 : -0.3;
-    if (!fits[i]) continue;
+    const bool is_short = ends_early(i);
+    sum += fits[i] ? 1 : is_short ? kWorthOfShort : -0.3;
+    if (!fits[i] && !is_short) continue;
     if (table.end == 0) table.end = i + 1;
-    if (sum >= most) {
+    if (fits[i] && sum >= most) {
       most = sum;
       table.first = i;
     }
@@ -617,6 +672,7 @@ TableFrame find_table(const SampledLines& lines, const Records& records, const R
       continue;
     }
     table.num_fitting += fits[i];
+    table.num_short += ends_early(i);
     if (notes[i]) {
       ++table.num_notes;
     } else if (fits[i]) {
@@ -630,8 +686,10 @@ EvidenceAmounts weigh_shape(const SampledLines& lines, const Records& records,
                             const Reading& reading, const TableFrame& table) {
   EvidenceAmounts amounts = {};
   const std::size_t size = table.end - table.first;
-  at(amounts, Evidence::ragged) = -std::log((static_cast<double>(table.num_fitting) + 0.5) /
-                                            static_cast<double>(size - table.num_notes + 1));
+  at(amounts, Evidence::ragged) =
+      -std::log((static_cast<double>(table.num_fitting) +
+                 kWorthOfShort * static_cast<double>(table.num_short) + 0.5) /
+                static_cast<double>(size - table.num_notes + 1));
   at(amounts, Evidence::outside) = ratio(table.num_outside, table.num_outside + size);
   if (table.columns > 1) at(amounts, Evidence::few) = 2.0 / static_cast<double>(table.columns);
   weigh_separator(reading, amounts);

@@ -25,19 +25,20 @@
 namespace textio::assessment {
 
 enum class Evidence {
-  ragged,      // -ln of the share of records with as many cells as the table has columns
-  outside,     // share of records before and after the table, comments and rules not counted
-  worth,       // how recognisable the cells are, and how much alike in each column; mean of columns
-  unsplit,     // share of records with a cell in which a separator is between unlike things
-  torn,        // share of records with a cell in which brackets or quotes are not balanced
-  cut_values,  // share of records in which a date, time or address is cut in two
+  ragged,   // -ln of the share of records with as many cells as the table has columns; records that
+            // end early below complete names count half
+  outside,  // share of records before and after the table, comments and rules not counted
+  worth,    // how recognisable the cells are, and how much alike in each column; mean of columns
+  unsplit,  // share of records with a cell in which a separator is between unlike things
+  torn,     // share of records with a cell in which brackets or quotes are not balanced
+  cut_values,     // share of records in which a date, time or address is cut in two
   left_together,  // share of records with a cell of several values with blanks between them
   dangling,       // share of records with a cell that begins or ends with a usual separator
   well_quoted,    // share of records with a cell in quotes
   lost_quotes,    // share of records with quotes that the reading does not explain
   wordy,          // share of columns that are plain words, if single blanks separate cells
   empty,          // share of columns without any text
-  few,            // 2 / columns; 0 for one column
+  few,            // 2 / columns with some text, at most 2; 0 for one column
   one,            // 1 for a single column
   runs,           // 1 for columns aligned by runs of blanks
   narrow,         // 1 if a single blank separates aligned columns
@@ -47,7 +48,8 @@ enum class Evidence {
   named,          // 1 if the first record has several cells and each looks like a name of its own
   clauses,  // share of records with a cell that goes on in lower case after a blank, as sentences do
   numbers_cut,  // share of records in which a comma may belong to a number
-  // What separates: 1 for one of these.
+  gaps_inside,  // share of records with a cell that has two blanks in a row, if columns are aligned
+  by_names,     // 1 if the names show the borders of aligned columns
   tab,
   comma,
   semicolon,
@@ -66,8 +68,9 @@ enum class Evidence {
   keyed,     // share of lines of one key and its value, and of headings in brackets
   indented,  // share of lines that begin further in or out than the line before
   spaced,    // share of lines after a blank line
+  brief,     // 1 / lines
 };
-inline constexpr std::size_t kNumEvidence = static_cast<std::size_t>(Evidence::spaced) + 1;
+inline constexpr std::size_t kNumEvidence = static_cast<std::size_t>(Evidence::brief) + 1;
 
 using EvidenceAmounts = std::array<double, kNumEvidence>;
 
@@ -83,6 +86,9 @@ struct TableFrame {
   // of these: not a preamble that happens to have the same number of cells.
   std::size_t num_fitting = 0;
   std::vector<std::size_t> data;
+
+  // Records between that have fewer cells, below a record with a name for each column.
+  std::size_t num_short = 0;
 
   // How many of the data would hold the names if there are any.
   std::size_t names_rows = 1;

@@ -77,6 +77,11 @@ bool have_one_shape(std::u16string_view a, std::u16string_view b) {
   }
 }
 
+bool begins_in_other_case(std::u16string_view a, std::u16string_view b) {
+  return !a.empty() && !b.empty() &&
+         ((u_isupper(a[0]) && u_islower(b[0])) || (u_islower(a[0]) && u_isupper(b[0])));
+}
+
 class NamesWeigher {
  public:
   NamesWeigher(const Records& records, const TableFrame& table, const CellKinds& kinds,
@@ -100,6 +105,10 @@ class NamesWeigher {
     if (names_.size() == 1 && amount(NamesEvidence::text_over_values) == 0) {
       amount(NamesEvidence::column_of_texts) = 1;
     }
+    amount(NamesEvidence::only_texts) = names_.size() > 1 && filled_columns_ > 0 && !has_values_;
+    amount(NamesEvidence::other_case) =
+        static_cast<double>(other_case_) / static_cast<double>(names_.size());
+    amount(NamesEvidence::mixed_case) = begins_in_both_cases() && other_case_ + mixed_case_ == 0;
     if (filled_columns_ > 0) {
       amount(NamesEvidence::odd_length) = spreads_ / static_cast<double>(filled_columns_);
     }
@@ -108,6 +117,16 @@ class NamesWeigher {
 
  private:
   double& amount(NamesEvidence evidence) { return amounts_[static_cast<std::size_t>(evidence)]; }
+
+  bool begins_in_both_cases() const {
+    const auto begins = [this](auto has_case) {
+      return std::any_of(names_.begin(), names_.end(), [&](std::u16string_view name) {
+        return !name.empty() && has_case(name[0]);
+      });
+    };
+    return begins([](char16_t unit) { return u_isupper(unit) != 0; }) &&
+           begins([](char16_t unit) { return u_islower(unit) != 0; });
+  }
 
   void compare(std::size_t column) {
     const std::size_t end = std::min(kinds_.size(), first_ + kRecordsForNames);
@@ -120,6 +139,7 @@ class NamesWeigher {
     const bool may_be_shaped =
         !is_number(name_kind) && std::any_of(word.begin(), word.end(), is_digit);
     std::size_t shaped = 0;
+    std::size_t in_other_case = 0;
     double sum = 0;
     double squares = 0;
     for (std::size_t i = first_; i < end; ++i) {
@@ -130,6 +150,7 @@ class NamesWeigher {
       ++counts[static_cast<std::size_t>(kinds_.at(i, column))];
       years += is_name_year && is_year(text);
       shaped += may_be_shaped && have_one_shape(word, first_word(text));
+      in_other_case += begins_in_other_case(names_[column], text);
       sum += static_cast<double>(text.size());
       squares += static_cast<double>(text.size()) * static_cast<double>(text.size());
       if (text == names_[column]) amount(NamesEvidence::name_below) = 1;
@@ -151,6 +172,9 @@ class NamesWeigher {
     if (is_data || is_alike) amount(NamesEvidence::value_among_names) = 1;
     if (filled == 0) return;
     ++filled_columns_;
+    has_values_ = has_values_ || 2 * values >= filled;
+    other_case_ += 5 * in_other_case >= 4 * filled;
+    mixed_case_ += 5 * in_other_case > filled;
     if (may_be_shaped && filled > 1 && 5 * shaped >= 4 * filled)
       amount(NamesEvidence::shaped_alike) = 1;
     const auto count = static_cast<double>(filled);
@@ -171,6 +195,9 @@ class NamesWeigher {
   const std::size_t first_;      // of the data below
   const std::size_t row_names_;  // counted from 1
   std::size_t filled_columns_ = 0;
+  std::size_t other_case_ = 0;  // columns whose cells begin in another case than the name
+  std::size_t mixed_case_ = 0;  // columns of which one cell in five does
+  bool has_values_ = false;
   double spreads_ = 0;
   NamesAmounts amounts_ = {};
 };
@@ -179,8 +206,8 @@ class NamesWeigher {
 
 std::string_view to_string(NamesEvidence evidence) {
   static constexpr std::array<std::string_view, kNumNamesEvidence> kNames = {
-      "value-among-names", "text-over-values", "name-below",      "like-names",
-      "odd-length",        "no-data",          "column-of-texts", "shaped-alike"};
+      "value-among-names", "text-over-values", "name-below", "like-names", "odd-length", "no-data",
+      "column-of-texts",   "shaped-alike",     "only-texts", "other-case", "mixed-case"};
   return kNames[static_cast<std::size_t>(evidence)];
 }
 

@@ -22,9 +22,12 @@ enum class NamesEvidence {
   no_data,     // 1 if there is no second record
   column_of_texts,  // 1 if the only column is of texts, so that there is little to compare
   shaped_alike,  // 1 if a name with digits has the shape of 80 % of the cells below it, as identifiers do
+  only_texts,  // 1 if there are several columns, and none of which at least half are values
+  other_case,  // share of columns whose cells, at least 80 %, begin in another case than the name
+  mixed_case,  // 1 if some names begin in upper case and some in lower case, each as the cells below it
 };
 inline constexpr std::size_t kNumNamesEvidence =
-    static_cast<std::size_t>(NamesEvidence::shaped_alike) + 1;
+    static_cast<std::size_t>(NamesEvidence::mixed_case) + 1;
 
 using NamesAmounts = std::array<double, kNumNamesEvidence>;
 

@@ -13,7 +13,8 @@
 //   runs       columns aligned by runs of at least `least_blanks` blanks
 //              If lines have different numbers of pieces, also with a last column of free text that takes
 //              the rest of its line (`most_cells`).
-//   gaps       columns aligned by blank columns, at least `least_blanks` wide, through the data
+//   gaps       columns aligned by blank columns, at least `least_blanks` wide, through the data; also with
+//              a name above each (`by_names`)
 //   fields     columns of fixed width that need no blanks between them
 //   one        a single column: each line, or each quoted record, is a cell
 //   none       not a table: prose, source code, a document
@@ -46,6 +47,9 @@ struct Reading {
   // Only of what is given: delimiters that are tried after the first, and widths of columns.
   std::vector<std::u16string> other_delimiters = {};
   std::vector<std::size_t> widths = {};
+
+  // Gaps: the line above the data, or their first line, has a name for each column.
+  bool by_names = false;
 
   bool is_aligned() const { return form == Form::runs || form == Form::gaps; }
   bool operator==(const Reading&) const = default;

@@ -20,6 +20,10 @@ constexpr std::u16string_view kUsualSigns = u",\t;|: ";
 // Tried only if nine in ten lines contain them, because they also occur inside dates, paths and words.
 constexpr std::u16string_view kSignsOfValues = u"-_/";
 
+// Tried if one line in ten contains them, because they occur in hardly anything else: long quoted cells may
+// take most of the lines.
+constexpr std::u16string_view kSignsOfSeparators = u"^~\u00A7\u00A6";
+
 // How many signs are tried besides the usual ones.
 constexpr std::size_t kMostUnusualSigns = 16;
 
@@ -215,6 +219,7 @@ class Finder {
     for (const std::u16string_view mark : kPaddedSigns) try_mark(mark);
     if (has_frame()) add({Form::framed, std::u16string(1, most_frequent_bar())});
     add_aligned();
+    add_by_names();
     add_rest_of_line();
     add_fields();
     add({Form::one});
@@ -242,8 +247,10 @@ class Finder {
 
   // Those that enough lines have; of very many, those that most lines have.
   std::vector<char16_t> unusual_signs() const {
-    std::vector<char16_t> found = signs_.frequent(
-        [](char16_t unit) { return kSignsOfValues.find(unit) != kSignsOfValues.npos ? 0.9 : 0.5; });
+    std::vector<char16_t> found = signs_.frequent([](char16_t unit) {
+      if (kSignsOfSeparators.find(unit) != kSignsOfSeparators.npos) return 0.1;
+      return kSignsOfValues.find(unit) != kSignsOfValues.npos ? 0.9 : 0.5;
+    });
     std::erase_if(found, [](char16_t unit) { return kUsualSigns.find(unit) != kUsualSigns.npos; });
     found.resize(std::min(found.size(), kMostUnusualSigns));
     return found;
@@ -352,6 +359,14 @@ class Finder {
   }
 
   // Only where blanks, not tabs, are in nearly all lines.
+  void add_by_names() {
+    if (signs_.share(u' ') < 0.9 || signs_.share(u'\t') >= 0.5) return;
+    Reading reading{Form::gaps, u" ", 0, 0, 1};
+    reading.by_names = true;
+    add(std::move(reading));
+  }
+
+  // Only where blanks, not tabs, are in nearly all lines.
   void add_rest_of_line() {
     if (signs_.share(u' ') < 0.9 || signs_.share(u'\t') >= 0.5) return;
     const std::size_t most_cells = cells_with_rest(lines_);
@@ -391,7 +406,7 @@ Records cut(const SampledLines& lines, const Reading& reading) {
       return cut_runs(lines, reading.least_blanks, reading.most_cells);
     case Form::gaps:
       if (!reading.widths.empty()) return cut_widths(lines, reading.widths);
-      return cut_gaps(lines, reading.least_blanks);
+      return cut_gaps(lines, reading.least_blanks, reading.by_names);
     case Form::fields:
       return cut_fields(lines, reading.borders);
   }

@@ -94,6 +94,10 @@ std::string sentence_of(Evidence evidence, const Verdict& verdict, const Hypothe
       return records_have("a cell that continues a sentence");
     case Evidence::numbers_cut:
       return records_have("a comma that may belong to a number");
+    case Evidence::gaps_inside:
+      return records_have("a cell with two blanks in a row");
+    case Evidence::by_names:
+      return "the names show where columns begin";
     case Evidence::tab:
     case Evidence::comma:
     case Evidence::semicolon:
@@ -121,6 +125,8 @@ std::string sentence_of(Evidence evidence, const Verdict& verdict, const Hypothe
       return fmt::format("{} of the lines change the indentation", percent(amount));
     case Evidence::spaced:
       return fmt::format("{} of the lines follow a blank line", percent(amount));
+    case Evidence::brief:
+      return "the text is short";
   }
   return {};
 }

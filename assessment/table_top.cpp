@@ -105,7 +105,15 @@ class TopFinder {
     return agree > 0 && 3 * (agree + silent) >= 2 * typed;
   }
 
-  // From this record on most are data. None if no column is typed.
+  // Whether no typed column has anything, as in a record that continues a text of the one before.
+  bool is_silent(std::size_t index) const {
+    for (std::size_t c = 0; c < columns_; ++c) {
+      if (types_[c] != ColumnType::other && !says_nothing(kind_at(index, c))) return false;
+    }
+    return true;
+  }
+
+  // From this record on most are data; silent ones count for neither side. None if no column is typed.
   std::size_t first_of_data() const {
     if (std::all_of(types_.begin(), types_.end(),
                     [](ColumnType type) { return type == ColumnType::other; })) {
@@ -117,7 +125,11 @@ class TopFinder {
     double most = 0;
     for (std::size_t i = end; i-- > 0;) {
       const bool fits = is_data(i);
-      sum += fits ? 1 : reads_like_names(i) ? kNamesWithin : kOddWithin;
+      if (fits) {
+        sum += 1;
+      } else if (!is_silent(i)) {
+        sum += reads_like_names(i) ? kNamesWithin : kOddWithin;
+      }
       if (fits && sum >= most) {
         most = sum;
         first = i;

@@ -89,6 +89,8 @@ bool is_code(View line, CharacterSet characters) {
   const bool is_bracketed = has(characters, kBrackets);
   if (is_one_of(line.back(), u"{\\")) return true;
   if (is_bracketed && line.find_first_not_of(u"{}()[];,") == line.npos) return true;
+  // One of a list of tuples.
+  if (line.front() == u'(' && (line.ends_with(u"),") || line.ends_with(u");"))) return true;
   const bool ends_statement = line.back() == u';' && line.find(u';') + 1 == line.size();
   if (ends_statement && has(characters, set_of(u'(') | set_of(u'='))) return true;
   const auto opens = [line](View start) { return starts_with(line, start); };
@@ -102,13 +104,15 @@ bool is_code(View line, CharacterSet characters) {
 
 bool is_markup(View line) {
   if (line.front() == u'<') return true;
-  if (is_one_of(line.front(), u"{}[]")) return true;
+  if (is_one_of(line.front(), u"{}[]") && is_one_of(line.back(), u"{}[],;:")) return true;
   if (line.back() == u'>' && line.find(u"</") != line.npos) return true;
   // "key": value
   if (line.front() != u'"') return false;
   const std::size_t close = line.find(u'"', 1);
   return close != line.npos && trimmed(line.substr(close + 1)).substr(0, 1) == u":";
 }
+
+constexpr std::ptrdiff_t kManyColons = 4;
 
 bool is_keyed(View line) {
   if (line.front() == u'[' && line.back() == u']') return true;
@@ -118,7 +122,10 @@ bool is_keyed(View line) {
   while (i < line.size() && (is_name_unit(line[i]) || is_one_of(line[i], u".-/"))) ++i;
   const View rest = trimmed(line.substr(i));
   const bool is_address = rest.substr(0, 3) == u"://";
-  return !rest.empty() && !is_address && (rest[0] == u'=' || rest[0] == u':');
+  if (rest.empty() || is_address) return false;
+  // Many colons separate fields.
+  return rest[0] == u'=' ||
+         (rest[0] == u':' && std::count(rest.begin(), rest.end(), u':') < kManyColons);
 }
 
 }  // namespace
@@ -158,6 +165,7 @@ TextTraits traits_of(const SampledLines& lines, std::size_t most) {
   traits.keyed /= texts;
   traits.indented /= texts;
   traits.spaced /= texts;
+  traits.brief = 1 / texts;
   return traits;
 }
 

@@ -29,6 +29,9 @@ struct TextTraits {
 
   // Lines after a blank line, the first one not counted.
   double spaced = 0;
+
+  // 1 / lines: few lines tell little.
+  double brief = 0;
 };
 
 // Of the first `most` lines that are not blank.

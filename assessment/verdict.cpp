@@ -76,6 +76,7 @@ EvidenceAmounts weigh_text(const SampledLines& lines, std::size_t most) {
   set(Evidence::keyed, traits.keyed);
   set(Evidence::indented, traits.indented);
   set(Evidence::spaced, traits.spaced);
+  set(Evidence::brief, traits.brief);
   return amounts;
 }
 

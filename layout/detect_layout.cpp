@@ -259,6 +259,8 @@ FoundLayout layout_of_input(InputText& input, const DetectSettings& settings, st
   return layout_of_prefixes(get_prefix, input.text(), settings, units);
 }
 
+constexpr std::size_t kMostFirstBytes = 16'384;
+
 // Case does not matter in names of options.
 bool is_named(std::string_view name, std::string_view upper_case) {
   return std::equal(name.begin(), name.end(), upper_case.begin(), upper_case.end(),
@@ -317,6 +319,8 @@ Layout detect_in(InputText& input, const DetectSettings& settings, std::size_t u
   if (found.profile) look_beyond_sample(input, *found.profile, settings, layout);
   if (settings.sample == SampleFrom::spread)
     look_spread(input, profile_in(found), settings, layout);
+  if (!layout.no_table.empty() && layout.no_table != "empty")
+    layout.first_bytes = input.first_bytes(kMostFirstBytes);
   return std::move(layout);
 }
 

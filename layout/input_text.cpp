@@ -280,6 +280,14 @@ void InputText::doubt_utf8(std::u16string_view characters, std::size_t contradic
       std::max(0.0, 1.0 - parts / std::max(parts, static_cast<double>(above_ascii)));
 }
 
+std::string InputText::first_bytes(std::size_t most) {
+  const EndLookScope look;
+  if (source_->read_error() != 0 || ::fseeko64(file_, 0, SEEK_SET) != 0) return {};
+  std::string bytes(most, '\0');
+  bytes.resize(std::fread(bytes.data(), 1, most, file_));
+  return std::ferror(file_) == 0 ? bytes : std::string();
+}
+
 std::optional<std::uint64_t> InputText::num_bytes() {
   const EndLookScope look;
   if (source_->read_error() != 0 || ::fseeko64(file_, 0, SEEK_END) != 0) return std::nullopt;

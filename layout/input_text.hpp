@@ -80,6 +80,9 @@ class InputText {
   bool is_all_loaded() const { return is_all_loaded_; }
   std::uint64_t bytes_loaded() const { return bytes_loaded_; }
 
+  // The first bytes, at most `most`; none if they cannot be read again.
+  std::string first_bytes(std::size_t most);
+
   // The number of bytes of the file; no value if it would have to be read or unpacked for this.
   std::optional<std::uint64_t> num_bytes();
 

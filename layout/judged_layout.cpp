@@ -33,7 +33,8 @@ constexpr double kLeastProbability = 0.005;  // of a rival that is worth mention
 constexpr double kLeastWorth = 0.5;          // of evidence that is
 constexpr std::size_t kCellsClassified = 9;  // in each column
 constexpr double kUndecided = 0.15;          // on both sides of one half
-constexpr double kLikelyNames = 0.2;         // then the first record is not taken for data
+constexpr double kUndecidedAmongTexts = 0.25;
+constexpr double kLikelyNames = 0.2;  // then the first record is not taken for data
 constexpr std::size_t kLongestRemark = 32;
 
 LayoutMode mode_of(const Reading& reading) {
@@ -185,6 +186,17 @@ class VerdictDescription {
   // -------------------------------------------------------------------------------------------
   // Names and units
 
+  // Among texts alone, only the look of the first line tells names from data.
+  static double least_for_names(const assessment::NamesVerdict& names) {
+    using assessment::NamesEvidence;
+    const auto holds = [&](NamesEvidence evidence) {
+      return names.amounts[static_cast<std::size_t>(evidence)] > 0;
+    };
+    const bool has_only_texts =
+        holds(NamesEvidence::only_texts) || holds(NamesEvidence::column_of_texts);
+    return 0.5 + (has_only_texts ? kUndecidedAmongTexts : kUndecided);
+  }
+
   void describe_names() {
     if (is_none()) {
       layout_.names_reason = "the text is not a table";
@@ -193,7 +205,7 @@ class VerdictDescription {
     const assessment::NamesVerdict& names = verdict_.names;
     layout_.names_probability = names.probability;
     const std::size_t line = names.line + 1;
-    if (names.probability > 0.5 + kUndecided) {
+    if (names.probability > least_for_names(names)) {
       has_names_ = true;
       layout_.names_line = line;
       layout_.names = names_texts();

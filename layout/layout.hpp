@@ -211,6 +211,10 @@ struct VLTEXTSTREAM_EXPORT Layout {
   // The line that was given as that of the descriptions of the columns, and its texts.
   std::optional<std::size_t> descriptions_line;
   std::vector<std::u16string> descriptions;
+
+  // Of a file without a table that is not empty: its first bytes, unpacked, at most 16,384, for a look at
+  // what it is. Empty if they cannot be read again.
+  std::string first_bytes;
 };
 
 // Mode, delimiters and widths of `layout`. An unpaired surrogate in a delimiter becomes U+FFFD.

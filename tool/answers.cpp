@@ -20,6 +20,7 @@
 
 #include <vltextstream/layout/detect_layout.hpp>
 
+#include "tool/file_kind.hpp"
 #include "tool/json_report.hpp"
 #include "tool/progress_line.hpp"
 #include "tool/report.hpp"
@@ -92,7 +93,7 @@ class AnswerWriter {
     if (answer.problem) return report_problem(*answer.problem);
     try {
       if (answer.is_doubtful) status_ = std::max(status_, static_cast<int>(kDoubtful));
-      return answer.layout ? write_layout(file, *answer.layout) : write_text(answer.text);
+      return answer.layout ? write_layout(file, answer) : write_text(answer.text);
     } catch (const std::bad_alloc&) {
       return report_lack_of_memory(file);
     }
@@ -122,15 +123,16 @@ class AnswerWriter {
   }
 
   // A part that is not written is lost, and so are those after it.
-  bool write_layout(const std::string& file, const Layout& layout) {
+  bool write_layout(const std::string& file, const Answer& answer) {
     bool is_begun = false;
     bool is_written = true;
-    write_json_member(file, layout, [&](std::string& part) {
+    const auto write_part = [&](std::string& part) {
       if (is_written)
         is_written = is_begun ? keep(write_out(part, "", streams_)) : write_text(part);
       is_begun = true;
       part.clear();
-    });
+    };
+    write_json_member(file, *answer.layout, write_part, answer.file_kind);
     return is_written;
   }
 
@@ -223,18 +225,28 @@ bool is_doubtful(const Layout& layout, const Arguments& arguments) {
 }
 
 // As text, or as the layout if that takes less memory: each line of the JSON takes some dozen bytes.
-Answer json_answer(const std::string& file, Layout layout) {
+Answer json_answer(const std::string& file, Layout layout, std::string kind) {
   const std::size_t size = size_of(layout);
-  if (size < kLargeLayout) return {json_member(file, layout), std::nullopt};
-  return {{}, std::nullopt, false, std::make_shared<const Layout>(std::move(layout)), size};
+  if (size < kLargeLayout) return {json_member(file, layout, kind), std::nullopt};
+  Answer answer = {
+      {}, std::nullopt, false, std::make_shared<const Layout>(std::move(layout)), size};
+  answer.file_kind = std::move(kind);
+  return answer;
+}
+
+// Empty for a table.
+std::string kind_without_table(const Layout& layout) {
+  return layout.first_bytes.empty() ? std::string() : file_kind(layout.first_bytes);
 }
 
 Answer try_to_answer(const std::string& file, const Arguments& arguments) {
   try {
     Layout layout = standalone::detect_layout(file, arguments.settings);
     const bool doubtful = is_doubtful(layout, arguments);
-    Answer answer = arguments.json ? json_answer(file, std::move(layout))
-                                   : Answer{report(file, layout, arguments.given), std::nullopt};
+    std::string kind = kind_without_table(layout);
+    Answer answer = arguments.json
+                        ? json_answer(file, std::move(layout), std::move(kind))
+                        : Answer{report(file, layout, arguments.given, kind), std::nullopt};
     answer.is_doubtful = doubtful;
     return answer;
   } catch (const std::bad_alloc&) {

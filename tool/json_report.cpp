@@ -335,7 +335,7 @@ void write_spread(JsonWriter& json, const std::optional<standalone::SpreadLook>&
 }
 
 // The members of the assessment; only where it chose the layout.
-void write_assessment(JsonWriter& json, const Layout& layout) {
+void write_assessment(JsonWriter& json, const Layout& layout, const std::string& file_kind) {
   if (!layout.confidence) return;
   json.member("confidence", layout.confidence);
   json.member("quote", text_of(layout.quote));
@@ -344,6 +344,7 @@ void write_assessment(JsonWriter& json, const Layout& layout) {
   json.member("joins_times", layout.joins_times);
   json.member("rest_in_last", layout.rest_in_last);
   json.member("no_table", or_null(layout.no_table));
+  json.member("file_kind", or_null(file_kind));
   json.member("names_probability", layout.names_probability);
   json.member("names_candidate", layout.names_candidate);
   json.key("rivals");
@@ -365,7 +366,8 @@ void write_assessment(JsonWriter& json, const Layout& layout) {
 
 constexpr std::size_t kFileDepth = 2;  // within the list of the files
 
-void write_members(JsonWriter& json, const std::string& file, const Layout& layout) {
+void write_members(JsonWriter& json, const std::string& file, const Layout& layout,
+                   const std::string& file_kind) {
   json.begin_object();
   json.member("file", file);
   write_separators(json, layout);
@@ -406,7 +408,7 @@ void write_members(JsonWriter& json, const std::string& file, const Layout& layo
   json.key("columns");
   write_columns(json, layout);
   write_spread(json, layout.spread);
-  write_assessment(json, layout);
+  write_assessment(json, layout, file_kind);
   json.end_object();
 }
 
@@ -427,18 +429,19 @@ std::string json_opening(const standalone::DetectSettings& settings,
   return text += '\n';
 }
 
-std::string json_member(const std::string& file, const Layout& layout) {
+std::string json_member(const std::string& file, const Layout& layout,
+                        const std::string& file_kind) {
   std::string text;
   JsonWriter json(text, kFileDepth);
-  write_members(json, file, layout);
+  write_members(json, file, layout, file_kind);
   return text;
 }
 
 void write_json_member(const std::string& file, const Layout& layout,
-                       const JsonWriter::Empty& empty) {
+                       const JsonWriter::Empty& empty, const std::string& file_kind) {
   std::string text;
   JsonWriter json(text, kFileDepth, empty);
-  write_members(json, file, layout);
+  write_members(json, file, layout, file_kind);
   empty(text);
 }
 

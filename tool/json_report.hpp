@@ -26,12 +26,14 @@ inline constexpr std::string_view kJsonClosing = "\n  ]\n}\n";
 std::string json_opening(const standalone::DetectSettings& settings,
                          const std::vector<GivenOption>& given);
 
-// The name of a file, and the members of its layout under their own names and in their order.
-std::string json_member(const std::string& file, const standalone::Layout& layout);
+// The name of a file, and the members of its layout under their own names and in their order; after
+// `no_table` the kind of a file without a table.
+std::string json_member(const std::string& file, const standalone::Layout& layout,
+                        const std::string& file_kind = {});
 
 // The same in parts: `empty` is called with a text whenever there are JsonWriter::kFullAt bytes, and
 // with the last of them. Nothing is allocated after the first call.
 void write_json_member(const std::string& file, const standalone::Layout& layout,
-                       const JsonWriter::Empty& empty);
+                       const JsonWriter::Empty& empty, const std::string& file_kind = {});
 
 }  // namespace textio::tool

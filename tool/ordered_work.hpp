@@ -45,6 +45,9 @@ struct Answer {
   // No table was found, or not with confidence.
   bool is_doubtful = false;
 
+  // Besides a layout: what the file is if it holds no table.
+  std::string file_kind = {};
+
   std::size_t held_bytes() const { return text.size() + layout_bytes; }
 };
 

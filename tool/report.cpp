@@ -364,14 +364,15 @@ void add_trace(std::string& out, const detection::SelectionTrace& trace) {
 }  // namespace
 
 std::string report(const std::string& file, const Layout& layout,
-                   const std::vector<GivenOption>& given) {
+                   const std::vector<GivenOption>& given, std::string_view file_kind) {
   std::string out = printable(file) + "\n";
   fmt::format_to(Out(out), "  layout          {}{}\n", to_string(dialect_of(layout)),
                  layout.rest_in_last ? ", the last column takes the rest of the line" : "");
   if (!layout.no_table.empty()) {
-    fmt::format_to(Out(out), "  no table        {}\n",
+    fmt::format_to(Out(out), "  no table        {}{}\n",
                    layout.no_table == "empty" ? "there is no line that is not blank"
-                                              : "this is probably " + layout.no_table);
+                                              : "this is probably " + layout.no_table,
+                   file_kind.empty() ? "" : fmt::format(" ({})", printable(file_kind)));
   }
   add_confidence(out, layout);
   if (layout.looks_binary) {

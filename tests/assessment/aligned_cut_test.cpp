@@ -122,6 +122,26 @@ TEST_P(CutGaps, IntoTheseCells) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, CutGaps, testing::ValuesIn(kGapCases), ByRule());
 
+const CutCase kNamedCases[] = {
+    {"ANameOverTwoColumns", 1, u"item   qty\nred ox   1\nold ox   2\n",
+     "0[item][qty] 1[red ox][1] 2[old ox][2]"},
+    {"ColumnsWithoutANameBelongToTheOneBefore", 1,
+     u"id  t       year\n1   a b c   1999\n2   d e f   2001\n",
+     "0[id][t][year] 1[1][a b c][1999] 2[2][d e f][2001]"},
+    {"LinesThatCloseGapsWithinAColumn", 1,
+     u"a   text     n\n1   abcdefg  5\n2   ab  efg  6\n3   ab  efg  7\n4   ab  efg  8\n",
+     "0[a][text][n] 1[1][abcdefg][5] 2[2][ab  efg][6] 3[3][ab  efg][7] 4[4][ab  efg][8]"},
+    {"NothingToChange", 1, u"id  year\n1   1999\n2   2001\n", ""},
+    {"OneNameForAll", 1, u"abcdefg\na b c d\ne f g h\n", ""},
+};
+
+class CutByNames : public testing::TestWithParam<CutCase> {};
+TEST_P(CutByNames, IntoTheseCells) {
+  const Sample sample(GetParam().text);
+  EXPECT_EQ(shown(cut_gaps(sample.lines(), GetParam().least_blanks, true)), GetParam().records);
+}
+INSTANTIATE_TEST_SUITE_P(Table, CutByNames, testing::ValuesIn(kNamedCases), ByRule());
+
 struct StartCase {
   const char* rule;
   std::u16string text;

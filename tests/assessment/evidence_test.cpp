@@ -32,6 +32,7 @@ const Reading kRest = {Form::runs, u" ", 0, 0, 1, 2};
 const Reading kFields = {Form::fields, u"", 0, 0, 1, 0, {0, 2, 4, 6}};
 const Reading kWideRuns = {Form::runs, u" ", 0, 0, 2};
 const Reading kGaps = {Form::gaps, u" ", 0, 0, 1};
+const Reading kByNames = {Form::gaps, u" ", 0, 0, 1, 0, {}, {}, {}, true};
 const Reading kWideGaps = {Form::gaps, u" ", 0, 0, 2};
 
 std::u16string lines_of(std::size_t count, std::u16string_view line) {
@@ -67,6 +68,9 @@ const ColumnsCase kColumnsCases[] = {
     {"LastFourOfEight", by(u","), lines_of(30, u"a,b") + lines_of(4, u"1,2,3"), {2, 3}},
     {"LastThreeOfEight", by(u","), lines_of(30, u"a,b") + lines_of(3, u"1,2,3"), {2}},
     {"CommentsDoNotCount", by(u","), u"# a,b,c\n# d,e,f\n1,2\n", {2}},
+    {"CompleteNames", by(u","), u"id,name,tel\n1,a,5\n2,b\n3,c\n4,d\n", {2, 3}},
+    {"CompleteNamesAlone", by(u","), u"id,name,tel\n1,a\n2,b\n3,c\n", {2}},
+    {"CompleteValues", by(u","), u"1,2,3\n1,a,5\n2,b\n3,c\n4,d\n", {2}},
     {"SingleColumn", kOne, u"a,b\n", {1}},
     {"NoTable", {Form::none}, u"a,b\n", {1}},
     {"SingleColumnWithoutRecords", kOne, u"\n", {}},
@@ -138,6 +142,20 @@ TEST_P(FindTable, AmongTheRecords) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, FindTable, testing::ValuesIn(kFrameCases), ByRule());
 
+TEST(FindTable, CountsRecordsThatEndEarlyBelowCompleteNames) {
+  const Sample sample(u"id,name,tel\n1,a,5\n2,b\n3,c\nx\n4,d\n");
+  const Records records = cut(sample.lines(), by(u","));
+  const TableFrame table = find_table(sample.lines(), records, by(u","), 3);
+  EXPECT_EQ(table.first, 0U);
+  EXPECT_EQ(table.end, 6U);
+  EXPECT_EQ(table.data, Numbers({0, 1}));
+  EXPECT_EQ(table.num_short, 3U);  // not the single cell
+  EXPECT_EQ(table.num_outside, 0U);
+  // Two fit and three count half, of six.
+  const EvidenceAmounts amounts = weigh_shape(sample.lines(), records, by(u","), table);
+  EXPECT_NEAR(amounts[static_cast<std::size_t>(Evidence::ragged)], -std::log(4.0 / 7), 1e-12);
+}
+
 // --- single pieces ---------------------------------------------------------------------------
 
 struct AmountCase {
@@ -176,6 +194,9 @@ const AmountCase kShapeCases[] = {
     {"TwoColumns", Evidence::few, by(u","), u"a,b\n", 2, 1},
     {"FiveColumns", Evidence::few, by(u","), u"a,b,c,d,e\n", 5, 0.4},
     {"OneColumn", Evidence::few, kOne, u"a\n", 1, 0},
+    {"OneOfTwoIsEmpty", Evidence::few, by(u","), u"a,b\n1,\n2,\n", 2, 2},
+    {"OneInTwentyIsFilled", Evidence::few, by(u","), u"a,b\n1,2\n" + lines_of(19, u"1,"), 2, 1},
+    {"OneInTwentyOneIsFilled", Evidence::few, by(u","), u"a,b\n1,2\n" + lines_of(20, u"1,"), 2, 2},
 };
 
 const AmountCase kSeparatorCases[] = {
@@ -204,6 +225,8 @@ const AmountCase kSeparatorCases[] = {
     {"GapsAreNoRuns", Evidence::runs, kGaps, u"a b\nc d\n", 2, 0},
     {"GapsOfOneBlankAreNarrow", Evidence::narrow, kGaps, u"a b\nc d\n", 2, 1},
     {"GapsOfTwoBlanksAreNot", Evidence::narrow, kWideGaps, u"a  b\nc  d\n", 2, 0},
+    {"GapsByNames", Evidence::by_names, kByNames, u"a     b\nc d   e\nf g   h\n", 2, 1},
+    {"GapsWithout", Evidence::by_names, kGaps, u"a b\nc d\n", 2, 0},
     {"TextAtTheEnd", Evidence::rest, kRest, u"a b c\n", 2, 1},
     {"TextAtTheEndIsNarrow", Evidence::narrow, kRest, u"a b c\n", 2, 1},
     {"RunsHaveNoRest", Evidence::rest, kRuns, u"a b\n", 2, 0},
@@ -255,6 +278,9 @@ const AmountCase kColumnCases[] = {
 
 // Shares of all records of the table, the first one too.
 const AmountCase kCellCases[] = {
+    {"GapInTheRest", Evidence::gaps_inside, kRest, u"x a  b\ny c d\n", 2, 0.5},
+    {"GapBetweenRuns", Evidence::gaps_inside, kRuns, u"x  a\n", 2, 0},
+    {"GapBetweenSemicolons", Evidence::gaps_inside, by(u";"), u"x  a;b\n", 2, 0},
     {"LettersAroundAComma", Evidence::unsplit, by(u";"), u"x;a,b\n", 2, 0.3},
     {"LetterAndNumberAroundAComma", Evidence::unsplit, by(u";"), u"x;a,1\n", 2, 1},
     {"NumberAndLetterAroundAComma", Evidence::unsplit, by(u";"), u"x;1,a\n", 2, 1},

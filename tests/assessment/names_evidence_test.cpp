@@ -70,6 +70,17 @@ const AmountCase kValueCases[] = {
 };
 
 const AmountCase kTextCases[] = {
+    {"OnlyTexts", NamesEvidence::only_texts, u"x,y\na,b\nc,d\n", 1},
+    {"ColumnOfNumbers", NamesEvidence::only_texts, u"x,y\n1,a\n2,b\n", 0},
+    {"OneColumnInOtherCase", NamesEvidence::other_case, u"x,y\nA,b\nC,d\n", 0.5},
+    {"BothInOtherCase", NamesEvidence::other_case, u"X,Y\na,b\nc,d\n", 1},
+    {"ColumnOfBothCases", NamesEvidence::other_case, u"x,y\nA,b\nc,d\n", 0},
+    {"NumbersHaveNoCase", NamesEvidence::other_case, u"x,y\n1,2\n3,4\n", 0},
+    {"CasesAsBelow", NamesEvidence::mixed_case, u"Ann,cook\nBob,baker\nCem,pilot\n", 1},
+    {"CasesAsBelowSaveOne", NamesEvidence::mixed_case, u"Ann,cook\nBob,Baker\nCem,pilot\n", 0},
+    {"CasesNotAsBelow", NamesEvidence::mixed_case, u"Name,job\nann,baker\n", 0},
+    {"OneCaseAlone", NamesEvidence::mixed_case, u"name,job\nann,baker\n", 0},
+
     {"NameAgainInItsColumn", NamesEvidence::name_below, u"a,b\nc,d\na,e\n", 1},
     {"NameAgainInTheOtherColumn", NamesEvidence::name_below, u"a,b\nc,a\n", 0},
     {"NameAgainWithBlanks", NamesEvidence::name_below, u"a,b\n a ,d\n", 1},

@@ -80,11 +80,11 @@ const ReadingsCase kSignCases[] = {
 };
 
 Names with_narrow(Names names) {
-  names.insert(names.end(), {"runs 1", "gaps 1"});
+  names.insert(names.end(), {"runs 1", "gaps 1", "gaps 1, by names"});
   return names;
 }
 Names with_wide(Names names) {
-  names.insert(names.end(), {"runs 1", "runs 2", "gaps 1", "gaps 2"});
+  names.insert(names.end(), {"runs 1", "runs 2", "gaps 1", "gaps 2", "gaps 1, by names"});
   return names;
 }
 
@@ -94,7 +94,7 @@ const ReadingsCase kBlankCases[] = {
     {"TwoBlanksInOneOfFiveLines", u"a  b\n" + lines_of(4, u"1 2"), with_wide({"delimited  "})},
     {"TwoBlanksInOneOfSixLines", u"a  b\n" + lines_of(5, u"1 2"), with_narrow({"delimited  "})},
     {"TwoBlanksAtTheEndsOfLines", u"  a b\n1 2  \n", with_narrow({"delimited  "})},
-    {"Tabs", u"a\tb\n1\t2\n", with_wide({"delimited \\u0009"})},
+    {"Tabs", u"a\tb\n1\t2\n", {"delimited \\u0009", "runs 1", "runs 2", "gaps 1", "gaps 2"}},
     {"BlankAfterEachComma", u"a, b\n1, 2\n", with_narrow({"delimited ,", "delimited  "})},
     {"ColonBetweenBlanks", u"a : b\n1 : 2\n",
      with_narrow({"delimited :", "delimited  ", "delimited  : "})},
@@ -103,7 +103,7 @@ const ReadingsCase kBlankCases[] = {
 const ReadingsCase kRestCases[] = {
     {"TextAtTheEndsOfLines",
      lines_of(5, u"10:15 one") + lines_of(5, u"10:16 two three"),
-     {"delimited :", "delimited  ", "runs 1", "gaps 1", "runs 1, 2 cells"}},
+     {"delimited :", "delimited  ", "runs 1", "gaps 1", "gaps 1, by names", "runs 1, 2 cells"}},
     {"TabsInHalfOfTheLines",
      lines_of(5, u"10:15 one\ttwo") + lines_of(5, u"10:16 two three four"),
      {"delimited \\u0009", "delimited :", "delimited  ", "runs 1", "runs 2", "gaps 1", "gaps 2"}},
@@ -133,8 +133,9 @@ const ReadingsCase kQuoteCases[] = {
      u"a,\"b\"\n1,2\n",
      {"delimited ,", "delimited , \"", "one \""}},
     {"QuotesAtACommaOnly", u"a,\"b\",c\n1,2,3\n", {"delimited ,", "delimited , \""}},
-    {"BlanksBetweenQuoteAndComma", u"a, \"b\" ,c\n1,2,3\n",
-     with_narrow({"delimited ,", "delimited , \"", "delimited  ", "delimited   \""})},
+    {"BlanksBetweenQuoteAndComma",
+     u"a, \"b\" ,c\n1,2,3\n",
+     {"delimited ,", "delimited , \"", "delimited  ", "delimited   \"", "runs 1", "gaps 1"}},
     {"QuotesAwayFromTheSeparator", u"x,a \"b\" c,y\n",
      with_narrow({"delimited ,", "delimited  ", "delimited   \""})},
     {"OneQuote", u"a,\"b\n1,2\n", {"delimited ,"}},

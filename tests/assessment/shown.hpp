@@ -49,7 +49,8 @@ inline std::string shown(const assessment::Reading& reading) {
       return "runs " + std::to_string(reading.least_blanks) +
              (reading.most_cells > 0 ? ", " + std::to_string(reading.most_cells) + " cells" : "");
     case Form::gaps:
-      return "gaps " + std::to_string(reading.least_blanks);
+      return "gaps " + std::to_string(reading.least_blanks) +
+             (reading.by_names ? ", by names" : "");
     case Form::fields: {
       std::string out = "fields";
       for (const std::size_t border : reading.borders) out += ' ' + std::to_string(border);

@@ -60,6 +60,9 @@ const LineCase kCodeLines[] = {
     {"Comparison", &TextTraits::code, u"a==b", true},
     {"Arrow", &TextTraits::code, u"a->b", true},
     {"Words", &TextTraits::code, u"red green blue", false},
+    {"TupleOfAList", &TextTraits::code, u"(1,'a',2.5),", true},
+    {"LastTuple", &TextTraits::code, u"(1,'a',2.5);", true},
+    {"TupleAlone", &TextTraits::code, u"(1, 2)", false},
     {"Numbers", &TextTraits::code, u"1,2,3", false},
 };
 
@@ -69,6 +72,8 @@ const LineCase kMarkupLines[] = {
     {"Arrow", &TextTraits::markup, u"a ->", false},
     {"CurlyBracket", &TextTraits::markup, u"{", true},
     {"ClosingSquareBracket", &TextTraits::markup, u"],", true},
+    {"ObjectInALine", &TextTraits::markup, u"{\"a\": 1}", true},
+    {"ObjectAndMore", &TextTraits::markup, u"{\"a\": 1} 12:30", false},
     {"QuotedKey", &TextTraits::markup, u"  \"key\" : 1,", true},
     {"QuotedText", &TextTraits::markup, u"\"text\", 1", false},
     {"OpenQuote", &TextTraits::markup, u"\"text", false},
@@ -87,6 +92,8 @@ const LineCase kKeyedLines[] = {
     {"DigitFirst", &TextTraits::keyed, u"12:30", false},
     {"NoKey", &TextTraits::keyed, u"= value", false},
     {"OnlyAKey", &TextTraits::keyed, u"key", false},
+    {"TimeAsTheValue", &TextTraits::keyed, u"start: 10:15:30", true},
+    {"FourColons", &TextTraits::keyed, u"root:x:0:0:/bin/sh", false},
     {"Address", &TextTraits::keyed, u"https://example.org/a", false},
     {"AddressAsTheValue", &TextTraits::keyed, u"home: https://example.org/a", true},
 };
@@ -128,6 +135,10 @@ const ShareCase kShareCases[] = {
     {"SeveralBlankLinesBetween", &TextTraits::spaced, u"a\n\n \n\nb\n", 0.5},
     {"BlankLineAbove", &TextTraits::spaced, u"\na\nb\n", 0},
     {"BlankLineBelow", &TextTraits::spaced, u"a\nb\n\n", 0},
+
+    {"BriefWithOneLine", &TextTraits::brief, u"a\n", 1},
+    {"BriefWithFour", &TextTraits::brief, u"a\nb\n\nc\nd\n", 0.25},
+    {"BriefWithoutAny", &TextTraits::brief, u"\n", 0},
 };
 
 class TraitShare : public testing::TestWithParam<ShareCase> {};

@@ -548,6 +548,19 @@ TEST_P(DetectLayout, IsTheSameWithATraceThatEndsAlike) {
 INSTANTIATE_TEST_SUITE_P(Table, DetectLayout, testing::ValuesIn(kLayouts), ByRule());
 
 // Bytes of all kinds give some answer, and the same one each time.
+TEST(DetectLayoutFirstBytes, AreThoseOfAFileWithoutATable) {
+  const TempFolder folder;
+  const std::string prose =
+      "The river rose in the night, and nobody slept.\nAt dawn the water stood at the mill;\n"
+      "the miller had gone to look for his boat.\nWhen he came back, it was noon.\n";
+  EXPECT_EQ(detect_layout(folder.file("short", prose)).first_bytes, prose);
+  std::string much;
+  while (much.size() < 40'000) much += prose;
+  EXPECT_EQ(detect_layout(folder.file("long", much)).first_bytes, much.substr(0, 16'384));
+  EXPECT_EQ(detect_layout(folder.file("table", "a,b\n1,2\n3,4\n")).first_bytes, "");
+  EXPECT_EQ(detect_layout(folder.file("empty", "")).first_bytes, "");
+}
+
 TEST(DetectLayoutOfBinaryData, GivesAnAnswer) {
   std::string bytes;
   for (unsigned i = 0; i < 20'000; ++i) {

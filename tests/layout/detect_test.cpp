@@ -390,7 +390,7 @@ void expect_same(const Detection& found, const Layout& layout) {
     EXPECT_EQ(found.columns[i].type, layout.classes[i]);
     const auto name = layout.names_line ? to_utf8(layout.names[i]) : "";
     EXPECT_EQ(found.columns[i].name, name);
-    const auto unit = layout.units_line ? to_utf8(layout.units[i]) : "";
+    const auto unit = layout.units.empty() ? "" : to_utf8(layout.units[i]);
     EXPECT_EQ(found.columns[i].unit, unit);
   }
   EXPECT_EQ(found.header_lines, layout.header_lines);

@@ -113,6 +113,28 @@ TEST_P(Footer, IsARoleOfItsOwn) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, Footer, testing::ValuesIn(kFooterCases), ByRule());
 
+TEST(CompleteNames, AreKeptAboveRecordsThatEndEarly) {
+  const Layout layout = detect_layout(std::u16string_view(
+      u"id,name,phone,email,city,zip\n1,Ann,123\n2,Bob,456\n3,Cem,789,c@x.org\n4,Dora,321\n"
+      u"5,Emil,654,e@x.org,Ulm,89073\n6,Fay,111\n"));
+  EXPECT_EQ(layout.num_variables, 6U);
+  EXPECT_EQ(layout.names_line, 1U);
+  EXPECT_EQ(layout.ragged_lines, 5U);
+}
+
+TEST(NamesAmongTexts, AreUndecidedWhereTheFirstLineIsLikeTheOthers) {
+  const Layout layout = detect_layout(
+      std::u16string_view(u"Ann,Bern,cook\nBob,Ulm,baker\nCem,Bremen,pilot\nDora,Graz,nurse\n"));
+  EXPECT_EQ(layout.names_source, NamesSource::undecided);
+  EXPECT_EQ(layout.names_candidate, 1U);
+}
+
+TEST(NamesAmongTexts, AreFoundWhereTheyBeginInAnotherCase) {
+  const Layout layout = detect_layout(std::u16string_view(
+      u"person,town,work\nAnn,Bern,Cook\nBob,Ulm,Baker\nCem,Bremen,Pilot\nDora,Graz,Nurse\n"));
+  EXPECT_EQ(layout.names_line, 1U);
+}
+
 TEST(FooterOfASample, IsFoundOnlyWhereTheTextEnds) {
   DetectSettings settings;
   settings.num_lines = 5;

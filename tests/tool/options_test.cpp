@@ -360,7 +360,7 @@ struct AcceptedCase {
 };
 std::ostream& operator<<(std::ostream& out, const AcceptedCase& row) { return out << row.rule; }
 
-const std::string kApostrophes = "a,b\n1,'x, y'\n2,'z, w'\n3,'q, r'\n";
+const std::string kApostrophes = "a,b\n1,'x y'\n2,'z w'\n3,'q r'\n";
 
 const std::string kLongDelimiter(100'000, 'x');
 
