@@ -343,6 +343,7 @@ void write_assessment(JsonWriter& json, const Layout& layout, const std::string&
   json.member("least_blanks", layout.least_blanks);
   json.member("joins_times", layout.joins_times);
   json.member("rest_in_last", layout.rest_in_last);
+  json.member("framed", layout.is_framed);
   json.member("no_table", or_null(layout.no_table));
   json.member("file_kind", or_null(file_kind));
   json.member("names_probability", layout.names_probability);
