@@ -202,6 +202,7 @@ STAGES = [
     ("Classes of fields: a thousand fields, all columns, one field of nothing but doubled quotes",
      ["classify_1000_fields/", "classify_columns/", "unquote"]),
     ("Dates: 32 fields, with English names and those of one locale", ["recognise_dates/", "bind_known_locale"]),
+    ("Values of columns, of 65,536 cells", ["cells/"]),
     ("Header lines, of 100,000 lines", ["header_lines/"]),
     ("Candidates and filters (of 56 candidates)", ["candidates/", "filter/"]),
 ]
