@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <vltextstream/reading/date_parser.hpp>
 #include <vltextstream/text/utf8.hpp>
 
 namespace textio::reading {
@@ -80,9 +81,10 @@ class Planner {
     if (!is_text(plan.type)) {
       for (const auto& missing : layout_.dialect.missing) add_word(missing.word, plan.missing);
     }
-    if (is_of_dates(plan.type) && rules_.datetime_type == parser::datetime_kind::char_) {
-      plan.type = ColumnType::text;
-    }
+    const bool has_day =
+        plan.strptime.empty() || plan.type == ColumnType::time || has_year(plan.strptime);
+    const bool stays_text = rules_.datetime_type == parser::datetime_kind::char_ || !has_day;
+    if (is_of_dates(plan.type) && stays_text) plan.type = ColumnType::text;
     return plan;
   }
 
