@@ -21,7 +21,8 @@ class DelimitedCut {
 
   Records take() {
     while (line_ < lines_.size()) {
-      if (is_blank(lines_.view(line_))) {
+      const std::u16string_view line = lines_.view(line_);
+      if (is_blank(line) || has_prefix(line, reading_.comment_prefix)) {
         ++line_;
       } else {
         add_record();

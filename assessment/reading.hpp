@@ -51,6 +51,9 @@ struct Reading {
   // Gaps: the line above the data, or their first line, has a name for each column.
   bool by_names = false;
 
+  // Lines that begin with this, after blanks, are no records and open no quotes; empty: there are none.
+  std::u16string comment_prefix = {};
+
   bool is_aligned() const { return form == Form::runs || form == Form::gaps; }
   bool operator==(const Reading&) const = default;
 };

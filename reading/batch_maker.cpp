@@ -38,6 +38,7 @@ std::string shortened(std::u16string_view text) {
 // A row of the table: a record, a part of one, several, or a blank line.
 struct Row {
   std::uint32_t group = 0;
+  std::uint32_t last_group = 0;
   std::uint32_t first_cell = 0;
   std::uint32_t num_cells = 0;
 };
@@ -113,6 +114,7 @@ class RowMaker {
       case empty_line_action::skip:
         return;
       case empty_line_action::read:
+        finish_continued_row();
         for (std::uint32_t i = 0; i < group.num_lines; ++i) begin_row();
         return;
       case empty_line_action::error:
@@ -121,7 +123,9 @@ class RowMaker {
     }
   }
 
-  void begin_row() { rows_.push_back({group_, static_cast<std::uint32_t>(cells_.size()), 0}); }
+  void begin_row() {
+    rows_.push_back({group_, group_, static_cast<std::uint32_t>(cells_.size()), 0});
+  }
 
   void end_row() {
     Row& row = rows_.back();
@@ -274,6 +278,7 @@ class RowMaker {
       continued_ = &copies_.emplace_back();
       continued_group_ = group_;
     }
+    last_continued_group_ = group_;
     continued_->append(line);
     if (continued_->size() >= width) finish_continued_row();
   }
@@ -282,7 +287,8 @@ class RowMaker {
     if (!continued_) return;
     const std::u16string_view text = *continued_;
     continued_ = nullptr;
-    rows_.push_back({continued_group_, static_cast<std::uint32_t>(cells_.size()), 0});
+    rows_.push_back(
+        {continued_group_, last_continued_group_, static_cast<std::uint32_t>(cells_.size()), 0});
     std::size_t begin = 0;
     for (std::size_t c = 0; c < shape_.widths.size() && begin < text.size(); ++c) {
       const bool is_last = c + 1 == shape_.widths.size();
@@ -305,7 +311,8 @@ class RowMaker {
   }
 
   void add_cells(std::span<const CellText> cells) {
-    const std::size_t columns = plan_.columns.size();
+    // What a row is does not depend on columns that records before it added.
+    const std::size_t columns = plan_.num_of_layout;
     // Delimiters at the end of a line make empty cells, which are nothing that could be lost.
     while (cells.size() > columns && is_empty(cells.back())) cells = cells.first(cells.size() - 1);
     if (cells.size() > columns) return add_long_record(cells);
@@ -321,7 +328,7 @@ class RowMaker {
   void pad_row() { end_row(); }
 
   void add_long_record(std::span<const CellText> cells) {
-    const std::size_t columns = plan_.columns.size();
+    const std::size_t columns = plan_.num_of_layout;
     note(Oddity::long_row, columns + 1, block_.view(group()));
     switch (rules_.extra_columns_rule) {
       case extra_columns_action::addvars:
@@ -383,6 +390,7 @@ class RowMaker {
 
   std::u16string* continued_ = nullptr;
   std::uint32_t continued_group_ = 0;
+  std::uint32_t last_continued_group_ = 0;
 };
 
 // ---------------------------------------------------------------------------------------------
@@ -409,6 +417,9 @@ class BatchMaker {
     if (!made_.error) leave_rows_out(plan);
     settle_lines();
     note_ill_formed_parts();
+    const auto is_before = [](const auto& a, const auto& b) { return a.line < b.line; };
+    std::stable_sort(made_.places.begin(), made_.places.end(), is_before);
+    std::stable_sort(made_.rejects.begin(), made_.rejects.end(), is_before);
     const bool is_changed = plan.columns.size() > plan_.columns.size() || was_widened_;
     if (is_changed) {
       plan.version = plan_.version + 1;
@@ -528,26 +539,29 @@ class BatchMaker {
   }
 
   void settle_misfits(const TablePlan& plan) {
+    std::vector<std::pair<std::uint32_t, std::size_t>> places;  // row, column
     for (std::size_t c = 0; c < misfits_.size(); ++c) {
-      for (const std::uint32_t row : misfits_[c]) {
-        const std::u16string_view text = cell_at(row, c).view();
-        note(Oddity::misfit, row, c, text);
-        const std::string problem =
-            fmt::format("{}: '{}' is no {}", name_of(plan, c), shortened(text),
-                        to_string(plan.columns[c].cells.type));
-        switch (rules_.import_error_rule) {
-          case row_rule::omitrow:
-            leave_row_out(row, problem);
-            break;
-          case row_rule::error:
-            refuse(row, c, problem + ", and ImportErrorRule is error");
-            break;
-          default:
-            if (settings_.rejects != nullptr) {
-              made_.rejects.push_back(
-                  {group_of(row).first_line, std::u16string(block_.view(group_of(row))), problem});
-            }
-        }
+      for (const std::uint32_t row : misfits_[c]) places.emplace_back(row, c);
+    }
+    std::sort(places.begin(), places.end());
+    for (const auto& [row, c] : places) {
+      const std::u16string_view text = cell_at(row, c).view();
+      note(Oddity::misfit, row, c, text);
+      const std::string problem =
+          fmt::format("{}: '{}' is no {}", name_of(plan, c), shortened(text),
+                      to_string(plan.columns[c].cells.type));
+      switch (rules_.import_error_rule) {
+        case row_rule::omitrow:
+          leave_row_out(row, problem);
+          break;
+        case row_rule::error:
+          refuse(row, c, problem + ", and ImportErrorRule is error");
+          break;
+        default:
+          if (settings_.rejects != nullptr) {
+            made_.rejects.push_back(
+                {group_of(row).first_line, std::u16string(block_.view(group_of(row))), problem});
+          }
       }
     }
   }
@@ -597,7 +611,9 @@ class BatchMaker {
   void settle_lines() {
     std::vector<bool> has_row(block_.groups.size(), false);
     for (std::size_t r = 0; r < rows_.rows().size(); ++r) {
-      if (!is_row_left_out_[r]) has_row[rows_.rows()[r].group] = true;
+      if (is_row_left_out_[r]) continue;
+      const Row& row = rows_.rows()[r];
+      for (std::uint32_t i = row.group; i <= row.last_group; ++i) has_row[i] = true;
     }
     std::size_t end = rows_.num_groups();
     if (made_.error) {
@@ -619,7 +635,7 @@ class BatchMaker {
 
   // The places; the stream counts them.
   void note_ill_formed_parts() {
-    if (block_.ill_formed_parts == 0) return;
+    if (!block_.may_be_ill_formed) return;
     for (std::size_t r = 0; r < rows_.rows().size(); ++r) {
       for (std::size_t c = 0; c < rows_.rows()[r].num_cells; ++c) {
         const std::u16string_view text = cell_at(r, c).view();

@@ -78,6 +78,7 @@ bool has_quotes_in_cells(const Reading& reading, std::u16string_view head,
 Reading delimited_reading(const Layout& layout, std::u16string_view head,
                           const LineEndings& endings) {
   Reading reading{Form::delimited, layout.delimiters.empty() ? u"" : layout.delimiters[0]};
+  reading.comment_prefix = layout.dialect.comment_prefix;
   if (layout.delimiters.size() > 1) {
     reading.other_delimiters.assign(layout.delimiters.begin() + 1, layout.delimiters.end());
   }
@@ -103,7 +104,9 @@ Reading reading_of(const Layout& layout, std::u16string_view head, const LineEnd
     if (layout.is_framed) return {Form::framed, layout.delimiters.at(0)};
     return delimited_reading(layout, head, endings);
   }
-  return {Form::one, u"", layout.quote.value_or(0), layout.escape.value_or(0)};
+  Reading reading{Form::one, u"", layout.quote.value_or(0), layout.escape.value_or(0)};
+  reading.comment_prefix = layout.dialect.comment_prefix;
+  return reading;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -182,6 +185,7 @@ class StrategyCutter final : public RecordCutter {
     Records records(lines.text());
     const std::u16string_view text = lines.text().substr(0, lines.end());
     std::size_t line = 0;
+    while (line < lines.size() && lines.view(line).empty()) ++line;  // those that are hidden
     while (line < lines.size()) {
       const std::size_t begin = lines[line].begin;
       const Field rest(text.data() + begin, text.size() - begin);

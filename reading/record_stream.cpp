@@ -38,7 +38,9 @@ RecordStream::RecordStream(TextInput input, const Layout& layout, const ReadSett
       endings_(standalone::line_endings_of(settings.detect)),
       wraps_lines_(layout.mode == standalone::LayoutMode::fixed_width &&
                    settings.detect.options.partial_field_rule ==
-                       parser::partial_field_action::wrap) {
+                       parser::partial_field_action::wrap),
+      reads_blank_lines_(settings.detect.options.empty_line_rule ==
+                         parser::empty_line_action::read) {
   find_top();
   find_footer();
   read(std::max(settings_.window, layout_.characters_sampled));
@@ -120,8 +122,14 @@ std::size_t RecordStream::lines_in_whole_rows(const SampledLines& lines, std::si
   std::size_t whole = first;
   std::size_t length = 0;
   for (std::size_t k = first; k < end; ++k) {
-    length += lines.view(k).size();
-    if (length > 0 && length < width) continue;
+    const std::u16string_view line = lines.view(k);
+    const bool is_record = fate_of(next_line_ + k, line, true) == LineFate::data;
+    if (is_record) {
+      length += line.size();
+      if (length < width) continue;
+    } else if (length > 0 && !(assessment::is_blank(line) && reads_blank_lines_)) {
+      continue;
+    }
     length = 0;
     whole = k + 1;
   }
@@ -140,8 +148,6 @@ std::size_t RecordStream::lines_settled(const Cut& cut) const {
     }
   }
   if (input_.is_at_end()) return settled;
-  if (wraps_lines_) settled = lines_in_whole_rows(lines, num_above, settled);
-  if (footer_lines_ == 0) return settled;
   // Lines that may turn out to be a footer stay.
   std::size_t kept = 0;
   while (settled > num_above && kept < footer_lines_) {
@@ -155,6 +161,7 @@ std::size_t RecordStream::lines_settled(const Cut& cut) const {
     if (record.line + record.num_lines <= settled) break;
     settled = std::min<std::size_t>(settled, record.line);
   }
+  if (wraps_lines_) settled = lines_in_whole_rows(lines, num_above, settled);
   return settled;
 }
 
@@ -186,7 +193,7 @@ std::optional<Block> RecordStream::cut_block() {
   }
   Records records = cutter_->cut(lines);
   Cut cut{std::move(lines), num_above, std::move(records)};
-  const std::size_t settled = lines_settled(cut);
+  std::size_t settled = lines_settled(cut);
   if (settled == 0) return std::nullopt;
 
   Block block;
@@ -202,6 +209,12 @@ std::optional<Block> RecordStream::cut_block() {
         is_above ? fate_above(group.first_line, line) : fate_of(group.first_line, line, is_record);
     group.num_lines = is_record ? cut.records[record].num_lines : 1;
     const std::size_t last = k + group.num_lines - 1;
+    if (cut.lines[last].end - cut.lines[k].begin > settings_.longest_record) {
+      // What precedes it is given first.
+      if (k == 0) refuse_long_record();
+      settled = k;
+      break;
+    }
     group.begin = static_cast<std::uint32_t>(cut.lines[k].begin);
     group.end = group.begin + static_cast<std::uint32_t>(line.size());
     if (last > k) group.end = static_cast<std::uint32_t>(cut.lines[last].end);
@@ -227,6 +240,7 @@ std::optional<Block> RecordStream::cut_block() {
   next_line_ += settled;
   block.ill_formed_parts = input_.ill_formed_parts() - ill_formed_before_;
   ill_formed_before_ += block.ill_formed_parts;
+  block.may_be_ill_formed = ill_formed_before_ > 0;
   has_ended_ = !has_more && text_.size() == 0;
   return block;
 }

@@ -52,6 +52,9 @@ struct Block {
   // Ill-formed parts of the file that were read with this block. Those of its last lines may be in the next.
   std::size_t ill_formed_parts = 0;
 
+  // Whether there were any up to the end of the block.
+  bool may_be_ill_formed = false;
+
   std::u16string_view view(const LineGroup& group) const {
     return text.view().substr(group.begin, group.end - group.begin);
   }
@@ -87,6 +90,7 @@ class RecordStream {
   const ReadSettings& settings_;
   const assessment::LineEndings endings_;
   const bool wraps_lines_;
+  const bool reads_blank_lines_;  // as rows
   std::unique_ptr<RecordCutter> cutter_;
 
   TextBuffer text_;              // what follows the last block

@@ -132,6 +132,7 @@ void TablePlan::add_columns(std::size_t count) {
 TablePlan plan_of(const Layout& layout, const ReadSettings& settings) {
   const Planner planner(layout, settings);
   TablePlan plan;
+  plan.num_of_layout = layout.num_variables;
   for (std::size_t c = 0; c < layout.num_variables; ++c) {
     if (c < layout.names_unique.size()) {
       plan.columns.push_back({to_utf8_lossy(layout.names_unique[c]), {}, false});

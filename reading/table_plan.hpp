@@ -28,6 +28,9 @@ struct PlannedColumn {
 struct TablePlan {
   std::vector<PlannedColumn> columns;
 
+  // How many of them the layout has; longer records added the others.
+  std::size_t num_of_layout = 0;
+
   // How often the plan was changed.
   std::size_t version = 0;
 

@@ -7,9 +7,9 @@
 #include <cerrno>
 #include <condition_variable>
 #include <exception>
-#include <map>
 #include <mutex>
 #include <new>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -294,11 +294,21 @@ class TableReader::Work {
   // Threads
 
   // No more blocks than this wait to be taken.
-  std::size_t most_waiting() const { return settings_.num_threads + 1; }
+  std::size_t most_waiting() const { return std::size_t{settings_.num_threads} + 1; }
 
+  // If the system has fewer threads than are wanted, those that there are.
   void start_threads() {
-    for (unsigned i = 0; i < settings_.num_threads; ++i) {
-      threads_.emplace_back([this] { make_batches(); });
+    done_.resize(most_waiting());
+    threads_.reserve(settings_.num_threads);
+    try {
+      for (unsigned i = 0; i < settings_.num_threads; ++i) {
+        threads_.emplace_back([this] { make_batches(); });
+      }
+    } catch (const std::system_error&) {
+      if (threads_.empty()) settings_.num_threads = 1;
+    } catch (...) {
+      stop_threads();
+      throw;
     }
   }
 
@@ -320,7 +330,7 @@ class TableReader::Work {
       if (!made.failure && !made.is_end) make(made);
       {
         const std::lock_guard<std::mutex> lock(mutex_);
-        done_.emplace(number, std::move(made));
+        done_[number % done_.size()] = std::move(made);
       }
       is_done_.notify_one();
     }
@@ -367,8 +377,10 @@ class TableReader::Work {
 
   Made take_from_threads() {
     std::unique_lock<std::mutex> lock(mutex_);
-    is_done_.wait(lock, [this] { return done_.count(num_taken_) > 0; });
-    Made made = std::move(done_.extract(num_taken_).mapped());
+    std::optional<Made>& done = done_[num_taken_ % done_.size()];
+    is_done_.wait(lock, [&] { return done.has_value(); });
+    Made made = std::move(*done);
+    done.reset();
     ++num_taken_;
     lock.unlock();
     may_read_.notify_all();
@@ -394,7 +406,7 @@ class TableReader::Work {
   std::mutex mutex_;         // of the plan and of all below
   std::condition_variable may_read_;
   std::condition_variable is_done_;
-  std::map<std::uint64_t, Made> done_;
+  std::vector<std::optional<Made>> done_;  // block n is at n % size
   std::uint64_t num_read_ = 0;
   std::uint64_t num_taken_ = 0;
   bool is_read_ = false;
