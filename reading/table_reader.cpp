@@ -264,6 +264,12 @@ class TableReader::Work {
       has_ended_ = true;
       throw *made.error;
     }
+    if (made.plan) {
+      // All rows before lack a column that is added.
+      for (std::size_t c = plan_->columns.size(); c < made.plan->columns.size(); ++c) {
+        missing_[c] += account_.num_rows;
+      }
+    }
     account_.num_rows += made.batch.num_rows;
     if (!made.plan) return;
     const std::lock_guard<std::mutex> lock(mutex_);
