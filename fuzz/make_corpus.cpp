@@ -284,6 +284,35 @@ void make_columns(Seeds seeds) {
   }
 }
 
+// Tables with a detected layout, with layouts of choices, and tables made of choices.
+void make_reading(Seeds seeds, const std::vector<std::string>& examples) {
+  constexpr std::size_t kChoices = 24;
+  const std::string texts[] = {"a,b\n1,2\n3,4\n",
+                               "a,b,c\r\n1,\"x,\r\n\"\"y\",2.5\r\n3,,\r\n",
+                               "# a \"note\nn;m\n# \"\n1;2\n\n3;4;5\n",
+                               "x  y\n--- ---\n1  2\n 3 4\n",
+                               "ab 12\ncd 3\nef\n",
+                               "1,2\n1.5,x\nsum,3\n",
+                               "\xEF\xBB\xBFname,day\r\"Z\xC3\xBCrich\",2024-01-31\r\xFF,soon\r"};
+  for (const std::string& text : texts) {
+    seeds.add(zeros(kChoices) + text);
+    for (int layout = 0; layout < 8; ++layout) {
+      seeds.add(byte(1) + byte(layout == 7 ? 31 : 0) + zeros(6) + byte(2) + byte(0) + byte(layout) +
+                zeros(kChoices - 11) + text);
+    }
+  }
+  for (const std::string& text : examples) seeds.add(zeros(kChoices) + text.substr(0, 480));
+  std::uint32_t state = 1;
+  for (int i = 0; i < 24; ++i) {
+    std::string choices = byte(3) + zeros(kChoices - 1);
+    for (int k = 0; k < 400; ++k) {
+      state = state * 1664525U + 1013904223U;
+      choices += byte(static_cast<int>(state >> 24U));
+    }
+    seeds.add(choices);
+  }
+}
+
 std::vector<std::string> texts_of_files(const fs::path& folder) {
   std::set<fs::path> files;
   for (const auto& entry : fs::directory_iterator(folder)) files.insert(entry.path());
@@ -327,6 +356,7 @@ void make_all(const fs::path& folder, const fs::path& examples_folder) {
   make_assessment(Seeds(folder, "assessment"), examples);
   make_columns(Seeds(folder, "columns"));
   make_given(Seeds(folder, "given"), examples);
+  make_reading(Seeds(folder, "reading"), examples);
   make_tables(Seeds(folder, "detection"), 1, examples, {""});
   // Size of a read, read fault (3) or allocation, once or from then on, which one, trace, encoding.
   make_tables(Seeds(folder, "faults"), 2, examples,

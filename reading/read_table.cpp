@@ -117,6 +117,9 @@ Table read_all(Make make, const ReadSettings& settings) {
     ReadSettings again = settings;
     again.two_passes = true;
     table = all_of(make(again));
+    if (!are_alike(table.batches)) {
+      throw standalone::FileError("cannot read the table: the file changed while it was read");
+    }
   }
   if (settings.detect.options.collect_output) join(table.batches);
   return table;
