@@ -14,9 +14,9 @@ namespace textio::assessment {
 // Delimited, or a single column. A quote at the start of a cell opens a quoted cell, which ends at
 // the first delimiter or line ending with an even number of quotes before it. A quote that is not
 // closed within 400 lines is an ordinary character, unless the sample ends before the text does. After
-// `most_unclosed` such quotes all of them are, which keeps the cut linear.
+// `most_unclosed` such quotes all of them are, which keeps the cut linear. The memory of `used` is used again.
 Records cut_delimited(const SampledLines& lines, const Reading& reading,
-                      std::size_t most_unclosed = 8);
+                      std::size_t most_unclosed = 8, Records used = Records({}));
 
 // Frames: rules are left out, and so are bars at the ends of lines.
 Records cut_framed(const SampledLines& lines);

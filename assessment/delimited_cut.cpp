@@ -1,23 +1,34 @@
 #include <algorithm>
+#include <utility>
 
 #include <vltextstream/assessment/cuts.hpp>
 #include <vltextstream/assessment/find_unit.hpp>
+#include <vltextstream/assessment/unit_scan.hpp>
 
 namespace textio::assessment {
 namespace {
 
 constexpr std::size_t kLongestQuote = 400;  // lines
 
+char16_t first_of(const std::u16string& text) { return text.empty() ? u'\0' : text[0]; }
+
 class DelimitedCut {
  public:
-  DelimitedCut(const SampledLines& lines, const Reading& reading, std::size_t most_unclosed)
+  DelimitedCut(const SampledLines& lines, const Reading& reading, std::size_t most_unclosed,
+               Records used)
       : lines_(lines),
         reading_(reading),
         most_unclosed_(most_unclosed),
         has_one_delimiter_(reading.other_delimiters.empty()),
         looks_for_escapes_(reading.escape != 0 && reading.quote == 0),
+        is_simple_(has_one_delimiter_ && !looks_for_escapes_ && reading.delimiter.size() == 1 &&
+                   reading.delimiter[0] != reading.quote),
         text_(lines.text()),
-        records_(text_) {}
+        delimiters_(text_, first_of(reading.delimiter)),
+        quotes_(text_, reading.quote),
+        borders_(text_, first_of(reading.delimiter),
+                 reading.quote != 0 ? reading.quote : first_of(reading.delimiter)),
+        records_(Records::in_place_of(std::move(used), text_)) {}
 
   Records take() {
     while (line_ < lines_.size()) {
@@ -37,7 +48,12 @@ class DelimitedCut {
     is_open_ = false;
     records_.add_record(first_line);
     pos_ = lines_[line_].begin;
-    while (add_cell()) {
+    if (is_simple_) {
+      while (add_cells_before_quote() && add_cell()) {
+      }
+    } else {
+      while (add_cell()) {
+      }
     }
     records_.add_lines(line_ - first_line);
     ++line_;
@@ -46,6 +62,21 @@ class DelimitedCut {
   }
 
   std::size_t line_end() const { return lines_[line_].end; }
+
+  // Adds the cells of the line up to the first with a quote; false if there is none. Most lines have none.
+  bool add_cells_before_quote() {
+    const std::size_t end = line_end();
+    std::size_t begin = pos_;
+    for (;;) {
+      const std::size_t at = borders_.next(begin, end);
+      if (at < end && text_[at] == reading_.quote) break;
+      records_.add_cell(begin, at);
+      if (at == end) return false;
+      begin = at + 1;
+    }
+    pos_ = begin;
+    return true;
+  }
 
   // Adds the cell at pos_; whether another one follows.
   bool add_cell() {
@@ -76,11 +107,10 @@ class DelimitedCut {
     return true;
   }
 
-  std::size_t find_delimiter(std::size_t from) const {
+  std::size_t find_delimiter(std::size_t from) {
     if (reading_.delimiter.empty()) return line_end();
     if (looks_for_escapes_ || !has_one_delimiter_) return find_unescaped(from);
-    if (reading_.delimiter.size() == 1)
-      return find_unit(text_, reading_.delimiter[0], from, line_end());
+    if (reading_.delimiter.size() == 1) return delimiters_.next(from, line_end());
     return find_text(text_, reading_.delimiter, from, line_end());
   }
 
@@ -142,6 +172,8 @@ class DelimitedCut {
         ++i;
       } else if (!inside && is_delimiter_at(i)) {
         return finish_quoted(open, i);
+      } else if (inside && reading_.escape == 0) {
+        i = quotes_.next(i, line_end());
       } else {
         ++i;
       }
@@ -171,7 +203,11 @@ class DelimitedCut {
   const std::size_t most_unclosed_;
   const bool has_one_delimiter_;
   const bool looks_for_escapes_;
+  const bool is_simple_;  // a delimiter of one unit that nothing escapes outside quotes
   const std::u16string_view text_;
+  UnitScan delimiters_;  // the first unit of the delimiter
+  UnitScan quotes_;
+  UnitScan borders_;  // either
   Records records_;
   std::size_t line_ = 0;
   std::size_t pos_ = 0;
@@ -181,9 +217,9 @@ class DelimitedCut {
 
 }  // namespace
 
-Records cut_delimited(const SampledLines& lines, const Reading& reading,
-                      std::size_t most_unclosed) {
-  return DelimitedCut(lines, reading, most_unclosed).take();
+Records cut_delimited(const SampledLines& lines, const Reading& reading, std::size_t most_unclosed,
+                      Records used) {
+  return DelimitedCut(lines, reading, most_unclosed, std::move(used)).take();
 }
 
 }  // namespace textio::assessment

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <vltextstream/assessment/cell_kind.hpp>
@@ -44,6 +45,16 @@ class Records {
     return text_.substr(cell.begin, cell.end - cell.begin);
   }
   std::u16string_view text() const { return text_; }
+
+  // The memory of records that are not used any more goes to those of `text`.
+  static Records in_place_of(Records&& used, std::u16string_view text) {
+    Records records(text);
+    records.cells_ = std::move(used.cells_);
+    records.records_ = std::move(used.records_);
+    records.cells_.clear();
+    records.records_.clear();
+    return records;
+  }
 
   // A record that begins on line `line`; cells are added to the last record.
   void add_record(std::size_t line) {

@@ -21,9 +21,11 @@ std::u16string_view without_comment_sign(std::u16string_view line) {
   return trimmed(line);
 }
 
-SampledLines::SampledLines(std::u16string_view text, std::vector<TextLine> lines, bool has_more)
+SampledLines::SampledLines(std::u16string_view text, std::vector<TextLine> lines, bool has_more,
+                           bool looks_for_comments)
     : text_(text), lines_(std::move(lines)), is_comment_(lines_.size()), has_more_(has_more) {
   for (const TextLine& line : lines_) characters_ |= line.characters;
+  if (!looks_for_comments) return;
   std::size_t first_other = 0;
   while (first_other < size() &&
          (is_blank(view(first_other)) || has_comment_sign(view(first_other)))) {

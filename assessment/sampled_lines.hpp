@@ -46,7 +46,9 @@ struct LineRules {
 
 class SampledLines {
  public:
-  SampledLines(std::u16string_view text, std::vector<TextLine> lines, bool has_more);
+  // Without `looks_for_comments` no line is a comment.
+  SampledLines(std::u16string_view text, std::vector<TextLine> lines, bool has_more,
+               bool looks_for_comments = true);
 
   std::size_t size() const { return lines_.size(); }
   bool empty() const { return lines_.empty(); }

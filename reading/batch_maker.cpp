@@ -6,8 +6,8 @@
 
 #include <fmt/format.h>
 
-#include <vltextstream/assessment/find_unit.hpp>
 #include <vltextstream/assessment/sampled_lines.hpp>
+#include <vltextstream/assessment/unit_scan.hpp>
 #include <vltextstream/text/utf8.hpp>
 
 namespace textio::reading {
@@ -22,8 +22,10 @@ using parser::partial_field_action;
 using parser::row_rule;
 using standalone::LayoutMode;
 
-// So many rows are turned into columns at once that their text and cells stay in the cache.
-constexpr std::size_t kChunkRows = 512;
+// So many rows are turned into columns at once that their text and cells stay in the nearest cache. The cells of a
+// column are so far from those of the next that these do not compete for the same places in it, as powers of two do.
+constexpr std::size_t kChunkRows = 64;
+constexpr std::size_t kColumnStep = kChunkRows + 4;
 
 constexpr std::size_t kLongestText = 100;  // of an odd place
 constexpr double kExcelEpoch = 25'569.0;   // days from 1899-12-30 to 1970-01-01
@@ -34,14 +36,6 @@ std::string shortened(std::u16string_view text) {
   if (length < text.size() && (text[length] & 0xFC00) == 0xDC00) --length;
   return to_utf8_lossy(text.substr(0, length));
 }
-
-// A row of the table: a record, a part of one, several, or a blank line.
-struct Row {
-  std::uint32_t group = 0;
-  std::uint32_t last_group = 0;
-  std::uint32_t first_cell = 0;
-  std::uint32_t num_cells = 0;
-};
 
 // Dates as spreadsheets count them: days since 1899-12-30.
 void turn_into_excel_dates(Column& column) {
@@ -69,8 +63,19 @@ void turn_into_excel_dates(Column& column) {
 class RowMaker {
  public:
   RowMaker(const Block& block, const TablePlan& plan, const RecordShape& shape,
-           const parser::options& rules, MadeBatch& made)
-      : block_(block), plan_(plan), shape_(shape), rules_(rules), made_(made) {
+           const parser::options& rules, MadeBatch& made, BatchRoom& room)
+      : block_(block),
+        plan_(plan),
+        shape_(shape),
+        rules_(rules),
+        made_(made),
+        rows_(room.rows),
+        cells_(room.cells),
+        copied_(room.copied),
+        marks_(block.text.view(), shape.quote != 0 ? shape.quote : shape.escape,
+               shape.escape != 0 ? shape.escape : shape.quote) {
+    rows_.clear();
+    cells_.clear();
     is_left_out_.resize(block.groups.size(), false);
   }
 
@@ -134,6 +139,9 @@ class RowMaker {
 
   void add_record(std::span<const Cell> record) {
     if (shape_.mode == LayoutMode::fixed_width && !is_whole_line(record)) return;
+    if (record.size() <= plan_.columns.size() && !has_rules_for_delimiters()) {
+      return add_ordinary(record);
+    }
     cells_of_record_.clear();
     for (const Cell& cell : record) cells_of_record_.push_back(text_of(cell));
     if (shape_.mode == LayoutMode::delimited) {
@@ -143,55 +151,91 @@ class RowMaker {
     add_cells(cells_of_record_);
   }
 
+  bool has_rules_for_delimiters() const {
+    return shape_.mode == LayoutMode::delimited &&
+           (rules_.leading_delimiters_rule != leading_delimiters_action::keep ||
+            rules_.consecutive_delimiters_rule != consecutive_delimiters_action::split);
+  }
+
+  // A record with no more cells than columns.
+  void add_ordinary(std::span<const Cell> record) {
+    begin_row();
+    for (const Cell& cell : record) cells_.push_back(text_of(cell));
+    if (record.size() < plan_.columns.size()) {
+      note(Oddity::short_row, record.size() + 1, block_.view(group()));
+    }
+    end_row();
+  }
+
   // ------------------------------------------------------------------------------------------
   // Cells
 
   CellText text_of(const Cell& cell) {
     const char16_t* const text = block_.text.data();
-    if (cell.is_quoted)
-      return unquoted(block_.text.view().substr(cell.begin, cell.end - cell.begin));
+    if (cell.is_quoted) return unquoted(cell);
     std::size_t begin = cell.begin;
     std::size_t end = cell.end;
     if (shape_.blanks_after_delimiters) {
       while (begin < end && text[begin] == u' ') ++begin;
     }
-    if (shape_.quote == 0 && shape_.escape != 0) return unescaped({text + begin, end - begin});
+    if (shape_.quote == 0 && shape_.escape != 0)
+      return unescaped({static_cast<std::uint32_t>(begin), cell.end});
     return {text + begin, static_cast<std::uint32_t>(end - begin), false, false};
   }
 
   // Without the second one of doubled quotes, and without escapes.
-  CellText unquoted(std::u16string_view text) {
-    const bool is_plain =
-        assessment::find_unit(text, shape_.quote, 0, text.size()) == text.size() &&
-        (shape_.escape == 0 ||
-         assessment::find_unit(text, shape_.escape, 0, text.size()) == text.size());
-    if (is_plain || shape_.quote == 0) {
-      return {text.data(), static_cast<std::uint32_t>(text.size()), true, false};
+  CellText unquoted(const Cell& cell) {
+    const std::u16string_view text = block_.text.view();
+    if (shape_.quote == 0) return {text.data() + cell.begin, cell.end - cell.begin, true, false};
+    std::size_t at = marks_.next(cell.begin, cell.end);
+    if (at == cell.end) return {text.data() + cell.begin, cell.end - cell.begin, true, false};
+    char16_t* const copy = room_for_copy(cell);
+    char16_t* out = copy;
+    for (std::size_t from = cell.begin;;) {
+      out = std::copy(text.begin() + from, text.begin() + at, out);
+      if (at == cell.end) break;
+      const char16_t mark = text[at];
+      const char16_t next = at + 1 < cell.end ? text[at + 1] : u'\0';
+      const bool is_escape = shape_.escape != 0 && mark == shape_.escape && at + 1 < cell.end &&
+                             (next == shape_.quote || next == shape_.escape);
+      const bool is_doubled = mark == shape_.quote && at + 1 < cell.end && next == shape_.quote;
+      if (is_escape || is_doubled) ++at;
+      *out++ = text[at];
+      from = at + 1;
+      at = marks_.next(from, cell.end);
     }
-    std::u16string& copy = copies_.emplace_back();
-    copy.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-      const bool is_escape = shape_.escape != 0 && text[i] == shape_.escape &&
-                             i + 1 < text.size() &&
-                             (text[i + 1] == shape_.quote || text[i + 1] == shape_.escape);
-      const bool is_doubled =
-          text[i] == shape_.quote && i + 1 < text.size() && text[i + 1] == shape_.quote;
-      if (is_escape || is_doubled) ++i;
-      copy.push_back(text[i]);
-    }
-    return {copy.data(), static_cast<std::uint32_t>(copy.size()), true, false};
+    return finish_copy(copy, out, true);
   }
 
-  CellText unescaped(std::u16string_view text) {
-    if (assessment::find_unit(text, shape_.escape, 0, text.size()) == text.size()) {
-      return {text.data(), static_cast<std::uint32_t>(text.size()), false, false};
+  CellText unescaped(const Cell& cell) {
+    const std::u16string_view text = block_.text.view();
+    if (marks_.next(cell.begin, cell.end) == cell.end) {
+      return {text.data() + cell.begin, cell.end - cell.begin, false, false};
     }
-    std::u16string& copy = copies_.emplace_back();
-    for (std::size_t i = 0; i < text.size(); ++i) {
-      if (text[i] == shape_.escape && i + 1 < text.size()) ++i;
-      copy.push_back(text[i]);
+    char16_t* const copy = room_for_copy(cell);
+    char16_t* out = copy;
+    for (std::size_t i = cell.begin; i < cell.end; ++i) {
+      if (text[i] == shape_.escape && i + 1 < cell.end) ++i;
+      *out++ = text[i];
     }
-    return {copy.data(), static_cast<std::uint32_t>(copy.size()), false, false};
+    return finish_copy(copy, out, false);
+  }
+
+  // A copy is not longer than its cell, and each cell is copied once: there is room for all if there is room for
+  // the text of the block.
+  char16_t* room_for_copy(const Cell& cell) {
+    if (!has_room_) {
+      copied_.clear();
+      copied_.room_for(block_.text.size());
+      has_room_ = true;
+    }
+    return copied_.room_for(cell.end - cell.begin);
+  }
+
+  CellText finish_copy(const char16_t* copy, const char16_t* end, bool is_quoted) {
+    const auto length = static_cast<std::uint32_t>(end - copy);
+    copied_.add(length);
+    return {copy, length, is_quoted, false};
   }
 
   static bool is_empty(const CellText& cell) {
@@ -379,8 +423,11 @@ class RowMaker {
   const parser::options& rules_;
   MadeBatch& made_;
 
-  std::vector<Row> rows_;
-  std::vector<CellText> cells_;
+  std::vector<Row>& rows_;
+  std::vector<CellText>& cells_;
+  TextBuffer& copied_;
+  bool has_room_ = false;
+  assessment::UnitScan marks_;  // of quotes and escapes
   std::vector<CellText> cells_of_record_;
   std::deque<std::u16string> copies_;
   std::vector<bool> is_left_out_;
@@ -399,12 +446,13 @@ class RowMaker {
 class BatchMaker {
  public:
   BatchMaker(const Block& block, const TablePlan& plan, const RecordShape& shape,
-             const ReadSettings& settings)
+             const ReadSettings& settings, BatchRoom& room)
       : block_(block),
         plan_(plan),
         settings_(settings),
         rules_(settings.detect.options),
-        rows_(block, plan, shape, rules_, made_) {}
+        matrix_(room.matrix),
+        rows_(block, plan, shape, rules_, made_, room) {}
 
   MadeBatch take() {
     rows_.make();
@@ -439,19 +487,23 @@ class BatchMaker {
     const std::size_t num_columns = plan.columns.size();
     std::vector<ColumnBuilder> builders;
     builders.reserve(num_columns);
-    for (const PlannedColumn& column : plan.columns) builders.emplace_back(column.cells);
+    for (const PlannedColumn& column : plan.columns) {
+      builders.emplace_back(column.cells).reserve(rows.size());
+    }
     misfits_.assign(num_columns, {});
     Batch& batch = made_.batch;
     batch = {};
     bool has_widened = false;
-    std::vector<CellText> matrix(kChunkRows * num_columns);
+    if (matrix_.size() < kColumnStep * num_columns) matrix_.resize(kColumnStep * num_columns);
+    CellText* const matrix = matrix_.data();
+    batch.lines.reserve(rows.size());
     std::vector<std::uint32_t> chunk_rows;
     std::vector<std::uint32_t> misfits;
     const auto flush = [&] {
       for (std::size_t c = 0; c < num_columns; ++c) {
         if (plan.columns[c].is_left_out) continue;
         misfits.clear();
-        builders[c].append({matrix.data() + c * kChunkRows, chunk_rows.size()}, misfits);
+        builders[c].append({matrix + c * kColumnStep, chunk_rows.size()}, misfits);
         for (const std::uint32_t index : misfits) misfits_[c].push_back(chunk_rows[index]);
       }
       chunk_rows.clear();
@@ -461,9 +513,12 @@ class BatchMaker {
       const Row& row = rows[r];
       const std::size_t at = chunk_rows.size();
       const CellText* const cells = rows_.cells().data() + row.first_cell;
-      for (std::size_t c = 0; c < row.num_cells; ++c) matrix[c * kChunkRows + at] = cells[c];
+      for (std::size_t c = 0; c < row.num_cells; ++c) {
+        matrix[c * kColumnStep + at] = cells[c];
+        __builtin_prefetch(cells[c].data);
+      }
       for (std::size_t c = row.num_cells; c < num_columns; ++c) {
-        matrix[c * kChunkRows + at] = {nullptr, 0, false, true};
+        matrix[c * kColumnStep + at] = {nullptr, 0, false, true};
       }
       chunk_rows.push_back(static_cast<std::uint32_t>(r));
       batch.lines.push_back(group_of(r).first_line);
@@ -651,6 +706,7 @@ class BatchMaker {
   const TablePlan& plan_;
   const ReadSettings& settings_;
   const parser::options& rules_;
+  std::vector<CellText>& matrix_;
   MadeBatch made_;
   RowMaker rows_;
   std::vector<std::vector<std::uint32_t>> misfits_;  // of each column: rows
@@ -663,8 +719,8 @@ class BatchMaker {
 }  // namespace
 
 MadeBatch make_batch(const Block& block, const TablePlan& plan, const RecordShape& shape,
-                     const ReadSettings& settings) {
-  return BatchMaker(block, plan, shape, settings).take();
+                     const ReadSettings& settings, BatchRoom& room) {
+  return BatchMaker(block, plan, shape, settings, room).take();
 }
 
 }  // namespace textio::reading

@@ -1,6 +1,7 @@
 // make_batch: turns the records of a block into columns, by the rules of the caller.
 //
-//   MadeBatch made = make_batch(block, plan, shape, settings);
+//   BatchRoom room;   // for all batches of a thread
+//   MadeBatch made = make_batch(block, plan, shape, settings, room);
 //   made.batch.columns[0];
 //   made.fates;               // what became of the lines
 //   if (made.plan) ...        // from this block on, the plan has wider types or more columns
@@ -20,6 +21,7 @@
 
 #include <vltextstream/layout/layout.hpp>
 #include <vltextstream/reading/account.hpp>
+#include <vltextstream/reading/column_builder.hpp>
 #include <vltextstream/reading/record_stream.hpp>
 #include <vltextstream/reading/table_plan.hpp>
 #include <vltextstream/reading/table_reader.hpp>
@@ -63,7 +65,23 @@ struct MadeBatch {
   std::optional<ReadError> error;
 };
 
+// A row of the table: a record, a part of one, several, or a blank line.
+struct Row {
+  std::uint32_t group = 0;
+  std::uint32_t last_group = 0;
+  std::uint32_t first_cell = 0;
+  std::uint32_t num_cells = 0;
+};
+
+// Memory that one batch after the other uses.
+struct BatchRoom {
+  std::vector<Row> rows;
+  std::vector<CellText> cells;
+  std::vector<CellText> matrix;
+  TextBuffer copied;  // texts of cells without their escapes
+};
+
 MadeBatch make_batch(const Block& block, const TablePlan& plan, const RecordShape& shape,
-                     const ReadSettings& settings);
+                     const ReadSettings& settings, BatchRoom& room);
 
 }  // namespace textio::reading

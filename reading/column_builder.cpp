@@ -160,6 +160,8 @@ class ColumnBuilder::Values {
     size_ = end_;
   }
 
+  void reserve(std::size_t count) { reserve_values(size_ + count); }
+
   Column take() {
     Column column;
     column.type = plan_.type;
@@ -182,6 +184,7 @@ class ColumnBuilder::Values {
   virtual void append_values(std::span<const CellText> cells,
                              std::vector<std::uint32_t>& misfits) = 0;
   virtual void take_values(Column& column) = 0;
+  virtual void reserve_values(std::size_t count) = 0;  // in all
 
   std::size_t size() const { return size_; }
   std::size_t end() const { return end_; }  // after the cells that are being appended
@@ -264,6 +267,8 @@ class ColumnBuilder::Scalars : public Values {
     if constexpr (requires { reader_.is_utc(); }) column.is_utc = reader_.is_utc();
   }
 
+  void reserve_values(std::size_t count) override { values_.reserve(count); }
+
   Reader reader_;
   std::vector<Value> values_;
 };
@@ -286,6 +291,7 @@ class ColumnBuilder::Booleans : public Values {
   }
 
   void take_values(Column& column) override { column.booleans = std::exchange(bits_, {}); }
+  void reserve_values(std::size_t count) override { bits_.reserve(bytes_of_bits(count)); }
 
   BooleanReader reader_;
   std::vector<std::uint8_t> bits_;
@@ -315,6 +321,8 @@ class ColumnBuilder::Decimals : public Values {
     column.offsets = std::exchange(offsets_, {0});
     column.bytes = std::exchange(bytes_, {});
   }
+
+  void reserve_values(std::size_t count) override { offsets_.reserve(count + 1); }
 
   NumberParser parser_;
   std::vector<std::int64_t> offsets_{0};
@@ -349,6 +357,8 @@ class ColumnBuilder::Texts : public Values {
     column.bytes = std::exchange(bytes_, {});
   }
 
+  void reserve_values(std::size_t count) override { offsets_.reserve(count + 1); }
+
   std::vector<std::int64_t> offsets_{0};
   std::string bytes_;
 };
@@ -379,6 +389,8 @@ class ColumnBuilder::Categories : public Values {
     column.words.reserve(words_.size());
     for (const std::u16string& word : words_) column.words.push_back(to_utf8_lossy(word));
   }
+
+  void reserve_values(std::size_t count) override { codes_.reserve(count); }
 
   static std::uint64_t hash_of(View text) {
     constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
@@ -460,6 +472,8 @@ ColumnBuilder& ColumnBuilder::operator=(ColumnBuilder&&) noexcept = default;
 ColumnBuilder::~ColumnBuilder() = default;
 
 const ColumnPlan& ColumnBuilder::plan() const { return values_->plan(); }
+
+void ColumnBuilder::reserve(std::size_t count) { values_->reserve(count); }
 
 void ColumnBuilder::append(std::span<const CellText> cells, std::vector<std::uint32_t>& misfits) {
   values_->append(cells, misfits);

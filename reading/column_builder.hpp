@@ -84,6 +84,9 @@ class ColumnBuilder {
 
   const ColumnPlan& plan() const;
 
+  // Room for so many values more, as a hint.
+  void reserve(std::size_t count);
+
   // Appends a value for each cell. The positions in `cells` of those that are misfits are appended to `misfits`.
   void append(std::span<const CellText> cells, std::vector<std::uint32_t>& misfits);
 

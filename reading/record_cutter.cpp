@@ -7,6 +7,7 @@
 
 #include <vltextstream/assessment/cuts.hpp>
 #include <vltextstream/assessment/reading.hpp>
+#include <vltextstream/assessment/unit_scan.hpp>
 #include <vltextstream/layout/given_settings.hpp>
 #include <vltextstream/strategy/delimited_strategy.hpp>
 #include <vltextstream/strategy/line_reader_strategy.hpp>
@@ -39,14 +40,14 @@ class JudgedCutter final : public RecordCutter {
  public:
   explicit JudgedCutter(Reading reading) : reading_(std::move(reading)) {}
 
-  Records cut(const SampledLines& lines) override {
+  Records cut(const SampledLines& lines, Records used) override {
     switch (reading_.form) {
       case Form::framed:
         return assessment::cut_framed(lines);
       case Form::runs:
         return assessment::cut_runs(lines, reading_.least_blanks, reading_.most_cells);
       default:
-        return assessment::cut_delimited(lines, reading_, kMostUnclosedQuotes);
+        return assessment::cut_delimited(lines, reading_, kMostUnclosedQuotes, std::move(used));
     }
   }
 
@@ -119,8 +120,8 @@ class WidthsCutter final : public RecordCutter {
     for (const std::size_t width : widths) ends_.push_back(end += width);
   }
 
-  Records cut(const SampledLines& lines) override {
-    Records records(lines.text());
+  Records cut(const SampledLines& lines, Records used) override {
+    Records records = Records::in_place_of(std::move(used), lines.text());
     for (std::size_t k = 0; k < lines.size(); ++k) {
       const std::u16string_view line = lines.view(k);
       if (assessment::is_blank(line)) continue;
@@ -181,8 +182,8 @@ class StrategyCutter final : public RecordCutter {
   }
 
   // The engine ends a text at a U+FFFF, so the lines are cut piece by piece between those.
-  Records cut(const SampledLines& lines) override {
-    Records records(lines.text());
+  Records cut(const SampledLines& lines, Records used) override {
+    Records records = Records::in_place_of(std::move(used), lines.text());
     const std::u16string_view text = lines.text().substr(0, lines.end());
     std::size_t line = 0;
     while (line < lines.size() && lines.view(line).empty()) ++line;  // those that are hidden
@@ -252,34 +253,34 @@ class StrategyCutter final : public RecordCutter {
   std::vector<Field> fields_;
 };
 
-// The next "\n" and "\r" of a text.
+// The lines of a text, one after the other.
 class LineScan {
  public:
   LineScan(std::u16string_view text, const LineEndings& endings)
       : text_(text),
         endings_(endings),
-        lf_(endings.has_lf ? text.find(u'\n') : text.npos),
-        cr_(endings.has_cr || endings.has_crlf ? text.find(u'\r') : text.npos) {}
+        ends_(text, endings.has_lf ? u'\n' : u'\r',
+              endings.has_cr || endings.has_crlf ? u'\r' : u'\n') {}
 
   // The line at `pos`; its next is npos if it has no ending.
   TextLine line_at(std::size_t pos) {
-    for (std::size_t from = pos;;) {
-      if (lf_ < from) lf_ = text_.find(u'\n', from);
-      if (cr_ < from) cr_ = text_.find(u'\r', from);
-      if (lf_ == text_.npos && cr_ == text_.npos) return {pos, text_.size(), text_.npos};
-      if (lf_ < cr_) return {pos, lf_, lf_ + 1};
-      const bool is_crlf = endings_.has_crlf && text_.substr(cr_, 2) == u"\r\n";
-      if (is_crlf) return {pos, cr_, cr_ + 2};
-      if (endings_.has_cr) return {pos, cr_, cr_ + 1};
-      from = cr_ + 1;
+    for (std::size_t at = pos;; ++at) {
+      at = ends_.next(at, text_.size());
+      if (at == text_.size()) return {pos, at, text_.npos};
+      if (text_[at] == u'\n') {
+        if (endings_.has_lf) return {pos, at, at + 1};
+      } else if (endings_.has_crlf && text_.substr(at, 2) == u"\r\n") {
+        return {pos, at, at + 2};
+      } else if (endings_.has_cr) {
+        return {pos, at, at + 1};
+      }
     }
   }
 
  private:
   const std::u16string_view text_;
   const LineEndings& endings_;
-  std::size_t lf_;
-  std::size_t cr_;
+  assessment::UnitScan ends_;
 };
 
 }  // namespace
@@ -303,7 +304,7 @@ SampledLines lines_of(std::u16string_view text, bool has_more, const LineEndings
     lines.push_back(line);
     pos = line.next;
   }
-  return {text, std::move(lines), has_more};
+  return {text, std::move(lines), has_more, with_characters};
 }
 
 std::unique_ptr<RecordCutter> cutter_of(const Layout& layout,

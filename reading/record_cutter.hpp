@@ -32,10 +32,11 @@ class RecordCutter {
   virtual ~RecordCutter() = default;
 
   // `lines.has_more()` says that the text goes on after the last line, which is complete. Then the last record may
-  // go on, too: see Records::is_open.
-  virtual assessment::Records cut(const assessment::SampledLines& lines) = 0;
+  // go on, too: see Records::is_open. The memory of `used`, records that nobody needs any more, may be used again.
+  virtual assessment::Records cut(const assessment::SampledLines& lines,
+                                  assessment::Records used = assessment::Records({})) = 0;
 
-  // Whether `cut` looks at the characters of each line that SampledLines keeps.
+  // Whether `cut` looks at the characters of each line that SampledLines keeps, or asks which are comments.
   virtual bool needs_characters() const { return false; }
 
   // Whether a quote within a quoted cell is escaped by this besides being doubled; 0: it is not.
@@ -48,7 +49,8 @@ std::unique_ptr<RecordCutter> cutter_of(const standalone::Layout& layout,
                                         const standalone::DetectSettings& settings,
                                         std::u16string_view head);
 
-// The complete lines of `text`, and the last one without an ending if the text ends there.
+// The complete lines of `text`, and the last one without an ending if the text ends there. `with_characters`: also what
+// SampledLines knows of their characters and comments.
 assessment::SampledLines lines_of(std::u16string_view text, bool has_more,
                                   const assessment::LineEndings& endings, bool with_characters);
 

@@ -165,9 +165,9 @@ std::size_t RecordStream::lines_settled(const Cut& cut) const {
   return settled;
 }
 
-std::optional<Block> RecordStream::next() {
+std::optional<Block> RecordStream::next(Block used) {
   while (!has_ended_) {
-    if (std::optional<Block> block = cut_block()) return block;
+    if (std::optional<Block> block = cut_block(used)) return block;
     if (input_.is_at_end()) {
       has_ended_ = true;
       break;
@@ -179,7 +179,7 @@ std::optional<Block> RecordStream::next() {
 }
 
 // None if the buffer has no settled line.
-std::optional<Block> RecordStream::cut_block() {
+std::optional<Block> RecordStream::cut_block(Block& used) {
   if (text_.size() < settings_.window) read(settings_.window);
   const bool has_more = !input_.is_at_end();
   SampledLines lines = lines_of(text_.view(), has_more, endings_, cutter_->needs_characters());
@@ -191,12 +191,14 @@ std::optional<Block> RecordStream::cut_block() {
     for (std::size_t k = 0; k < num_above; ++k) above[k] = k;
     lines.hide(above);
   }
-  Records records = cutter_->cut(lines);
+  Records records = cutter_->cut(lines, std::move(used.records));
   Cut cut{std::move(lines), num_above, std::move(records)};
   std::size_t settled = lines_settled(cut);
   if (settled == 0) return std::nullopt;
 
   Block block;
+  block.groups = std::move(used.groups);
+  block.groups.clear();
   std::size_t record = 0;
   for (std::size_t k = 0; k < settled;) {
     const bool is_above = k < num_above;
@@ -231,7 +233,8 @@ std::optional<Block> RecordStream::cut_block() {
   if (!has_more && settled == cut.lines.size()) mark_footer(block.groups);
 
   const std::size_t end = cut.lines[settled - 1].next;
-  TextBuffer rest;
+  TextBuffer rest = std::move(used.text);
+  rest.clear();
   rest.room_for(std::max(settings_.window + 65'552, text_.size() - end));
   rest.append(text_.view().substr(end));
   block.text = std::move(text_);

@@ -65,8 +65,9 @@ class RecordStream {
   // `layout` and `settings` must outlive the stream.
   RecordStream(TextInput input, const standalone::Layout& layout, const ReadSettings& settings);
 
-  // The next lines, at least one; none at the end of the text.
-  std::optional<Block> next();
+  // The next lines, at least one; none at the end of the text. The memory of `used`, a block that nobody needs any
+  // more, is used again.
+  std::optional<Block> next(Block used = {});
 
   const RecordCutter& cutter() const { return *cutter_; }
 
@@ -76,7 +77,7 @@ class RecordStream {
   void find_top();
   void find_footer();
   void read(std::size_t units);
-  std::optional<Block> cut_block();
+  std::optional<Block> cut_block(Block& used);
   LineFate fate_above(std::uint64_t line, std::u16string_view text) const;
   LineFate fate_of(std::uint64_t line, std::u16string_view text, bool is_record) const;
   std::size_t lines_settled(const Cut& cut) const;

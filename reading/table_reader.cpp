@@ -170,6 +170,7 @@ class TableReader::Work {
         break;
       }
       settle(made->batch, made->block.ill_formed_parts);
+      keep_used(std::move(made->block));
       if (made->batch.batch.num_rows > 0) return std::move(made->batch.batch);
     }
     return std::nullopt;
@@ -232,17 +233,17 @@ class TableReader::Work {
 
   std::optional<Made> next_made() {
     if (settings_.num_threads <= 1) {
-      std::optional<Block> block = stream_->next();
+      std::optional<Block> block = stream_->next(take_used());
       if (!block) return std::nullopt;
       Made made{std::move(*block), {}};
-      made.batch = make_batch(made.block, *plan_, shape_, settings_);
+      made.batch = make_batch(made.block, *plan_, shape_, settings_, room_);
       return made;
     }
     Made made = take_from_threads();
     if (made.failure) std::rethrow_exception(made.failure);
     if (made.is_end) return std::nullopt;
     if (made.version != plan_->version) {
-      made.batch = make_batch(made.block, *plan_, shape_, settings_);
+      made.batch = make_batch(made.block, *plan_, shape_, settings_, room_);
     }
     return made;
   }
@@ -297,6 +298,22 @@ class TableReader::Work {
   }
 
   // ------------------------------------------------------------------------------------------------
+  // Memory of blocks, which are used again: memory that is new costs more than what is done with it
+
+  Block take_used() {
+    const std::lock_guard<std::mutex> lock(used_mutex_);
+    if (used_.empty()) return {};
+    Block block = std::move(used_.back());
+    used_.pop_back();
+    return block;
+  }
+
+  void keep_used(Block block) {
+    const std::lock_guard<std::mutex> lock(used_mutex_);
+    used_.push_back(std::move(block));
+  }
+
+  // ------------------------------------------------------------------------------------------------
   // Threads
 
   // No more blocks than this wait to be taken.
@@ -329,11 +346,12 @@ class TableReader::Work {
 
   // What each thread does: read a block, make it, put it where it is waited for.
   void make_batches() {
+    BatchRoom room;
     for (;;) {
       Made made;
       std::uint64_t number = 0;
       if (!read_block(made, number)) return;
-      if (!made.failure && !made.is_end) make(made);
+      if (!made.failure && !made.is_end) make(made, room);
       {
         const std::lock_guard<std::mutex> lock(mutex_);
         done_[number % done_.size()] = std::move(made);
@@ -354,7 +372,7 @@ class TableReader::Work {
       number = num_read_++;
     }
     try {
-      std::optional<Block> block = stream_->next();
+      std::optional<Block> block = stream_->next(take_used());
       made.is_end = !block;
       if (block) made.block = std::move(*block);
     } catch (...) {
@@ -367,7 +385,7 @@ class TableReader::Work {
     return true;
   }
 
-  void make(Made& made) {
+  void make(Made& made, BatchRoom& room) {
     try {
       Plan plan;
       {
@@ -375,7 +393,7 @@ class TableReader::Work {
         plan = plan_;
       }
       made.version = plan->version;
-      made.batch = make_batch(made.block, *plan, shape_, settings_);
+      made.batch = make_batch(made.block, *plan, shape_, settings_, room);
     } catch (...) {
       made.failure = std::current_exception();
     }
@@ -406,6 +424,10 @@ class TableReader::Work {
   std::vector<std::size_t> misfits_;
   std::vector<std::size_t> cut_short_;
   bool has_ended_ = false;
+
+  BatchRoom room_;  // of the thread that calls next()
+  std::mutex used_mutex_;
+  std::vector<Block> used_;
 
   std::vector<std::thread> threads_;
   std::mutex stream_mutex_;  // of the stream, so that blocks are read in their order

@@ -40,6 +40,9 @@ class TextBuffer {
   void add(std::size_t count) { size_ += count; }
   void append(std::u16string_view text);
 
+  // Forgets the text, keeps the memory.
+  void clear() { size_ = 0; }
+
  private:
   std::unique_ptr<char16_t[]> units_;
   std::size_t size_ = 0;
