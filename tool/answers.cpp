@@ -20,7 +20,9 @@
 
 #include <vltextstream/layout/detect_layout.hpp>
 
+#include "tool/convert_command.hpp"
 #include "tool/file_kind.hpp"
+#include "tool/head_command.hpp"
 #include "tool/json_report.hpp"
 #include "tool/progress_line.hpp"
 #include "tool/report.hpp"
@@ -37,34 +39,6 @@ constexpr std::size_t kLongestPath = 4096;     // bytes; the system opens no lon
 
 // ---------------------------------------------------------------------------------------------
 // Messages
-
-// Writes "vltext: " and the message; what cannot be written there is lost.
-void complain(std::string_view message, std::FILE* err) noexcept {
-  std::fputs("vltext: ", err);
-  write_printable(message, err);
-  std::fputc('\n', err);
-}
-
-void complain_of_memory(std::string_view file, std::FILE* err) noexcept {
-  std::fputs("vltext: cannot read '", err);
-  write_printable(file.substr(0, kLongestPath), err);
-  std::fprintf(err, "': %s\n", std::strerror(ENOMEM));
-}
-
-void complain_of_output(const Streams& streams, int error) noexcept {
-  std::fprintf(streams.err, "vltext: standard output: %s\n", std::strerror(error));
-}
-
-// Writes two texts. Returns whether all of them was written.
-bool write_out(std::string_view first, std::string_view second, const Streams& streams) noexcept {
-  errno = 0;
-  const auto is_written = [&](std::string_view text) {
-    return std::fwrite(text.data(), 1, text.size(), streams.out) == text.size();
-  };
-  if (is_written(first) && is_written(second) && std::fflush(streams.out) == 0) return true;
-  complain_of_output(streams, errno);
-  return false;
-}
 
 int print(std::string_view text, const Streams& streams) noexcept {
   return write_out(text, "", streams) ? kSucceeded : kFailed;
@@ -283,9 +257,21 @@ int answer_files(const Arguments& arguments, const Streams& streams) {
   return writer.finish();
 }
 
+namespace {
+
+// The first argument names the command; without one, the layouts are wanted.
+int run_command(int argc, const char* const* argv, const Streams& streams) {
+  const std::string_view command = argc > 1 ? argv[1] : "";
+  if (command == "convert") return convert_files(parse_convert_line(argc, argv), streams);
+  if (command == "head") return print_heads(parse_head_line(argc, argv), streams);
+  return answer_files(parse_command_line(argc, argv), streams);
+}
+
+}  // namespace
+
 int run_tool(int argc, const char* const* argv, const Streams& streams) {
   try {
-    return answer_files(parse_command_line(argc, argv), streams);
+    return run_command(argc, argv, streams);
   } catch (const TextWanted& text) {
     return print(text.what(), streams);
   } catch (const UsageError& error) {

@@ -8,23 +8,13 @@
 // Errors  none. A lack of memory is reported as the fault of the file that it concerns.
 #pragma once
 
-#include <cstdio>
 #include <string>
-#include <string_view>
 
 #include "tool/command_line.hpp"
+#include "tool/messages.hpp"
 #include "tool/ordered_work.hpp"
 
 namespace textio::tool {
-
-struct Streams {
-  std::FILE* out;
-  std::FILE* err;
-};
-
-inline constexpr int kSucceeded = 0;
-inline constexpr int kDoubtful = 1;
-inline constexpr int kFailed = 2;
 
 // What is printed about a file.
 Answer answer_for(const std::string& file, const Arguments& arguments);

@@ -10,13 +10,13 @@
 
 #include <cstddef>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <vltextstream/layout/detect_layout.hpp>
 
 #include "tool/option_flags.hpp"
+#include "tool/usage_errors.hpp"
 
 namespace textio::tool {
 
@@ -31,26 +31,6 @@ struct Arguments {
   bool json = false;
   bool explain = false;
   bool no_progress = false;
-  bool no_tail = false;
-};
-
-// The command line asks for a text, what(), and nothing else.
-class TextWanted : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-// The command line cannot be understood.
-class UsageError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-// The value of an option is wrong.
-class BadArgument : public std::runtime_error {
- public:
-  BadArgument(const std::string& flag, const std::string& expected)
-      : std::runtime_error(flag + ": " + expected) {}
 };
 
 Arguments parse_command_line(int argc, const char* const* argv);

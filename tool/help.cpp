@@ -47,6 +47,11 @@ const char* const kDescription =
     "Print how the table in each text FILE is laid out. FILE may be - for standard input, or a "
     "pipe. It may be compressed with gzip or zstd, whatever its name.";
 
+const char* const kExitStatus =
+    "Exits with 0, with 1 when no table was found in a file or not with confidence, or with 2 when "
+    "a "
+    "file cannot be read or an argument is wrong.";
+
 std::string HelpFormatter::make_help(const CLI::App* app, std::string name,
                                      CLI::AppFormatMode mode) const {
   std::string out = "Usage: " + name + " [OPTION]... FILE...\n";
@@ -74,19 +79,21 @@ std::string HelpFormatter::make_option(const CLI::Option* option, bool /*is_posi
   return out;
 }
 
-std::string HelpFormatter::make_footer(const CLI::App* /*app*/) const {
+std::string HelpFormatter::make_footer(const CLI::App* app) const {
   std::string out;
   append_wrapped(
       out,
       "In texts, \\t is a tab, \\n, \\r and \\b are the other control characters, and \\\\ is a "
       "backslash. Words may be shortened.",
       0);
-  out += '\n';
-  append_wrapped(
-      out,
-      "Exits with 0, with 1 when no table was found in a file or not with confidence, or "
-      "with 2 when a file cannot be read or an argument is wrong.",
-      0);
+  const std::string footer = app->get_footer();
+  std::string_view rest = footer;  // a line for each paragraph
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    out += '\n';
+    append_wrapped(out, rest.substr(0, end), 0);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
   return out;
 }
 

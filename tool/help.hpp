@@ -9,14 +9,19 @@
 
 namespace textio::tool {
 
-// What the help says below the usage line.
+// What the help of the layouts says below the usage line, and at its end. Each command has its own, as the
+// description and the footer of its CLI::App.
 extern const char* const kDescription;
+extern const char* const kExitStatus;
 
 // The groups of options; the heading of each but the first.
 inline constexpr const char* kGeneralGroup = "Options";
 inline constexpr const char* kKnownGroup = "What is known about the files";
 inline constexpr const char* kImportGroup =
-    "For the import that may follow; checked, and without effect on the answer";
+    "For 'convert' and 'head'; checked, and without effect on the layout";
+
+// The heading of the same options where they act.
+inline constexpr const char* kRulesGroup = "How the table is read";
 
 // Lines of at most 79 characters.
 class HelpFormatter : public CLI::Formatter {

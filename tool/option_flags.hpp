@@ -24,7 +24,7 @@ struct OptionFlag {
   ValueKind kind;
   const char* placeholder;  // for the value in the help
   std::string help;
-  bool for_import = false;  // kept for an import; without effect on a detection
+  bool for_import = false;  // acts where the table is read; without effect on a detection
 };
 
 // An option as it was typed.

@@ -6,18 +6,10 @@
 
 #include <fmt/format.h>
 
+#include "tool/grouped.hpp"
+
 namespace textio::tool {
 namespace {
-
-// The digits in groups of three.
-std::string grouped(std::size_t number) {
-  std::string digits = std::to_string(number);
-  for (std::size_t place = digits.size(); place > 3;) {
-    place -= 3;
-    digits.insert(place, 1, ',');
-  }
-  return digits;
-}
 
 std::string line_of(std::size_t done, std::size_t total) {
   return fmt::format("  {} of {} files", grouped(done), grouped(total));

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "support/command.hpp"
+#include "support/temp_folder.hpp"
 
 namespace textio {
 namespace {
@@ -34,6 +35,21 @@ TEST(Readme, ShowsTheFileAndTheAnswerOfTheTool) {
   ASSERT_EQ(answer.status, 0);
   EXPECT_THAT(readme,
               HasSubstr(block("console", "$ ./vltext examples/preamble.csv\n" + answer.out)));
+}
+
+TEST(Readme, ShowsTheHeadAndAConversion) {
+  const std::string readme = content_of(kRoot + "/README.md");
+  std::filesystem::current_path(kRoot);
+  const auto head = run_command(VLTEXT_PROGRAM, {"head", "examples/preamble.csv", "-n", "2"});
+  const testing_support::TempFolder folder;
+  const auto converted = run_command(VLTEXT_PROGRAM, {"convert", "examples/preamble.csv", "--to",
+                                                      "sqlite", "-o", folder.path_of("gauge.db")});
+  EXPECT_EQ(converted.status, 0);
+  EXPECT_THAT(readme, HasSubstr(block("console",
+                                      "$ ./vltext head examples/preamble.csv -n 2\n" + head.out +
+                                          "$ ./vltext convert examples/preamble.csv --to sqlite -o "
+                                          "gauge.db\n" +
+                                          converted.err)));
 }
 
 TEST(Readme, ShowsAProgramAndItsOutput) {

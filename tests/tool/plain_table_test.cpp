@@ -1,0 +1,79 @@
+#include "tool/plain_table.hpp"
+
+#include <ostream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "support/rule_name.hpp"
+
+namespace textio::tool {
+namespace {
+
+using testing_support::ByRule;
+
+struct WidthCase {
+  const char* rule;
+  const char* text;
+  std::size_t width;
+};
+std::ostream& operator<<(std::ostream& out, const WidthCase& row) { return out << row.rule; }
+
+const WidthCase kWidths[] = {
+    {"Empty", "", 0},
+    {"Ascii", "abc", 3},
+    {"Umlaut", "\xC3\xA4", 1},
+    {"CombiningMark", "a\xCC\x88", 1},
+    {"Han", "\xE6\xBC\xA2\xE5\xAD\x97", 4},
+    {"Hangul", "\xED\x95\x9C", 2},
+    {"Fullwidth", "\xEF\xBC\xA1", 2},
+    {"Halfwidth", "\xEF\xBD\xB1", 1},
+    {"Emoji", "\xF0\x9F\x98\x80", 2},
+    {"ZeroWidthJoiner", "a\xE2\x80\x8D", 1},
+    {"Replacement", "\xEF\xBF\xBD", 1},
+};
+
+class DisplayWidth : public testing::TestWithParam<WidthCase> {};
+TEST_P(DisplayWidth, CountsPlaces) { EXPECT_EQ(display_width(GetParam().text), GetParam().width); }
+INSTANTIATE_TEST_SUITE_P(Table, DisplayWidth, testing::ValuesIn(kWidths), ByRule());
+
+TEST(PlainTable, AlignsItsColumns) {
+  PlainTable table({Side::left, Side::right, Side::left});
+  table.add({"place", "level", "note"});
+  table.add_line();
+  table.add({"Altenau", "12.8", ""});
+  table.add({"\xE6\xBC\xA2\xE5\xAD\x97", "7"});
+  EXPECT_EQ(table.print(),
+            "place    level  note\n"
+            "-------  -----  ----\n"
+            "Altenau   12.8\n"
+            "\xE6\xBC\xA2\xE5\xAD\x97         7\n");
+}
+
+TEST(PlainTable, CutsAndDefusesCells) {
+  PlainTable table({Side::left});
+  table.add({std::string(40, 'x')});
+  table.add({std::string(41, 'y')});
+  table.add({"a\x1B[31m\nb"});
+  EXPECT_EQ(table.print(), std::string(40, 'x') + '\n' + std::string(37, 'y') +
+                               "...\na\xEF\xBF\xBD[31m\xEF\xBF\xBD"
+                               "b\n");
+}
+
+// A character of two places is not cut in half: 18 of them take 36.
+TEST(PlainTable, CutsBetweenWideCharacters) {
+  std::string wide;
+  for (int i = 0; i < 30; ++i) wide += "\xE6\xBC\xA2";
+  PlainTable table({Side::left});
+  table.add({wide});
+  EXPECT_EQ(table.print(), wide.substr(0, 18 * 3) + "...\n");
+}
+
+TEST(PlainTable, MayHaveNoColumns) {
+  PlainTable table({});
+  table.add({});
+  EXPECT_EQ(table.print(), "\n");
+}
+
+}  // namespace
+}  // namespace textio::tool
