@@ -139,7 +139,7 @@ class RowMaker {
 
   void add_record(std::span<const Cell> record) {
     if (shape_.mode == LayoutMode::fixed_width && !is_whole_line(record)) return;
-    if (record.size() <= plan_.columns.size() && !has_rules_for_delimiters()) {
+    if (record.size() <= plan_.num_of_layout && !has_rules_for_delimiters()) {
       return add_ordinary(record);
     }
     cells_of_record_.clear();
@@ -161,7 +161,7 @@ class RowMaker {
   void add_ordinary(std::span<const Cell> record) {
     begin_row();
     for (const Cell& cell : record) cells_.push_back(text_of(cell));
-    if (record.size() < plan_.columns.size()) {
+    if (record.size() < plan_.num_of_layout) {
       note(Oddity::short_row, record.size() + 1, block_.view(group()));
     }
     end_row();
