@@ -296,9 +296,9 @@ void make_reading(Seeds seeds, const std::vector<std::string>& examples) {
                                "\xEF\xBB\xBFname,day\r\"Z\xC3\xBCrich\",2024-01-31\r\xFF,soon\r"};
   for (const std::string& text : texts) {
     seeds.add(zeros(kChoices) + text);
-    for (int layout = 0; layout < 8; ++layout) {
-      seeds.add(byte(1) + byte(layout == 7 ? 31 : 0) + zeros(6) + byte(2) + byte(0) + byte(layout) +
-                zeros(kChoices - 11) + text);
+    for (std::size_t layout = 0; layout < 8; ++layout) {
+      seeds.add(byte(1) + byte(layout == 7 ? 31U : 0U) + zeros(6) + byte(2) + byte(0) +
+                byte(layout) + zeros(kChoices - 11) + text);
     }
   }
   for (const std::string& text : examples) seeds.add(zeros(kChoices) + text.substr(0, 480));
@@ -307,7 +307,7 @@ void make_reading(Seeds seeds, const std::vector<std::string>& examples) {
     std::string choices = byte(3) + zeros(kChoices - 1);
     for (int k = 0; k < 400; ++k) {
       state = state * 1664525U + 1013904223U;
-      choices += byte(static_cast<int>(state >> 24U));
+      choices += byte(state >> 24U);
     }
     seeds.add(choices);
   }

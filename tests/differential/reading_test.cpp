@@ -39,7 +39,7 @@ void check(const char* what, const std::function<std::string(const Choose&)>& di
 TEST(ReadingProperty, RowsAndFatesAreThoseOfTheReference) {
   check("a table is read as the reference reads it", [](const Choose& choose) {
     const RandomTable table = random_table(choose);
-    for (const std::size_t window : {256, 1000, 1'048'576}) {
+    for (const std::size_t window : {256U, 1000U, 1'048'576U}) {
       const std::string found = difference_from_reference(table, window);
       if (!found.empty()) return found + "\n" + readable(table.text);
     }

@@ -205,7 +205,7 @@ std::string lines_of_ten(std::size_t count) {
 // Whatever the window: what precedes the record is given, and the account ends before it.
 TEST(LongestRecord, IsTheSameLimitForEveryWindow) {
   const std::string before = lines_of_ten(40);
-  for (const std::size_t window : {256, 1000, 1'048'576}) {
+  for (const std::size_t window : {256U, 1000U, 1'048'576U}) {
     ReadSettings settings = texts(window);
     settings.longest_record = 300;
     const std::string fitting = before + std::string(300, 'x') + "\n" + before;
@@ -269,7 +269,7 @@ TEST(FormerReadingBugs, AHeaderAboveTheAnswerOfTheCascade) {
 // An empty cell was a value or none depending on whether a window before it had added its column.
 TEST(FormerReadingBugs, EmptyCellsAfterTheColumnsOfTheLayoutAreNone) {
   const std::string bytes = "1,2,3\n" + lines_of_ten(60) + "4,5,\n6,\n";
-  for (const std::size_t window : {256, 100'000}) {
+  for (const std::size_t window : {256U, 100'000U}) {
     TableReader reader = TableReader::of_bytes(bytes, commas(2), texts(window));
     const Rows rows = rows_of(reader);
     ASSERT_EQ(rows.size(), 63U);
@@ -334,7 +334,7 @@ TEST(FormerReadingBugs, MisfitsAreInTheOrderOfTheFile) {
   ReadSettings settings;
   settings.widen = false;
   settings.rejects = &noted;
-  for (const std::size_t number : {1, 2})
+  for (const std::size_t number : {1U, 2U})
     settings.types.push_back({u"", number, ColumnType::integer});
   TableReader reader = TableReader::of_bytes("1,x\ny,2\n3,z\n", commas(2), settings);
   while (reader.next()) {
