@@ -1,6 +1,6 @@
 // Reads a table and says what it took, as JSON.
-//   read_table_main FILE THREADS            all columns, typed, into memory
-//   read_table_main FILE THREADS --forget   batch after batch; each is forgotten before the next
+//   read_table FILE THREADS            all columns, typed, into memory
+//   read_table FILE THREADS --forget   batch after batch; each is forgotten before the next
 // `seconds` has passed and `cpu` was used from before the detection until all values are in memory; `peak` is
 // the most memory of the process, in bytes; `sum` that of the first column, if it holds integers.
 #include <chrono>
@@ -91,13 +91,13 @@ int main(int argc, char** argv) {
   const bool forgets = argc == 4 && std::string_view(argv[3]) == "--forget";
   const unsigned long threads = argc >= 3 ? std::strtoul(argv[2], nullptr, 10) : 0;
   if (threads == 0 || (argc != 3 && !forgets)) {
-    std::cerr << "usage: read_table_main FILE THREADS [--forget]\n";
+    std::cerr << "usage: read_table FILE THREADS [--forget]\n";
     return 2;
   }
   try {
     run(argv[1], static_cast<unsigned>(threads), forgets);
   } catch (const std::exception& error) {
-    std::cerr << "read_table_main: " << error.what() << '\n';
+    std::cerr << "read_table: " << error.what() << '\n';
     return 1;
   }
 }
