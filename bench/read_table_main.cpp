@@ -1,12 +1,13 @@
 // Reads a table and says what it took, as JSON.
-//   read_table_main FILE THREADS            all columns, typed, into memory
-//   read_table_main FILE THREADS --forget   batch after batch; each is forgotten before the next
+//   read_table FILE THREADS            all columns, typed, into memory
+//   read_table FILE THREADS --forget   batch after batch; each is forgotten before the next
 // `seconds` has passed and `cpu` was used from before the detection until all values are in memory; `peak` is
 // the most memory of the process, in bytes; `sum` that of the first column, if it holds integers.
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
+#include <fstream>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -49,18 +50,24 @@ __attribute__((noinline)) std::optional<textio::reading::Table> read_once(
 
 namespace {
 
-rusage usage() {
+double cpu_seconds() {
   rusage used{};
   ::getrusage(RUSAGE_SELF, &used);
-  return used;
-}
-
-double cpu_seconds() {
-  const rusage used = usage();
   const auto seconds = [](const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
   };
   return seconds(used.ru_utime) + seconds(used.ru_stime);
+}
+
+// The most memory of this program, in bytes. getrusage counts also what the process had before it became this program.
+std::size_t peak_bytes() {
+  constexpr std::size_t kKilobyte = 1024;
+  std::ifstream status("/proc/self/status");
+  std::string line;
+  while (std::getline(status, line)) {
+    if (line.starts_with("VmHWM:")) return std::stoul(line.substr(6)) * kKilobyte;
+  }
+  return 0;
 }
 
 double wall_seconds() {
@@ -79,10 +86,9 @@ void run(const std::string& path, unsigned threads, bool forgets) {
   if (table) {
     for (const Batch& batch : table->batches) totals.add(batch);
   }
-  constexpr long kKilobyte = 1024;
-  std::cout << R"({"seconds": )" << wall << R"(, "cpu": )" << cpu << R"(, "peak": )"
-            << usage().ru_maxrss * kKilobyte << R"(, "rows": )" << totals.rows << R"(, "columns": )"
-            << totals.columns << R"(, "sum": )" << totals.sum << "}\n";
+  std::cout << R"({"seconds": )" << wall << R"(, "cpu": )" << cpu << R"(, "peak": )" << peak_bytes()
+            << R"(, "rows": )" << totals.rows << R"(, "columns": )" << totals.columns
+            << R"(, "sum": )" << totals.sum << "}\n";
 }
 
 }  // namespace
@@ -91,13 +97,13 @@ int main(int argc, char** argv) {
   const bool forgets = argc == 4 && std::string_view(argv[3]) == "--forget";
   const unsigned long threads = argc >= 3 ? std::strtoul(argv[2], nullptr, 10) : 0;
   if (threads == 0 || (argc != 3 && !forgets)) {
-    std::cerr << "usage: read_table_main FILE THREADS [--forget]\n";
+    std::cerr << "usage: read_table FILE THREADS [--forget]\n";
     return 2;
   }
   try {
     run(argv[1], static_cast<unsigned>(threads), forgets);
   } catch (const std::exception& error) {
-    std::cerr << "read_table_main: " << error.what() << '\n';
+    std::cerr << "read_table: " << error.what() << '\n';
     return 1;
   }
 }
