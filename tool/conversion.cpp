@@ -40,6 +40,16 @@ void learn_on(TableSource& table, std::optional<Batch> batch, const ConversionSt
   }
 }
 
+// Of the columns that both have.
+std::vector<std::size_t> differing_types(const std::vector<ColumnHead>& first,
+                                         const std::vector<ColumnHead>& last) {
+  std::vector<std::size_t> positions;
+  for (std::size_t i = 0; i < std::min(first.size(), last.size()); ++i) {
+    if (first[i].type != last[i].type) positions.push_back(i);
+  }
+  return positions;
+}
+
 Converted converted_by(const TableSource& table) {
   const Account& account = table.account();
   return {account, table.names(), table.layout().confidence, account.count_of(Oddity::widened),
@@ -95,7 +105,9 @@ Converted convert_table(const ConversionSteps& steps) {
       batch = write_while_fitting(*table, std::move(batch), steps, learned.heads);
       if (!batch) return converted_by(*table);
     }
+    const std::vector<ColumnHead> first_heads = learned.heads;
     learn_on(*table, std::move(batch), steps, learned.heads);
+    learned.widened = differing_types(first_heads, learned.heads);
     if (steps.learns_first) steps.check(*table);
     learned.layout = table->layout();
     first = converted_by(*table);

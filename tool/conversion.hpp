@@ -11,6 +11,8 @@
 // Errors  those of the source and the writer; FileChanged if the two readings differ.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -35,6 +37,10 @@ class FileChanged : public std::runtime_error {
 struct LearnedTable {
   standalone::Layout layout;
   std::vector<ColumnHead> heads;
+
+  // The positions of the columns that were widened after the first batch. The others get their types as they did
+  // the first time.
+  std::vector<std::size_t> widened;
 };
 
 struct ConversionSteps {

@@ -302,9 +302,9 @@ class FileConversion {
       return table;
     }
     // What does not fit was kept when it was read first. Columns that were added are of text.
-    const std::size_t num_columns = std::min(learned->heads.size(), learned->layout.num_variables);
-    for (std::size_t i = 0; i < num_columns; ++i) {
-      settings.types.push_back({{}, i + 1, learned->heads[i].type});
+    for (const std::size_t position : learned->widened) {
+      if (position >= learned->layout.num_variables) continue;
+      settings.types.push_back({{}, position + 1, learned->heads[position].type});
     }
     return open_table(file_, learned->layout, settings);
   }

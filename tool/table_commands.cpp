@@ -16,8 +16,12 @@ namespace textio::tool {
 namespace {
 
 constexpr unsigned long kMostThreads = 64;
-constexpr std::size_t kUsualThreads = 4;
+
 constexpr unsigned long kMostRows = 100'000;
+
+// With these, ordinary tables take less than 64 MB.
+constexpr std::size_t kUsualThreads = 2;
+constexpr std::size_t kConvertWindow = 262'144;
 
 // A few rows need a few windows; each is a few pages of text.
 constexpr std::size_t kHeadWindow = 65'536;
@@ -29,9 +33,8 @@ constexpr const char* kConvertDescription =
     "line is said on standard error.";
 constexpr const char* kConvertExitStatus =
     "A file is read a second time if a cell further down gives its column a wider type, or a "
-    "longer record adds a column. Standard input and pipes are read once: there, cells that do "
-    "not fit become missing values, and extra cells are ignored. Both are counted, and --rejects "
-    "keeps them.\n"
+    "longer record adds a column. A pipe is read once: there, cells that do not fit become missing "
+    "values, and extra cells are ignored. Both are counted, and --rejects keeps them.\n"
     "Exits with 0; with 1 when something was dropped that no option asked for, or the layout is "
     "less than 50 % sure; with 2 when a file cannot be read, is no table, or the output cannot be "
     "written.";
@@ -128,7 +131,7 @@ void declare_convert(CLI::App& app, ConvertArguments& arguments, TypedConvert& t
                "Replace a SQLite database even if it has other tables, which are lost");
   app.add_option("--threads", typed.threads,
                  "Read with N threads, 1 to 64; if not given, one for each processor, but at most "
-                 "4. The output does not depend on it")
+                 "2, as each takes memory. The output does not depend on it")
       ->type_name("N");
   app.add_flag("--no-progress", arguments.no_progress,
                "Do not show the bytes, rows and rate on standard error; they are shown only if it "

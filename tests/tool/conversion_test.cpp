@@ -149,6 +149,22 @@ TEST_F(ConvertTable, LearnsBeforeItWritesIfToldSo) {
               ElementsAre("open", "open again", "restart", "begin c1 integer", "1 rows", "finish"));
 }
 
+// The others may be of a type that no cell can be read as, such as numbers that were dates.
+TEST_F(ConvertTable, TellsWhichColumnsWereWidened) {
+  const auto batch = [](bool is_widened) {
+    return batch_of({reals({1.5}), is_widened ? texts({"x"}) : integers({1})});
+  };
+  ConversionSteps all = steps({batch(false), batch(true)}, {batch(true), batch(true)});
+  const auto open = all.open;
+  std::vector<std::size_t> widened;
+  all.open = [&](const std::optional<LearnedTable>& learned) {
+    if (learned) widened = learned->widened;
+    return open(learned);
+  };
+  convert_table(all);
+  EXPECT_THAT(widened, ElementsAre(1U));
+}
+
 TEST_F(ConvertTable, NoticesAnInputThatChanges) {
   const Batch integer = batch_of({integers({1})});
   const Batch real = batch_of({reals({1.5})});

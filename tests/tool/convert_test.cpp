@@ -203,6 +203,12 @@ TEST_F(Convert, WidensOnStandardOutputToo) {
   EXPECT_THAT(result.out, testing::EndsWith("\n05.01.2024,some words\nno day,x\n06.01.2024,y\n"));
 }
 
+TEST_F(Convert, WidensStandardInputThatIsAFile) {
+  const CommandResult result = convert({"-", "-o", out_}, table_that_widens("3.5,z\n"));
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(content_of(out_), table_that_widens("3.5,z\n"));
+}
+
 TEST_F(Convert, CountsWhatDoesNotFitWhereAColumnCannotChange) {
   const CommandResult result =
       shell("cat | \"$0\" convert - --to csv -o \"$1\" --rejects \"$2\"",
