@@ -368,7 +368,9 @@ TEST(EndOfAFaultyDevice, IsToldOrNotWhicheverSeekFails) {
         const standalone::Layout layout = detect_layout("table.csv", in_utf8());
         EXPECT_EQ(every_member_of(layout), answer_from(sound, in_utf8())) << nth;
         EXPECT_EQ(device.open_streams(), 0U);
-        if (layout.tail) EXPECT_EQ(layout.tail->footer_lines, 2U) << nth;
+        if (layout.tail) {
+          EXPECT_EQ(layout.tail->footer_lines, 2U) << nth;
+        }
       }
     }
   }
