@@ -145,8 +145,8 @@ class VLTEXTSTREAM_EXPORT TableReader {
   const Account& account() const;
 
  private:
-  class Work;
-  explicit TableReader(std::unique_ptr<Work> work);
+  class VLTEXTSTREAM_LOCAL Work;
+  VLTEXTSTREAM_LOCAL explicit TableReader(std::unique_ptr<Work> work);
   std::unique_ptr<Work> work_;
 };
 
