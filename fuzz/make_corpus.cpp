@@ -257,6 +257,16 @@ void make_given(Seeds seeds, const std::vector<std::string>& examples) {
   }
 }
 
+// Texts that end a literal, or would go on in another language.
+void make_quoting(Seeds seeds) {
+  for (const std::string& text :
+       {"level"s, "\"); import os"s, "'; DROP TABLE t; --"s, "$(rm -rf .)"s, "`id`"s, "a\\"s,
+        "a\\'"s, "a\nb\r\tc"s, "$$"s, "a\0b"s, "\xED\xA0\x80"s, "\xFF\xFE"s, "\xF0\x9F\x98\x80"s,
+        "\xE2\x80\xAE"s, "\\x41\\u0041\\101"s}) {
+    seeds.add(text);
+  }
+}
+
 // Columns of each kind, a line each, with and without hints.
 void make_columns(Seeds seeds) {
   const std::string texts[] = {"1|22|NA|-333",
@@ -355,6 +365,7 @@ void make_all(const fs::path& folder, const fs::path& examples_folder) {
   make_counts(Seeds(folder, "counts"));
   make_assessment(Seeds(folder, "assessment"), examples);
   make_columns(Seeds(folder, "columns"));
+  make_quoting(Seeds(folder, "quoting"));
   make_given(Seeds(folder, "given"), examples);
   make_reading(Seeds(folder, "reading"), examples);
   make_tables(Seeds(folder, "detection"), 1, examples, {""});

@@ -21,6 +21,7 @@
 #include <vltextstream/layout/detect_layout.hpp>
 
 #include "tool/convert_command.hpp"
+#include "tool/emit_command.hpp"
 #include "tool/file_kind.hpp"
 #include "tool/head_command.hpp"
 #include "tool/json_report.hpp"
@@ -264,7 +265,8 @@ int run_command(int argc, const char* const* argv, const Streams& streams) {
   const std::string_view command = argc > 1 ? argv[1] : "";
   if (command == "convert") return convert_files(parse_convert_line(argc, argv), streams);
   if (command == "head") return print_heads(parse_head_line(argc, argv), streams);
-  return answer_files(parse_command_line(argc, argv), streams);
+  const Arguments arguments = parse_command_line(argc, argv);
+  return arguments.emit ? emit_program(arguments, streams) : answer_files(arguments, streams);
 }
 
 }  // namespace

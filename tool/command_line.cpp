@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tool/command_parts.hpp"
+#include "tool/emit/targets.hpp"
 #include "tool/help.hpp"
 #include "tool/safe_text.hpp"
 
@@ -33,6 +34,10 @@ void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numb
   app.add_flag("--explain", arguments.explain,
                "Also print the evidence, and the candidates of the cascade, their scores and what "
                "each filter left");
+  app.add_option("--emit", arguments.emit,
+                 "Print a program that reads the whole of one FILE rightly with NAME: " +
+                     target_names() + ". Nothing of it is executed")
+      ->type_name("NAME");
   app.add_option("--strict", numbers.strict,
                  "Exit with 1 unless the answer is at least P percent sure, 50 if not given")
       ->type_name("P");
@@ -53,6 +58,21 @@ void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numb
       "--no-progress", arguments.no_progress,
       "Do not count the files on standard error; they are counted only if it is a terminal "
       "and standard output is not");
+}
+
+void check_emit(const Arguments& arguments) {
+  if (!arguments.emit) return;
+  if (find_target(*arguments.emit) == nullptr) {
+    throw BadArgument("--emit", fmt::format("Expected one of {}, got '{}'.", target_names(),
+                                            shortened(*arguments.emit)));
+  }
+  if (arguments.json || arguments.explain) {
+    throw UsageError("--emit prints a program, and no layout: --json and --explain are for those");
+  }
+  if (arguments.files.size() != 1) throw UsageError("--emit needs a single FILE");
+  if (arguments.files.front() == "-") {
+    throw UsageError("--emit needs the path of a FILE, which the program opens");
+  }
 }
 
 }  // namespace
@@ -80,6 +100,7 @@ Arguments parse_command_line(int argc, const char* const* argv) {
   if (sample) arguments.settings.sample = sample_named(*sample);
   if (numbers.strict) arguments.least_percent = to_number("--strict", *numbers.strict, 0, 100);
   if (numbers.jobs) arguments.num_jobs = to_number("--jobs", *numbers.jobs, 1, kMostJobs);
+  check_emit(arguments);
   return arguments;
 }
 

@@ -29,6 +29,9 @@ struct Arguments {
   // How sure an answer must be for the exit status 0.
   unsigned long least_percent = 50;
   bool json = false;
+
+  // The target of --emit; then there is one file, a path.
+  std::optional<std::string> emit;
   bool explain = false;
   bool no_progress = false;
 };
