@@ -192,6 +192,7 @@ ConvertArguments parse_convert_line(int argc, const char* const* argv) {
   arguments.settings.num_threads =
       static_cast<unsigned>(typed.threads ? to_number("--threads", *typed.threads, 1, kMostThreads)
                                           : std::min(available_processors(), kUsualThreads));
+  arguments.settings.window = kConvertWindow;
   arguments.format = format_of(typed.to, arguments.out);
   check_convert(arguments, typed);
   return arguments;
