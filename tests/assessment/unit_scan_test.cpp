@@ -23,7 +23,7 @@ std::size_t found_by_loop(std::u16string_view text, std::u16string_view units, s
 // Texts around the borders of blocks and steps, with one unit at each place; the other units differ from the wanted
 // ones in one bit, or in the highest.
 TEST(UnitScan, FindsAUnitAtEachPlace) {
-  for (const std::size_t size : {1, 2, 15, 16, 17, 63, 64, 65, 127, 128, 129, 200}) {
+  for (const std::size_t size : {1U, 2U, 15U, 16U, 17U, 63U, 64U, 65U, 127U, 128U, 129U, 200U}) {
     for (std::size_t place = 0; place < size; ++place) {
       std::u16string units;
       while (units.size() < size) units += u"-\u802C\u002E\u8022"[units.size() % 4];
