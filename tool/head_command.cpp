@@ -33,7 +33,7 @@ Side side_of(ColumnType type) {
 
 // More than can be shown of a text need not be copied.
 std::string cell_text(const Column& column, std::size_t row) {
-  constexpr std::size_t kMostBytes = 4 * 4 * PlainTable::kMostWidth;
+  constexpr std::size_t kMostBytes = std::size_t{16} * PlainTable::kMostWidth;
   std::string text;
   if (column.is_missing(row)) return text;
   const bool is_text = column.type == ColumnType::text || column.type == ColumnType::category;
