@@ -486,7 +486,7 @@ class ContentWeigher {
   }
 
   static constexpr double kWorthOfQuoted = 0.75;
-  static constexpr std::size_t kFewestFilled = 20;  // one cell in so many
+  static constexpr std::size_t kFewestFilled = 20;  // at least one cell in twenty
 
   static constexpr CharacterSet kSeparators = characters_in(u",;|\t");
   static constexpr CharacterSet kPaired = characters_in(u"\"'()[]{}");

@@ -42,7 +42,7 @@ class TableText {
   std::uint64_t row_ = 0;
 };
 
-// A whole table of at least so many bytes, up to the end of a row.
+// A table of at least this many bytes; its last row is complete.
 std::string table_text(TableKind kind, std::size_t bytes);
 
 }  // namespace textio::bench

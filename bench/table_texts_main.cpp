@@ -1,4 +1,4 @@
-// Writes a table of at least so many bytes to standard output: table_texts mixed|quoted BYTES.
+// Writes a table of at least BYTES bytes to standard output: table_texts mixed|quoted BYTES.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

@@ -84,8 +84,8 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
   // once, the last 64 KB are read, if max_bytes allows. Nothing that goes wrong there is an error.
   bool look_at_end = true;
 
-  // Look at several places after the sample too, whoever chose the layout: Layout::spread. Of a file that can be read
-  // there at once, at most 576 KB are read for it, if max_bytes allows; nothing that goes wrong there is an error.
+  // Where to look besides the start of the text. SampleFrom::spread also looks at several places after the sample and
+  // fills in Layout::spread, whether the judge or the cascade chose the layout. Of a file that can be read there at once, at most 576 KB are read for it, if max_bytes allows; nothing that goes wrong there is an error.
   SampleFrom sample = SampleFrom::start;
 
   // The lines of the text that hold the names and the units; 0: no line holds them. Without a value

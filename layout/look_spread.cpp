@@ -36,7 +36,7 @@ constexpr std::uint64_t kMostBytesOfCharacter = 4;
 
 // --- where lines are ---------------------------------------------------------------------------
 
-// The place of the line that begins after so many characters of a part.
+// Where a line is in the text, given the number of characters before it in its part.
 using FindPlace = std::function<TextPlace(std::size_t units)>;
 
 std::size_t lines_looked_at(const Layout& layout) {
@@ -206,7 +206,7 @@ class SpreadSearch {
 
 // --- a text that is loaded ---------------------------------------------------------------------
 
-// The byte after so many characters of the text; asked in ascending order.
+// The number of bytes that a number of characters take; asked for in ascending order.
 using FindByte = std::function<std::optional<std::uint64_t>(std::size_t units)>;
 
 void look_at_loaded(View text, const FindByte& byte_of, SpreadSearch& search,
@@ -240,7 +240,7 @@ class ByteCounter {
  public:
   ByteCounter(InputText& input, std::uint64_t begin) : input_(input), byte_(begin) {}
 
-  // After so many characters; not fewer than before.
+  // The position after `units` characters, which must not be fewer than in the last call.
   std::optional<std::uint64_t> after(std::size_t units) {
     if (units > units_ && byte_) byte_ = input_.byte_after(*byte_, units - units_);
     units_ = units;

@@ -10,7 +10,8 @@
 
 namespace textio::standalone {
 
-// Besides the last part, so many are looked at, each of so many characters: at most four bytes for each are read.
+// How many places are looked at besides the end, and how many characters at each. At most four bytes are read for a
+// character.
 inline constexpr std::size_t kSpreadPlaces = 8;
 inline constexpr std::size_t kSpreadUnits = 16'384;
 

@@ -17,7 +17,7 @@
 
 namespace textio::standalone {
 
-// With all that is kept of them, so many columns take less than 100 MB.
+// With everything that is kept of them, this number of columns takes less than 100 MB.
 inline constexpr std::size_t kMostColumnsDescribed = 65'536;
 
 struct TableColumns {

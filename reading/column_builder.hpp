@@ -84,7 +84,7 @@ class ColumnBuilder {
 
   const ColumnPlan& plan() const;
 
-  // Room for so many values more, as a hint.
+  // A hint that `count` more values will follow.
   void reserve(std::size_t count);
 
   // Appends a value for each cell. The positions in `cells` of those that are misfits are appended to `misfits`.

@@ -27,7 +27,7 @@ using standalone::LayoutMode;
 
 constexpr char16_t kQuote = u'"';
 
-// Only a text that is made for it has so many.
+// More than any text has that was not made to have them.
 constexpr std::size_t kMostUnclosedQuotes = 1'000;
 
 bool is_surrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }

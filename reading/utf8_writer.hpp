@@ -65,7 +65,7 @@ class Utf8Writer {
     return four;
   }
 
-  // Room for so many bytes more.
+  // Makes room for this many bytes more.
   void grow(std::size_t bytes) { bytes_.resize(size_ + bytes); }
 
   void append_others(std::u16string_view text) {

@@ -198,7 +198,7 @@ std::size_t num_lines_of(const std::u16string& text) {
   return count + (is_open ? 1 : 0);
 }
 
-// Of a table with so many lines: those above it, and a footer.
+// Puts lines above the table and a footer into the layout of a text of `num_lines` lines.
 void choose_lines(const Choose& choose, std::size_t num_lines, Layout& layout) {
   const std::size_t above = choose(5);
   layout.header_lines = above;
