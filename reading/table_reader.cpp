@@ -4,94 +4,29 @@
 // changed meanwhile is made again, so that the result does not depend on the threads.
 #include <vltextstream/reading/table_reader.hpp>
 
-#include <cerrno>
 #include <condition_variable>
 #include <exception>
 #include <mutex>
-#include <new>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 #include <fmt/format.h>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <vltextstream/host/file_layer.hpp>
-#include <vltextstream/layout/detect_input.hpp>
-#include <vltextstream/layout/file_error.hpp>
 #include <vltextstream/layout/given_settings.hpp>
 #include <vltextstream/reading/batch_maker.hpp>
+#include <vltextstream/reading/opened_source.hpp>
 #include <vltextstream/reading/record_stream.hpp>
 #include <vltextstream/reading/table_plan.hpp>
-#include <vltextstream/standalone/decoding/utf_text.hpp>
-#include <vltextstream/standalone/files/memory_bytes.hpp>
-#include <vltextstream/standalone/files/read_problem.hpp>
 
 namespace textio::reading {
 namespace {
 
 using parser::row_rule;
-using standalone::FileError;
 using standalone::Layout;
 using standalone::LayoutMode;
 
 constexpr std::size_t kLeastWindow = 256;
-
-// What is read: a file, or bytes.
-struct Source {
-  std::string path;
-  std::optional<std::string_view> bytes;
-
-  std::string name() const { return bytes ? "the bytes" : fmt::format("'{}'", path); }
-
-  File open() const {
-    errno = 0;
-    File file(bytes ? standalone::open_bytes(*bytes)
-                    : open_file(standalone::from_utf8(path), "rb"));
-    if (file) return file;
-    if (errno == ENOMEM) throw std::bad_alloc();
-    throw FileError(fmt::format("cannot open {}: {}", name(), standalone::read_problem(errno)));
-  }
-
-  // Whether it can be opened a second time.
-  bool is_repeatable() const {
-    if (bytes) return true;
-    struct stat about {};
-    const int failed = path == "-" ? ::fstat(STDIN_FILENO, &about) : ::stat(path.c_str(), &about);
-    return failed == 0 && S_ISREG(about.st_mode);
-  }
-};
-
-// A source and its layout; of a pipe, the file that was opened to detect it.
-struct Opened {
-  explicit Opened(Source from) : source(std::move(from)) {}
-  Opened(Source from, const Layout& known) : source(std::move(from)), layout(known) {}
-
-  Source source;
-  Layout layout;
-  File file;
-};
-
-Opened detected(Source source, const ReadSettings& settings) {
-  Opened opened(std::move(source));
-  if (opened.source.bytes) {
-    standalone::InputText input(standalone::FileContent{*opened.source.bytes}, settings.detect);
-    opened.layout = detect_input(input, settings.detect);
-  } else if (opened.source.is_repeatable()) {
-    opened.layout = standalone::detect_layout(opened.source.path, settings.detect);
-  } else {
-    standalone::InputText input(opened.source.open().release(), opened.source.name(),
-                                settings.detect);
-    opened.layout = detect_input(input, settings.detect);
-    opened.file.reset(input.release());
-    if (!opened.file || ::fseeko64(opened.file.get(), 0, SEEK_SET) != 0) {
-      throw FileError(fmt::format("cannot read {} from its start again", opened.source.name()));
-    }
-  }
-  return opened;
-}
 
 bool omits_columns(const parser::options& rules) {
   return rules.missing_rule == row_rule::omitvar || rules.import_error_rule == row_rule::omitvar ||
@@ -446,14 +381,14 @@ class TableReader::Work {
 TableReader::TableReader(std::unique_ptr<Work> work) : work_(std::move(work)) {}
 
 TableReader::TableReader(const std::string& path, const ReadSettings& settings)
-    : work_(std::make_unique<Work>(detected({path, std::nullopt}, settings), settings)) {}
+    : work_(std::make_unique<Work>(detected({path, std::nullopt}, settings.detect), settings)) {}
 
 TableReader::TableReader(const std::string& path, const Layout& layout,
                          const ReadSettings& settings)
     : work_(std::make_unique<Work>(Opened({path, std::nullopt}, layout), settings)) {}
 
 TableReader TableReader::of_bytes(std::string_view bytes, const ReadSettings& settings) {
-  return TableReader(std::make_unique<Work>(detected({"", bytes}, settings), settings));
+  return TableReader(std::make_unique<Work>(detected({"", bytes}, settings.detect), settings));
 }
 
 TableReader TableReader::of_bytes(std::string_view bytes, const Layout& layout,
