@@ -34,7 +34,12 @@ std::string name_of_separator(const Reading& reading) {
 }
 
 std::string shape_sentence(const TableFrame& table) {
+  constexpr std::size_t kFew = 20;
   const std::size_t records = table.end - table.first - table.num_notes;
+  if (records == table.num_fitting && records < kFew) {
+    return fmt::format("only {}, each with {}", counted(records, "record"),
+                       counted(table.columns, "field"));
+  }
   return fmt::format("{} of {} have {}", table.num_fitting, counted(records, "record"),
                      counted(table.columns, "field"));
 }
@@ -55,7 +60,9 @@ std::string sentence_of(Evidence evidence, const Verdict& verdict, const Hypothe
     case Evidence::outside:
       return fmt::format("{} of the records are before or after the table", percent(amount));
     case Evidence::worth:
-      return fmt::format("its cells are {} recognisable", percent(amount));
+      return fmt::format(
+          "{} of what is in its cells is recognisable as numbers, dates, words or the like",
+          percent(amount));
     case Evidence::unsplit:
       return records_have("a cell with a separator between unlike things");
     case Evidence::torn:
@@ -111,7 +118,7 @@ std::string sentence_of(Evidence evidence, const Verdict& verdict, const Hypothe
       return fmt::format("{} {} used as a separator", name_of_separator(reading),
                          weight_of(evidence) > 0 ? "is often" : "is seldom");
     case Evidence::no_table:
-      return "few files are no table";
+      return "most files are tables";
     case Evidence::prose:
       return fmt::format("{} of the lines are running text", percent(amount));
     case Evidence::code:
@@ -146,11 +153,11 @@ std::string deciding_sentence(const Verdict& verdict, const Hypothesis& rival) {
   const bool is_about_rival = amount_of(rival, evidence) > 0 && kWeights[deciding] < 0;
   const bool is_text = verdict.cut_of(rival).reading.form == Form::none;
   if (evidence == Evidence::worth && is_text) {
-    return fmt::format("the cells of the answer are {} recognisable",
+    return fmt::format("{} of what is in the cells of the answer is recognisable",
                        percent(amount_of(winner, evidence)));
   }
   if (evidence == Evidence::worth) {
-    return fmt::format("its cells are {} recognisable, those of the answer {}",
+    return fmt::format("{} of what is in its cells is recognisable, of those of the answer {}",
                        percent(amount_of(rival, evidence)), percent(amount_of(winner, evidence)));
   }
   if (is_about_rival) return sentence_of(evidence, verdict, rival);

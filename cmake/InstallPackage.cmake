@@ -1,5 +1,5 @@
-# Installs the libraries, the headers, the tool if it is built, and packages for find_package and
-# pkg-config.
+# Installs the libraries, the headers, the tool if it is built, with its manual page and completions, and packages for
+# find_package and pkg-config.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vltextstream)
@@ -11,6 +11,14 @@ install(TARGETS vltextstream vlthost EXPORT vltextstream-targets
 install(EXPORT vltextstream-targets NAMESPACE vltextstream:: DESTINATION ${package_dir})
 if(VLTEXTSTREAM_BUILD_TOOL)
   install(TARGETS vltext RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  set(printed ${PROJECT_BINARY_DIR}/tool)
+  install(FILES ${printed}/vltext.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${printed}/vltext.bash RENAME vltext
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES ${printed}/vltext.zsh RENAME _vltext
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+  install(FILES ${printed}/vltext.fish
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 

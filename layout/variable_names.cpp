@@ -121,14 +121,14 @@ Verdict why_not(const NamesCandidate& line, const std::vector<DatatypeCode>& col
   const bool has_type = has_typed_column(columns);
   if (!line.fits()) {
     return {NamesSource::none,
-            fmt::format("line {} has {} for {}", number, counted(line.num_fields(), "field"),
-                        counted(columns.size(), "variable"))};
+            fmt::format("line {} has {} for {}", number, counted(line.num_fields(), "cell"),
+                        counted(columns.size(), "column"))};
   }
   if (line.has_empty_field()) {
-    return {NamesSource::none, fmt::format("line {} leaves a field empty", number)};
+    return {NamesSource::none, fmt::format("a cell of line {} is empty", number)};
   }
   if (line.repeats_a_field()) {
-    return {NamesSource::none, fmt::format("line {} holds a text twice", number)};
+    return {NamesSource::none, fmt::format("line {} has the same text in two columns", number)};
   }
   if (!has_type && line.has_values()) {
     return {NamesSource::none, fmt::format("line {} holds values", number)};
@@ -183,11 +183,11 @@ VariableNames find_variable_names(const SampledTable& table) {
       line_after.reads_as_units() && line_below.reads_as_names() && !line_below.reads_as_units();
 
   if (last_line.reads_as_units() && line_above.names_every_variable()) {
-    return {NamesSource::last_header_line,
-            "the last header line but the units names every variable", above, last};
+    return {NamesSource::last_header_line, "it has a name for every column, above the units", above,
+            last};
   }
   if (last_line.names_every_variable() && !has_names_below_header) {
-    return {NamesSource::last_header_line, "the last header line names every variable", last,
+    return {NamesSource::last_header_line, "it has a name for every column", last,
             either(units_of(line_above, above), units_of(line_after, after))};
   }
   if (has_names_below_units) {
@@ -198,7 +198,7 @@ VariableNames find_variable_names(const SampledTable& table) {
             either(units_of(line_below, below), units_of(last_line, last))};
   }
   if (!line_after.exists()) {
-    return {NamesSource::none, "no line where names could be", {}, {}};
+    return {NamesSource::none, "there is no line where they could be", {}, {}};
   }
   const Verdict verdict =
       why_not(line_after, table.classes(), table.line_number(after), below >= table.size());

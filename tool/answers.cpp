@@ -19,15 +19,20 @@
 #include <unistd.h>
 
 #include <vltextstream/layout/detect_layout.hpp>
+#include <vltextstream/reading/first_lines.hpp>
 
+#include "tool/conventions/completions.hpp"
+#include "tool/conventions/manual_page.hpp"
 #include "tool/convert_command.hpp"
 #include "tool/emit_command.hpp"
 #include "tool/file_kind.hpp"
 #include "tool/head_command.hpp"
 #include "tool/json_report.hpp"
+#include "tool/option_words.hpp"
 #include "tool/progress_line.hpp"
 #include "tool/report.hpp"
 #include "tool/safe_text.hpp"
+#include "tool/showing/picture.hpp"
 
 namespace textio::tool {
 namespace {
@@ -214,14 +219,40 @@ std::string kind_without_table(const Layout& layout) {
   return layout.first_bytes.empty() ? std::string() : file_kind(layout.first_bytes);
 }
 
+// The layout, and the first lines if they are shown.
+reading::FileTop top_of(const std::string& file, const Arguments& arguments) {
+  if (arguments.picture) return reading::look_at_top(file, arguments.settings, kPictureRows);
+  return {standalone::detect_layout(file, arguments.settings), {}};
+}
+
+// What a user may want after the picture: the reasons, or the table itself.
+std::string what_next(const std::string& file, const Layout& layout, const Arguments& arguments) {
+  const bool is_asked_already = arguments.explain || !arguments.given.empty();
+  if (is_asked_already || !layout.no_table.empty() || file == "-") return {};
+  const bool is_plain = file.find_first_not_of(
+                            "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                            "0123456789._/-") == std::string::npos;
+  const std::string name = is_plain && !file.starts_with("-") ? file : "FILE";
+  return fmt::format("\nWhy: vltext --explain {0}\nTo read it: vltext {0} --emit pandas\n", name);
+}
+
+std::string text_answer(const std::string& file, const reading::FileTop& top,
+                        const Arguments& arguments, std::string_view kind) {
+  std::string text = report(file, top.layout, arguments.given, kind, arguments.explains_cascade);
+  if (!arguments.picture) return text;
+  const std::optional<Picture> picture = picture_of(top);
+  if (picture) text += '\n' + terminal_text(*picture, *arguments.picture);
+  return text + what_next(file, top.layout, arguments);
+}
+
 Answer try_to_answer(const std::string& file, const Arguments& arguments) {
   try {
-    Layout layout = standalone::detect_layout(file, arguments.settings);
+    reading::FileTop top = top_of(file, arguments);
+    Layout& layout = top.layout;
     const bool doubtful = is_doubtful(layout, arguments);
     std::string kind = kind_without_table(layout);
-    Answer answer = arguments.json
-                        ? json_answer(file, std::move(layout), std::move(kind))
-                        : Answer{report(file, layout, arguments.given, kind), std::nullopt};
+    Answer answer = arguments.json ? json_answer(file, std::move(layout), std::move(kind))
+                                   : Answer{text_answer(file, top, arguments, kind), std::nullopt};
     answer.is_doubtful = doubtful;
     return answer;
   } catch (const std::bad_alloc&) {
@@ -260,12 +291,44 @@ int answer_files(const Arguments& arguments, const Streams& streams) {
 
 namespace {
 
+// Of a command, or of the tool.
+std::string help_text(int argc, const char* const* argv) {
+  const std::string wanted = argc > 2 ? argv[2] : "";
+  for (const CommandEntry& command : command_table()) {
+    if (command.name == wanted) return command.help;
+  }
+  throw UsageError(fmt::format("help: Expected {}, got '{}'.{}", either_of(command_names()),
+                               shortened(wanted), meant(wanted, command_names())));
+}
+
+std::string completions_text(int argc, const char* const* argv) {
+  if (argc < 3) throw UsageError(fmt::format("completions needs a value: {}", either_of(shells())));
+  return completions(argv[2], command_table());
+}
+
+// A word before other arguments that is no file, and nearly a command.
+void refuse_nearly_command(int argc, const char* const* argv) {
+  if (argc < 3 || access(argv[1], F_OK) == 0) return;
+  const std::string near = nearest(argv[1], command_names());
+  if (near.empty()) return;
+  throw UsageError(
+      fmt::format("{}: no such file or command: do you mean vltext {}?", argv[1], near));
+}
+
 // The first argument names the command; without one, the layouts are wanted.
 int run_command(int argc, const char* const* argv, const Streams& streams) {
   const std::string_view command = argc > 1 ? argv[1] : "";
   if (command == "convert") return convert_files(parse_convert_line(argc, argv), streams);
   if (command == "head") return print_heads(parse_head_line(argc, argv), streams);
-  const Arguments arguments = parse_command_line(argc, argv);
+  if (command == "help") return print(help_text(argc, argv), streams);
+  if (command == "man") return print(manual_page(command_table()), streams);
+  if (command == "completions") return print(completions_text(argc, argv), streams);
+  refuse_nearly_command(argc, argv);
+  Arguments arguments = parse_command_line(argc, argv);
+  if (!arguments.json && !arguments.emit) {
+    arguments.picture =
+        chosen_style(arguments.showing, surroundings_of(streams.out), arguments.files.size());
+  }
   return arguments.emit ? emit_program(arguments, streams) : answer_files(arguments, streams);
 }
 

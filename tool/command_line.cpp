@@ -6,6 +6,7 @@
 #include "tool/command_parts.hpp"
 #include "tool/emit/targets.hpp"
 #include "tool/help.hpp"
+#include "tool/option_words.hpp"
 #include "tool/safe_text.hpp"
 
 namespace textio::tool {
@@ -20,20 +21,16 @@ struct TypedNumbers {
   std::optional<std::string> max_bytes;
 };
 
-standalone::SampleFrom sample_named(const std::string& name) {
-  for (const auto sample : {standalone::SampleFrom::start, standalone::SampleFrom::spread}) {
-    if (name == to_string(sample)) return sample;
-  }
-  throw BadArgument("--sample",
-                    fmt::format("Expected start or spread, got '{}'.", shortened(name)));
-}
+// What a flag has as its value if none was typed.
+constexpr const char* kFlagAlone = "true";
 
 void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numbers,
-                         std::optional<std::string>& sample) {
+                         std::optional<std::string>& sample, std::string& explain) {
   app.add_flag("--json", arguments.json, "Print one JSON document instead of text");
-  app.add_flag("--explain", arguments.explain,
-               "Also print the evidence, and the candidates of the cascade, their scores and what "
-               "each filter left");
+  app.add_flag("--explain", explain,
+               "Also tell what was considered, what speaks for the answer and against it, and why "
+               "the next best answer lost; --explain=cascade: also the candidates of the cascade, "
+               "their scores and what each filter left");
   app.add_option("--emit", arguments.emit,
                  "Print a program that reads the whole of one FILE rightly with NAME: " +
                      target_names() + ". Nothing of it is executed")
@@ -63,8 +60,9 @@ void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numb
 void check_emit(const Arguments& arguments) {
   if (!arguments.emit) return;
   if (find_target(*arguments.emit) == nullptr) {
-    throw BadArgument("--emit", fmt::format("Expected one of {}, got '{}'.", target_names(),
-                                            shortened(*arguments.emit)));
+    throw BadArgument("--emit", fmt::format("Expected one of {}, got '{}'.{}", target_names(),
+                                            shortened(*arguments.emit),
+                                            meant(*arguments.emit, words_of("--emit"))));
   }
   if (arguments.json || arguments.explain) {
     throw UsageError("--emit prints a program, and no layout: --json and --explain are for those");
@@ -75,20 +73,41 @@ void check_emit(const Arguments& arguments) {
   }
 }
 
-}  // namespace
+// --explain, or --explain=cascade.
+void note_explain(const std::string& typed, Arguments& arguments) {
+  arguments.explain = !typed.empty();
+  if (typed.empty() || typed == kFlagAlone) return;
+  place_among_words("--explain", typed);
+  arguments.explains_cascade = true;
+}
 
-Arguments parse_command_line(int argc, const char* const* argv) {
-  CLI::App app(kDescription, "vltext");
-  app.footer(kExitStatus);
+// What is declared.
+struct LayoutLine {
+  explicit LayoutLine(int argc) : app(kDescription, "vltext"), parts(app, argc, kImportGroup) {
+    app.footer(kExitStatus);
+    declare_own_options(app, arguments, numbers, sample, explain);
+    declare_picture(app, arguments.showing);
+    parts.declare_look(look);
+  }
+
+  CLI::App app;
+  CommandParts parts;
   Arguments arguments;
   TypedNumbers numbers;
   TypedLook look;
   std::optional<std::string> sample;
-  CommandParts parts(app, argc, kImportGroup);
-  declare_own_options(app, arguments, numbers, sample);
-  parts.declare_look(look);
+  std::string explain;
+};
 
+}  // namespace
+
+CommandEntry layout_command() { return entry_of(LayoutLine(1).app, ""); }
+
+Arguments parse_command_line(int argc, const char* const* argv) {
+  LayoutLine line(argc);
+  auto& [app, parts, arguments, numbers, look, sample, explain] = line;
   parts.parse(argc, argv);
+  note_explain(explain, arguments);
   arguments.files = parts.files();
   arguments.given = parts.given();
   arguments.settings = settings_of(arguments.given);
@@ -97,7 +116,8 @@ Arguments parse_command_line(int argc, const char* const* argv) {
   if (numbers.max_bytes) {
     arguments.settings.max_bytes = to_number("--max-bytes", *numbers.max_bytes, 1, kAnyNumber);
   }
-  if (sample) arguments.settings.sample = sample_named(*sample);
+  if (sample && place_among_words("--sample", *sample) == 1)
+    arguments.settings.sample = standalone::SampleFrom::spread;
   if (numbers.strict) arguments.least_percent = to_number("--strict", *numbers.strict, 0, 100);
   if (numbers.jobs) arguments.num_jobs = to_number("--jobs", *numbers.jobs, 1, kMostJobs);
   check_emit(arguments);

@@ -15,7 +15,9 @@
 
 #include <vltextstream/layout/detect_layout.hpp>
 
+#include "tool/conventions/command_table.hpp"
 #include "tool/option_flags.hpp"
+#include "tool/showing/picture_choice.hpp"
 #include "tool/usage_errors.hpp"
 
 namespace textio::tool {
@@ -33,9 +35,17 @@ struct Arguments {
   // The target of --emit; then there is one file, a path.
   std::optional<std::string> emit;
   bool explain = false;
+  bool explains_cascade = false;
   bool no_progress = false;
+
+  PictureOptions showing;
+  std::optional<TerminalStyle>
+      picture;  // what follows from them; without a value, no picture is shown
 };
 
 Arguments parse_command_line(int argc, const char* const* argv);
+
+// The options of the command, as they are declared.
+CommandEntry layout_command();
 
 }  // namespace textio::tool

@@ -16,6 +16,7 @@
 #include <vltextstream/version.hpp>
 
 #include "tool/help.hpp"
+#include "tool/option_words.hpp"
 #include "tool/safe_text.hpp"
 #include "tool/usage_errors.hpp"
 
@@ -135,10 +136,26 @@ void apply(const GivenOption& option, DetectSettings& settings) {
   }
 }
 
+std::vector<std::string> names_of_options() {
+  std::vector<std::string> names;
+  for (const OptionFlag& flag : option_flags()) names.emplace_back(flag.name);
+  return names;
+}
+
+// The word that was probably meant, of the option or of its value.
+std::string what_was_meant(const GivenOption& option) {
+  const OptionFlag* const flag = find_option(option.name);
+  if (flag == nullptr) return meant(option.name, names_of_options());
+  const std::vector<std::string> words = words_of(flag_of(flag->name));
+  return option.is_json || option.values.empty() ? std::string()
+                                                 : meant(option.values.front(), words);
+}
+
 [[noreturn]] void refuse(const GivenOption& option, const std::string& expected) {
   std::vector<std::string> typed = option.values;
   typed.push_back(option.name);
-  throw BadArgument(shortened(option.typed_as), with_short_echoes(expected, typed));
+  throw BadArgument(shortened(option.typed_as),
+                    with_short_echoes(expected, typed) + what_was_meant(option));
 }
 
 void apply_or_refuse(const GivenOption& option, DetectSettings& settings) {
@@ -162,12 +179,40 @@ void check(const DetectSettings& settings) {
   }
 }
 
-standalone::Judge judge_named(const std::string& name) {
-  for (const auto judge : {standalone::Judge::assessment, standalone::Judge::cascade}) {
-    if (name == to_string(judge)) return judge;
+// ---------------------------------------------------------------------------------------------
+// What CLI11 refuses
+
+std::vector<std::string> flags_of(const CLI::App& app) {
+  std::vector<std::string> flags;
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) flags.push_back("--" + name);
+    for (const std::string& name : option->get_snames()) flags.push_back("-" + name);
   }
-  throw BadArgument("--judge",
-                    fmt::format("Expected assessment or cascade, got '{}'.", shortened(name)));
+  return flags;
+}
+
+// An option that does not exist is named, with the one that was probably meant.
+[[noreturn]] void refuse_unknown(const CLI::App& app, const CLI::ParseError& error,
+                                 const std::vector<std::string>& typed) {
+  for (const std::string& argument : app.remaining()) {
+    if (!argument.starts_with("-")) continue;
+    const std::string flag = argument.substr(0, argument.find('='));
+    const std::string near = nearest(flag, flags_of(app));
+    throw UsageError(near.empty() ? fmt::format("{}: there is no such option", shortened(flag))
+                                  : fmt::format("{}: do you mean {}?", shortened(flag), near));
+  }
+  throw UsageError(with_short_echoes(error.what(), typed));
+}
+
+// An option at the end of the line that needs a value.
+[[noreturn]] void refuse_mismatch(const CLI::App& app, const CLI::ParseError& error,
+                                  const std::vector<std::string>& typed) {
+  const CLI::Option* const option = typed.empty() ? nullptr : app.get_option_no_throw(typed.back());
+  if (option == nullptr || option->get_items_expected() == 0)
+    throw UsageError(with_short_echoes(error.what(), typed));
+  const std::vector<std::string> words = words_of(typed.back());
+  throw UsageError(fmt::format("{} needs a value: {}", typed.back(),
+                               words.empty() ? option->get_type_name() : either_of(words)));
 }
 
 }  // namespace
@@ -204,14 +249,15 @@ unsigned long to_number(const char* flag, const std::string& text, unsigned long
 void TypedLook::apply_to(DetectSettings& settings) const {
   settings.num_lines = lines == kAllLines ? kAnyNumber : to_number("--lines", lines, 0, kAnyNumber);
   settings.look_at_end = !no_tail;
-  if (judge) settings.judge = judge_named(*judge);
+  if (judge && place_among_words("--judge", *judge) == 1)
+    settings.judge = standalone::Judge::cascade;
 }
 
 // The help shows the groups in the order of their first options.
 CommandParts::CommandParts(CLI::App& app, int argc, const char* import_group) : app_(app) {
   app.formatter(std::make_shared<HelpFormatter>());
   app.set_help_flag("-h,--help", "Print this help and exit");
-  app.set_version_flag("--version", std::string("vltext ") + libvltextstream_version,
+  app.set_version_flag("-V,--version", std::string("vltext ") + libvltextstream_version,
                        "Print the version and exit");
   flags_ = declare_library_options(app, import_group);
   files_ = declare_files(app, argc);
@@ -239,6 +285,10 @@ void CommandParts::parse(int argc, const char* const* argv, int num_skipped) {
     throw TextWanted(app_.help());
   } catch (const CLI::CallForVersion& version) {
     throw TextWanted(version.what() + std::string("\n"));
+  } catch (const CLI::ExtrasError& error) {
+    refuse_unknown(app_, error, typed);
+  } catch (const CLI::ArgumentMismatch& error) {
+    refuse_mismatch(app_, error, typed);
   } catch (const CLI::ParseError& error) {
     throw UsageError(with_short_echoes(error.what(), typed));
   }

@@ -3,6 +3,11 @@
 #include <algorithm>
 #include <string_view>
 
+#include <fmt/format.h>
+
+#include "tool/conventions/command_table.hpp"
+#include "tool/option_words.hpp"
+
 namespace textio::tool {
 namespace {
 
@@ -52,10 +57,34 @@ const char* const kExitStatus =
     "a "
     "file cannot be read or an argument is wrong.";
 
+std::span<const HelpExample> help_examples() {
+  static constexpr HelpExample kExamples[] = {
+      {"vltext data.csv", "The delimiter and columns, and how sure"},
+      {"vltext --explain data.csv", "What speaks for the answer, and against it"},
+      {"vltext --delimiter ';' data.csv", "The delimiter is known: what else?"},
+      {"vltext data.csv --emit pandas", "A Python program that reads it with pandas"},
+      {"vltext head data.csv -n 5", "The first rows of the table"},
+      {"vltext convert data.csv -o t.db", "The whole table, in a SQLite database"},
+  };
+  return kExamples;
+}
+
 std::string HelpFormatter::make_help(const CLI::App* app, std::string name,
                                      CLI::AppFormatMode mode) const {
+  const bool has_commands = name == "vltext";
   std::string out = "Usage: " + name + " [OPTION]... FILE...\n";
+  if (has_commands) out += "       vltext COMMAND ...\n";
   append_wrapped(out, app->get_description(), 0);
+  if (has_commands) {
+    out += "\nCommands:\n";
+    for (const CommandLineOfHelp& line : command_lines()) {
+      if (line.name.empty()) continue;
+      append_option(out, fmt::format("{} {}", line.name, line.arguments), line.summary);
+    }
+    out += "\nExamples:\n";
+    for (const HelpExample& example : help_examples())
+      out += fmt::format("  {:<32} {}\n", example.command, example.what);
+  }
   out += make_groups(app, mode) + make_subcommands(app, mode);
   return out + '\n' + make_footer(app);
 }
@@ -74,6 +103,11 @@ std::string HelpFormatter::make_option(const CLI::Option* option, bool /*is_posi
     flag.insert(comma + 1, 1, ' ');
   }
   if (takes_value) flag += ' ' + option->get_type_name();
+  if (!takes_value && !option->get_lnames().empty()) {
+    // A flag that may have one of a few words.
+    const std::vector<std::string> words = words_of("--" + option->get_lnames().front());
+    if (!words.empty()) flag += "[=" + either_of(words) + "]";
+  }
   std::string out;
   append_option(out, flag, option->get_description());
   return out;

@@ -1,7 +1,9 @@
 // The help of the tool, made from the options that were declared and their descriptions.
 #pragma once
 
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <CLI/App.hpp>
@@ -22,6 +24,13 @@ inline constexpr const char* kImportGroup =
 
 // The heading of the same options where they act.
 inline constexpr const char* kRulesGroup = "How the table is read";
+
+// What the help of the tool and the manual page show.
+struct HelpExample {
+  std::string_view command;
+  std::string_view what;
+};
+std::span<const HelpExample> help_examples();
 
 // Lines of at most 79 characters.
 class HelpFormatter : public CLI::Formatter {

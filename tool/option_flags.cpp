@@ -15,6 +15,7 @@
 #include <vltextstream/options/option_keywords.hpp>
 #include <vltextstream/standalone/decoding/utf_text.hpp>
 
+#include "tool/option_words.hpp"
 #include "tool/safe_text.hpp"
 
 namespace textio::tool {
@@ -157,19 +158,19 @@ class ArrayReader : public nlohmann::json_sax<nlohmann::json> {
   Array whole_;
 };
 
-// "keep, ignore or error"
-std::string either_of(std::span<const parser::Keyword> keywords) {
-  std::string text;
-  for (const parser::Keyword& keyword : keywords) {
-    if (!text.empty()) text += &keyword == &keywords.back() ? " or " : ", ";
-    text += keyword.word;
-  }
-  return text;
+template <typename Enumeration>
+std::vector<std::string> words_of_enumeration() {
+  std::vector<std::string> words;
+  for (const parser::Keyword& keyword : parser::keywords<Enumeration>)
+    words.emplace_back(keyword.word);
+  return words;
 }
 
+// An option whose values are the keywords of an enumeration.
 template <typename Enumeration>
-std::string any_word() {
-  return either_of(parser::keywords<Enumeration>);
+OptionFlag one_of(const char* name, bool for_import = false) {
+  std::vector<std::string> words = words_of_enumeration<Enumeration>();
+  return {name, ValueKind::text, "WORD", either_of(words), for_import, words};
 }
 
 std::string delimiters_as_one_help() {
@@ -278,7 +279,7 @@ const std::vector<OptionFlag>& option_flags() {
       {"LineEnding", Kind::text_list, "TEXT", "Lines end with TEXT; may be repeated"},
       {"EndOfLine", Kind::text_list, "TEXT", "The same as --line-ending"},
       {"Whitespace", Kind::text, "CHARS", "These characters are trimmed around fields"},
-      {"ParserType", Kind::text, "WORD", any_word<parser::parser_kind>()},
+      one_of<parser::parser_kind>("ParserType"),
       {"VariableWidths", Kind::widths, "N,N,...", widths_help()},
       {"VariableNamesLine", Kind::count, "N",
        "The names of the variables are in line N of the file, or in none: 0"},
@@ -294,22 +295,23 @@ const std::vector<OptionFlag>& option_flags() {
       {"DateLocale", Kind::text, "NAME",
        "Names of months and weekdays may also be those of this locale, such as de_DE"},
       {"ExpChars", Kind::text, "CHARS", "These characters mark an exponent, not e, E, d and D"},
-      {"ConsecutiveDelimitersRule", Kind::text, "WORD",
-       any_word<parser::consecutive_delimiters_action>(), kForImport},
-      {"LeadingDelimitersRule", Kind::text, "WORD", any_word<parser::leading_delimiters_action>(),
-       kForImport},
-      {"MultipleDelimsAsOne", Kind::logical, "BOOL", delimiters_as_one_help(), kForImport},
-      {"EmptyLineRule", Kind::text, "WORD", any_word<parser::empty_line_action>(), kForImport},
-      {"ExtraColumnsRule", Kind::text, "WORD", any_word<parser::extra_columns_action>(),
-       kForImport},
-      {"PartialFieldRule", Kind::text, "WORD", any_word<parser::partial_field_action>(),
-       kForImport},
-      {"MissingRule", Kind::text, "WORD", any_word<parser::row_rule>(), kForImport},
-      {"ImportErrorRule", Kind::text, "WORD", any_word<parser::row_rule>(), kForImport},
-      {"TextType", Kind::text, "WORD", any_word<parser::text_kind>(), kForImport},
-      {"DatetimeType", Kind::text, "WORD", any_word<parser::datetime_kind>(), kForImport},
-      {"CollectOutput", Kind::logical, "BOOL", "true or false", kForImport},
-      {"IsFile", Kind::logical, "BOOL", "true or false", kForImport},
+      one_of<parser::consecutive_delimiters_action>("ConsecutiveDelimitersRule", kForImport),
+      one_of<parser::leading_delimiters_action>("LeadingDelimitersRule", kForImport),
+      {"MultipleDelimsAsOne",
+       Kind::logical,
+       "BOOL",
+       delimiters_as_one_help(),
+       kForImport,
+       {"true", "false"}},
+      one_of<parser::empty_line_action>("EmptyLineRule", kForImport),
+      one_of<parser::extra_columns_action>("ExtraColumnsRule", kForImport),
+      one_of<parser::partial_field_action>("PartialFieldRule", kForImport),
+      one_of<parser::row_rule>("MissingRule", kForImport),
+      one_of<parser::row_rule>("ImportErrorRule", kForImport),
+      one_of<parser::text_kind>("TextType", kForImport),
+      one_of<parser::datetime_kind>("DatetimeType", kForImport),
+      {"CollectOutput", Kind::logical, "BOOL", "true or false", kForImport, {"true", "false"}},
+      {"IsFile", Kind::logical, "BOOL", "true or false", kForImport, {"true", "false"}},
       {"ReturnOnError", Kind::text, "ANY", "Accepted and ignored", kForImport},
       {"EmptyValue", Kind::text, "ANY", "Accepted and ignored", kForImport},
   };

@@ -25,6 +25,9 @@ struct OptionFlag {
   const char* placeholder;  // for the value in the help
   std::string help;
   bool for_import = false;  // acts where the table is read; without effect on a detection
+
+  // The only values that are understood; empty: any value is.
+  std::vector<std::string> words = {};
 };
 
 // An option as it was typed.

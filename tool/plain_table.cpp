@@ -3,38 +3,14 @@
 #include <algorithm>
 #include <utility>
 
-#include <unicode/uchar.h>
-
-#include <vltextstream/text/utf8.hpp>
-
 #include "tool/safe_text.hpp"
+#include "tool/showing/places.hpp"
 
 namespace textio::tool {
 namespace {
 
 constexpr std::string_view kEllipsis = "...";
 constexpr std::string_view kGap = "  ";
-
-std::size_t width_of(char32_t code) {
-  const auto c = static_cast<UChar32>(code);
-  constexpr int kMarks = U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK;
-  if ((U_GET_GC_MASK(c) & kMarks) != 0) return 0;
-  const int width = u_getIntPropertyValue(c, UCHAR_EAST_ASIAN_WIDTH);
-  return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
-}
-
-// The bytes of the longest start that takes no more places.
-std::size_t length_within(std::string_view text, std::size_t most_width) {
-  std::size_t length = 0;
-  std::size_t width = 0;
-  while (length < text.size()) {
-    const Utf8Character c = first_character(text.substr(length));
-    width += width_of(c.code);
-    if (width > most_width) break;
-    length += c.length;
-  }
-  return length;
-}
 
 std::string cut(std::string text) {
   if (length_within(text, PlainTable::kMostWidth) == text.size()) return text;
@@ -43,16 +19,6 @@ std::string cut(std::string text) {
 }
 
 }  // namespace
-
-std::size_t display_width(std::string_view text) {
-  std::size_t width = 0;
-  while (!text.empty()) {
-    const Utf8Character c = first_character(text);
-    width += width_of(c.code);
-    text.remove_prefix(c.length);
-  }
-  return width;
-}
 
 void PlainTable::add(const std::vector<std::string>& cells) {
   std::vector<Cell> row(sides_.size());

@@ -11,20 +11,15 @@
 //
 // Cells are made printable and cut to kMostWidth, with "..." at the end. Lines have no blanks at their ends.
 //
-// Units   widths are those of a terminal: a letter of China, Japan or Korea takes two places, a mark on the letter
-//         before it none.
+// Units   widths are those of a terminal, as display_width counts them.
 // Errors  std::bad_alloc.
 #pragma once
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace textio::tool {
-
-// The places that a text of well-formed UTF-8 takes.
-std::size_t display_width(std::string_view text);
 
 enum class Side { left, right };
 

@@ -4,10 +4,13 @@
 #include <cmath>
 #include <cstdint>
 #include <iterator>
+#include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include <vltextstream/text/utf8.hpp>
+#include "tool/grouped.hpp"
 #include "tool/safe_text.hpp"
 
 namespace textio::tool {
@@ -45,9 +48,65 @@ std::string ending(const Layout& layout) {
 
 std::string number(double value) { return std::isinf(value) ? "-" : fmt::format("{:.4g}", value); }
 
-std::string_view name_of_end(const Layout& layout) {
-  return layout.selection_end == SelectionEnd::single_survivor ? layout.decided_by
-                                                               : to_string(layout.selection_end);
+// What a filter of the cascade looks for.
+std::string_view what_decided(std::string_view filter) {
+  static constexpr std::pair<std::string_view, std::string_view> kFilters[] = {
+      {"reduce_by_numvariables", "it has the number of columns that was given"},
+      {"reduce_by_dates", "it finds the most columns of dates and times"},
+      {"reduce_by_variation", "its lines have the most regular number of cells"},
+      {"reduce_by_class_value", "its columns hold the most values that are not text"},
+      {"reduce_by_header_lines", "it has the fewest lines before the data"},
+      {"reduce_by_non_empty", "the fewest of its columns are empty"},
+      {"reduce_by_priors_rank", "its delimiter is the most usual one"},
+  };
+  for (const auto& [name, words] : kFilters) {
+    if (name == filter) return words;
+  }
+  return filter;
+}
+
+// Why the cascade answers as it does.
+std::string_view end_of_cascade(const Layout& layout) {
+  switch (layout.selection_end) {
+    case SelectionEnd::single_survivor:
+      return what_decided(layout.decided_by);
+    case SelectionEnd::only_candidate:
+      return "nothing else can separate the columns";
+    case SelectionEnd::no_candidate:
+      return "no character separates columns";
+    case SelectionEnd::empty_sample:
+      return "there is no line to look at";
+    case SelectionEnd::whole_line_dates:
+      return "each line is a date";
+    case SelectionEnd::unresolved_tie:
+      return "several answers are as good, so each line is one cell";
+    case SelectionEnd::given:
+      return "it was given";
+  }
+  return {};
+}
+
+// A layout in the words of the tool.
+std::string in_words(const Dialect& dialect) {
+  switch (dialect.mode) {
+    case LayoutMode::space_aligned:
+      return "columns aligned with blanks";
+    case LayoutMode::fixed_width: {
+      std::string out = "columns of fixed width";
+      if (!dialect.widths.empty()) out += ": " + joined(dialect.widths) + " characters";
+      return out;
+    }
+    case LayoutMode::line_reader:
+      return "one column, each line a cell";
+    case LayoutMode::delimited:
+      break;
+  }
+  return to_string(dialect);
+}
+
+// What a line is for, in the words of the tool.
+std::string_view in_words(LineRole role) {
+  return role == LineRole::header ? std::string_view("above") : to_string(role);
 }
 
 std::string names(const Layout& layout) {
@@ -111,13 +170,6 @@ std::vector<std::string> details_of(const Layout& layout, const standalone::Colu
   return details;
 }
 
-// "4,194,304"
-std::string grouped(std::uint64_t number) {
-  std::string digits = std::to_string(number);
-  for (std::size_t at = digits.size(); at > 3; at -= 3) digits.insert(at - 3, 1, ',');
-  return digits;
-}
-
 constexpr std::size_t kMostColumns = 60;
 
 std::string_view kind_of_column(const Layout& layout, std::size_t column) {
@@ -175,26 +227,23 @@ std::string encoding(const Layout& layout) {
   }
   out += ")";
   if (layout.ill_formed_parts > 0) {
-    fmt::format_to(Out(out), ", {} ill-formed", layout.ill_formed_parts);
+    fmt::format_to(Out(out), ", {} place{} not valid in it", layout.ill_formed_parts,
+                   layout.ill_formed_parts == 1 ? " is" : "s are");
   }
   return out;
 }
 
-std::string sampled(const Layout& layout) {
+std::string looked_at(const Layout& layout) {
   if (layout.characters_sampled == 0 && layout.has_more_text) {
     return "nothing: no line ends in the first 4,194,304 characters";
   }
-  if (!layout.confidence) {
-    return fmt::format("{} lines of {} characters", layout.lines_sampled,
-                       layout.characters_sampled);
-  }
-  const std::size_t looked_at = layout.lines.empty() ? 0 : layout.lines.back().last_line;
+  const std::size_t last_line = layout.lines.empty() ? 0 : layout.lines.back().last_line;
   if (!layout.has_more_text) {
-    return looked_at == 1 ? "the only line" : fmt::format("all {} lines", grouped(looked_at));
+    return last_line == 1 ? "the only line" : fmt::format("all {} lines", grouped(last_line));
   }
   if (!layout.lines_estimated)
-    return fmt::format("{} lines, and there are more", grouped(looked_at));
-  return fmt::format("{} of about {} lines", grouped(looked_at), grouped(*layout.lines_estimated));
+    return fmt::format("{} lines, and there are more", grouped(last_line));
+  return fmt::format("{} of about {} lines", grouped(last_line), grouped(*layout.lines_estimated));
 }
 
 void add_tail(std::string& out, const Layout& layout) {
@@ -258,7 +307,7 @@ void add_spread(std::string& out, const Layout& layout) {
     fmt::format_to(Out(out), "  also missing    {}\n", quoted_and_counted(look.missing));
 }
 
-// "1-4 header, 5 blank, 6 names, 7-18 data", or of many runs how many lines each role has.
+// "1-4 above, 5 blank, 6 names, 7-18 data", or of many runs how many lines each role has.
 std::string lines(const Layout& layout) {
   constexpr std::size_t kMostRuns = 8;
   std::vector<std::string> parts;
@@ -267,7 +316,7 @@ std::string lines(const Layout& layout) {
       const std::string numbers = run.first_line == run.last_line
                                       ? fmt::format("{}", run.first_line)
                                       : fmt::format("{}-{}", run.first_line, run.last_line);
-      parts.push_back(fmt::format("{} {}", numbers, to_string(run.role)));
+      parts.push_back(fmt::format("{} {}", numbers, in_words(run.role)));
     }
     return parts.empty() ? "none" : fmt::format("{}", fmt::join(parts, ", "));
   }
@@ -275,7 +324,7 @@ std::string lines(const Layout& layout) {
                               LineRole::comment, LineRole::data, LineRole::footer}) {
     std::size_t count = 0;
     for (const LineRun& run : layout.lines) count += run.role == role ? run.count : 0;
-    if (count > 0) parts.push_back(fmt::format("{} {}", count, to_string(role)));
+    if (count > 0) parts.push_back(fmt::format("{} {}", count, in_words(role)));
   }
   return fmt::format("{} in all", fmt::join(parts, ", "));
 }
@@ -288,7 +337,8 @@ std::string percent(double share) {
 std::string dialect_and_columns(const Dialect& dialect, std::size_t columns) {
   Dialect short_form = dialect;
   short_form.widths.clear();
-  return fmt::format("{}, {} column{}", to_string(short_form), columns, columns == 1 ? "" : "s");
+  if (dialect.mode == LayoutMode::line_reader) return in_words(short_form);
+  return fmt::format("{}, {} column{}", in_words(short_form), columns, columns == 1 ? "" : "s");
 }
 
 Dialect dialect_with(LayoutMode mode, const std::vector<std::u16string>& delimiters) {
@@ -303,34 +353,112 @@ std::string short_form(const standalone::Rival& rival) {
   return dialect_and_columns(dialect_with(rival.mode, rival.delimiters), rival.num_variables);
 }
 
+bool is_next_best(const standalone::CascadeAnswer& answer, const Layout& layout) {
+  if (layout.rivals.empty()) return false;
+  const standalone::Rival& next = layout.rivals.front();
+  return next.no_table.empty() && next.mode == answer.mode &&
+         next.delimiters == answer.delimiters && next.num_variables == answer.num_variables;
+}
+
 void add_confidence(std::string& out, const Layout& layout) {
   if (!layout.confidence || layout.no_table == "empty") return;
-  const char* const doubt = *layout.confidence < 0.5 ? ": no answer is likely" : "";
+  const bool is_doubtful = *layout.confidence < 0.5;
+  const char* const doubt = !is_doubtful   ? ""
+                            : layout.trace ? ": no answer is likely"
+                                           : ": no answer is likely, --explain tells why";
   fmt::format_to(Out(out), "  confidence      {} sure{}\n", percent(*layout.confidence), doubt);
-  for (const standalone::Rival& rival : layout.rivals) {
-    fmt::format_to(Out(out), "  next best       {}, {}: {}\n", short_form(rival),
-                   percent(rival.probability), printable(rival.reason));
-    break;
+  if (!layout.rivals.empty() && !layout.trace) {
+    const standalone::Rival& next = layout.rivals.front();
+    fmt::format_to(Out(out), "  next best       {}, {}: {}\n", short_form(next),
+                   percent(next.probability), printable(next.reason));
   }
-  if (layout.cascade && !layout.cascade->agrees) {
+  if (layout.cascade && !layout.cascade->agrees && !is_next_best(*layout.cascade, layout)) {
     const Dialect dialect = dialect_with(layout.cascade->mode, layout.cascade->delimiters);
-    fmt::format_to(Out(out), "  cascade         {}\n",
+    fmt::format_to(Out(out), "  or perhaps      {}, as --judge cascade answers\n",
                    dialect_and_columns(dialect, layout.cascade->num_variables));
   }
 }
 
-void add_evidence(std::string& out, const Layout& layout) {
+// -------------------------------------------------------------------------------------------------
+// How the answer came about
+
+// Each layout once: the answer, its rivals, and what else the characters of the text could mean.
+std::vector<std::string> considered(const Layout& layout) {
+  std::vector<std::string> found;
+  const auto add = [&](const std::string& text) {
+    if (std::find(found.begin(), found.end(), text) == found.end()) found.push_back(text);
+  };
+  const auto short_name = [](LayoutMode mode, const std::vector<std::string>& delimiters) {
+    return in_words(Dialect{mode, delimiters, {}});
+  };
+  const Dialect answer = dialect_of(layout);
+  add(layout.no_table.empty() ? short_name(answer.mode, answer.delimiters)
+                              : "no table: " + layout.no_table);
+  for (const standalone::Rival& rival : layout.rivals) {
+    const Dialect dialect = dialect_with(rival.mode, rival.delimiters);
+    add(rival.no_table.empty() ? short_name(dialect.mode, dialect.delimiters)
+                               : "no table: " + rival.no_table);
+  }
+  for (const CandidateTrace& candidate : layout.trace->candidates)
+    add(short_name(candidate.dialect.mode, candidate.dialect.delimiters));
+  return found;
+}
+
+// What a piece of evidence is worth, in a word.
+std::string_view strength(double worth) {
+  if (std::abs(worth) >= 3) return "strongly";
+  return std::abs(worth) >= 1 ? "clearly" : "slightly";
+}
+
+void add_sentences(std::string& out, const Layout& layout, std::string_view label, bool is_for) {
+  bool is_first = true;
   for (const standalone::EvidenceItem& item : layout.evidence) {
-    fmt::format_to(Out(out), "  {:>+14.1f}  {}\n", item.worth, printable(item.sentence));
+    if ((item.worth > 0) != is_for) continue;
+    fmt::format_to(Out(out), "  {:<14}  {}: {}\n", is_first ? label : std::string_view(),
+                   strength(item.worth), printable(item.sentence));
+    is_first = false;
+  }
+  if (is_first) fmt::format_to(Out(out), "  {:<14}  nothing\n", label);
+}
+
+// "lost: ..." with what is wrong with the rival, or what is better about the answer.
+std::string why_lost(const standalone::Rival& rival) {
+  constexpr std::string_view kOfAnswer = "of the answer, ";
+  std::string_view reason = rival.reason;
+  const bool is_of_answer = reason.starts_with(kOfAnswer);
+  if (is_of_answer) reason.remove_prefix(kOfAnswer.size());
+  return fmt::format("lost{}: {}", is_of_answer ? " to the answer" : "", printable(reason));
+}
+
+void add_story(std::string& out, const Layout& layout) {
+  fmt::format_to(Out(out), "\n  considered      {}\n", fmt::join(considered(layout), "; "));
+  add_sentences(out, layout, "for the answer", true);
+  add_sentences(out, layout, "against it", false);
+  if (layout.rivals.empty()) {
+    out += "  next best       no other answer is worth mentioning\n";
+    return;
   }
   for (const standalone::Rival& rival : layout.rivals) {
-    fmt::format_to(Out(out), "  {:>14}  {}: {}\n", percent(rival.probability), short_form(rival),
-                   printable(rival.reason));
+    const bool is_next = &rival == &layout.rivals.front();
+    fmt::format_to(Out(out), "  {:<14}  {}, {}, {}\n", is_next ? "next best" : "after it",
+                   short_form(rival), percent(rival.probability), why_lost(rival));
+  }
+}
+
+// The line in which the table begins, if something is above it.
+void add_top(std::string& out, const Layout& layout) {
+  for (const LineRun& run : layout.lines) {
+    const bool is_above = run.role == LineRole::header || run.role == LineRole::blank ||
+                          run.role == LineRole::comment;
+    if (is_above) continue;
+    if (run.role != LineRole::footer && run.first_line > 1)
+      fmt::format_to(Out(out), "  table begins    in line {}\n", run.first_line);
+    return;
   }
 }
 
 std::string candidate_name(const CandidateTrace& candidate) {
-  return to_string(Dialect{candidate.dialect.mode, candidate.dialect.delimiters, {}});
+  return in_words(Dialect{candidate.dialect.mode, candidate.dialect.delimiters, {}});
 }
 
 void add_trace(std::string& out, const detection::SelectionTrace& trace) {
@@ -344,10 +472,12 @@ void add_trace(std::string& out, const detection::SelectionTrace& trace) {
     if (!candidate.dialect.widths.empty()) {
       fmt::format_to(Out(out), "  {:14}    widths {}\n", "", joined(candidate.dialect.widths));
     }
+    fmt::format_to(
+        Out(out),
+        "  {:14}    {} records, {} of them above the data; usually {} fields; {} columns\n", "",
+        v.num_lines, candidate.header_lines, v.modal_field_count, v.num_variables);
     fmt::format_to(Out(out),
-                   "  {:14}    {} lines, {} of them header; {} fields usual, {} variables\n", "",
-                   v.num_lines, candidate.header_lines, v.modal_field_count, v.num_variables);
-    fmt::format_to(Out(out), "  {:14}    variation {} in all, {} in the data; prior rank {}\n", "",
+                   "  {:14}    variation {} in all, {} in the data; rank of the delimiter {}\n", "",
                    number(v.total_variation), number(v.data_variation), number(v.priors_rank));
     fmt::format_to(Out(out), "  {:14}    columns: {} typed, {} number, {} date, {} datetime\n", "",
                    v.typed_columns, v.numeric_columns, v.date_columns, v.datetime_columns);
@@ -361,14 +491,12 @@ void add_trace(std::string& out, const detection::SelectionTrace& trace) {
   }
 }
 
-}  // namespace
-
-std::string report(const std::string& file, const Layout& layout,
-                   const std::vector<GivenOption>& given, std::string_view file_kind) {
-  std::string out = printable(file) + "\n";
-  fmt::format_to(Out(out), "  layout          {}{}\n", to_string(dialect_of(layout)),
-                 layout.rest_in_last ? ", the last column takes the rest of the line" : "");
-  if (!layout.no_table.empty()) {
+// What the text is: a table and how it is laid out, or what else.
+void add_answer(std::string& out, const Layout& layout, std::string_view file_kind) {
+  if (layout.no_table.empty()) {
+    fmt::format_to(Out(out), "  layout          {}{}\n", in_words(dialect_of(layout)),
+                   layout.rest_in_last ? ", the last column takes the rest of the line" : "");
+  } else {
     fmt::format_to(Out(out), "  no table        {}{}\n",
                    layout.no_table == "empty" ? "there is no line that is not blank"
                                               : "this is probably " + layout.no_table,
@@ -378,6 +506,9 @@ std::string report(const std::string& file, const Layout& layout,
   if (layout.looks_binary) {
     out += "  looks binary    control characters as no text has them; this is probably no table\n";
   }
+}
+
+void add_given(std::string& out, const std::vector<GivenOption>& given) {
   for (const GivenOption& option : given) {
     const std::string values = option.is_json
                                    ? option.values.front()
@@ -385,30 +516,55 @@ std::string report(const std::string& file, const Layout& layout,
     fmt::format_to(Out(out), "  given           {} {}\n", printable(option.name),
                    printable(values));
   }
-  fmt::format_to(Out(out), "  header lines    {}\n", layout.header_lines);
+}
+
+void add_table(std::string& out, const Layout& layout) {
+  add_top(out, layout);
   fmt::format_to(Out(out), "  names           {}\n", names(layout));
-  fmt::format_to(Out(out), "  variables       {}\n", layout.num_variables);
+  fmt::format_to(Out(out), "  columns         {}\n", layout.num_variables);
   add_columns(out, layout);
   if (const std::string details = dialect_details(layout); !details.empty())
     fmt::format_to(Out(out), "  written         {}\n", details);
+}
+
+void add_lines(std::string& out, const Layout& layout) {
+  fmt::format_to(Out(out), "  lines           {}\n", lines(layout));
+  if (layout.ragged_lines == 0) return;
+  fmt::format_to(Out(out),
+                 "  uneven          {} line{} of data without a cell for each column, or with "
+                 "more, the first in line {}\n",
+                 layout.ragged_lines, layout.ragged_lines == 1 ? "" : "s",
+                 *layout.first_ragged_line);
+}
+
+// How the answer came about, as far as it is asked for.
+void add_reasons(std::string& out, const Layout& layout, bool explains_cascade) {
+  const bool is_judged = layout.confidence.has_value();
+  if (!is_judged) fmt::format_to(Out(out), "  chosen because  {}\n", end_of_cascade(layout));
+  if (!layout.trace || layout.no_table == "empty") return;
+  if (is_judged) add_story(out, layout);
+  if (is_judged && !explains_cascade) return;
+  if (is_judged) fmt::format_to(Out(out), "\n  the cascade     {}\n", end_of_cascade(layout));
+  if (layout.selection_end != SelectionEnd::given) add_trace(out, *layout.trace);
+}
+
+}  // namespace
+
+std::string report(const std::string& file, const Layout& layout,
+                   const std::vector<GivenOption>& given, std::string_view file_kind,
+                   bool explains_cascade) {
+  const bool is_table = layout.no_table.empty();
+  std::string out = printable(file) + "\n";
+  add_answer(out, layout, file_kind);
+  add_given(out, given);
+  if (is_table) add_table(out, layout);
   fmt::format_to(Out(out), "  encoding        {}\n", encoding(layout));
   fmt::format_to(Out(out), "  line ending     {}\n", ending(layout));
-  fmt::format_to(Out(out), "  lines           {}\n", lines(layout));
-  if (layout.ragged_lines > 0) {
-    fmt::format_to(Out(out), "  ragged          {} lines of data, the first in line {}\n",
-                   layout.ragged_lines, *layout.first_ragged_line);
-  }
+  if (is_table) add_lines(out, layout);
   add_tail(out, layout);
   add_spread(out, layout);
-  fmt::format_to(Out(out), "  sampled         {}\n", sampled(layout));
-  if (!layout.confidence) fmt::format_to(Out(out), "  decided by      {}\n", name_of_end(layout));
-  if (!layout.trace) return out;
-  if (layout.confidence) {
-    out += "  evidence\n";
-    add_evidence(out, layout);
-    fmt::format_to(Out(out), "  cascade ended   {}\n", name_of_end(layout));
-  }
-  add_trace(out, *layout.trace);
+  fmt::format_to(Out(out), "  looked at       {}\n", looked_at(layout));
+  add_reasons(out, layout, explains_cascade);
   return out;
 }
 

@@ -1,6 +1,7 @@
 #include "tool/table_commands.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <iterator>
 
@@ -9,6 +10,7 @@
 
 #include "tool/command_parts.hpp"
 #include "tool/help.hpp"
+#include "tool/option_words.hpp"
 #include "tool/ordered_work.hpp"
 #include "tool/safe_text.hpp"
 
@@ -65,11 +67,8 @@ std::optional<Format> format_of_path(std::string path) {
 }
 
 Format format_named(const std::string& name) {
-  for (const Format format : {Format::csv, Format::tsv, Format::jsonl, Format::sqlite}) {
-    if (name == to_string(format)) return format;
-  }
-  throw BadArgument("--to",
-                    fmt::format("Expected csv, tsv, jsonl or sqlite, got '{}'.", shortened(name)));
+  constexpr std::array kFormats = {Format::csv, Format::tsv, Format::jsonl, Format::sqlite};
+  return kFormats.at(place_among_words("--to", name));
 }
 
 Format format_of(const std::optional<std::string>& to, const std::optional<std::string>& out) {
@@ -146,7 +145,46 @@ void check_convert(const ConvertArguments& arguments, const TypedConvert& typed)
     throw UsageError("--table is for --to sqlite only");
 }
 
+struct ConvertLine {
+  explicit ConvertLine(int argc)
+      : app(kConvertDescription, "vltext convert"), parts(app, argc, kRulesGroup) {
+    app.footer(kConvertExitStatus);
+    declare_convert(app, arguments, typed);
+    reading.declare(app);
+    parts.declare_look(look);
+  }
+
+  CLI::App app;
+  CommandParts parts;
+  ConvertArguments arguments;
+  TypedConvert typed;
+  TypedReading reading;
+  TypedLook look;
+};
+
+struct HeadLine {
+  explicit HeadLine(int argc)
+      : app(kHeadDescription, "vltext head"), parts(app, argc, kRulesGroup) {
+    app.footer(kHeadExitStatus);
+    num_rows = std::to_string(arguments.num_rows);
+    app.add_option("-n,--rows", num_rows, "Print N rows, 10 if not given, at most 100000")
+        ->type_name("N");
+    reading.declare(app);
+    parts.declare_look(look);
+  }
+
+  CLI::App app;
+  CommandParts parts;
+  HeadArguments arguments;
+  std::string num_rows;
+  TypedReading reading;
+  TypedLook look;
+};
+
 }  // namespace
+
+CommandEntry convert_command() { return entry_of(ConvertLine(1).app, "convert"); }
+CommandEntry head_command() { return entry_of(HeadLine(1).app, "head"); }
 
 std::string_view to_string(Format format) {
   switch (format) {
@@ -170,17 +208,8 @@ bool ConvertArguments::is_given(std::string_view option) const {
 }
 
 ConvertArguments parse_convert_line(int argc, const char* const* argv) {
-  CLI::App app(kConvertDescription, "vltext convert");
-  app.footer(kConvertExitStatus);
-  ConvertArguments arguments;
-  TypedConvert typed;
-  TypedReading reading;
-  TypedLook look;
-  CommandParts parts(app, argc, kRulesGroup);
-  declare_convert(app, arguments, typed);
-  reading.declare(app);
-  parts.declare_look(look);
-
+  ConvertLine line(argc);
+  auto& [app, parts, arguments, typed, reading, look] = line;
   parts.parse(argc, argv, 2);
   arguments.files = parts.files();
   arguments.given = parts.given();
@@ -199,18 +228,8 @@ ConvertArguments parse_convert_line(int argc, const char* const* argv) {
 }
 
 HeadArguments parse_head_line(int argc, const char* const* argv) {
-  CLI::App app(kHeadDescription, "vltext head");
-  app.footer(kHeadExitStatus);
-  HeadArguments arguments;
-  std::string num_rows = std::to_string(arguments.num_rows);
-  TypedReading reading;
-  TypedLook look;
-  CommandParts parts(app, argc, kRulesGroup);
-  app.add_option("-n,--rows", num_rows, "Print N rows, 10 if not given, at most 100000")
-      ->type_name("N");
-  reading.declare(app);
-  parts.declare_look(look);
-
+  HeadLine line(argc);
+  auto& [app, parts, arguments, num_rows, reading, look] = line;
   parts.parse(argc, argv, 2);
   arguments.files = parts.files();
   arguments.settings.detect = settings_of(parts.given());

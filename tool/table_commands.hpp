@@ -14,6 +14,7 @@
 
 #include <vltextstream/reading/table_reader.hpp>
 
+#include "tool/conventions/command_table.hpp"
 #include "tool/option_flags.hpp"
 #include "tool/usage_errors.hpp"
 
@@ -50,5 +51,9 @@ struct HeadArguments {
 
 ConvertArguments parse_convert_line(int argc, const char* const* argv);
 HeadArguments parse_head_line(int argc, const char* const* argv);
+
+// The options of the commands, as they are declared.
+CommandEntry convert_command();
+CommandEntry head_command();
 
 }  // namespace textio::tool

@@ -48,7 +48,7 @@ const SentenceCase kSentences[] = {
     {"Outside", Evidence::outside, 0.25, "25 % of the records are before or after the table"},
     {"Torn", Evidence::torn, 0.5,
      "50 % of the records have a cell with one of two brackets or quotes"},
-    {"NoTable", Evidence::no_table, 1, "few files are no table"},
+    {"NoTable", Evidence::no_table, 1, "most files are tables"},
     {"Brief", Evidence::brief, 0.5, "the text is short"},
     {"ByNames", Evidence::by_names, 1, "the names show where columns begin"},
     {"GapsInside", Evidence::gaps_inside, 0.5,
@@ -82,7 +82,9 @@ std::ostream& operator<<(std::ostream& out, const ShapeCase& row) { return out <
 const ShapeCase kShapes[] = {
     {"AllRecords", 0, 97, 0, 97, 6, "97 of 97 records have 6 fields"},
     {"WithoutThoseAboveAndComments", 3, 20, 2, 14, 4, "14 of 15 records have 4 fields"},
-    {"OneRecord", 0, 1, 0, 1, 2, "1 of 1 record have 2 fields"},
+    {"FewRecords", 1, 20, 0, 19, 3, "only 19 records, each with 3 fields"},
+    {"TwentyRecords", 0, 20, 0, 20, 3, "20 of 20 records have 3 fields"},
+    {"OneRecord", 0, 1, 0, 1, 2, "only 1 record, each with 2 fields"},
 };
 
 class SentenceOfShape : public testing::TestWithParam<ShapeCase> {};
@@ -173,7 +175,7 @@ TEST(DecidingSentence, ComparesHowRecognisableCellsAre) {
   verdict.hypotheses[0].amounts[at(Evidence::worth)] = 0.9;
   verdict.hypotheses[1].amounts[at(Evidence::worth)] = 0.4;
   EXPECT_EQ(deciding_sentence(verdict, verdict.hypotheses[1]),
-            "its cells are 40 % recognisable, those of the answer 90 %");
+            "40 % of what is in its cells is recognisable, of those of the answer 90 %");
 }
 
 // --- names and kinds of text -----------------------------------------------------------------

@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <vltextstream/reading/first_lines.hpp>
 #include <vltextstream/vltextstream.hpp>
 
 #include "support/rule_name.hpp"
@@ -183,6 +184,16 @@ TEST_F(BytesReadOfALongFile, StopSoonAfterTheSample) {
 
 TEST_F(BytesReadOfALongFile, StopSoonAfterTheSampleOfTwoByteUnits) {
   expect_sample_once_and_little_more(as_utf16(table_of(3 * kSampleUnits)), 2, "UTF-16");
+}
+
+// Of what the detection has read, the first lines need a part.
+TEST_F(BytesReadOfALongFile, ServeTheFirstLines) {
+  const standalone::Layout layout = detect(table_of(3 * kSampleUnits), "UTF-8", 100);
+  const std::size_t touched = watched.bytes_touched();
+  EXPECT_LT(touched, kSampleUnits);
+  EXPECT_EQ(reading::first_lines("table.csv", layout, {}, 12).size(), 12U);
+  EXPECT_EQ(watched.times_opened, 2U);
+  EXPECT_EQ(watched.bytes_touched(), touched);
 }
 
 // --- how many lines are asked for ----------------------------------------------------------------

@@ -37,6 +37,17 @@ TEST(Readme, ShowsTheFileAndTheAnswerOfTheTool) {
               HasSubstr(block("console", "$ ./vltext examples/preamble.csv\n" + answer.out)));
 }
 
+// The picture is between the answer and what may be asked next, with an empty line before and after it.
+TEST(Readme, ShowsAPicture) {
+  std::filesystem::current_path(kRoot);
+  const std::string all =
+      run_command(VLTEXT_PROGRAM, {"--picture", "--width", "80", "examples/comments.csv"}).out;
+  const std::size_t begin = all.find("\n\n") + 2;
+  const std::string picture = all.substr(begin, all.find("\n\n", begin) + 1 - begin);
+  EXPECT_THAT(picture, HasSubstr("\n  3  names    event,"));
+  EXPECT_THAT(content_of(kRoot + "/README.md"), HasSubstr(block("text", picture)));
+}
+
 TEST(Readme, ShowsTheHeadAndAConversion) {
   const std::string readme = content_of(kRoot + "/README.md");
   std::filesystem::current_path(kRoot);

@@ -75,12 +75,12 @@ constexpr auto kBehind = NamesSource::line_after_header;
 constexpr auto kNotThere = NamesSource::none;
 constexpr auto kOpen = NamesSource::undecided;
 
-constexpr auto kLastNames = "the last header line names every variable";
-constexpr auto kLastButUnits = "the last header line but the units names every variable";
+constexpr auto kLastNames = "it has a name for every column";
+constexpr auto kLastButUnits = "it has a name for every column, above the units";
 constexpr auto kAbove = "texts above values";
 constexpr auto kAboveBelowUnits = "texts above values, below the units";
 constexpr auto kAllText = "every column is text, so line 1 may hold names or values";
-constexpr auto kNoLine = "no line where names could be";
+constexpr auto kNoLine = "there is no line where they could be";
 constexpr auto kAlone = "there is no line below line 1 to compare it with";
 constexpr auto kAlike = "line 1 reads like the lines below it";
 
@@ -153,12 +153,12 @@ const NamesCase kNames[] = {
     {"OneColumn", u"weight\n1\n2\n", {}, kBehind, kAbove, 1, {u"weight"}},
     {"OneColumnWithItsUnit", u"weight\nkg\n1\n2\n", {}, kBehind, kAbove, 1, {u"weight"}, 2,
      {u"kg"}},
-    {"RepeatedNames", u"a,a\n1,2\n3,4\n", {}, kNotThere, "line 1 holds a text twice", kNone},
-    {"EmptyName", u"a,,c\n1,2,3\n4,5,6\n", {}, kNotThere, "line 1 leaves a field empty", kNone},
-    {"TooFewNames", u"a\n1,2\n3,4\n", commas(0), kNotThere, "line 1 has 1 field for 2 variables",
+    {"RepeatedNames", u"a,a\n1,2\n3,4\n", {}, kNotThere, "line 1 has the same text in two columns", kNone},
+    {"EmptyName", u"a,,c\n1,2,3\n4,5,6\n", {}, kNotThere, "a cell of line 1 is empty", kNone},
+    {"TooFewNames", u"a\n1,2\n3,4\n", commas(0), kNotThere, "line 1 has 1 cell for 2 columns",
      kNone},
     {"TooManyOrTooFewNamesCountAlike", u"a,b\n1,2,3\n4,5,6\n", commas(0), kNotThere,
-     "line 1 has 2 fields for 3 variables", kNone},
+     "line 1 has 2 cells for 3 columns", kNone},
     {"Values", u"1,2\n3,4\n5,6\n", {}, kNotThere, kAlike, kNone},
     {"YearsAboveNumbers", u"country,2019,2020\nFrance,1,2\nItaly,3,4\n", {}, kNotThere, kAlike,
      kNone},
@@ -179,7 +179,7 @@ const NamesCase kNames[] = {
     {"NoLineInTheBudget", u"a,b\n1,2\n", budget(0), kNotThere, kNoLine, kNone},
     // One line alone is one variable, even where it can be cut.
     {"OneLineInTheBudget", u"a,b\n1,2\n", budget(1), kNotThere,
-     "line 1 has 2 fields for 1 variable", kNone},
+     "line 1 has 2 cells for 1 column", kNone},
     {"OneLineOfTexts", u"a,b", {}, kOpen, kAlone, kNone},
     {"OneWord", u"weight", {}, kOpen, kAlone, kNone},
     {"OneNumber", u"12", {}, kNotThere, "line 1 holds values", kNone},

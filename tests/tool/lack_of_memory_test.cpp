@@ -106,6 +106,7 @@ std::ostream& operator<<(std::ostream& out, const FormCase& row) { return out <<
 const FormCase kForms[] = {
     {"Words", false, {"--jobs", "1", "--delimiter", ","}},
     {"ExplainedWords", false, {"--jobs", "1", "--explain"}},
+    {"Pictures", false, {"--jobs", "1", "--picture", "--color", "never"}},
     {"Json", true, {"--jobs", "1", "--json", "--option", "Delimiter:=[\",\",\";\"]"}},
     {"JsonOfTwoThreads", true, {"--jobs", "2", "--json"}},
     {"ExplainedJson", true, {"--jobs", "1", "--json", "--explain"}},

@@ -1,41 +1,11 @@
 #include "tool/plain_table.hpp"
 
-#include <ostream>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "support/rule_name.hpp"
-
 namespace textio::tool {
 namespace {
-
-using testing_support::ByRule;
-
-struct WidthCase {
-  const char* rule;
-  const char* text;
-  std::size_t width;
-};
-std::ostream& operator<<(std::ostream& out, const WidthCase& row) { return out << row.rule; }
-
-const WidthCase kWidths[] = {
-    {"Empty", "", 0},
-    {"Ascii", "abc", 3},
-    {"Umlaut", "\xC3\xA4", 1},
-    {"CombiningMark", "a\xCC\x88", 1},
-    {"Han", "\xE6\xBC\xA2\xE5\xAD\x97", 4},
-    {"Hangul", "\xED\x95\x9C", 2},
-    {"Fullwidth", "\xEF\xBC\xA1", 2},
-    {"Halfwidth", "\xEF\xBD\xB1", 1},
-    {"Emoji", "\xF0\x9F\x98\x80", 2},
-    {"ZeroWidthJoiner", "a\xE2\x80\x8D", 1},
-    {"Replacement", "\xEF\xBF\xBD", 1},
-};
-
-class DisplayWidth : public testing::TestWithParam<WidthCase> {};
-TEST_P(DisplayWidth, CountsPlaces) { EXPECT_EQ(display_width(GetParam().text), GetParam().width); }
-INSTANTIATE_TEST_SUITE_P(Table, DisplayWidth, testing::ValuesIn(kWidths), ByRule());
 
 TEST(PlainTable, AlignsItsColumns) {
   PlainTable table({Side::left, Side::right, Side::left});

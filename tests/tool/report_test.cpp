@@ -207,6 +207,59 @@ TEST(Report, NamesBlanksThatLookAlike) {
   EXPECT_NE(grouped_by(u'\u202F').find("numbers grouped by U+202F\n"), std::string::npos);
 }
 
+TEST(Report, SaysNothingOfColumnsWhereThereIsNoTable) {
+  Layout layout;
+  layout.no_table = "running text";
+  layout.confidence = 0.9;
+  layout.classes = {DatatypeCode::text};
+  layout.lines = {{standalone::LineRole::data, 1, 3, 3}};
+  EXPECT_EQ(report("f", layout),
+            "f\n"
+            "  no table        this is probably running text\n"
+            "  confidence      90 % sure\n"
+            "  encoding        none, the text was in memory\n"
+            "  line ending     none\n"
+            "  looked at       all 3 lines\n");
+}
+
+// The answer of the cascade is worth a line unless it is the next best one.
+TEST(Report, NamesAnAnswerOnce) {
+  Layout layout;
+  layout.confidence = 0.6;
+  layout.mode = LayoutMode::delimited;
+  layout.delimiters = {u";"};
+  layout.cascade = standalone::CascadeAnswer{LayoutMode::delimited, {u","}, {}, 0, 2, false};
+  const std::string line = "\n  or perhaps      delimited by comma, 2 columns, as --judge cascade";
+  EXPECT_NE(report("f", layout).find(line), std::string::npos);
+  layout.rivals = {{LayoutMode::delimited, {u","}, {}, std::nullopt, 2, 0.3, "it is odd", ""}};
+  EXPECT_EQ(report("f", layout).find(line), std::string::npos);
+  EXPECT_NE(report("f", layout).find("\n  next best       delimited by comma, 2 columns, 30 %: it"),
+            std::string::npos);
+}
+
+TEST(Report, TellsWhyTheNextBestLost) {
+  Layout layout;
+  layout.confidence = 0.6;
+  layout.trace.emplace();
+  layout.evidence = {{"a", 3.0, "it is so"}, {"b", -2.9, "it is odd"}, {"c", 0.9, "it is nice"}};
+  layout.rivals = {
+      {LayoutMode::delimited, {u","}, {}, std::nullopt, 2, 0.3, "of the answer, it is so", ""},
+      {LayoutMode::delimited, {u";"}, {}, std::nullopt, 3, 0.05, "there is more", ""}};
+  EXPECT_NE(
+      report("f", layout)
+          .find("\n\n  considered      one column, each line a cell; delimited by comma; delimited "
+                "by "
+                "semicolon\n"
+                "  for the answer  strongly: it is so\n"
+                "                  slightly: it is nice\n"
+                "  against it      clearly: it is odd\n"
+                "  next best       delimited by comma, 2 columns, 30 %, lost to the answer: it is "
+                "so\n"
+                "  after it        delimited by semicolon, 3 columns, 5 %, lost: there is more\n"),
+      std::string::npos)
+      << report("f", layout);
+}
+
 TEST(Report, SaysThatAFileLooksBinary) {
   Layout layout;
   EXPECT_EQ(report("f", layout).find("looks binary"), std::string::npos);

@@ -43,15 +43,14 @@ TEST_F(Tool, PrintsTheLayoutInWords) {
                             "\n"
                             "  layout          delimited by comma\n"
                             "  confidence      99 % sure\n"
-                            "  header lines    0\n"
                             "  names           in line 1: texts above values\n"
-                            "  variables       2\n"
+                            "  columns         2\n"
                             "               1  integer   x\n"
                             "               2  text      y\n"
                             "  encoding        UTF-8 (valid UTF-8)\n"
                             "  line ending     \"\\n\"\n"
                             "  lines           1 names, 2-3 data\n"
-                            "  sampled         all 3 lines\n");
+                            "  looked at       all 3 lines\n");
 }
 
 TEST_F(Tool, TellsAFirstLineBeyondAnySampleFromAnEmptyFile) {
@@ -64,12 +63,31 @@ TEST_F(Tool, TellsAFirstLineBeyondAnySampleFromAnEmptyFile) {
 
 TEST_F(Tool, ExplainsWithCandidatesAndFilters) {
   const CommandResult result =
-      vltext({"--explain", folder_.file("t.csv", "a b,c\n1 2,3\n4 5,6\n")});
+      vltext({"--explain=cascade", folder_.file("t.csv", "a b,c\n1 2,3\n4 5,6\n")});
   EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(result.out, HasSubstr("#0  space-aligned"));
+  EXPECT_THAT(result.out, HasSubstr("#0  columns aligned with blanks"));
   EXPECT_THAT(result.out, HasSubstr("#1  delimited by space"));
   EXPECT_THAT(result.out, HasSubstr("#2  delimited by comma"));
   EXPECT_THAT(result.out, HasSubstr("reduce_by_dates"));
+}
+
+TEST_F(Tool, TellsHowTheAnswerCameAbout) {
+  const std::string file = folder_.file("t.csv", "a b,c\n1 2,3\n4 5,6\n");
+  const std::string told = vltext({"--explain", file}).out;
+  EXPECT_THAT(told, HasSubstr("\n  considered      delimited by comma; columns of fixed width; "
+                              "columns aligned with blanks; delimited by space\n"));
+  EXPECT_THAT(told, HasSubstr("\n  for the answer  strongly: "));
+  EXPECT_THAT(told, HasSubstr("\n  against it      strongly: there are only 2 columns\n"));
+  EXPECT_THAT(told, HasSubstr("\n  next best       columns of fixed width, 2 columns, "));
+  EXPECT_THAT(told, Not(HasSubstr("reduce_by")));
+  EXPECT_EQ(vltext({"--explain=cascade", file}).out.substr(0, told.size()), told);
+}
+
+TEST_F(Tool, TellsWhyTheCascadeAnswers) {
+  const std::string file = folder_.file("t.csv", "a b,c\n1 2,3\n4 5,6\n");
+  EXPECT_THAT(vltext({"--judge", "cascade", "--explain", file}).out, HasSubstr("reduce_by_dates"));
+  EXPECT_THAT(vltext({"--delimiter", ",", file}).out,
+              HasSubstr("\n  chosen because  it was given\n"));
 }
 
 TEST_F(Tool, PutsTheTraceIntoTheJson) {
@@ -112,7 +130,7 @@ TEST_F(Tool, PrintsFooters) {
 TEST_F(Tool, PrintsWhatTheEndHolds) {
   const std::string file = folder_.file("t.csv", table_of(3000, "Total,\nBye\n"));
   EXPECT_THAT(vltext({file}).out, HasSubstr("\n  footer          2 lines at the end: 'Total,', "
-                                            "'Bye'\n  sampled         100 of about 3,002 lines\n"));
+                                            "'Bye'\n  looked at       100 of about 3,002 lines\n"));
   const auto document = nlohmann::json::parse(vltext({"--json", file}).out);
   const auto& layout = document["files"][0];
   EXPECT_EQ(layout["lines_estimated"], 3002);
@@ -195,14 +213,14 @@ TEST_F(Tool, DescribesTheColumnsOfAGivenLayout) {
 TEST_F(Tool, SamplesAllLinesIfAsked) {
   const std::string file = folder_.file("t.csv", table_of(2999, "Bye\n"));
   EXPECT_THAT(vltext({"--lines", "all", file}).out,
-              HasSubstr("2-3000 data, 3001 footer\n  sampled         all 3,001 lines\n"));
+              HasSubstr("2-3000 data, 3001 footer\n  looked at       all 3,001 lines\n"));
 }
 
 TEST_F(Tool, SaysHowMuchItLookedAt) {
   EXPECT_THAT(vltext({folder_.file("one", "x\n")}).out,
-              HasSubstr("sampled         the only line\n"));
+              HasSubstr("looked at       the only line\n"));
   EXPECT_THAT(vltext({"--judge", "cascade", folder_.file("two", "x,y\n1,2\n")}).out,
-              HasSubstr("sampled         2 lines of 8 characters\n"));
+              HasSubstr("looked at       all 2 lines\n"));
 }
 
 TEST_F(Tool, GoesOnAfterAFileThatFails) {
@@ -234,9 +252,20 @@ const RefusalCase kRefusals[] = {
     {"TooManyLines", {"--lines", "18446744073709551616", kComma}, "--lines"},
     {"UnknownOption", {"--frobnicate", kComma}, "--frobnicate"},
     {"UnknownOptionAlone", {"--frobnicate"}, "--frobnicate"},
-    {"UnknownShortOption", {"-x", kComma}, "-x\n"},
-    {"UnknownShortOptionAlone", {"-x"}, "-x\n"},
-    {"UnknownShortOptions", {"-xyz"}, "-xyz\n"},
+    {"UnknownShortOption", {"-x", kComma}, "-x: there is no such option\n"},
+    {"UnknownShortOptionAlone", {"-x"}, "-x: there is no such option\n"},
+    {"UnknownShortOptions", {"-xyz"}, "-xyz: there is no such option\n"},
+    {"NearlyKnownOption", {"--delimeter", ";", kComma}, "--delimeter: do you mean --delimiter?\n"},
+    {"NearlyKnownOptionWithAValue", {"--delimeter=;", kComma}, "--delimeter: do you mean"},
+    {"NearlyKnownWord", {"--parser-type", "fixd", kComma}, " Do you mean fixedwidth?\n"},
+    {"NearlyKnownTarget", {"--emit", "panda", kComma}, "got 'panda'. Do you mean pandas?\n"},
+    {"NearlyKnownOptionName",
+     {"--option", "NumHeaderLine=2", kComma},
+     "Do you mean NumHeaderLines?"},
+    {"NearlyKnownCommand", {"covnert", kComma}, "do you mean vltext convert?\n"},
+    {"OptionWithoutItsValue", {kComma, "--lines"}, "--lines needs a value: N\n"},
+    {"OptionWithoutOneOfItsWords", {"--color"}, "--color needs a value: auto, always or never\n"},
+    {"OtherExplanation", {"--explain=casc", kComma}, "--explain: Expected cascade, got 'casc'."},
     {"ThreeCommentMarkers",
      {"--comment-style", "a", "--comment-style", "b", "--comment-style", "c", kComma},
      "--comment-style: Expected at most two comment markers."},
@@ -326,8 +355,8 @@ const std::string kLong(100'000, 'x');
 
 const EchoCase kEchoes[] = {
     {"File", {kLong}, "cannot open '"},
-    {"UnknownOption", {"--" + kLong}, "not expected: --"},
-    {"UnknownOptions", {"-" + kLong, "--" + kLong, kComma}, "--"},
+    {"UnknownOption", {"--" + kLong}, "vltext: --"},
+    {"UnknownOptions", {"-" + kLong, "--" + kLong, kComma}, "vltext: -"},
     {"Lines", {"--lines", kLong, kComma}, "got '"},
     {"Jobs", {"--jobs", kLong, kComma}, "got '"},
     {"Encoding", {"--encoding", kLong, kComma}, "unknown encoding '"},
@@ -501,7 +530,7 @@ TEST_P(ToolIllFormed, PartsAreCounted) {
   const CommandResult result = vltext({"--json", "--encoding", row.encoding, path});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(nlohmann::json::parse(result.out)["files"][0]["ill_formed_parts"], row.parts);
-  const std::string in_words = ", " + std::to_string(row.parts) + " ill-formed";
+  const std::string in_words = ", " + std::to_string(row.parts) + " place";
   const CommandResult words = vltext({"--encoding", row.encoding, path});
   EXPECT_EQ(words.out.find(in_words) != std::string::npos, row.parts > 0);
 }
