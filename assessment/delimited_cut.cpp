@@ -153,8 +153,26 @@ class DelimitedCut {
            (unit >= u'0' && unit <= u'9') || unit >= 0xC0;
   }
 
-  // Adds the cell whose quote is at `open`, which may take further lines. False if it is not closed.
+  // Whether the quote at `pos` opens a cell: it is at the start of one, and text follows it.
+  bool opens_cell(std::size_t pos) const {
+    const std::size_t begin = lines_[line_].begin;
+    if (pos + 1 >= line_end() || is_blank(text_[pos + 1]) || text_[pos + 1] == reading_.quote ||
+        is_delimiter_at(pos + 1)) {
+      return false;
+    }
+    if (pos == begin) return true;
+    const auto precedes = [&](const std::u16string& delimiter) {
+      return !delimiter.empty() && pos >= begin + delimiter.size() &&
+             is_at(delimiter, pos - delimiter.size());
+    };
+    return precedes(reading_.delimiter) || std::any_of(reading_.other_delimiters.begin(),
+                                                       reading_.other_delimiters.end(), precedes);
+  }
+
+  // Adds the cell whose quote is at `open`, which may take further lines. False if it is not closed: no quote
+  // follows soon, or the first one on a later line opens a cell of its own.
   bool add_quoted(std::size_t open) {
+    const std::size_t first_line = line_;
     const std::size_t last = std::min(line_ + kLongestQuote, lines_.size() - 1);
     bool inside = false;
     for (std::size_t i = open;;) {
@@ -168,6 +186,7 @@ class DelimitedCut {
       if (reading_.escape != 0 && inside && text_[i] == reading_.escape) {
         i += 2;
       } else if (text_[i] == reading_.quote) {
+        if (inside && line_ > first_line && opens_cell(i)) return false;
         inside = !inside;
         ++i;
       } else if (!inside && is_delimiter_at(i)) {

@@ -383,7 +383,8 @@ std::size_t first_footer(const SampledLines& lines, const Records& records, cons
 
 // A part may begin inside a quoted cell. Then every quote that opens a cell seems to close one, and
 // the other way round. So the part is cut twice, from its first line and from the first one after
-// what would be the end of such a cell, and the cut with more records of the table is the right one.
+// what would be the end of such a cell, and the cut with more records of the table is the right one; the
+// second one if the lines that it leaves out have none.
 Records cut_part(const SampledLines& lines, const TableProfile& profile) {
   if (profile.reading.form == Form::gaps) return cut_at_columns(lines, profile);
   Records records = cut(lines, profile.reading);
@@ -393,7 +394,8 @@ Records cut_part(const SampledLines& lines, const TableProfile& profile) {
   const SampledLines rest = lines_from(lines, skipped);
   Records others = cut(rest, profile.reading);
   const std::size_t columns = profile.columns.size();
-  const bool is_inside = count_fitting(others, columns) > count_fitting(records, columns);
+  const std::size_t fitting = count_fitting(others, columns);
+  const bool is_inside = fitting > 0 && fitting >= count_fitting(records, columns);
   return is_inside ? with_lines_after(others, skipped) : std::move(records);
 }
 

@@ -468,7 +468,8 @@ class BatchMaker {
     const auto is_before = [](const auto& a, const auto& b) { return a.line < b.line; };
     std::stable_sort(made_.places.begin(), made_.places.end(), is_before);
     std::stable_sort(made_.rejects.begin(), made_.rejects.end(), is_before);
-    const bool is_changed = plan.columns.size() > plan_.columns.size() || was_widened_;
+    const bool is_changed =
+        plan.columns.size() > plan_.columns.size() || was_widened_ || has_found_zones_;
     if (is_changed) {
       plan.version = plan_.version + 1;
       made_.plan = std::move(plan);
@@ -537,10 +538,18 @@ class BatchMaker {
       Column column = builders[c].take();
       made_.missing[c] = column.num_missing;
       made_.misfits[c] = misfits_[c].size();
+      note_zone(column, plan.columns[c].cells);
       if (rules_.datetime_type == parser::datetime_kind::exceldate) turn_into_excel_dates(column);
       batch.columns.push_back(std::move(column));
     }
     return true;
+  }
+
+  // A column whose first zone is in this batch is in UTC from here on.
+  void note_zone(const Column& column, ColumnPlan& cells) {
+    if (!column.is_utc || cells.has_zone || ColumnBuilder(cells).take().is_utc) return;
+    cells.has_zone = true;
+    has_found_zones_ = true;
   }
 
   CellText cell_at(std::size_t row, std::size_t column) const {
@@ -713,6 +722,7 @@ class BatchMaker {
   std::vector<bool> is_row_left_out_;
   bool has_rows_left_out_ = false;
   bool was_widened_ = false;
+  bool has_found_zones_ = false;
   std::size_t ill_formed_places_ = 0;
 };
 

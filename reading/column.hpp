@@ -59,7 +59,9 @@ struct VLTEXTSTREAM_EXPORT Column {
   std::vector<std::int32_t> codes;     // category: positions in `words`
   std::vector<std::string> words;      // category: in the order of their first row
 
-  // Of date_time: whether the values are moments in UTC, since the cells have a zone.
+  // Of date_time: whether the values are moments in UTC, since the cells have a zone. In a column without one
+  // format the first zone may come late: those of all batches after it are in UTC, and of all with
+  // ReadSettings::two_passes.
   bool is_utc = false;
 
   bool is_missing(std::size_t row) const {

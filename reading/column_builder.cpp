@@ -58,7 +58,7 @@ class RealReader {
   NumberParser parser_;
 };
 
-DateRules date_rules(const ColumnPlan& plan) { return {plan.strptime, plan.order}; }
+DateRules date_rules(const ColumnPlan& plan) { return {plan.strptime, plan.order, plan.has_zone}; }
 
 class DateReader {
  public:

@@ -67,6 +67,7 @@ struct ColumnPlan {
   std::string strptime;
   std::string language;
   columns::DateOrder order = columns::DateOrder::none;
+  bool has_zone = false;  // so that moments are in UTC
 
   // Compared as they are, without the blanks at the ends of the cell.
   std::vector<std::u16string> missing;

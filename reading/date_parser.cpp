@@ -219,7 +219,7 @@ DateParser::DateParser(const DateRules& rules) : order_(rules.order) {
   has_pattern_ = compile(rules.strptime);
   if (!has_pattern_) parts_.clear();
   find_fixed_part();
-  is_utc_ = has_step(Step::offset) || has_step(Step::zone_name);
+  is_utc_ = rules.has_zone || has_step(Step::offset) || has_step(Step::zone_name);
   const auto place = [this](Step step) {
     return std::find_if(parts_.begin(), parts_.end(),
                         [step](const PatternPart& part) { return part.step == step; });

@@ -43,6 +43,9 @@ bool has_year(std::string_view strptime);
 struct DateRules {
   std::string strptime;  // of columns/; another directive makes the pattern useless
   columns::DateOrder order = columns::DateOrder::none;
+
+  // Whether cells of the column have zones, which the pattern need not say.
+  bool has_zone = false;
 };
 
 class DateParser {
@@ -54,7 +57,7 @@ class DateParser {
   bool time(std::u16string_view cell, std::int64_t& microseconds);
   bool date_time(std::u16string_view cell, std::int64_t& microseconds);
 
-  // Whether the pattern, or a moment so far, has a zone.
+  // Whether the rules, or a moment so far, have a zone.
   bool is_utc() const { return is_utc_; }
 
  private:

@@ -79,7 +79,6 @@ void append_column(Column& to, const Column& from) {
       to.offsets.push_back(base + from.offsets[i]);
     to.bytes += from.bytes;
   }
-  to.is_utc = to.is_utc || from.is_utc;
   to.num_missing += from.num_missing;
   to.size += from.size;
 }
@@ -96,6 +95,14 @@ void join(std::vector<Batch>& batches) {
     batches[i] = {};
   }
   batches.resize(1);
+}
+
+// A zone may have come late. The values before it are the same in UTC.
+void share_zones(std::vector<Batch>& batches) {
+  if (batches.empty()) return;
+  for (std::size_t c = 0; c < batches.back().columns.size(); ++c) {
+    for (Batch& batch : batches) batch.columns[c].is_utc = batches.back().columns[c].is_utc;
+  }
 }
 
 Table all_of(TableReader reader) {
@@ -121,6 +128,7 @@ Table read_all(Make make, const ReadSettings& settings) {
       throw standalone::FileError("cannot read the table: the file changed while it was read");
     }
   }
+  share_zones(table.batches);
   if (settings.detect.options.collect_output) join(table.batches);
   return table;
 }

@@ -28,6 +28,9 @@ using standalone::LayoutMode;
 
 constexpr std::size_t kLeastWindow = 256;
 
+// Positions in a window have 32 bits, and a window is doubled until it holds the record.
+constexpr std::size_t kMostCharacters = std::size_t{1} << 30;
+
 bool omits_columns(const parser::options& rules) {
   return rules.missing_rule == row_rule::omitvar || rules.import_error_rule == row_rule::omitvar ||
          rules.partial_field_rule == parser::partial_field_action::omitvar;
@@ -43,9 +46,9 @@ void check(const ReadSettings& settings) {
     throw ReadError("num_threads: Expected at least 1, got 0.", 0, 0);
   }
   if (settings.longest_record == 0 ||
-      settings.longest_record > std::numeric_limits<std::int32_t>::max()) {
+      settings.longest_record > kMostCharacters) {
     throw ReadError(fmt::format("longest_record: Expected from 1 to {} characters, got {}.",
-                                std::numeric_limits<std::int32_t>::max(), settings.longest_record),
+                                kMostCharacters, settings.longest_record),
                     0, 0);
   }
   if (!standalone::has_usual_line_endings(settings.detect)) {

@@ -81,7 +81,7 @@ struct VLTEXTSTREAM_EXPORT ReadSettings {
   };
   std::vector<ColumnChoice> types;
 
-  // A longer record is an error. Characters.
+  // A longer record is an error. Characters; at most 2^30.
   std::size_t longest_record = 16'777'216;
 
   // Reads the input twice, first to learn how many columns it has and which types hold all cells: then all

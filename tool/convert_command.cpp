@@ -258,8 +258,12 @@ class FileConversion {
     const bool has_changed = can_repeat_ && !before_.is_unchanged(state_of(file_));
     if (has_changed && arguments_.strict) throw FileChanged();
     if (rejects_ != nullptr) rejects_->flush();
+    // Nothing may fail after the output is replaced.
+    const std::string last_word = last_word_on(converted, has_changed);
+    const int status = status_of(converted, has_changed);
     output.commit();
-    return say(converted, has_changed);
+    complain(last_word, streams_.err);
+    return status;
   }
 
  private:
@@ -320,12 +324,14 @@ class FileConversion {
                               lost.empty() ? doubt(confidence) : lost, account));
   }
 
-  // The last word about the file.
-  int say(const Converted& converted, bool has_changed) const {
+  std::string last_word_on(const Converted& converted, bool has_changed) const {
     std::string text = file_ + ": " + account_text(converted);
     if (is_doubtful(converted.confidence)) text += "; " + doubt(converted.confidence);
     if (has_changed) text += "; the file changed while it was read";
-    complain(text, streams_.err);
+    return text;
+  }
+
+  int status_of(const Converted& converted, bool has_changed) const {
     const bool is_lossy = !dropped(converted.account, arguments_, settings_).empty();
     return is_lossy || is_doubtful(converted.confidence) || has_changed ? kDoubtful : kSucceeded;
   }

@@ -82,6 +82,13 @@ const CutCase kOddQuoteCases[] = {
     {"TextBetweenTwoPairs", kQuoted, u"\"a\" and \"b\",c\n", "0{a\" and \"b}[c]"},
     {"NotClosed", kQuoted, u"\"a,b\nc,d\n", "0[\"a][b] 1[c][d]"},
     {"NotClosedOnTheLastLine", kQuoted, u"a,b\nc,\"d\n", "0[a][b] 1[c][\"d]"},
+    {"NotClosedAboveAQuotedLine", kQuoted, u"a,\"b\n\"c\",d\n", "0[a][\"b] 1{c}[d]"},
+    {"NotClosedAboveAQuotedCell", kQuoted, u"a,\"b\nc,\"d\"\n", "0[a][\"b] 1[c]{d}"},
+    {"NotClosedAboveAQuoteWithinACell", kQuoted, u"a,\"b\nc,d\"e\"\n", "0[a][\"b] 1[c][d\"e\"]"},
+    {"ClosedAtTheStartOfALine", kQuoted, u"a,\"b\n\",c\n", "0-1[a]{b\\u000A}[c]"},
+    {"ClosedAtTheEndOfTheText", kQuoted, u"a,\"b\n\"", "0-1[a]{b\\u000A}"},
+    {"DoubledAtTheStartOfALine", kQuoted, u"a,\"b\n\"\"c\"\"\",d\n",
+     "0-1[a]{b\\u000A\"\"c\"\"}[d]"},
     {"OnlyAQuote", kQuoted, u"\"", "0[\"]"},
     {"ThreeQuotes", kQuoted, u"\"\"\",a\n", "0[\"\"\"][a]"},
 };

@@ -328,9 +328,11 @@ TEST(ColumnBuilderUtc, IsSaidOfColumnsWithZones) {
                   .column.is_utc);
   EXPECT_TRUE(
       built(plan_for(ColumnType::date_time, ColumnKind::epoch_seconds), {u"0"}).column.is_utc);
-  const ColumnPlan mixed = plan_for(ColumnType::date_time);
+  ColumnPlan mixed = plan_for(ColumnType::date_time);
   EXPECT_FALSE(built(mixed, {u"1970-01-01 00:00"}).column.is_utc);
   EXPECT_TRUE(built(mixed, {u"1970-01-01 00:00", u"1970-01-01 00:00Z"}).column.is_utc);
+  mixed.has_zone = true;
+  EXPECT_TRUE(built(mixed, {u"1970-01-01 00:00"}).column.is_utc);
 }
 
 TEST(ColumnBuilderMisfits, AreAppended) {

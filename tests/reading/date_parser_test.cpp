@@ -232,6 +232,7 @@ struct MomentCase {
   std::u16string cell;
   std::optional<std::int64_t> moment;
   bool is_utc = false;
+  bool has_zone = false;  // of the rules
 };
 std::ostream& operator<<(std::ostream& out, const MomentCase& row) { return out << row.rule; }
 
@@ -280,13 +281,15 @@ const MomentCase kMoments[] = {
     {"UnknownZone", "%Y-%m-%d %H:%M %Z", u"2024-01-31 15:04 QQT", {}, true},
     {"ZoneAmongLocalTimes", kSeconds, u"2024-01-31 15:04:05Z", {}},
     {"ZoneWithoutPattern", "", u"2024-01-31 15:04:05+01:00", on_january_31(at(14, 4, 5)), true},
+    {"NoZoneAmongZonesWithoutPattern", "", u"2024-01-31 15:04:05", on_january_31(at(15, 4, 5)),
+     true, true},
     {"NoZoneWithoutPattern", "", u"2024-01-31 15:04:05", on_january_31(at(15, 4, 5)), false},
 };
 
 class DateParserMoment : public testing::TestWithParam<MomentCase> {};
 
 TEST_P(DateParserMoment, IsSince1970OrRefused) {
-  DateParser parser({GetParam().strptime, DateOrder::none});
+  DateParser parser({GetParam().strptime, DateOrder::none, GetParam().has_zone});
   std::int64_t moment = -77;
   const bool was_read = parser.date_time(ExactText(GetParam().cell).view(), moment);
   EXPECT_EQ(was_read, GetParam().moment.has_value());

@@ -232,6 +232,11 @@ const StreamCase kStreams[] = {
      {"1|a\\\"b,\n", "2|c"},
      "data 1-3"},
     {"AnUnclosedQuote", "1,\"2\n3,4\n", commas(), {"1|\"2", "3|4"}, "data 1-2"},
+    {"AnUnclosedQuoteAboveAQuotedCell",
+     "1,\"2\n3,\"4\"\n5,6\n",
+     commas(),
+     {"1|\"2", "3|4", "5|6"},
+     "data 1-3"},
 
     {"Frames",
      "| a | b |\n+---+---+\n| 1 | 2 |\n",

@@ -25,6 +25,7 @@ namespace {
 using standalone::DetectSettings;
 using standalone::FileError;
 using standalone::Layout;
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing_support::TempFolder;
@@ -153,6 +154,45 @@ TEST(Widening, WithoutItAMisfitIsMissingAndListed) {
   EXPECT_THAT(table.account.places, ElementsAre(OddPlace{Oddity::misfit, 2'002, 2, "n.v."}));
 }
 
+// Moments in several formats, of which only the last has a zone.
+std::string moments_without_one_format() {
+  std::string bytes = "id;moment\n";
+  for (int i = 0; i < 1'000; ++i) {
+    bytes += std::to_string(i);
+    bytes += i % 2 == 0 ? ";2024-01-31 15:04\n" : ";Jan 31 2024 15:04:05\n";
+  }
+  return bytes + "1000;2024-01-31T15:04:05+01:00\n";
+}
+
+std::vector<bool> are_utc(const std::string& bytes, const ReadSettings& settings) {
+  TableReader reader = TableReader::of_bytes(bytes, settings);
+  std::vector<bool> are;
+  while (const std::optional<Batch> batch = reader.next()) {
+    EXPECT_EQ(batch->columns[1].type, ColumnType::date_time);
+    are.push_back(batch->columns[1].is_utc);
+  }
+  return are;
+}
+
+TEST(Zones, OfAColumnWithoutOneFormatCountFromTheirBatchOn) {
+  const std::string bytes = moments_without_one_format();
+  for (const unsigned threads : {1U, 2U}) {
+    ReadSettings settings = with_small_windows();
+    settings.num_threads = threads;
+    const std::vector<bool> are = are_utc(bytes, settings);
+    ASSERT_GE(are.size(), 2U);
+    EXPECT_FALSE(are.front());
+    EXPECT_TRUE(are.back());
+    settings.two_passes = true;
+    EXPECT_THAT(are_utc(bytes, settings), Each(true));
+  }
+}
+
+TEST(Zones, AreTheSameInAllBatchesOfReadTable) {
+  const Table table = read_table_of_bytes(moments_without_one_format(), with_small_windows());
+  for (const Batch& batch : table.batches) EXPECT_TRUE(batch.columns[1].is_utc);
+}
+
 TEST(LongRecords, AddColumnsFromTheBatchOn) {
   std::string bytes = numbers_and("1");
   bytes += "1,2,3\n";
@@ -224,6 +264,11 @@ TEST(ReadSettings, RefuseWhatCannotBe) {
   ReadSettings nothing;
   nothing.longest_record = 0;
   EXPECT_THROW(TableReader::of_bytes(kGauge, nothing), ReadError);
+  ReadSettings most;
+  most.longest_record = 1'073'741'824;
+  EXPECT_NO_THROW(TableReader::of_bytes(kGauge, most));
+  ++most.longest_record;
+  EXPECT_THROW(TableReader::of_bytes(kGauge, most), ReadError);
 }
 
 class KeptRejects : public ReadSettings::Rejects {

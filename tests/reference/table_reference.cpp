@@ -159,13 +159,36 @@ class Cutter {
         at += 2;
         continue;
       }
-      if (text_.at(at) == quote_) is_inside = !is_inside;
+      if (text_.at(at) == quote_) {
+        // On a later line, the start of a quoted cell shows that this one was never closed.
+        if (is_inside && at_line > line && is_start_of_quoted(at, at_line)) return false;
+        is_inside = !is_inside;
+      }
       ++at;
     }
     cell = closed(open, std::min(at, line_end(at_line)));
     line = at_line;
     end = std::min(at, line_end(at_line));
     return true;
+  }
+
+  // Whether a cell begins at `at`, with a quote that text follows.
+  bool is_start_of_quoted(std::size_t at, std::size_t line) const {
+    const std::size_t next = at + 1;
+    if (next >= line_end(line) || is_space_or_tab(text_.at(next)) || text_.at(next) == quote_ ||
+        delimiter_at(next, line) > 0) {
+      return false;
+    }
+    if (at == begins_.at(line)) return true;
+    for (std::size_t from = begins_.at(line); from < at; ++from) {
+      for (const std::u16string& delimiter : layout_.delimiters) {
+        if (!delimiter.empty() && from + delimiter.size() == at &&
+            text_.substr(from, delimiter.size()) == delimiter) {
+          return true;
+        }
+      }
+    }
+    return false;
   }
 
   // Quotes that do not close at the end of the cell, blanks aside, belong to it.

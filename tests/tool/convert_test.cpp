@@ -462,6 +462,32 @@ TEST_P(ConvertFault, BySignalsLeavesTheOutput) {
   }
 }
 
+// The rejects go to a pipe that nobody reads until the file was changed, so the conversion waits in its middle.
+TEST_F(Convert, NoticesAFileThatChanges) {
+  std::string text = "number,word\n";
+  for (int i = 0; i < 1000; ++i) text += "1,some words\n";
+  for (int i = 0; i < 400'000; ++i) text += "x,some words\n";
+  struct Change {
+    const char* command;
+    const char* what;
+  };
+  for (const Change& change :
+       {Change{"truncate -s 1000 \"$1\"", "shrinks"}, Change{"echo 1,more >> \"$1\"", "grows"}}) {
+    SCOPED_TRACE(change.what);
+    const std::string big = folder_.file("big.csv", text);
+    folder_.file("out.csv", "old");
+    const CommandResult result = shell(
+        "mkfifo \"$3\"; \"$0\" convert \"$1\" --to csv -o \"$2\" --strict"
+        " --import-error-rule fill --rejects \"$3\" & { read -r line; " +
+            std::string(change.command) +
+            "; cat > /dev/null; } < \"$3\"; wait $!; s=$?; rm \"$3\"; exit $s",
+        {big, out_, folder_.path_of("pipe")});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("the file changed while it was read"));
+    EXPECT_EQ(content_of(out_), "old");
+  }
+}
+
 TEST_P(ConvertFault, OfTwoAtOnceIsNone) {
   const std::string alone = folder_.path_of(std::string("alone.") + GetParam().extension);
   const bool is_database = std::string(GetParam().extension) == "db";

@@ -3,7 +3,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -57,6 +60,16 @@ class MemoryStream {
   std::size_t size_ = 0;
   std::FILE* file_;
 };
+
+std::string content_of(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::size_t num_files_in(const std::string& folder) {
+  using Entries = std::filesystem::directory_iterator;
+  return static_cast<std::size_t>(std::distance(Entries(folder), Entries()));
+}
 
 // The tool in this process, with an allocation that fails; with none when `nth` is 0.
 CommandResult run_with_fault(const Words& words, std::size_t nth, FaultKind kind, bool& was_met) {
@@ -161,6 +174,39 @@ TEST_P(ToolWithoutMemory, ForGoodSaysSo) {
   });
 }
 INSTANTIATE_TEST_SUITE_P(Table, ToolWithoutMemory, testing::ValuesIn(kForms), ByRule());
+
+class ConvertWithoutMemory : public testing::TestWithParam<const char*> {};
+
+// SQLite and the formats of files have libraries of their own, whose allocations do not fail here.
+TEST_P(ConvertWithoutMemory, LeavesTheOutputAndSaysSo) {
+  const TempFolder folder;
+  const std::string table = folder.file("table", "day,level\n2024-01-01,1.5\n2024-01-02,x\n");
+  const std::string out = folder.path_of("out");
+  const std::string rejects = folder.path_of("rejects");
+  const Words words = {"convert", table, "--to", GetParam(), "-o", out, "--rejects", rejects};
+  const CommandResult whole = undisturbed(words);
+  ASSERT_EQ(whole.status, 0) << whole.err;
+  const std::string complete = content_of(out);
+  const std::string rejected = content_of(rejects);
+  for (const FaultKind kind : {FaultKind::single, FaultKind::from_then_on}) {
+    std::string before = complete;
+    for_each_fault(words, kind, [&](const CommandResult& result) {
+      if (result.status == 2) {
+        EXPECT_EQ(content_of(out), before);
+        EXPECT_THAT(result.err, HasSubstr("Cannot allocate memory\n"));
+      } else {
+        // What lacked memory was not needed, such as the line that shows the progress.
+        EXPECT_EQ(result.status, whole.status);
+        EXPECT_EQ(content_of(out), complete);
+        EXPECT_EQ(content_of(rejects), rejected);
+      }
+      EXPECT_LE(num_files_in(folder.path()), 3U);
+      folder.file("out", before = "");
+    });
+  }
+}
+INSTANTIATE_TEST_SUITE_P(Table, ConvertWithoutMemory, testing::Values("csv", "jsonl", "sqlite"),
+                         [](const auto& each) { return std::string(each.param); });
 
 TEST(AnswerFor, SaysThatItLackedMemoryUntilItsEnd) {
   if (!allocations_can_fail()) return;

@@ -1,6 +1,7 @@
 // The memory that the tool holds, for the widest file and for many files; and what it does when there
 // is less.
 #include <cstddef>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -82,6 +83,28 @@ TEST(ToolPeak, DoesNotGrowWithTheNumberOfSmallFiles) {
   const std::string file = folder.file("t", "a,b,c\n1,2,3\n4,5,6\n");
   for (const char* jobs : {"1", "4"}) {
     EXPECT_LE(peak_of(repeated(file, 20'000, {"--json", "--jobs", jobs})), 40U) << jobs;
+  }
+}
+
+// A table of this many megabytes, of which some cells are texts with line breaks. It is written in pieces, so that this
+// process stays small: a program that it starts begins with its peak.
+std::string large_table(const TempFolder& folder, std::size_t megabytes) {
+  std::string rows;
+  while (rows.size() < 1'048'576) {
+    rows += "2024-01-31,142.75,\"calm, some\nclouds\"\n2024-02-01,-3.5,rain\n";
+  }
+  const std::string path = folder.file("t.csv", "day,level,note\n");
+  std::ofstream file(path, std::ios::binary | std::ios::app);
+  for (std::size_t i = 0; i < megabytes; ++i) file << rows;
+  return path;
+}
+
+TEST(ToolPeak, OfAConversionDoesNotGrowWithTheFile) {
+  const TempFolder folder;
+  const std::string file = large_table(folder, 96);
+  for (const char* format : {"csv", "jsonl", "sqlite"}) {
+    SCOPED_TRACE(format);
+    EXPECT_LE(peak_of({"convert", file, "--to", format, "-o", folder.path_of("out")}), 64U);
   }
 }
 

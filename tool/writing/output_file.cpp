@@ -72,7 +72,11 @@ struct OutputFile::Slot {
 
 OutputFile::Slot OutputFile::slots_[kMostAtOnce];
 
-OutputFile::OutputFile(const std::string& path) : path_(path), target_(path), written_(path) {
+OutputFile::OutputFile(Unopened /*state*/, const std::string& path)
+    : path_(path), target_(path), written_(path) {}
+
+// From its first line on, what fails runs the destructor, which gives up the place in the table.
+OutputFile::OutputFile(const std::string& path) : OutputFile(Unopened{}, path) {
   struct stat about = {};
   const bool exists = stat(path.c_str(), &about) == 0;
   if (exists && S_ISDIR(about.st_mode)) fail(EISDIR);
@@ -103,12 +107,7 @@ void OutputFile::write_beside(unsigned permissions) {
     fd_ = open(written_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kForEveryone);
     if (fd_ < 0 && errno != EEXIST) break;
   }
-  if (fd_ < 0) {
-    const int error = errno == 0 ? ENAMETOOLONG : errno;
-    slot_->is_taken = false;
-    slot_ = nullptr;
-    fail(error);
-  }
+  if (fd_ < 0) fail(errno == 0 ? ENAMETOOLONG : errno);
   written_.copy(slot_->path.data(), written_.size());
   slot_->path[written_.size()] = '\0';
   slot_->has_path = true;
@@ -138,7 +137,7 @@ void OutputFile::commit() {
 void OutputFile::discard() noexcept {
   close_file();
   if (slot_ == nullptr) return;
-  unlink(slot_->path.data());
+  if (slot_->has_path) unlink(slot_->path.data());
   slot_->has_path = false;
   slot_->is_taken = false;
   slot_ = nullptr;

@@ -46,6 +46,8 @@ class OutputFile {
 
  private:
   struct Slot;
+  struct Unopened {};
+  OutputFile(Unopened state, const std::string& path);
   friend void clean_up(int signal);
 
   [[noreturn]] void fail(int error) const;
