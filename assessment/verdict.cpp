@@ -358,8 +358,18 @@ std::vector<std::u16string_view> cells_of_line(const SampledLines& lines, std::s
 namespace {
 
 // The names in line `line`, counted from 1; 0: there are none.
+// A comment sign before the names is not part of the first name, unless it is all of it.
+void drop_comment_sign(std::u16string_view line, const Given& given,
+                       std::vector<std::u16string_view>& names) {
+  if (!given.comment_prefix.empty() || names.empty()) return;
+  if (!has_comment_sign(line) || !has_comment_sign(names[0])) return;
+  const std::u16string_view name = without_comment_sign(names[0]);
+  if (!name.empty()) names[0] = name;
+}
+
 NamesVerdict given_names(const SampledLines& lines, const Cut& cut, const TableFrame& table,
-                         std::size_t line) {
+                         const Given& given) {
+  const std::size_t line = *given.names_line;
   NamesVerdict names;
   names.is_given = true;
   const std::size_t first_line = cut.records[table.data[0]].line;
@@ -368,12 +378,26 @@ NamesVerdict given_names(const SampledLines& lines, const Cut& cut, const TableF
   names.probability = 1;
   names.is_above_table = names.line != first_line;
   if (names.is_above_table) {
-    names.texts = cells_of_line(lines, names.line, cut, table.columns);
+    const std::u16string_view whole = lines.whole(names.line);
+    std::optional<std::vector<std::u16string_view>> found;
+    if (has_comment_sign(whole)) {
+      found = names_in(lines, without_comment_sign(whole), cut.reading, table.columns,
+                       given.row_names_column);
+    }
+    names.texts = found ? *found : cells_of_line(lines, names.line, cut, table.columns);
   } else {
     for (const Cell& cell : cut.records.cells(table.data[0]))
       names.texts.push_back(trimmed(cut.records.view(cell)));
   }
+  drop_comment_sign(lines.whole(names.line), given, names.texts);
   return names;
+}
+
+bool is_last_column_empty(const CellKinds& kinds) {
+  for (std::size_t row = 0; row < kinds.size(); ++row) {
+    if (kinds.at(row, kinds.columns() - 1) != CellKind::empty) return false;
+  }
+  return !kinds.empty();
 }
 
 // Whether a line above the table is known to hold no names.
@@ -404,7 +428,7 @@ bool holds_units(const SampledLines& lines, std::size_t line, const Cut& cut, st
 
 NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFrame& table,
                         const CellKinds& kinds, const Given& given) {
-  if (given.names_line) return given_names(lines, cut, table, *given.names_line);
+  if (given.names_line) return given_names(lines, cut, table, given);
   const auto weighed = [](std::size_t line, NamesAmounts amounts) {
     NamesVerdict names;
     names.line = line;
@@ -418,11 +442,7 @@ NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFr
   for (const Cell& cell : cut.records.cells(table.data[table.names_rows - 1])) {
     in_table.texts.push_back(trimmed(cut.records.view(cell)));
   }
-  // A comment sign before the names is not part of the first name.
-  if (given.comment_prefix.empty() && has_comment_sign(lines.view(first_line)) &&
-      has_comment_sign(in_table.texts[0])) {
-    in_table.texts[0] = without_comment_sign(in_table.texts[0]);
-  }
+  drop_comment_sign(lines.view(first_line), given, in_table.texts);
   if (cut.reading.form == Form::one || cut.reading.form == Form::none) return in_table;
   std::size_t above = first_line;
   while (above > 0 && (is_blank(lines.whole(above - 1)) || is_rule(lines.whole(above - 1)) ||
@@ -435,9 +455,13 @@ NamesVerdict find_names(const SampledLines& lines, const Cut& cut, const TableFr
   const bool is_note = has_comment_sign(line);
   const bool is_next = above == first_line;
   if (!is_note && in_table.probability > 0.5 && !is_next) return in_table;
-  const auto found = names_in(lines, is_note ? without_comment_sign(line) : trimmed(line),
-                              cut.reading, table.columns, given.row_names_column);
+  auto found = names_in(lines, is_note ? without_comment_sign(line) : trimmed(line), cut.reading,
+                        table.columns, given.row_names_column);
   if (!found) return in_table;
+  // Where each record ends in a delimiter, it is the last column that lacks a name.
+  if (found->front().empty() && given.row_names_column == 0 && is_last_column_empty(kinds)) {
+    std::rotate(found->begin(), found->begin() + 1, found->end());
+  }
   const bool lacks_first = found->front().empty();
   if (!is_note && !lacks_first && in_table.probability > 0.5) return in_table;
   NamesVerdict names =

@@ -256,6 +256,24 @@ const std::vector<LinesCase> kLines = {
      "number number number",
      "1 names 2-4 data"},
 
+    // A comment sign before the names.
+    {"NamesBehindACommentSign",
+     u"# x,y\n1,2\n3,4\n5,6\n",
+     {names_line(1)},
+     0,
+     "[x][y]",
+     "",
+     "number number",
+     "1 names 2-4 data"},
+    {"ACommentSignThatIsAName",
+     u"#,y\n1,2\n3,4\n5,6\n",
+     {names_line(1)},
+     0,
+     "[#][y]",
+     "",
+     "number number",
+     "1 names 2-4 data"},
+
     // With separators that are given.
     {"NamesOfAGivenDelimiter",
      kLog,
