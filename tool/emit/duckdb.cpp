@@ -61,7 +61,7 @@ std::string value_of(const Facts& facts, const ColumnFact& column) {
   }
 }
 
-std::string query(const Facts& facts, const std::string& path) {
+std::string select(const Facts& facts, const std::string& path) {
   std::vector<std::string> values;
   std::vector<std::string> cells;
   for (const ColumnFact& column : facts.columns) {
@@ -70,7 +70,7 @@ std::string query(const Facts& facts, const std::string& path) {
     cells.push_back(fmt::format("{}: 'VARCHAR'", sql_text(column.name)));
   }
   std::string text = fmt::format(
-      "CREATE OR REPLACE TABLE \"data\" AS SELECT\n{}\n"
+      "SELECT\n{}\n"
       "FROM read_csv(\n  {},\n"
       "  auto_detect = false,\n  header = false,\n  skip = {},\n"
       "  delim = {},\n  quote = {},\n  escape = {},\n",
@@ -84,14 +84,21 @@ std::string query(const Facts& facts, const std::string& path) {
         "  -- {} holds durations as ISO 8601 writes them, which DuckDB does not read: text.\n",
         comment_text(column->name));
   }
-  text += fmt::format("  columns = {{{}}}\n);\nFROM \"data\";\n", joined(cells));
-  return text;
+  return text + fmt::format("  columns = {{{}}}\n)", joined(cells));
+}
+
+std::string query(const Facts& facts, const std::string& path) {
+  return "CREATE OR REPLACE TABLE \"data\" AS " + select(facts, path) + ";\nFROM \"data\";\n";
 }
 
 }  // namespace
 
+std::string duckdb_obstacle(const Facts& facts) { return find_obstacle(facts, kAbilities); }
+
+std::string duckdb_query(const Facts& facts) { return select(facts, plain_path(facts.path)); }
+
 std::string duckdb_program(const Facts& facts) {
-  const std::string obstacle = find_obstacle(facts, kAbilities);
+  const std::string obstacle = duckdb_obstacle(facts);
   std::string text = opening_comment(facts, "--", "DuckDB", "the table \"data\"", obstacle);
   if (obstacle.empty()) return text + query(facts, plain_path(facts.path));
   text += fmt::format("-- {} | duckdb -f THIS_FILE\n", comment_text(convert_command(facts)));

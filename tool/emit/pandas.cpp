@@ -121,8 +121,10 @@ std::string conversions(const Facts& facts) {
 
 }  // namespace
 
+std::string pandas_obstacle(const Facts& facts) { return find_obstacle(facts, kAbilities); }
+
 std::string pandas_program(const Facts& facts) {
-  const std::string obstacle = find_obstacle(facts, kAbilities);
+  const std::string obstacle = pandas_obstacle(facts);
   const std::string opening = opening_comment(facts, "#", "pandas", "the frame `table`", obstacle);
   if (obstacle.empty()) {
     return opening + "import pandas as pd\n\n" + call(facts, python_text(plain_path(facts.path))) +

@@ -105,8 +105,10 @@ std::string conversions(const Facts& facts) {
 
 }  // namespace
 
+std::string polars_obstacle(const Facts& facts) { return find_obstacle(facts, kAbilities); }
+
 std::string polars_program(const Facts& facts) {
-  const std::string obstacle = find_obstacle(facts, kAbilities);
+  const std::string obstacle = polars_obstacle(facts);
   const std::string opening = opening_comment(facts, "#", "polars", "the frame `table`", obstacle);
   if (obstacle.empty()) {
     return opening + "import polars as pl\n\n" + call(facts, python_text(plain_path(facts.path))) +

@@ -78,8 +78,10 @@ std::string call(const Facts& facts, const std::string& source) {
 
 }  // namespace
 
+std::string pyarrow_obstacle(const Facts& facts) { return find_obstacle(facts, kAbilities); }
+
 std::string pyarrow_program(const Facts& facts) {
-  const std::string obstacle = find_obstacle(facts, kAbilities);
+  const std::string obstacle = pyarrow_obstacle(facts);
   const std::string opening =
       opening_comment(facts, "#", "pyarrow", "the pyarrow table `table`", obstacle);
   if (obstacle.empty()) {

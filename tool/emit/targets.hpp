@@ -35,6 +35,16 @@ std::string frictionless_document(const Facts& facts);
 std::string vltext_command(const Facts& facts);
 std::string json_document(const Facts& facts);
 
+// Why the reader cannot read the file by itself, as the end of a sentence; or empty. Then its program reads what
+// `vltext convert` makes of the file.
+std::string pandas_obstacle(const Facts& facts);
+std::string polars_obstacle(const Facts& facts);
+std::string pyarrow_obstacle(const Facts& facts);
+std::string duckdb_obstacle(const Facts& facts);
+
+// The query that the program of DuckDB makes its table from; only of facts without an obstacle.
+std::string duckdb_query(const Facts& facts);
+
 struct Target {
   std::string_view name;
   std::string_view what;  // for the help: "a Python program with pandas"
