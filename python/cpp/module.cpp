@@ -1,8 +1,10 @@
 // The module vltext._core: layouts, tables and the tool for the Python code beside it, which has the public names and
 // their documentation. Everything that takes time runs without the lock of the interpreter.
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <exception>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -30,6 +32,7 @@
 #include "python/cpp/arrow_export.hpp"
 #include "python/cpp/emit_dict.hpp"
 #include "python/cpp/layout_state.hpp"
+#include "python/cpp/parts.hpp"
 #include "python/cpp/table_data.hpp"
 #include "tool/answers.hpp"
 #include "tool/command_line.hpp"
@@ -310,7 +313,7 @@ nb::object capsule_of(std::unique_ptr<ArrowSchema> schema) {
     destroy<ArrowSchema>(object, "arrow_schema");
   });
   if (capsule == nullptr) throw nb::python_error();
-  schema.release();
+  static_cast<void>(schema.release());
   return nb::steal(capsule);
 }
 
@@ -319,7 +322,7 @@ nb::object capsule_of(std::unique_ptr<ArrowArray> array) {
     destroy<ArrowArray>(object, "arrow_array");
   });
   if (capsule == nullptr) throw nb::python_error();
-  array.release();
+  static_cast<void>(array.release());
   return nb::steal(capsule);
 }
 
@@ -328,7 +331,7 @@ nb::object capsule_of(std::unique_ptr<ArrowArrayStream> stream) {
     destroy<ArrowArrayStream>(object, "arrow_array_stream");
   });
   if (capsule == nullptr) throw nb::python_error();
-  stream.release();
+  static_cast<void>(stream.release());
   return nb::steal(capsule);
 }
 
@@ -424,6 +427,16 @@ void read_batches(TableReader& reader, TableData& table) {
   }
 }
 
+// The first reading met the cells that widened columns; the second knows the types from the start.
+void keep_widened(const Account& first, Account& second) {
+  constexpr auto kWidened = static_cast<std::size_t>(Oddity::widened);
+  second.oddities[kWidened] = first.oddities[kWidened];
+  std::copy_if(first.places.begin(), first.places.end(), std::back_inserter(second.places),
+               [](const reading::OddPlace& place) { return place.oddity == Oddity::widened; });
+  std::stable_sort(second.places.begin(), second.places.end(),
+                   [](const auto& a, const auto& b) { return a.line < b.line; });
+}
+
 // As read_table: where a later batch needs a wider type, the input is read once more.
 std::shared_ptr<const TableData> read_all(const nb::object& source,
                                           const std::optional<LayoutBox>& layout,
@@ -433,7 +446,9 @@ std::shared_ptr<const TableData> read_all(const nb::object& source,
   auto table = std::make_shared<TableData>();
   std::optional<TableReader> reader(open(input, layout, settings));
   read_batches(*reader, *table);
+  std::optional<Account> first;
   if (!are_alike(table->batches)) {
+    first = reader->account();
     table->batches.clear();
     ReadSettings again = settings;
     again.two_passes = true;
@@ -446,6 +461,7 @@ std::shared_ptr<const TableData> read_all(const nb::object& source,
   table->layout = std::make_shared<const Layout>(reader->layout());
   table->schema = schema_of(*table->layout, reader->names(), table->batches, settings);
   table->account = reader->account();
+  if (first) keep_widened(*first, table->account);
   return table;
 }
 
@@ -458,10 +474,19 @@ TableBox read(const nb::object& source, const SharedSettings& settings,
   return {read_all(source, layout, settings->read)};
 }
 
-nb::list column_values(const TableBox& box, std::size_t column) {
+void append_values(const BatchBox& box, std::size_t field, nb::list& values) {
+  if (field >= box.schema->fields.size()) throw nb::index_error();
+  const std::optional<std::size_t> place = box.schema->column_of(field);
+  if (place && *place < box.batch->columns.size()) {
+    return append_values(box.batch->columns[*place], values);
+  }
+  for (std::size_t row = 0; row < box.batch->num_rows; ++row) values.append(nb::none());
+}
+
+nb::list column_values(const TableBox& box, std::size_t field) {
   nb::list values;
   for (const SharedBatch& batch : box.table->batches)
-    append_values(batch->columns.at(column), values);
+    append_values(BatchBox{batch, box.table->schema}, field, values);
   return values;
 }
 
@@ -552,6 +577,7 @@ ColumnType type_named(const std::string& word) {
 
 std::vector<FieldType> fields_of(const std::vector<FieldWords>& words) {
   std::vector<FieldType> fields;
+  fields.reserve(words.size());
   for (const auto& [name, type, is_utc] : words) {
     fields.push_back({name, type_named(type), is_utc, {}});
   }
@@ -635,6 +661,53 @@ nb::object stream_of(const nb::sequence& items, const SharedSettings& settings,
   return stream_capsule(std::make_unique<StreamOfItems>(std::move(all), std::move(schema)));
 }
 
+// A table of columns whose types are known, in the order of `all`.
+TableBox read_typed(const nb::object& source, const LayoutBox& layout,
+                    const SharedSettings& settings, const std::vector<FieldWords>& own,
+                    const std::vector<FieldWords>& all,
+                    const std::vector<std::optional<std::size_t>>& order) {
+  const Input input(source);
+  auto schema = std::make_shared<TableSchema>();
+  schema->fields = fields_of(all);
+  schema->order = order;
+  schema->order.resize(all.size());
+  const ReadSettings typed = with_types(settings->read, layout.get(), fields_of(own));
+  const nb::gil_scoped_release without_lock;
+  auto table = std::make_shared<TableData>();
+  TableReader reader = open(input, layout, typed);
+  read_batches(reader, *table);
+  table->layout = layout.shared();
+  table->schema = std::move(schema);
+  table->account = reader.account();
+  return {std::move(table)};
+}
+
+// ---------------------------------------------------------------------------------------------
+// Parts of a file
+
+nb::tuple parts_of(const nb::bytes& path, const SharedSettings& settings, const LayoutBox& layout,
+                   std::uint64_t least_bytes) {
+  const std::string name = bytes_of(path);
+  FileParts parts;
+  {
+    const nb::gil_scoped_release without_lock;
+    parts = find_parts(name, layout.get(), settings->read, least_bytes, [] {
+      const nb::gil_scoped_acquire with_lock;
+      obey_signals();
+    });
+  }
+  nb::list found;
+  const std::size_t count = parts.begins.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::uint64_t end = i + 1 < count ? parts.begins[i + 1].byte : parts.num_bytes;
+    const LayoutBox own =
+        count == 1 ? layout
+                   : LayoutBox(layout_of_part(layout.get(), parts.quote, i == 0, i + 1 == count));
+    found.append(nb::make_tuple(parts.begins[i].byte, end, parts.begins[i].line, own));
+  }
+  return nb::make_tuple(fields_of(*parts.schema), found, dict_of(parts.widened));
+}
+
 // ---------------------------------------------------------------------------------------------
 // The tool
 
@@ -660,7 +733,7 @@ std::vector<std::string> all_bytes_of(const nb::list& list) {
 NB_MODULE(_core, module) {
   nb::register_exception_translator(translate, nullptr);
 
-  nb::class_<Settings>(module, "Settings");
+  [[maybe_unused]] const nb::class_<Settings> settings(module, "Settings");
   module.def("detect_settings",
              [](const nb::list& list) { return detect_settings(all_bytes_of(list)); });
   module.def("read_settings",
@@ -690,7 +763,7 @@ NB_MODULE(_core, module) {
       .def("values",
            [](const BatchBox& box, std::size_t column) {
              nb::list values;
-             append_values(box.batch->columns.at(column), values);
+             append_values(box, column, values);
              return values;
            })
       .def("schema", [](const BatchBox& box) { return schema_capsule(*box.schema); })
@@ -728,6 +801,9 @@ NB_MODULE(_core, module) {
   module.def("learn", learn_types, nb::arg("source"), nb::arg("settings"),
              nb::arg("layout").none());
   module.def("stream_of", stream_of, nb::arg("items"), nb::arg("settings"), nb::arg("fields"));
+  module.def("read_typed", read_typed, nb::arg("source"), nb::arg("layout"), nb::arg("settings"),
+             nb::arg("own"), nb::arg("all"), nb::arg("order"));
+  module.def("parts_of", parts_of);
   module.def("schema_of", [](const std::vector<FieldWords>& words) {
     TableSchema schema;
     schema.fields = fields_of(words);

@@ -14,12 +14,14 @@ from ._account import Account, Place, Run
 from ._errors import Error, FileError, MismatchError, OptionError, ReadError, UnsupportedError
 from ._inputs import BinaryFile, Source
 from ._layout import Column, Layout, LineRun, Rival, detect
+from ._many import Many, read_many
+from ._parts import Part, Parts, parts, read_parts
 from ._table import Batch, Scan, Table, read, scan
 
 __version__ = _core.version
 
 __all__ = [
     "Account", "Batch", "BinaryFile", "Column", "Error", "FileError", "Layout", "LineRun",
-    "MismatchError", "OptionError", "Place", "ReadError", "Rival", "Run", "Scan", "Source",
-    "Table", "UnsupportedError", "detect", "read", "scan",
+    "Many", "MismatchError", "OptionError", "Part", "Parts", "Place", "ReadError", "Rival", "Run", "Scan", "Source",
+    "Table", "UnsupportedError", "detect", "parts", "read", "read_many", "read_parts", "scan",
 ]

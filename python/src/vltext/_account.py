@@ -60,6 +60,12 @@ class Account:
         members["places"] = tuple(Place(*place) for place in account["places"])
         return cls(**members)
 
+    def _with_widened(self, places: tuple[Place, ...]) -> Account:
+        """Besides, the cells that widened columns, in a reading that knew the types from the start."""
+        oddities = {**self.oddities, "widened": self.oddities["widened"] + len(places)}
+        both = tuple(sorted([*self.places, *places], key=lambda place: place.line))
+        return dataclasses.replace(self, oddities=oddities, places=both)
+
     def __add__(self, later: Account) -> Account:
         if not isinstance(later, Account):
             return NotImplemented

@@ -348,9 +348,6 @@ def _html_of(layout: Layout) -> str:
 
 # --- making one ------------------------------------------------------------------------------------------
 
-_USUAL = detect_settings(())
-
-
 def detect(source: Source, **options: Unpack[DetectOptions]) -> Layout:
     """How the table in `source` is laid out.
 
@@ -368,6 +365,6 @@ def detect(source: Source, **options: Unpack[DetectOptions]) -> Layout:
     """
     core, name = input_of(source, MOST_BYTES)
     if not options:
-        return Layout._of(_core.detect(core, _USUAL), name, ())
+        return Layout._of(_core.detect(core, detect_settings(())), name, ())
     arguments = arguments_of(options, DETECT_NAMES)
     return Layout._of(_core.detect(core, detect_settings(arguments)), name, arguments)

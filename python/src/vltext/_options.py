@@ -1,6 +1,7 @@
 """Options by keyword: the flags of the tool with underscores. The tool itself parses their values."""
 from __future__ import annotations
 
+import atexit
 import difflib
 import functools
 from collections.abc import Iterable, Mapping
@@ -135,3 +136,8 @@ def detect_settings(arguments: Arguments) -> _core.Settings:
 @functools.lru_cache(maxsize=256)
 def read_settings(arguments: Arguments) -> _core.Settings:
     return _core.read_settings(list(arguments))
+
+
+# What is left when the interpreter ends would be reported as leaked.
+atexit.register(detect_settings.cache_clear)
+atexit.register(read_settings.cache_clear)

@@ -1,6 +1,7 @@
 """What other readers must be told to read a file rightly: from the facts that `vltext FILE --emit NAME` uses."""
 from __future__ import annotations
 
+import importlib.metadata
 import os
 from typing import Any
 
@@ -29,6 +30,15 @@ def _boolean_words(columns: list[dict[str, Any]]) -> tuple[list[str], list[str]]
             sorted({column["false_word"] for column in words if column["false_word"]}))
 
 
+def _pandas_is_inexact() -> bool:
+    """Before version 3.1, pandas reads decimal numbers exactly only where it is told to."""
+    try:
+        version = importlib.metadata.version("pandas")
+    except importlib.metadata.PackageNotFoundError:
+        return False
+    return tuple(map(int, version.split(".")[:2])) < (3, 1)
+
+
 def pandas_kwargs(path: str, arguments: Arguments) -> dict[str, Any]:
     facts = _facts_for("pandas", path, arguments)
     columns = facts["columns"]
@@ -51,8 +61,9 @@ def pandas_kwargs(path: str, arguments: Arguments) -> dict[str, Any]:
         "na_values": {column["name"]: column["missing"] for column in columns
                       if not _is_text(column)},
         "keep_default_na": False,
-        "float_precision": "round_trip",
     }
+    if _pandas_is_inexact():
+        kwargs["float_precision"] = "round_trip"
     if dates := {column["name"]: column["format"] for column in columns
                  if column["type"] in ("date", "date-time")}:
         kwargs |= {"parse_dates": list(dates), "date_format": dates}

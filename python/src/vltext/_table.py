@@ -106,10 +106,10 @@ class Table:
 
     __slots__ = ("_core", "_layout", "_account")
 
-    def __init__(self, core: _core.Table, layout: Layout) -> None:
+    def __init__(self, core: _core.Table, layout: Layout, account: Account | None = None) -> None:
         self._core = core
         self._layout = layout
-        self._account: Account | None = None
+        self._account = account
 
     @property
     def layout(self) -> Layout:
