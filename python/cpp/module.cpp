@@ -138,6 +138,8 @@ SharedSettings read_settings(const std::vector<std::string>& arguments) {
   auto settings = std::make_shared<Settings>();
   settings->read =
       tool::parse_convert_line(static_cast<int>(pointers.size()), pointers.data()).settings;
+  // As in C++: the batches stay in memory, and larger ones are fewer.
+  settings->read.window = ReadSettings().window;
   return settings;
 }
 
@@ -427,6 +429,32 @@ void read_batches(TableReader& reader, TableData& table) {
   }
 }
 
+// The settings with these types for the columns that the layout has; what longer records add is text.
+ReadSettings with_types(ReadSettings settings, const Layout& layout,
+                        const std::vector<FieldType>& fields) {
+  const reading::TablePlan plan = reading::plan_of(layout, settings);
+  for (std::size_t c = 0; c < plan.columns.size(); ++c) {
+    for (const FieldType& field : fields) {
+      if (field.name == plan.columns[c].name) settings.types.push_back({{}, c + 1, field.type});
+    }
+  }
+  return settings;
+}
+
+// Settings to read a table once more, with the types that the first reading ended with. Where it added columns, or rules
+// leave some out, the reader has to learn them by itself.
+ReadSettings settled(const ReadSettings& settings, const TableReader& first,
+                     const TableData& table) {
+  const std::size_t planned = reading::plan_of(first.layout(), settings).columns.size();
+  if (first.names().size() != planned) {
+    ReadSettings again = settings;
+    again.two_passes = true;
+    return again;
+  }
+  const auto schema = schema_of(first.layout(), first.names(), table.batches, settings);
+  return with_types(settings, first.layout(), schema->fields);
+}
+
 // The first reading met the cells that widened columns; the second knows the types from the start.
 void keep_widened(const Account& first, Account& second) {
   constexpr auto kWidened = static_cast<std::size_t>(Oddity::widened);
@@ -449,9 +477,8 @@ std::shared_ptr<const TableData> read_all(const nb::object& source,
   std::optional<Account> first;
   if (!are_alike(table->batches)) {
     first = reader->account();
+    const ReadSettings again = settled(settings, *reader, *table);
     table->batches.clear();
-    ReadSettings again = settings;
-    again.two_passes = true;
     reader.emplace(open(input, LayoutBox(reader->layout()), again));
     read_batches(*reader, *table);
   }
@@ -596,18 +623,6 @@ struct StreamItem {
                  : TableReader(path, *layout, settings);
   }
 };
-
-// The settings with these types for the columns that the layout has; what longer records add is text.
-ReadSettings with_types(ReadSettings settings, const Layout& layout,
-                        const std::vector<FieldType>& fields) {
-  const reading::TablePlan plan = reading::plan_of(layout, settings);
-  for (std::size_t c = 0; c < plan.columns.size(); ++c) {
-    for (const FieldType& field : fields) {
-      if (field.name == plan.columns[c].name) settings.types.push_back({{}, c + 1, field.type});
-    }
-  }
-  return settings;
-}
 
 class StreamOfItems : public BatchSource {
  public:

@@ -10,7 +10,14 @@ import subprocess
 from collections.abc import Sequence
 from typing import Any
 
+import hypothesis
 import pytest
+
+# The same texts in each run, and no files in the sources. For others: pytest --hypothesis-profile=random
+# --hypothesis-seed=N.
+hypothesis.settings.register_profile("same", derandomize=True, database=None)
+hypothesis.settings.register_profile("random", database=None)
+hypothesis.settings.load_profile("same")
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 TOOL = pathlib.Path(os.environ.get("VLTEXT_TOOL", ROOT / "build/release/bin/vltext"))

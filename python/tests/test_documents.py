@@ -54,6 +54,13 @@ def test_the_stubs_name_what_the_extension_has() -> None:
             assert names_in(node.body) - {"__init__"} == members, node.name
 
 
+def test_the_extension_exports_its_entry_alone() -> None:
+    """Otherwise it might call, or be called by, another copy of the libraries in the process."""
+    symbols = subprocess.run(["nm", "-D", "--defined-only", str(_core.__file__)], capture_output=True,
+                             text=True, check=True).stdout.split()
+    assert symbols[2::3] == ["PyInit__core"]
+
+
 def blocks_of(document: pathlib.Path) -> list[tuple[str, str]]:
     """The blocks of a document: the language of each, and its text."""
     return re.findall(r"^```(\w+)\n(.*?)^```$", document.read_text(), re.DOTALL | re.MULTILINE)
@@ -105,11 +112,11 @@ def test_a_messy_folder_becomes_one_table(tmp_path: pathlib.Path) -> None:
 
 
 def run_console(text: str) -> None:
-    """Commands after "$ ", with what they print. How to install is what scripts/check-python does."""
+    """Commands after "$ ", with what they print; how to install is for scripts/check-python --fresh."""
     commands = re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", text, re.MULTILINE)
     assert commands
     for command, printed in commands:
-        if "pip install" in command:
+        if "venv" in command:
             continue
         assert command.startswith("python3 -m vltext ")
         done = subprocess.run([sys.executable, *command.split()[1:]], capture_output=True, text=True,

@@ -237,6 +237,24 @@ def test_a_late_cell_widens_all_batches() -> None:
         pa.table(vltext.scan(content)).schema))
 
 
+def test_a_late_long_record_adds_a_column_to_all_batches() -> None:
+    table = vltext.read(late_text() + b"1,2,z\n")
+    assert table.num_columns == 3
+    assert table[table.names[2]][-2:] == [None, "z"]
+    assert table.to_arrow().column(2).null_count == 400_002
+    assert table.account.num_rows == 400_003
+
+
+def test_an_account_keeps_what_widened_columns() -> None:
+    """However often the file is read for it."""
+    few = vltext.read(b"a,b\n" + b"".join(b"%d,%d\n" % (i, i) for i in range(500)) + b"1,2.5\nx,7\n")
+    places = [vltext.Place("widened", 502, 2, "2.5"), vltext.Place("widened", 503, 1, "x")]
+    assert list(few.account.places) == places
+    many = vltext.read(late_text())
+    assert list(many.account.places) == [place._replace(line=place.line + 399_500) for place in places]
+    assert many.account.oddities["widened"] == 2
+
+
 def test_a_misfit_is_missing_and_in_the_account() -> None:
     table = vltext.read(b"a,b\n1,2\n3,x\n5,6\n7,8\n9,10\n", no_widen=True)
     assert table["b"] == [2, None, 6, 8, 10]
@@ -316,13 +334,35 @@ def test_a_reading_can_be_interrupted(tmp_path: pathlib.Path) -> None:
     endless = subprocess.Popen(["yes", "17,abc,2024-01-02"], stdout=subprocess.PIPE)
     try:
         done = subprocess.run([sys.executable, "-c", program], stdin=endless.stdout,
-                              capture_output=True, timeout=60, check=False)
+                              capture_output=True, timeout=300, check=False)
     finally:
         endless.kill()
         endless.wait()
         assert endless.stdout is not None
         endless.stdout.close()
     assert done.stdout == b"interrupted\n", done.stderr
+
+
+def read_through_pipe(program: str, content: bytes) -> bytes:
+    """What the program prints, whose standard input is a pipe with the content."""
+    done = subprocess.run([sys.executable, "-c", "import vltext, pyarrow\n" + program], input=content,
+                          capture_output=True, timeout=300, check=False)
+    assert done.returncode == 0, done.stderr.decode()
+    return done.stdout
+
+
+@pytest.mark.parametrize("path", ["-", "/dev/stdin"])
+def test_a_pipe_is_read_once_and_kept_for_a_wider_type(path: str) -> None:
+    printed = read_through_pipe(f"table = vltext.read({path!r}); print(table.types, table.num_rows)", late_text())
+    assert printed == b"{'a': 'text', 'b': 'real'} 400002\n"
+
+
+@pytest.mark.parametrize("call", ["pyarrow.table(vltext.scan('/dev/stdin'))", "vltext.parts('/dev/stdin')",
+                                  "vltext.read_many(['/dev/stdin'])"])
+def test_what_reads_twice_refuses_a_pipe(call: str) -> None:
+    program = (f"try:\n    {call}\nexcept vltext.Error as error:\n"
+               "    print('twice' in str(error))\n")
+    assert read_through_pipe(program, ALL_TYPES) == b"True\n"
 
 
 def resident_bytes() -> int:

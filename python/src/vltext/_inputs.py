@@ -3,9 +3,11 @@ from __future__ import annotations
 
 import io
 import os
+import stat
 from typing import Protocol, Union
 
 from . import _core
+from ._errors import FileError
 
 
 class BinaryFile(Protocol):
@@ -66,3 +68,28 @@ def input_of(source: Source, limit: int = -1) -> tuple[_core.Input, str | None]:
         raise TypeError("expected a path, bytes or a binary file, got "
                         f"{type(source).__name__}") from None
     return (source,), None
+
+
+def is_repeatable(core: _core.Input) -> bool:
+    """Whether the input can be read a second time: bytes, a file, but no pipe. What is not there is, for an error."""
+    if isinstance(core, tuple):
+        return True
+    try:
+        state = os.fstat(0) if core == b"-" else os.stat(core)
+    except OSError:
+        return True
+    return not (stat.S_ISFIFO(state.st_mode) or stat.S_ISCHR(state.st_mode) or stat.S_ISSOCK(state.st_mode))
+
+
+def kept(core: _core.Input) -> _core.Input:
+    """The input, or the content of one that can be read only once."""
+    if isinstance(core, tuple) or is_repeatable(core):
+        return core
+    with open(0 if core == b"-" else core, "rb", closefd=core != b"-") as file:
+        return (file.read(),)
+
+
+def refuse_unrepeatable(core: _core.Input, name: str | None) -> None:
+    """FileError for an input that can be read only once."""
+    if not is_repeatable(core):
+        raise FileError(f"cannot read {name!r} twice, as this needs; write it to a file first")

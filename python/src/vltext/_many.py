@@ -12,6 +12,7 @@ from . import _core
 from ._account import Account
 from ._errors import Error, MismatchError, ReadError
 from ._frames import frame_of
+from ._inputs import refuse_unrepeatable
 from ._layout import Layout, _layout_of_state, detect
 from ._options import DETECT_NAMES, READ_NAMES, Arguments, arguments_of, read_settings
 from ._progress import Progress
@@ -180,6 +181,7 @@ class Many:
 # --- which files fit ----------------------------------------------------------------------------------
 
 def _learn(path: str, arguments: Arguments, options: dict[str, Any]) -> tuple[_Learned, Account]:
+    refuse_unrepeatable(os.fsencode(path), path)
     known = {key: value for key, value in options.items() if key in DETECT_NAMES}
     layout = detect(path, **known)
     if layout.no_table is not None:

@@ -10,6 +10,7 @@ from . import _core
 from ._account import Account, Place
 from ._errors import ReadError
 from ._frames import frame_of
+from ._inputs import refuse_unrepeatable
 from ._layout import Layout, _layout_of_state, detect
 from ._options import DETECT_NAMES, READ_NAMES, Arguments, arguments_of, read_settings
 from ._table import Table
@@ -119,6 +120,7 @@ def parts(path: str | os.PathLike[str], blocksize: int = BLOCKSIZE, *,
         raise ValueError(f"blocksize: expected at least 1, got {blocksize}")
     name = os.fspath(path)
     arguments = arguments_of(options, READ_NAMES)
+    refuse_unrepeatable(os.fsencode(name), name)
     if layout is None:
         known = {key: value for key, value in options.items() if key in DETECT_NAMES}
         layout = detect(name, **known)  # type: ignore[arg-type]

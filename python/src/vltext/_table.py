@@ -9,7 +9,7 @@ from typing import TYPE_CHECKING, Any
 from . import _core
 from ._account import Account
 from ._errors import ReadError
-from ._inputs import Source, input_of
+from ._inputs import Source, input_of, kept, refuse_unrepeatable
 from ._layout import Layout
 from ._options import READ_NAMES, arguments_of, read_settings
 
@@ -218,6 +218,7 @@ def read(source: Source, *, layout: Layout | None = None,
     """
     core, name = input_of(source)
     arguments = arguments_of(options, READ_NAMES)
+    core = kept(core)
     try:
         table = _core.read(core, read_settings(arguments), layout._found if layout else None)
     except ReadError as error:
@@ -280,6 +281,7 @@ class Scan(Iterator[Batch]):
         return f"<vltext.Scan of {self._name or 'bytes'}>"
 
     def __arrow_c_stream__(self, requested_schema: object = None) -> object:
+        refuse_unrepeatable(self._input, self._name)
         learned = _core.learn(self._input, self._settings, self._core.layout)
         fields = learned.fields
         order: list[int | None] = list(range(len(fields)))
