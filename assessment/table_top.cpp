@@ -218,12 +218,34 @@ class TopFinder {
     return has_unit;
   }
 
+  // One of two cells is a unit, and the other a single short word that may be one that nobody has heard of. The
+  // cells above are longer words, in the first record of the text: a key and its value seldom begin it.
+  bool are_unusual_units(std::size_t index) const {
+    if (columns_ != 2 || index != 1 || !are_adjacent(0)) return false;
+    constexpr std::size_t kLongestUnit = 12;
+    std::size_t units = 0;
+    for (std::size_t c = 0; c < 2; ++c) {
+      const std::u16string_view text = trimmed(records_.view(records_.cells(data_[1])[c]));
+      const std::u16string_view above = trimmed(records_.view(records_.cells(data_[0])[c]));
+      if (is_unit(above) || kind_at(0, c) != CellKind::word || above.size() <= text.size())
+        return false;
+      if (is_unit(text)) {
+        ++units;
+      } else if (!is_text(kind_at(1, c)) || text.size() > kLongestUnit ||
+                 text.find(u' ') != text.npos) {
+        return false;
+      }
+    }
+    return units == 1;
+  }
+
   // Units, formats or descriptions may be between the names and the data. In a table of two columns
   // keys and values look like names, too, so only units may.
   std::size_t names_above(std::size_t first) const {
     if (first == 0) return 0;
     if (columns_ < 3) {
-      const bool has_units = first > 1 && may_be_units(first - 1) && may_be_names(first - 2);
+      const bool has_units = first > 1 && may_be_names(first - 2) &&
+                             (may_be_units(first - 1) || are_unusual_units(first - 1));
       if (has_units) return first - 2;
       return may_be_names(first - 1) ? first - 1 : first;
     }
@@ -241,21 +263,21 @@ class TopFinder {
   }
 
   // Texts above the names, each for itself and the columns after it: at least two, but not all filled, or
-  // repeated for each of these columns.
-  bool is_group_row(std::size_t index) const {
+  // repeated for each of these columns. There are fewer groups than `names`, the names of the columns.
+  bool is_group_row(std::size_t index, std::size_t names) const {
     if (columns_ < 3 || !may_be_above_data(index) ||
         kind_at(index, columns_ - 1) == CellKind::unknown)
       return false;
     const std::size_t count = filled(index);
     if (count == columns_) return has_repeats(index) && reads_like_names(index + 1);
-    return count > 1 && 4 * count >= columns_ && filled(index + 1) > count;
+    return count > 1 && 4 * count >= columns_ && filled(names) > count;
   }
 
   // Groups, and perhaps groups of these.
   std::size_t group_rows_above(std::size_t names) const {
     std::size_t groups = 0;
     while (groups < kMostRowsOfGroups && groups < names && are_adjacent(names - groups - 1) &&
-           is_group_row(names - groups - 1)) {
+           is_group_row(names - groups - 1, names)) {
       ++groups;
     }
     return groups;

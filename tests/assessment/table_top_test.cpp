@@ -40,6 +40,8 @@ struct TopCase {
 };
 std::ostream& operator<<(std::ostream& out, const TopCase& row) { return out << row.rule; }
 
+const std::u16string kSevenNumbers =
+    u"1,2,3,4,5,6,7\n2,3,4,5,6,7,8\n3,4,5,6,7,8,9\n4,5,6,7,8,9,10\n";
 const std::u16string kTwoColumns = u"1,10\n2,20\n3,30\n4,40\n5,50\n";
 const std::u16string kThreeColumns = u"1,10,a\n2,20,b\n3,30,c\n4,40,d\n5,50,e\n";
 const std::u16string kFiveNumbers = u"1,2,3,4,5\n2,3,4,5,6\n3,4,5,6,7\n4,5,6,7,8\n5,6,7,8,9\n";
@@ -60,6 +62,10 @@ const TopCase kTopCases[] = {
 
     {"UnitsBelowTheNames", u"length,mass,name\nm,kg,-\n" + kThreeColumns, 0},
     {"UnitsOfTwoColumns", u"length,mass\nm,kg\n" + kTwoColumns, 0},
+    {"AnUnusualUnitOfTwoColumns", u"time,absorbance\ns,AU\n" + kTwoColumns, 0},
+    {"NoUnitOfTwoColumns", u"time,absorbance\nx,AU\n" + kTwoColumns, 1},
+    {"AKeyWithAShorterValue", u"site,X\ns,AU\n" + kTwoColumns, 1},
+    {"UnusualUnitsBelowAnotherRecord", u"title,page\ntime,absorbance\ns,AU\n" + kTwoColumns, 2},
     {"DescriptionsBelowTheNames",
      u"day,level,name\nthe day it was,how high it was then,who wrote it all down\n" + kThreeColumns,
      0},
@@ -69,6 +75,8 @@ const TopCase kTopCases[] = {
      2},
     {"OneTextIsNoGroup", u",north,,,\nday,min,max,low,high\n" + kFiveNumbers, 1},
 
+    {"MoreGroupsAboveFewer",
+     u"day,house,,,,garden,\n,kitchen,,attic,,,\n,min,max,min,max,min,max\n" + kSevenNumbers, 0, 3},
     {"GroupsOfGroups", u",land,,,\n,north,,south,\nday,min,max,low,high\n" + kFiveNumbers, 1, 2},
     {"TwoGroupsOfGroups", u"land,,,sea,\nnorth,,south,west,\nday,min,max,low,high\n" + kFiveNumbers,
      0, 3},

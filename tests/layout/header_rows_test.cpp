@@ -116,6 +116,16 @@ const HeadCase kThreeRows[] = {
      {u"cm", u"m3/s", u"cm", u"m3/s"}},
 };
 const HeadCase kGroupsOfGroups[] = {
+    {"ThreeRowsOfNames",
+     u"day,house,,,,garden,\n"
+     u",kitchen,,attic,,,\n"
+     u",min,max,min,max,min,max\n"
+     u"1,18,22,12,25,3,14\n2,19,23,13,26,4,15\n3,18,21,11,24,2,13\n4,20,24,14,28,6,18\n"
+     u"5,19,22,13,25,5,16\n",
+     "1-3 names, 4-8 data",
+     {u"day", u"house.kitchen.min", u"house.kitchen.max", u"house.attic.min", u"house.attic.max",
+      u"garden.min", u"garden.max"},
+     {}},
     {"EachAboveItsFirstColumn",
      u"land,,,,sea,,,\n"
      u"north,,south,,north,,south,\n"
@@ -172,6 +182,11 @@ const HeadCase kUnits[] = {
      "1 names, 2 units, 3-6 data",
      {u"time", u"level", u"speed"},
      {u"s", u"cm", u"km/h"}},
+    {"AbsorbanceUnits",
+     u"time,absorbance\ns,AU\n1,0.125\n2,0.25\n3,0.5\n4,0.75\n",
+     "1 names, 2 units, 3-6 data",
+     {u"time", u"absorbance"},
+     {u"s", u"AU"}},
     {"AbsorbanceUnitsAmongThree",
      u"time,absorbance,temp\ns,AU,degC\n1,0.125,20.5\n2,0.25,21.0\n3,0.5,21.5\n4,0.75,22.0\n",
      "1 names, 2 units, 3-6 data",
@@ -282,16 +297,6 @@ INSTANTIATE_TEST_SUITE_P(DelimiterLines, TableHead, testing::ValuesIn(kDelimiter
 
 // A row that is right moves to its table above.
 const HeadCase kWrongToday[] = {
-    {"ThreeRowsOfNames",
-     u"day,house,,,,garden,\n"
-     u",kitchen,,attic,,,\n"
-     u",min,max,min,max,min,max\n"
-     u"1,18,22,12,25,3,14\n2,19,23,13,26,4,15\n3,18,21,11,24,2,13\n4,20,24,14,28,6,18\n"
-     u"5,19,22,13,25,5,16\n",
-     "1-3 names, 4-8 data",
-     {u"day", u"house.kitchen.min", u"house.kitchen.max", u"house.attic.min", u"house.attic.max",
-      u"garden.min", u"garden.max"},
-     {}},
     {"ThreeRowsOfRepeatedNames",
      u"plot;wheat;wheat;wheat;wheat\n"
      u";2022;2022;2023;2023\n"
@@ -301,11 +306,6 @@ const HeadCase kWrongToday[] = {
      "1-3 names, 4-8 data",
      {u"plot", u"wheat.2022.yield", u"wheat.2022.loss", u"wheat.2023.yield", u"wheat.2023.loss"},
      {}},
-    {"AbsorbanceUnits",
-     u"time,absorbance\ns,AU\n1,0.125\n2,0.25\n3,0.5\n4,0.75\n",
-     "1 names, 2 units, 3-6 data",
-     {u"time", u"absorbance"},
-     {u"s", u"AU"}},
 };
 
 class TableHeadWrongToday : public testing::TestWithParam<HeadCase> {};
