@@ -7,20 +7,21 @@
 #include <chrono>
 #include <cstring>
 #include <exception>
-#include <limits>
 #include <memory>
 #include <new>
 #include <utility>
 
 #include <fmt/format.h>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/reading/first_lines.hpp>
 
+#include "tool/catalog/catalog_command.hpp"
+#include "tool/catalog/file_list.hpp"
+#include "tool/catalog/group_report.hpp"
 #include "tool/conventions/completions.hpp"
 #include "tool/conventions/manual_page.hpp"
 #include "tool/convert_command.hpp"
@@ -39,7 +40,6 @@ namespace {
 
 using standalone::Layout;
 
-constexpr std::size_t kMostJobs = 256;
 constexpr std::size_t kLargeLayout = 262'144;  // bytes
 constexpr std::size_t kLongestPath = 4096;     // bytes; the system opens no longer one
 
@@ -61,28 +61,48 @@ std::string problem_with(const std::string& file, const Arguments& arguments, co
 // ---------------------------------------------------------------------------------------------
 // Writing the answers
 
+// More reports than fit on a screen, one below the other, are a summary.
+bool wants_summary(const Arguments& arguments) {
+  constexpr std::size_t kMostReports = 20;
+  const bool wants_each =
+      arguments.json || arguments.jsonl || arguments.explain || arguments.is_verbose;
+  return !wants_each && arguments.files.size() > kMostReports;
+}
+
+JsonWriter::Shape json_shape(const Arguments& arguments) {
+  return arguments.jsonl ? JsonWriter::Shape::one_line : JsonWriter::Shape::indented;
+}
+
 class AnswerWriter {
  public:
   AnswerWriter(const Arguments& arguments, const Streams& streams, ProgressLine& progress)
-      : arguments_(arguments), streams_(streams), progress_(progress) {}
+      : arguments_(arguments),
+        streams_(streams),
+        progress_(progress),
+        grouper_(static_cast<double>(arguments.least_percent) / 100.0) {}
 
   // Returns whether to go on: not when standard output is lost.
   bool write(std::size_t index, const Answer& answer) {
     const std::string& file = arguments_.files[index];
     if (answer.lacked_memory) return report_lack_of_memory(file);
-    if (answer.problem) return report_problem(*answer.problem);
     try {
+      if (answer.problem) return write_problem(file, *answer.problem);
       if (answer.is_doubtful) status_ = std::max(status_, static_cast<int>(kDoubtful));
+      if (wants_summary(arguments_)) return add_to_summary(answer.text);
       return answer.layout ? write_layout(file, answer) : write_text(answer.text);
     } catch (const std::bad_alloc&) {
       return report_lack_of_memory(file);
     }
   }
 
-  // The end of the document, if it was begun. Returns the exit status.
+  // The end of the document, if it was begun, or the summary. Returns the exit status.
   int finish() {
     progress_.clear();
-    const bool is_complete = !arguments_.json || !has_text_ || is_output_lost_;
+    if (num_summarised_ > 0) {
+      keep(write_out(group_text(grouper_.finish(), {false, true}), "", streams_));
+      return status_;
+    }
+    const bool is_complete = !arguments_.json || !has_text_ || is_output_lost_;  // or needs no end
     if (!is_complete) keep(write_out(kJsonClosing, "", streams_));
     return status_;
   }
@@ -92,6 +112,19 @@ class AnswerWriter {
     progress_.clear();
     complain(problem, streams_.err);
     status_ = kFailed;
+    return true;
+  }
+
+  bool write_problem(const std::string& file, std::string_view problem) {
+    if (wants_summary(arguments_)) grouper_.add(failed_row(file, problem));
+    if (!arguments_.jsonl) return report_problem(problem);
+    status_ = kFailed;
+    return write_text(json_failure(file, problem) + '\n');
+  }
+
+  bool add_to_summary(std::string_view row) {
+    grouper_.add(parse_row(row));
+    ++num_summarised_;
     return true;
   }
 
@@ -112,15 +145,17 @@ class AnswerWriter {
       is_begun = true;
       part.clear();
     };
-    write_json_member(file, *answer.layout, write_part, answer.file_kind);
+    write_json_member(file, *answer.layout, write_part, answer.file_kind, json_shape(arguments_));
+    if (is_written && arguments_.jsonl) is_written = keep(write_out("\n", "", streams_));
     return is_written;
   }
 
   // The opening of the document is written with its first file.
   bool write_text(std::string_view text) {
-    const std::string opening = arguments_.json && !has_text_
-                                    ? json_opening(arguments_.settings, arguments_.given)
-                                    : std::string();
+    const std::string opening =
+        arguments_.json && !has_text_
+            ? json_opening(arguments_.settings, arguments_.given, arguments_.is_verbose)
+            : std::string();
     const bool is_separated = arguments_.json && has_text_;
     has_text_ = true;
     return keep(
@@ -140,6 +175,8 @@ class AnswerWriter {
   const Streams& streams_;
   ProgressLine& progress_;
   int status_ = kSucceeded;
+  Grouper grouper_;
+  std::size_t num_summarised_ = 0;
   bool has_text_ = false;
   bool is_output_lost_ = false;
 };
@@ -154,23 +191,10 @@ bool may_be_used_up(const std::string& file) {
   return file == "-" || (stat(file.c_str(), &about) == 0 && !S_ISREG(about.st_mode));
 }
 
-std::size_t limit_of(decltype(RLIMIT_AS) resource) {
-  rlimit limit = {};
-  const bool is_limited = getrlimit(resource, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
-  return is_limited ? limit.rlim_cur : std::numeric_limits<std::size_t>::max();
-}
-
-std::size_t threads_for(const Arguments& arguments) {
-  const std::size_t jobs = arguments.num_jobs.value_or(std::min(available_processors(), kMostJobs));
-  return thread_count(
-      jobs, arguments.files.size(),
-      {limit_of(RLIMIT_NOFILE), std::min(limit_of(RLIMIT_AS), limit_of(RLIMIT_DATA))});
-}
-
 // One thread needs no list.
 WorkPlan plan_of(const Arguments& arguments) {
   const std::size_t num_files = arguments.files.size();
-  WorkPlan plan = {num_files, threads_for(arguments), {}};
+  WorkPlan plan = {num_files, threads_for(arguments.num_jobs, num_files), {}};
   if (plan.num_threads == 1) return plan;
   try {
     for (std::size_t i = 0; i < num_files; ++i) {
@@ -205,9 +229,14 @@ bool is_doubtful(const Layout& layout, const Arguments& arguments) {
 }
 
 // As text, or as the layout if that takes less memory: each line of the JSON takes some dozen bytes.
-Answer json_answer(const std::string& file, Layout layout, std::string kind) {
+Answer json_answer(const std::string& file, Layout layout, std::string kind,
+                   JsonWriter::Shape shape) {
   const std::size_t size = size_of(layout);
-  if (size < kLargeLayout) return {json_member(file, layout, kind), std::nullopt};
+  if (size < kLargeLayout) {
+    std::string text = json_member(file, layout, kind, shape);
+    if (shape == JsonWriter::Shape::one_line) text += '\n';
+    return {std::move(text), std::nullopt};
+  }
   Answer answer = {
       {}, std::nullopt, false, std::make_shared<const Layout>(std::move(layout)), size};
   answer.file_kind = std::move(kind);
@@ -245,14 +274,27 @@ std::string text_answer(const std::string& file, const reading::FileTop& top,
   return text + what_next(file, top.layout, arguments);
 }
 
+// What is wrong with a file, in the words of an error.
+std::string reason_for(const std::string& file, const std::exception& error) {
+  if (!is_folder(file)) return error.what();
+  return fmt::format("cannot open '{}': no file is in this folder", file);
+}
+
 Answer try_to_answer(const std::string& file, const Arguments& arguments) {
   try {
     reading::FileTop top = top_of(file, arguments);
     Layout& layout = top.layout;
     const bool doubtful = is_doubtful(layout, arguments);
+    if (wants_summary(arguments)) {
+      Answer answer = {row_line(row_of(file, layout)), std::nullopt};
+      answer.is_doubtful = doubtful;
+      return answer;
+    }
     std::string kind = kind_without_table(layout);
-    Answer answer = arguments.json ? json_answer(file, std::move(layout), std::move(kind))
-                                   : Answer{text_answer(file, top, arguments, kind), std::nullopt};
+    Answer answer =
+        arguments.json || arguments.jsonl
+            ? json_answer(file, std::move(layout), std::move(kind), json_shape(arguments))
+            : Answer{text_answer(file, top, arguments, kind), std::nullopt};
     answer.is_doubtful = doubtful;
     return answer;
   } catch (const std::bad_alloc&) {
@@ -260,7 +302,7 @@ Answer try_to_answer(const std::string& file, const Arguments& arguments) {
   } catch (const standalone::GivenMismatch& mismatch) {
     return {{}, problem_with(file, arguments, (file + ": " + mismatch.what()).c_str())};
   } catch (const std::exception& error) {
-    return {{}, problem_with(file, arguments, error.what())};
+    return {{}, problem_with(file, arguments, reason_for(file, error).c_str())};
   }
 }
 
@@ -320,12 +362,17 @@ int run_command(int argc, const char* const* argv, const Streams& streams) {
   const std::string_view command = argc > 1 ? argv[1] : "";
   if (command == "convert") return convert_files(parse_convert_line(argc, argv), streams);
   if (command == "head") return print_heads(parse_head_line(argc, argv), streams);
+  if (command == "catalog") return print_catalog(parse_catalog_line(argc, argv), streams);
+  if (command == "groups") return print_groups(parse_groups_line(argc, argv), streams);
   if (command == "help") return print(help_text(argc, argv), streams);
   if (command == "man") return print(manual_page(command_table()), streams);
   if (command == "completions") return print(completions_text(argc, argv), streams);
   refuse_nearly_command(argc, argv);
   Arguments arguments = parse_command_line(argc, argv);
-  if (!arguments.json && !arguments.emit) {
+  if (!arguments.emit) {
+    arguments.files = files_below(arguments.files, {arguments.is_recursive, true});
+  }
+  if (!arguments.json && !arguments.jsonl && !arguments.emit) {
     arguments.picture =
         chosen_style(arguments.showing, surroundings_of(streams.out), arguments.files.size());
   }

@@ -7,12 +7,11 @@
 #include "tool/emit/targets.hpp"
 #include "tool/help.hpp"
 #include "tool/option_words.hpp"
+#include "tool/ordered_work.hpp"
 #include "tool/safe_text.hpp"
 
 namespace textio::tool {
 namespace {
-
-constexpr unsigned long kMostJobs = 256;
 
 // What was typed for the options that take a number.
 struct TypedNumbers {
@@ -27,6 +26,13 @@ constexpr const char* kFlagAlone = "true";
 void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numbers,
                          std::optional<std::string>& sample, std::string& explain) {
   app.add_flag("--json", arguments.json, "Print one JSON document instead of text");
+  app.add_flag("--jsonl", arguments.jsonl,
+               "Print a line of JSON for each file, also for one that cannot be read");
+  app.add_flag("--recursive", arguments.is_recursive,
+               "Of a folder, also look at the files in the folders below it");
+  app.add_flag("--verbose", arguments.is_verbose,
+               "Print each report, though there are more than 20 files; with --json, also the "
+               "settings that nobody changed");
   app.add_flag("--explain", explain,
                "Also tell what was considered, what speaks for the answer and against it, and why "
                "the next best answer lost; --explain=cascade: also the candidates of the cascade, "
@@ -64,8 +70,9 @@ void check_emit(const Arguments& arguments) {
                                             shortened(*arguments.emit),
                                             meant(*arguments.emit, words_of("--emit"))));
   }
-  if (arguments.json || arguments.explain) {
-    throw UsageError("--emit prints a program, and no layout: --json and --explain are for those");
+  if (arguments.json || arguments.jsonl || arguments.explain) {
+    throw UsageError(
+        "--emit prints a program, and no layout: --json, --jsonl and --explain are for those");
   }
   if (arguments.files.size() != 1) throw UsageError("--emit needs a single FILE");
   if (arguments.files.front() == "-") {
@@ -120,6 +127,8 @@ Arguments parse_command_line(int argc, const char* const* argv) {
     arguments.settings.sample = standalone::SampleFrom::spread;
   if (numbers.strict) arguments.least_percent = to_number("--strict", *numbers.strict, 0, 100);
   if (numbers.jobs) arguments.num_jobs = to_number("--jobs", *numbers.jobs, 1, kMostJobs);
+  if (arguments.json && arguments.jsonl)
+    throw UsageError("--json and --jsonl contradict one another");
   check_emit(arguments);
   return arguments;
 }

@@ -23,7 +23,7 @@
 namespace textio::tool {
 
 struct Arguments {
-  std::vector<std::string> files;  // at least one
+  std::vector<std::string> files;  // as they were typed, folders among them; at least one
   std::vector<GivenOption> given;
   standalone::DetectSettings settings;
   std::optional<std::size_t> num_jobs;
@@ -31,6 +31,13 @@ struct Arguments {
   // How sure an answer must be for the exit status 0.
   unsigned long least_percent = 50;
   bool json = false;
+  bool jsonl = false;
+
+  // Also the settings that are the default, and the reports of many files.
+  bool is_verbose = false;
+
+  // Also the files of the folders below a given one.
+  bool is_recursive = false;
 
   // The target of --emit; then there is one file, a path.
   std::optional<std::string> emit;

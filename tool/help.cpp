@@ -50,7 +50,9 @@ void append_option(std::string& out, const std::string& flag, std::string_view t
 
 const char* const kDescription =
     "Print how the table in each text FILE is laid out. FILE may be - for standard input, or a "
-    "pipe. It may be compressed with gzip or zstd, whatever its name.";
+    "pipe. It may be compressed with gzip or zstd, whatever its name. A folder means the files in "
+    "it. Of more than 20 files a summary is printed: the groups that are laid out alike, and the "
+    "odd ones.";
 
 const char* const kExitStatus =
     "Exits with 0, with 1 when no table was found in a file or not with confidence, or with 2 when "

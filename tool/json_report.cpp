@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include <vltextstream/standalone/decoding/utf_text.hpp>
+#include <vltextstream/version.hpp>
 
 #include "tool/json_writer.hpp"
 #include "tool/report.hpp"
@@ -79,39 +80,67 @@ void write_run(JsonWriter& json, const standalone::LineRun& run) {
   json.end_object();
 }
 
-void write_options(JsonWriter& json, const parser::options& record) {
+// Writes the members that differ from the usual ones, or all of them.
+class ChosenMembers {
+ public:
+  ChosenMembers(JsonWriter& json, bool wants_all) : json_(json), wants_all_(wants_all) {}
+
+  template <typename Value>
+  void member(std::string_view name, const Value& value, const Value& usual) {
+    if (wants_all_ || value != usual) json_.member(name, value);
+  }
+
+ private:
+  JsonWriter& json_;
+  bool wants_all_;
+};
+
+std::optional<unsigned long> header_lines_of(const parser::options& record) {
   const bool is_unknown = record.header_lines == std::numeric_limits<unsigned long>::max();
+  return is_unknown ? std::nullopt : std::optional(record.header_lines);
+}
+
+void write_options(JsonWriter& json, const parser::options& record, bool wants_all) {
+  const parser::options usual;
+  ChosenMembers members(json, wants_all);
   json.begin_object();
-  json.member("delimiters", record.delimiters);
-  json.member("line_endings", record.line_endings);
-  json.member("reserved_strings", record.reserved_strings);
-  json.member("comment_style", record.comment_style);
-  json.member("whitespace", record.whitespace);
-  json.member("encoding", record.encoding);
-  json.member("date_locale", record.date_locale);
-  json.member("exp_chars", record.exp_chars);
-  json.member("variable_widths", record.variable_widths);
-  json.member("header_lines", is_unknown ? std::nullopt : std::optional(record.header_lines));
-  json.member("num_variables", record.num_variables);
-  json.member("variable_names_line", record.variable_names_line);
-  json.member("variable_units_line", record.variable_units_line);
-  json.member("variable_descriptions_line", record.variable_descriptions_line);
-  json.member("row_names_field", record.row_names_field);
-  json.member("parser_type", to_string(record.parser_type));
-  json.member("missing_rule", to_string(record.missing_rule));
-  json.member("import_error_rule", to_string(record.import_error_rule));
-  json.member("consecutive_delimiters_rule", to_string(record.consecutive_delimiters_rule));
-  json.member("empty_line_rule", to_string(record.empty_line_rule));
-  json.member("extra_columns_rule", to_string(record.extra_columns_rule));
-  json.member("leading_delimiters_rule", to_string(record.leading_delimiters_rule));
-  json.member("text_type", to_string(record.text_type));
-  json.member("datetime_type", to_string(record.datetime_type));
-  json.member("partial_field_rule", to_string(record.partial_field_rule));
-  json.member("detect_delimiters", record.detect_delimiters);
-  json.member("detect_header_lines", record.detect_header_lines);
-  json.member("detect_num_variables", record.detect_num_variables);
-  json.member("is_file", record.is_file);
-  json.member("collect_output", record.collect_output);
+  members.member("delimiters", record.delimiters, usual.delimiters);
+  members.member("line_endings", record.line_endings, usual.line_endings);
+  members.member("reserved_strings", record.reserved_strings, usual.reserved_strings);
+  members.member("comment_style", record.comment_style, usual.comment_style);
+  members.member("whitespace", record.whitespace, usual.whitespace);
+  members.member("encoding", record.encoding, usual.encoding);
+  members.member("date_locale", record.date_locale, usual.date_locale);
+  members.member("exp_chars", record.exp_chars, usual.exp_chars);
+  members.member("variable_widths", record.variable_widths, usual.variable_widths);
+  members.member("header_lines", header_lines_of(record), header_lines_of(usual));
+  members.member("num_variables", record.num_variables, usual.num_variables);
+  members.member("variable_names_line", record.variable_names_line, usual.variable_names_line);
+  members.member("variable_units_line", record.variable_units_line, usual.variable_units_line);
+  members.member("variable_descriptions_line", record.variable_descriptions_line,
+                 usual.variable_descriptions_line);
+  members.member("row_names_field", record.row_names_field, usual.row_names_field);
+  members.member("parser_type", to_string(record.parser_type), to_string(usual.parser_type));
+  members.member("missing_rule", to_string(record.missing_rule), to_string(usual.missing_rule));
+  members.member("import_error_rule", to_string(record.import_error_rule),
+                 to_string(usual.import_error_rule));
+  members.member("consecutive_delimiters_rule", to_string(record.consecutive_delimiters_rule),
+                 to_string(usual.consecutive_delimiters_rule));
+  members.member("empty_line_rule", to_string(record.empty_line_rule),
+                 to_string(usual.empty_line_rule));
+  members.member("extra_columns_rule", to_string(record.extra_columns_rule),
+                 to_string(usual.extra_columns_rule));
+  members.member("leading_delimiters_rule", to_string(record.leading_delimiters_rule),
+                 to_string(usual.leading_delimiters_rule));
+  members.member("text_type", to_string(record.text_type), to_string(usual.text_type));
+  members.member("datetime_type", to_string(record.datetime_type), to_string(usual.datetime_type));
+  members.member("partial_field_rule", to_string(record.partial_field_rule),
+                 to_string(usual.partial_field_rule));
+  members.member("detect_delimiters", record.detect_delimiters, usual.detect_delimiters);
+  members.member("detect_header_lines", record.detect_header_lines, usual.detect_header_lines);
+  members.member("detect_num_variables", record.detect_num_variables, usual.detect_num_variables);
+  members.member("is_file", record.is_file, usual.is_file);
+  members.member("collect_output", record.collect_output, usual.collect_output);
   json.end_object();
 }
 
@@ -121,25 +150,36 @@ std::optional<std::u16string> given_text(std::optional<char16_t> unit) {
   return *unit == 0 ? std::u16string() : std::u16string(1, *unit);
 }
 
-void write_settings(JsonWriter& json, const standalone::DetectSettings& settings) {
+bool is_usual(const parser::options& record) {
+  std::string text;
+  JsonWriter json(text, 0, {}, JsonWriter::Shape::one_line);
+  write_options(json, record, false);
+  return text == "{}";
+}
+
+void write_settings(JsonWriter& json, const standalone::DetectSettings& settings, bool wants_all) {
+  const standalone::DetectSettings usual;
+  ChosenMembers members(json, wants_all);
   json.begin_object();
-  json.member("num_lines", settings.num_lines);
-  json.member("encoding", settings.encoding);
-  json.key("options");
-  write_options(json, settings.options);
-  json.member("trace", settings.trace);
-  json.member("max_bytes", settings.max_bytes);
-  json.member("judge", to_string(settings.judge));
-  json.member("name_separator", settings.name_separator);
-  json.member("look_at_end", settings.look_at_end);
-  json.member("sample", to_string(settings.sample));
-  json.member("names_line", settings.names_line);
-  json.member("units_line", settings.units_line);
-  json.member("quote", given_text(settings.quote));
-  json.member("escape", given_text(settings.escape));
-  json.member("decimal", given_text(settings.decimal));
-  json.member("grouping", given_text(settings.grouping));
-  json.member("missing", settings.missing);
+  members.member("num_lines", settings.num_lines, usual.num_lines);
+  members.member("encoding", settings.encoding, usual.encoding);
+  if (wants_all || !is_usual(settings.options)) {
+    json.key("options");
+    write_options(json, settings.options, wants_all);
+  }
+  members.member("trace", settings.trace, usual.trace);
+  members.member("max_bytes", settings.max_bytes, usual.max_bytes);
+  members.member("judge", to_string(settings.judge), to_string(usual.judge));
+  members.member("name_separator", settings.name_separator, usual.name_separator);
+  members.member("look_at_end", settings.look_at_end, usual.look_at_end);
+  members.member("sample", to_string(settings.sample), to_string(usual.sample));
+  members.member("names_line", settings.names_line, usual.names_line);
+  members.member("units_line", settings.units_line, usual.units_line);
+  members.member("quote", given_text(settings.quote), given_text(usual.quote));
+  members.member("escape", given_text(settings.escape), given_text(usual.escape));
+  members.member("decimal", given_text(settings.decimal), given_text(usual.decimal));
+  members.member("grouping", given_text(settings.grouping), given_text(usual.grouping));
+  members.member("missing", settings.missing, usual.missing);
   json.end_object();
 }
 
@@ -365,7 +405,10 @@ void write_assessment(JsonWriter& json, const Layout& layout, const std::string&
   write_cascade(json, *layout.cascade);
 }
 
-constexpr std::size_t kFileDepth = 2;  // within the list of the files
+// Within the list of the files, or in a line of its own.
+std::size_t depth_of(JsonWriter::Shape shape) {
+  return shape == JsonWriter::Shape::indented ? 2 : 0;
+}
 
 void write_members(JsonWriter& json, const std::string& file, const Layout& layout,
                    const std::string& file_kind) {
@@ -416,13 +459,14 @@ void write_members(JsonWriter& json, const std::string& file, const Layout& layo
 }  // namespace
 
 std::string json_opening(const standalone::DetectSettings& settings,
-                         const std::vector<GivenOption>& given) {
+                         const std::vector<GivenOption>& given, bool wants_all) {
   std::string text;
   JsonWriter json(text);
   json.begin_object();
   json.member("schema", kJsonSchema);
+  json.member("version", libvltextstream_version);
   json.key("settings");
-  write_settings(json, settings);
+  write_settings(json, settings, wants_all);
   json.key("given");
   json.array(given, [&](const GivenOption& option) { write_given(json, option); });
   json.key("files");
@@ -430,20 +474,31 @@ std::string json_opening(const standalone::DetectSettings& settings,
   return text += '\n';
 }
 
-std::string json_member(const std::string& file, const Layout& layout,
-                        const std::string& file_kind) {
+std::string json_member(const std::string& file, const Layout& layout, const std::string& file_kind,
+                        JsonWriter::Shape shape) {
   std::string text;
-  JsonWriter json(text, kFileDepth);
+  JsonWriter json(text, depth_of(shape), {}, shape);
   write_members(json, file, layout, file_kind);
   return text;
 }
 
 void write_json_member(const std::string& file, const Layout& layout,
-                       const JsonWriter::Empty& empty, const std::string& file_kind) {
+                       const JsonWriter::Empty& empty, const std::string& file_kind,
+                       JsonWriter::Shape shape) {
   std::string text;
-  JsonWriter json(text, kFileDepth, empty);
+  JsonWriter json(text, depth_of(shape), empty, shape);
   write_members(json, file, layout, file_kind);
   empty(text);
+}
+
+std::string json_failure(const std::string& file, std::string_view problem) {
+  std::string text;
+  JsonWriter json(text, 0, {}, JsonWriter::Shape::one_line);
+  json.begin_object();
+  json.member("file", file);
+  json.member("error", problem);
+  json.end_object();
+  return text;
 }
 
 }  // namespace textio::tool

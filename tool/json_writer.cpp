@@ -99,8 +99,8 @@ Piece text_of(const Decimal& decimal) {
 
 }  // namespace
 
-JsonWriter::JsonWriter(std::string& out, std::size_t depth, Empty empty)
-    : out_(out), depth_(depth), empty_(std::move(empty)) {
+JsonWriter::JsonWriter(std::string& out, std::size_t depth, Empty empty, Shape shape)
+    : out_(out), depth_(depth), empty_(std::move(empty)), is_one_line_(shape == Shape::one_line) {
   if (empty_) out_.reserve(kFullAt);
 }
 
@@ -157,7 +157,7 @@ void JsonWriter::begin(char bracket) {
 
 void JsonWriter::end(char bracket) {
   --depth_;
-  if (!is_first_) begin_line();
+  if (!is_first_ && !is_one_line_) begin_line();
   append({&bracket, 1});
   is_first_ = false;
 }
@@ -168,8 +168,8 @@ void JsonWriter::begin_value() {
     return;
   }
   if (!is_open_) return indent();
-  if (!is_first_) append(",");
-  begin_line();
+  if (!is_first_) append(is_one_line_ ? ", " : ",");
+  if (!is_one_line_) begin_line();
   is_first_ = false;
 }
 

@@ -7,7 +7,8 @@
 //   json.member("widths", std::vector<std::size_t>{8, 4});
 //   json.end_object();
 //
-// Every value has a line of its own, indented by two blanks for each object or array around it.
+// Every value has a line of its own, indented by two blanks for each object or array around it; or all
+// is in one line, with a blank after each comma and colon.
 //
 // Text    in UTF-8. What is_unprintable() says of a character, it is escaped. What is ill-formed
 //         becomes U+FFFD, one for all bytes that could have begun a character.
@@ -36,8 +37,11 @@ class JsonWriter {
   // Takes what was written so far away from the text, and leaves it empty.
   using Empty = std::function<void(std::string&)>;
 
+  enum class Shape { indented, one_line };
+
   // Appends to `out`. With a depth the text is a part of a document, from this indentation on.
-  explicit JsonWriter(std::string& out, std::size_t depth = 0, Empty empty = {});
+  explicit JsonWriter(std::string& out, std::size_t depth = 0, Empty empty = {},
+                      Shape shape = Shape::indented);
 
   void begin_object() { begin('{'); }
   void end_object() { end('}'); }
@@ -103,6 +107,7 @@ class JsonWriter {
   std::string& out_;
   std::size_t depth_;
   Empty empty_;
+  bool is_one_line_;
   bool is_first_ = true;  // no value yet in the innermost object or array
   bool is_open_ = false;  // within any object or array of this writer
   bool follows_key_ = false;

@@ -20,6 +20,7 @@
 #include <utility>
 
 #include <sched.h>
+#include <sys/resource.h>
 
 namespace textio::tool {
 namespace {
@@ -216,6 +217,12 @@ class Crew {
   std::list<std::thread> threads_;
 };
 
+std::size_t limit_of(decltype(RLIMIT_AS) resource) {
+  rlimit limit = {};
+  const bool is_limited = getrlimit(resource, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+  return is_limited ? limit.rlim_cur : std::numeric_limits<std::size_t>::max();
+}
+
 }  // namespace
 
 void work_in_order(const WorkPlan& plan, const WorkSteps& steps) {
@@ -229,6 +236,13 @@ std::size_t thread_count(std::size_t num_jobs, std::size_t num_files, const Proc
   const std::size_t least = std::min(
       {num_jobs, num_files, limits.num_descriptors / 2, limits.memory_bytes / kMemoryOfAThread});
   return std::max<std::size_t>(least, 1);
+}
+
+std::size_t threads_for(std::optional<std::size_t> num_jobs, std::size_t num_files) {
+  const std::size_t jobs = num_jobs.value_or(std::min(available_processors(), kMostJobs));
+  return thread_count(
+      jobs, num_files,
+      {limit_of(RLIMIT_NOFILE), std::min(limit_of(RLIMIT_AS), limit_of(RLIMIT_DATA))});
 }
 
 std::size_t available_processors() {

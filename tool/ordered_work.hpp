@@ -96,4 +96,9 @@ std::size_t thread_count(std::size_t num_jobs, std::size_t num_files, const Proc
 // How many processors this process may run on, at least 1.
 std::size_t available_processors();
 
+inline constexpr std::size_t kMostJobs = 256;
+
+// The same within the limits of this process; without a number of jobs, one for each processor, at most kMostJobs.
+std::size_t threads_for(std::optional<std::size_t> num_jobs, std::size_t num_files);
+
 }  // namespace textio::tool

@@ -319,7 +319,9 @@ struct OpenCase {
 std::ostream& operator<<(std::ostream& out, const OpenCase& row) { return out << row.rule; }
 
 const OpenCase kOpenCases[] = {
-    {"Folder", "\"$0\" /", "cannot open '/': Is a directory"},
+    {"EmptyFolder",
+     "empty=$(mktemp -d); cd $empty; \"$0\" .; status=$?; rmdir $empty; exit $status",
+     "cannot open '.': no file is in this folder"},
     {"FolderAsStandardInput", "\"$0\" - < /", "cannot open '-': Is a directory"},
     {"Missing", "\"$0\" ./no-such-file", "cannot open './no-such-file': No such file or directory"},
     {"MissingDash", "cd / && \"$0\" ./-", "cannot open './-': No such file or directory"},

@@ -11,6 +11,8 @@
 #include <valijson/schema_parser.hpp>
 #include <valijson/validator.hpp>
 
+#include <vltextstream/version.hpp>
+
 #include "support/command.hpp"
 #include "support/example_cases.hpp"
 #include "support/temp_folder.hpp"
@@ -95,10 +97,32 @@ TEST(ToolJson, ShowsTheSettingsThatTheDetectionHad) {
   const TempFolder folder;
   const json document = printed({"--json", "--delimiter", ";", "--num-header-lines", "1", "--lines",
                                  "7", folder.file("t", "x;y\n1;2\n")});
+  EXPECT_EQ(document["version"], libvltextstream_version);
+  EXPECT_EQ(document["settings"], (json{{"num_lines", 7},
+                                        {"options",
+                                         {{"delimiters", {";"}},
+                                          {"detect_delimiters", false},
+                                          {"header_lines", 1},
+                                          {"detect_header_lines", false}}}}));
+}
+
+TEST(ToolJson, ShowsNoSettingThatNobodyChanged) {
+  const TempFolder folder;
+  const json document = printed({"--json", folder.file("t", "x;y\n1;2\n")});
+  EXPECT_EQ(document["settings"], json::object());
+}
+
+TEST(ToolJson, ShowsAllSettingsOnRequest) {
+  const TempFolder folder;
+  const json document = printed({"--json", "--verbose", "--delimiter", ";", "--num-header-lines",
+                                 "1", "--lines", "7", folder.file("t", "x;y\n1;2\n")});
+  EXPECT_THAT(faults(document), IsEmpty());
   const json& settings = document["settings"];
   EXPECT_EQ(settings["num_lines"], 7);
   EXPECT_EQ(settings["encoding"], nullptr);
   EXPECT_EQ(settings["trace"], false);
+  EXPECT_EQ(settings.size(), 16U);
+  EXPECT_EQ(settings["options"].size(), 30U);
   EXPECT_EQ(settings["options"]["delimiters"], json::array({";"}));
   EXPECT_EQ(settings["options"]["detect_delimiters"], false);
   EXPECT_EQ(settings["options"]["header_lines"], 1);
@@ -116,10 +140,16 @@ TEST(ToolJsonSchema, RefusesAMissingAndAnUnknownMember) {
     without["files"][0].erase(member.key());
     EXPECT_THAT(faults(without), Not(IsEmpty())) << member.key();
   }
-  for (const auto& member : document["settings"]["options"].items()) {
+  for (const auto& member : document.items()) {
     json without = document;
-    without["settings"]["options"].erase(member.key());
+    without.erase(member.key());
     EXPECT_THAT(faults(without), Not(IsEmpty())) << member.key();
+  }
+  for (const char* const at : {"/settings", "/settings/options"}) {
+    json more = printed({"--json", "--verbose", folder.file("u", "x;y\n1;2\n")});
+    ASSERT_THAT(faults(more), IsEmpty());
+    more.at(json::json_pointer(at))["colour"] = "blue";
+    EXPECT_THAT(faults(more), Not(IsEmpty())) << at;
   }
   json more = document;
   more["files"][0]["colour"] = "blue";
@@ -205,6 +235,15 @@ TEST(ToolJsonSchema, RefusesAMemberOfAnotherKindOfColumn) {
       EXPECT_THAT(faults(more), Not(IsEmpty())) << i << ' ' << own;
     }
   }
+}
+
+// The lines of --jsonl have the members of a file.
+TEST(ToolJsonSchema, FitsALineOfAFile) {
+  const TempFolder folder;
+  json document = printed({"--json", folder.file("t", "x;y\n1;2\n")});
+  document["files"][0] = printed({"--jsonl", folder.file("u", "a,b\n1,2\n")});
+  EXPECT_THAT(faults(document), IsEmpty());
+  EXPECT_EQ(document["files"][0]["names"], json::array({"a", "b"}));
 }
 
 TEST(ToolJsonSchema, HasTheNumberThatTheToolPrints) {

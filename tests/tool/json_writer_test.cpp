@@ -71,6 +71,22 @@ TEST(JsonWriter, BeginsAPartAtItsDepth) {
   EXPECT_EQ(out, "[\n  {\n    \"a\": [\n      1,\n      2\n    ]\n  }");
 }
 
+TEST(JsonWriter, WritesOneLineOnRequest) {
+  std::string out;
+  JsonWriter json(out, 0, {}, JsonWriter::Shape::one_line);
+  json.begin_object();
+  json.member("a", std::vector<int>{1, 2});
+  json.key("list");
+  json.begin_array();
+  json.begin_object();
+  json.end_object();
+  json.value("x\ny");
+  json.end_array();
+  json.member("b", nullptr);
+  json.end_object();
+  EXPECT_EQ(out, R"({"a": [1, 2], "list": [{}, "x\ny"], "b": null})");
+}
+
 // A second route: the tree of a library, written with the same indentation.
 void write_tree(JsonWriter& json, const Tree& tree) {
   if (tree.is_object()) {

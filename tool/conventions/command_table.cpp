@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tool/catalog/catalog_command.hpp"
 #include "tool/command_line.hpp"
 #include "tool/option_words.hpp"
 #include "tool/table_commands.hpp"
@@ -15,6 +16,8 @@ const std::vector<CommandLineOfHelp>& command_lines() {
       {"", "FILE...", "Print how the table in each FILE is laid out"},
       {"head", "FILE...", "Print the first rows of the table, and the types of its columns"},
       {"convert", "FILE...", "Read the whole table and write it as csv, tsv, jsonl or SQLite"},
+      {"catalog", "FILE...", "Print a line of JSON for each file, or each file of a folder"},
+      {"groups", "FILE...", "Print which files are laid out alike, and name the odd ones"},
       {"help", "[COMMAND]", "Print the help of a command"},
       {"man", "", "Print the manual page, for 'man -l -'"},
       {"completions", "SHELL", "Print the completions for bash, zsh or fish"},
@@ -43,7 +46,8 @@ CommandEntry entry_of(const CLI::App& app, const std::string& name) {
 }
 
 std::vector<CommandEntry> command_table() {
-  std::vector<CommandEntry> table = {layout_command(), head_command(), convert_command()};
+  std::vector<CommandEntry> table = {layout_command(), head_command(), convert_command(),
+                                     catalog_command(), groups_command()};
   for (const CommandLineOfHelp& line : command_lines()) {
     auto entry = std::find_if(table.begin(), table.end(),
                               [&](const CommandEntry& each) { return each.name == line.name; });

@@ -178,7 +178,7 @@ const OfferCase kOffers[] = {
     {"AnyNumber", {"vltext", "--lines", ""}, {}},
     {"FileAfterAnOption", {"vltext", "convert", "-o", "tw"}, {}},
     {"File", {"vltext", "--json", "tw"}, {}},
-    {"Help", {"vltext", "help", "c"}, {"convert", "completions"}},
+    {"Help", {"vltext", "help", "c"}, {"convert", "catalog", "completions"}},
     {"Shells", {"vltext", "completions", ""}, {"bash", "zsh", "fish"}},
 };
 
