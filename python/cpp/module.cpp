@@ -30,6 +30,7 @@
 #include <vltextstream/version.hpp>
 
 #include "python/cpp/arrow_export.hpp"
+#include "python/cpp/catalog_lines.hpp"
 #include "python/cpp/emit_dict.hpp"
 #include "python/cpp/layout_state.hpp"
 #include "python/cpp/parts.hpp"
@@ -828,6 +829,21 @@ NB_MODULE(_core, module) {
   module.def("facts", [](const nb::bytes& path, const SharedSettings& settings) {
     return facts_dict(bytes_of(path), settings->read.detect);
   });
+
+  module.def("catalog_lines",
+             [](const nb::list& paths, const SharedSettings& settings, std::size_t num_jobs) {
+               return catalog_lines(all_bytes_of(paths), settings->read.detect, num_jobs);
+             });
+  module.def("files_below", [](const nb::list& paths, bool is_recursive) {
+    std::vector<nb::bytes> files;
+    for (const std::string& each : files_of(all_bytes_of(paths), is_recursive))
+      files.emplace_back(each.data(), each.size());
+    return files;
+  });
+  module.def("catalog_line_named",
+             [](const nb::bytes& path, const nb::bytes& name, const SharedSettings& settings) {
+               return catalog_line_named(bytes_of(path), bytes_of(name), settings->read.detect);
+             });
 
   module.def("main", [](const nb::list& arguments) { return run(all_bytes_of(arguments)); });
   module.attr("version") = libvltextstream_version;

@@ -11,7 +11,10 @@ from __future__ import annotations
 
 from . import _core
 from ._account import Account, Place, Run
+from ._catalog import Catalog, catalog
+from ._drift import Change, Drift, Series, drift
 from ._errors import Error, FileError, MismatchError, OptionError, ReadError, UnsupportedError
+from ._groups import Group, Groups, OddFile, groups
 from ._inputs import BinaryFile, Source
 from ._layout import Column, Layout, LineRun, Rival, detect
 from ._many import Many, read_many
@@ -21,7 +24,8 @@ from ._table import Batch, Scan, Table, read, scan
 __version__ = _core.version
 
 __all__ = [
-    "Account", "Batch", "BinaryFile", "Column", "Error", "FileError", "Layout", "LineRun",
-    "Many", "MismatchError", "OptionError", "Part", "Parts", "Place", "ReadError", "Rival", "Run", "Scan", "Source",
-    "Table", "UnsupportedError", "detect", "parts", "read", "read_many", "read_parts", "scan",
+    "Account", "Batch", "BinaryFile", "Catalog", "Change", "Column", "Drift", "Error", "FileError", "Group", "Groups",
+    "Layout", "LineRun", "Many", "MismatchError", "OddFile", "OptionError", "Part", "Parts", "Place", "ReadError",
+    "Rival", "Run", "Scan", "Series", "Source", "Table", "UnsupportedError", "catalog", "detect", "drift", "groups",
+    "parts", "read", "read_many", "read_parts", "scan",
 ]
