@@ -28,6 +28,7 @@
 #include "tool/emit_command.hpp"
 #include "tool/file_kind.hpp"
 #include "tool/head_command.hpp"
+#include "tool/html/html_command.hpp"
 #include "tool/json_report.hpp"
 #include "tool/option_words.hpp"
 #include "tool/progress_line.hpp"
@@ -191,6 +192,8 @@ bool may_be_used_up(const std::string& file) {
   return file == "-" || (stat(file.c_str(), &about) == 0 && !S_ISREG(about.st_mode));
 }
 
+}  // namespace
+
 // One thread needs no list.
 WorkPlan plan_of(const Arguments& arguments) {
   const std::size_t num_files = arguments.files.size();
@@ -206,6 +209,8 @@ WorkPlan plan_of(const Arguments& arguments) {
   return plan;
 }
 
+namespace {
+
 bool is_terminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
 
 // On a terminal that shows the answers, they show how far the work is.
@@ -220,13 +225,16 @@ std::size_t size_of(const Layout& layout) {
          (layout.names.size() + layout.units.size()) * sizeof(std::u16string);
 }
 
-// No table was found, or not with confidence.
+}  // namespace
+
 bool is_doubtful(const Layout& layout, const Arguments& arguments) {
   if (arguments.settings.judge != standalone::Judge::assessment) return false;
   if (!layout.no_table.empty()) return true;
   return layout.confidence &&
          *layout.confidence * 100 < static_cast<double>(arguments.least_percent);
 }
+
+namespace {
 
 // As text, or as the layout if that takes less memory: each line of the JSON takes some dozen bytes.
 Answer json_answer(const std::string& file, Layout layout, std::string kind,
@@ -243,10 +251,13 @@ Answer json_answer(const std::string& file, Layout layout, std::string kind,
   return answer;
 }
 
-// Empty for a table.
+}  // namespace
+
 std::string kind_without_table(const Layout& layout) {
   return layout.first_bytes.empty() ? std::string() : file_kind(layout.first_bytes);
 }
+
+namespace {
 
 // The layout, and the first lines if they are shown.
 reading::FileTop top_of(const std::string& file, const Arguments& arguments) {
@@ -372,10 +383,11 @@ int run_command(int argc, const char* const* argv, const Streams& streams) {
   if (!arguments.emit) {
     arguments.files = files_below(arguments.files, {arguments.is_recursive, true});
   }
-  if (!arguments.json && !arguments.jsonl && !arguments.emit) {
+  if (!arguments.json && !arguments.jsonl && !arguments.emit && !arguments.html) {
     arguments.picture =
         chosen_style(arguments.showing, surroundings_of(streams.out), arguments.files.size());
   }
+  if (arguments.html) return write_page(arguments, streams);
   return arguments.emit ? emit_program(arguments, streams) : answer_files(arguments, streams);
 }
 

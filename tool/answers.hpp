@@ -19,6 +19,15 @@ namespace textio::tool {
 // What is printed about a file.
 Answer answer_for(const std::string& file, const Arguments& arguments);
 
+// In which threads the files are looked at.
+WorkPlan plan_of(const Arguments& arguments);
+
+// Whether no table was found, or not with confidence.
+bool is_doubtful(const standalone::Layout& layout, const Arguments& arguments);
+
+// What a file without a table is; empty for a table.
+std::string kind_without_table(const standalone::Layout& layout);
+
 // The exit status: kFailed when a file could not be read or standard output not be written, otherwise
 // kDoubtful when no table was found in a file, or not with confidence.
 int answer_files(const Arguments& arguments, const Streams& streams);

@@ -41,6 +41,11 @@ void declare_own_options(CLI::App& app, Arguments& arguments, TypedNumbers& numb
                  "Print a program that reads the whole of one FILE rightly with NAME: " +
                      target_names() + ". Nothing of it is executed")
       ->type_name("NAME");
+  app.add_option("--html", arguments.html,
+                 "Write a report on the FILEs to OUT, one page for a browser: the answer and its "
+                 "rivals, the first lines, each column, what did not fit, and the programs of "
+                 "--emit. The files are read to their ends. - is standard output")
+      ->type_name("OUT");
   app.add_option("--strict", numbers.strict,
                  "Exit with 1 unless the answer is at least P percent sure, 50 if not given")
       ->type_name("P");
@@ -77,6 +82,14 @@ void check_emit(const Arguments& arguments) {
   if (arguments.files.size() != 1) throw UsageError("--emit needs a single FILE");
   if (arguments.files.front() == "-") {
     throw UsageError("--emit needs the path of a FILE, which the program opens");
+  }
+}
+
+void check_html(const Arguments& arguments) {
+  if (!arguments.html) return;
+  if (arguments.html->empty()) throw UsageError("--html needs a value: OUT");
+  if (arguments.json || arguments.jsonl || arguments.emit) {
+    throw UsageError("--html writes a page: --json, --jsonl and --emit print something else");
   }
 }
 
@@ -130,6 +143,7 @@ Arguments parse_command_line(int argc, const char* const* argv) {
   if (arguments.json && arguments.jsonl)
     throw UsageError("--json and --jsonl contradict one another");
   check_emit(arguments);
+  check_html(arguments);
   return arguments;
 }
 

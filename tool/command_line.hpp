@@ -41,6 +41,9 @@ struct Arguments {
 
   // The target of --emit; then there is one file, a path.
   std::optional<std::string> emit;
+
+  // Where the page of --html is written to.
+  std::optional<std::string> html;
   bool explain = false;
   bool explains_cascade = false;
   bool no_progress = false;

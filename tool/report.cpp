@@ -491,16 +491,21 @@ void add_trace(std::string& out, const detection::SelectionTrace& trace) {
   }
 }
 
+// What a text is if it is not a table; empty if it is one.
+std::string no_table(const Layout& layout, std::string_view file_kind) {
+  if (layout.no_table.empty()) return {};
+  return (layout.no_table == "empty" ? "there is no line that is not blank"
+                                     : "this is probably " + layout.no_table) +
+         (file_kind.empty() ? "" : fmt::format(" ({})", printable(file_kind)));
+}
+
 // What the text is: a table and how it is laid out, or what else.
 void add_answer(std::string& out, const Layout& layout, std::string_view file_kind) {
   if (layout.no_table.empty()) {
     fmt::format_to(Out(out), "  layout          {}{}\n", in_words(dialect_of(layout)),
                    layout.rest_in_last ? ", the last column takes the rest of the line" : "");
   } else {
-    fmt::format_to(Out(out), "  no table        {}{}\n",
-                   layout.no_table == "empty" ? "there is no line that is not blank"
-                                              : "this is probably " + layout.no_table,
-                   file_kind.empty() ? "" : fmt::format(" ({})", printable(file_kind)));
+    fmt::format_to(Out(out), "  no table        {}\n", no_table(layout, file_kind));
   }
   add_confidence(out, layout);
   if (layout.looks_binary) {
@@ -566,6 +571,38 @@ std::string report(const std::string& file, const Layout& layout,
   fmt::format_to(Out(out), "  looked at       {}\n", looked_at(layout));
   add_reasons(out, layout, explains_cascade);
   return out;
+}
+
+LayoutWords words_of(const Layout& layout, std::size_t most_columns, std::string_view file_kind) {
+  LayoutWords words;
+  words.layout = in_words(dialect_of(layout));
+  if (layout.rest_in_last) words.layout += ", the last column takes the rest of the line";
+  words.no_table = no_table(layout, file_kind);
+  if (layout.confidence && layout.no_table != "empty")
+    words.confidence = percent(*layout.confidence);
+  words.encoding = encoding(layout);
+  words.line_ending = ending(layout);
+  if (layout.no_table.empty()) {
+    words.names = names(layout);
+    words.written = dialect_details(layout);
+    words.lines = lines(layout);
+  }
+  words.looked_at = looked_at(layout);
+  for (const standalone::Rival& rival : layout.rivals)
+    words.rivals.push_back({short_form(rival), percent(rival.probability), why_lost(rival)});
+  for (const standalone::EvidenceItem& item : layout.evidence) {
+    std::vector<std::string>& sentences =
+        item.worth > 0 ? words.evidence_for : words.evidence_against;
+    sentences.push_back(fmt::format("{}: {}", strength(item.worth), printable(item.sentence)));
+  }
+  for (std::size_t i = 0; i < std::min(layout.classes.size(), most_columns); ++i) {
+    ColumnWords& column = words.columns.emplace_back();
+    column.kind = kind_of_column(layout, i);
+    if (i < layout.names.size()) column.name = printable(layout.names[i]);
+    if (i < layout.units.size()) column.unit = printable(layout.units[i]);
+    if (i < layout.columns.size()) column.details = details_of(layout, layout.columns[i]);
+  }
+  return words;
 }
 
 }  // namespace textio::tool

@@ -1,6 +1,7 @@
 // What the tool prints about a layout for people to read.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,5 +18,39 @@ namespace textio::tool {
 std::string report(const std::string& file, const standalone::Layout& layout,
                    const std::vector<GivenOption>& given = {}, std::string_view file_kind = {},
                    bool explains_cascade = false);
+
+// What the report says, part by part, for those who arrange it otherwise. All texts are printable; those without
+// anything to say are empty.
+struct RivalWords {
+  std::string what;
+  std::string percent;
+  std::string why_lost;
+};
+
+struct ColumnWords {
+  std::string kind;
+  std::string name;
+  std::string unit;
+  std::vector<std::string> details;
+};
+
+struct LayoutWords {
+  std::string layout;      // "delimited by ','"
+  std::string no_table;    // "this is probably running text"
+  std::string confidence;  // "98 %"
+  std::string names;
+  std::string written;
+  std::string encoding;
+  std::string line_ending;
+  std::string lines;
+  std::string looked_at;
+  std::vector<RivalWords> rivals;  // the likeliest first
+  std::vector<std::string> evidence_for;
+  std::vector<std::string> evidence_against;
+  std::vector<ColumnWords> columns;  // the first of them
+};
+
+LayoutWords words_of(const standalone::Layout& layout, std::size_t most_columns,
+                     std::string_view file_kind = {});
 
 }  // namespace textio::tool

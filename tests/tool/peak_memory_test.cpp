@@ -144,7 +144,7 @@ TEST(ToolUnderALimit, AnswersTheOtherFiles) {
   const LimitedTool tool;
   std::size_t num_refused = 0;
   for (const char* jobs : {"1", "4"}) {
-    for (std::size_t megabytes = 48; megabytes <= 112; megabytes += 2) {
+    for (std::size_t megabytes = 52; megabytes <= 112; megabytes += 2) {
       SCOPED_TRACE(megabytes);
       const CommandResult result = tool.run(megabytes, {"--json", "--jobs", jobs});
       if (result.status == 0) continue;

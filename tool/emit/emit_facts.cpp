@@ -403,6 +403,7 @@ Facts facts_of(const std::string& path, const standalone::DetectSettings& settin
   count_lines(account, facts);
   look_at_cells(path, layout, read, facts);
   find_oddity(layout, account, facts);
+  facts.account = account;
   return facts;
 }
 

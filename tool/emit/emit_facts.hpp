@@ -20,6 +20,7 @@
 
 #include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/layout/layout.hpp>
+#include <vltextstream/reading/account.hpp>
 #include <vltextstream/reading/column.hpp>
 
 #include "tool/option_flags.hpp"
@@ -78,6 +79,9 @@ struct Facts {
   std::string oddity;
 
   std::vector<ColumnFact> columns;
+
+  // What became of every line.
+  reading::Account account;
 
   // The arguments of `vltext convert` before the path: what the caller knew of the file.
   std::vector<std::string> given;

@@ -1,0 +1,60 @@
+#include "tool/html/html_text.hpp"
+
+#include <algorithm>
+
+#include <vltextstream/text/utf8.hpp>
+
+namespace textio::tool {
+namespace {
+
+constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
+
+void append(std::string& out, char32_t code) {
+  switch (code) {
+    case U'&':
+      out += "&amp;";
+      return;
+    case U'<':
+      out += "&lt;";
+      return;
+    case U'>':
+      out += "&gt;";
+      return;
+    case U'"':
+      out += "&quot;";
+      return;
+    case U'\'':
+      out += "&#39;";
+      return;
+    default:
+      append_utf8(out, is_unprintable(code) ? kReplacement : code);
+  }
+}
+
+}  // namespace
+
+std::string html(std::string_view text) { return html_cut(text, text.size()); }
+
+std::string html_cut(std::string_view text, std::size_t most) {
+  std::string out;
+  for (std::size_t count = 0; !text.empty(); ++count) {
+    if (count == most) return out.append(kEllipsis);
+    const Utf8Character character = first_character(text);
+    append(out, character.code);
+    text.remove_prefix(character.length);
+  }
+  return out;
+}
+
+std::string html_lines(std::string_view text) {
+  std::string out;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find_first_of("\n\t"), text.size());
+    out += html(text.substr(0, end));
+    if (end < text.size()) out += text[end];
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return out;
+}
+
+}  // namespace textio::tool
