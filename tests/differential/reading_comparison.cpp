@@ -447,25 +447,26 @@ void check_column(const Column& column, std::size_t num_rows, Differences& found
 // ---------------------------------------------------------------------------------------------
 // What holds of every account
 
-// The lines of bytes in which "\n" and "\r" are as in ASCII, or as two bytes each.
+// The lines of bytes in which "\n" and "\r" are as in ASCII, or as two or four bytes each.
 std::uint64_t lines_in(std::string_view bytes, const std::string& encoding) {
-  const bool is_wide = encoding.starts_with("UTF-16");
-  const bool is_little = encoding == "UTF-16LE";
-  const std::size_t step = is_wide ? 2 : 1;
-  const auto unit_at = [&](std::size_t i) -> unsigned {
-    const auto byte = [&](std::size_t at) -> unsigned {
-      return at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0xFFU;
-    };
-    if (!is_wide) return byte(i);
-    return is_little ? byte(i) | byte(i + 1) << 8U : byte(i) << 8U | byte(i + 1);
+  const std::size_t step =
+      encoding.starts_with("UTF-32") ? 4 : (encoding.starts_with("UTF-16") ? 2 : 1);
+  const bool is_little = encoding.ends_with("LE");
+  const auto unit_at = [&](std::size_t i) {
+    std::uint32_t unit = 0;
+    for (std::size_t k = 0; k < step; ++k) {
+      const std::size_t at = i + (is_little ? step - 1 - k : k);
+      unit = unit << 8U | (at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0xFFU);
+    }
+    return unit;
   };
   std::size_t begin = 0;
   if (encoding == "UTF-8" && bytes.starts_with("\xEF\xBB\xBF")) begin = 3;
-  if (is_wide && unit_at(0) == 0xFEFF) begin = 2;
+  if (step > 1 && unit_at(0) == 0xFEFF) begin = step;
   std::uint64_t lines = 0;
   bool is_open = false;
   for (std::size_t i = begin; i < bytes.size(); i += step) {
-    const unsigned unit = unit_at(i);
+    const std::uint32_t unit = unit_at(i);
     const bool is_crlf = unit == '\r' && i + step < bytes.size() && unit_at(i + step) == '\n';
     if (is_crlf) i += step;
     is_open = unit != '\n' && unit != '\r';
