@@ -114,7 +114,7 @@ const PictureCase kPictures[] = {
     {"Binary",
      std::string("\x7F"
                  "ELF\x02\x01\x01\0\0\0\0\0\0\x03\0\x3E\0\x01\n\x05\x06\x0E\n",
-                 26),
+                 23),
      {"no picture"}},
 };
 
