@@ -6,6 +6,7 @@ import io
 import json
 import os
 import pathlib
+import signal
 import subprocess
 from collections.abc import Sequence
 from typing import Any
@@ -18,6 +19,9 @@ import pytest
 hypothesis.settings.register_profile("same", derandomize=True, database=None)
 hypothesis.settings.register_profile("random", database=None)
 hypothesis.settings.load_profile("same")
+
+# A shell that runs the tests in the background has them ignore interrupts, which some tests are about.
+signal.signal(signal.SIGINT, signal.default_int_handler)
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 TOOL = pathlib.Path(os.environ.get("VLTEXT_TOOL", ROOT / "build/release/bin/vltext"))
