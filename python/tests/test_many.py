@@ -35,6 +35,19 @@ EXPECTED = {
 }
 
 
+def test_a_catalogue_gives_its_files(folder: pathlib.Path) -> None:
+    many = vltext.read_many(vltext.catalog(folder))
+    assert many.types == {"day": "date", "level": "real", "note": "text"}
+    assert many.num_rows == 11
+
+
+def test_what_is_no_table_in_a_catalogue_is_named(folder: pathlib.Path) -> None:
+    (folder / "letter.txt").write_text("Dear Lena,\nthank you for the parcel that came on Monday.\nThe lamp is fine.\n")
+    with pytest.raises(vltext.MismatchError, match="letter.txt"):
+        vltext.read_many(vltext.catalog(folder))
+    assert vltext.read_many(vltext.catalog(folder), misfits="skip").num_rows == 11
+
+
 def test_files_of_all_dialects_make_one_table(folder: pathlib.Path) -> None:
     many = vltext.read_many(folder)
     assert many.types == {"day": "date", "level": "real", "note": "text"}

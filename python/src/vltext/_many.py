@@ -10,6 +10,7 @@ from typing import TYPE_CHECKING, Any, Literal, Union
 
 from . import _core
 from ._account import Account
+from ._catalog import Catalog
 from ._errors import Error, MismatchError, ReadError
 from ._frames import frame_of
 from ._inputs import refuse_unrepeatable
@@ -243,13 +244,14 @@ def _joined_fields(files: list[_Learned]) -> list[Field]:
     return list(fields.values())
 
 
-def read_many(paths: Paths, *, misfits: Misfits = "error", progress: bool | None = None,
+def read_many(paths: Paths | Catalog, *, misfits: Misfits = "error", progress: bool | None = None,
               **options: Unpack[ReadOptions]) -> Many:
     """Many files as one table, with columns matched by name. Each file has a dialect of its own, and is read by it.
 
-    `paths` is a folder, a pattern, or paths. Each file is read once to learn its types. Those that do not fit the
-    others are named first, in a MismatchError; with misfits="skip" they are left out, with "join" they are read, too:
-    columns that a file does not have are missing there, and what has no common type is text.
+    `paths` is a folder, a pattern, paths, or a catalogue of files on this machine. Each file is read once to learn its
+    types. Those that do not fit the others are named first, in a MismatchError; with misfits="skip" they are left out,
+    with "join" they are read, too: columns that a file does not have are missing there, and what has no common type is
+    text.
 
     >>> import vltext, tempfile, os
     >>> with tempfile.TemporaryDirectory() as folder:
@@ -264,7 +266,7 @@ def read_many(paths: Paths, *, misfits: Misfits = "error", progress: bool | None
     if misfits not in ("error", "skip", "join"):
         raise ValueError(f"misfits: expected error, skip or join, got {misfits!r}")
     arguments = arguments_of(options, READ_NAMES)
-    found = paths_of(paths)
+    found = [str(row["path"]) for row in paths] if isinstance(paths, Catalog) else paths_of(paths)
     learned: list[_Learned] = []
     accounts: dict[str, Account] = {}
     failed: dict[str, str] = {}
