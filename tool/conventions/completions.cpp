@@ -134,7 +134,7 @@ std::string replaced(std::string text, std::string_view what, std::string_view b
   return text;
 }
 
-// Within single quotes, and within the brackets of a specification.
+// Within single quotes, and within the brackets around the description of an option.
 std::string in_zsh(std::string text) {
   text = replaced(std::move(text), "\\", "\\\\");
   for (const char* const special : {"[", "]", ":"})

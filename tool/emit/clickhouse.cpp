@@ -51,15 +51,12 @@ std::string value_of(const ColumnFact& column, const std::string& name) {
   }
 }
 
+std::string named_value(const ColumnFact& column, const std::string& cell) {
+  return fmt::format("  {} AS {}", value_of(column, cell), clickhouse_name(column.name));
+}
+
 std::string query(const Facts& facts, const std::string& path) {
-  std::vector<std::string> cells;
-  std::vector<std::string> values;
-  for (const ColumnFact& column : facts.columns) {
-    const std::string cell = fmt::format("c{}", cells.size() + 1);
-    cells.push_back(cell + " String");
-    values.push_back(
-        fmt::format("  {} AS {}", value_of(column, cell), clickhouse_name(column.name)));
-  }
+  const auto [cells, values] = text_cells(facts, "String", named_value);
   return fmt::format(
       "SELECT\n{}\n"
       "FROM file({}, 'CSV', {})\n"

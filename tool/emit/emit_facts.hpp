@@ -1,4 +1,4 @@
-// Facts: what any reader must be told to read one file rightly, whoever reads it.
+// Facts: what a reader must be told to read a file correctly. They are the same for all readers.
 //
 //   const Facts facts = facts_of("prices.csv", settings, {});
 //   facts.first_data_line;           // 7

@@ -52,6 +52,17 @@ std::vector<std::string> name_literals(const Facts& facts,
   return names;
 }
 
+TextCells text_cells(const Facts& facts, std::string_view type,
+                     std::string (*value)(const ColumnFact&, const std::string& cell)) {
+  TextCells cells;
+  for (const ColumnFact& column : facts.columns) {
+    const std::string cell = fmt::format("c{}", cells.values.size() + 1);
+    cells.declared.push_back(fmt::format("{} {}", cell, type));
+    cells.values.push_back(value(column, cell));
+  }
+  return cells;
+}
+
 std::vector<const ColumnFact*> columns_of(const Facts& facts,
                                           std::initializer_list<ColumnType> types) {
   std::vector<const ColumnFact*> found;

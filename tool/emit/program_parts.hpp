@@ -27,6 +27,15 @@ std::string opening_comment(const Facts& facts, std::string_view sign, std::stri
 std::vector<std::string> name_literals(const Facts& facts,
                                        std::string (*literal)(std::string_view));
 
+// For readers that read every cell as a text first: what declares the cells "c1", "c2", ..., each with the name of that
+// type, and what makes a value of each.
+struct TextCells {
+  std::vector<std::string> declared;
+  std::vector<std::string> values;
+};
+TextCells text_cells(const Facts& facts, std::string_view type,
+                     std::string (*value)(const ColumnFact&, const std::string& cell));
+
 // The names of the columns of one of these types.
 std::vector<const ColumnFact*> columns_of(const Facts& facts,
                                           std::initializer_list<reading::ColumnType> types);

@@ -54,15 +54,12 @@ std::string value_of(const ColumnFact& column, const std::string& cell) {
   }
 }
 
+std::string named_value(const ColumnFact& column, const std::string& cell) {
+  return fmt::format("    {}.alias({}),\n", value_of(column, cell), python_text(column.name));
+}
+
 std::string call(const Facts& facts, const std::string& source) {
-  std::vector<std::string> schema;
-  std::vector<std::string> values;
-  for (const ColumnFact& column : facts.columns) {
-    const std::string cell = fmt::format("c{}", schema.size() + 1);
-    schema.push_back(cell + " string");
-    values.push_back(
-        fmt::format("    {}.alias({}),\n", value_of(column, cell), python_text(column.name)));
-  }
+  const auto [schema, values] = text_cells(facts, "string", named_value);
   return fmt::format(
       "cells = spark.read.csv(\n"
       "    {},\n"

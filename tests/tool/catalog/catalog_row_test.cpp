@@ -79,7 +79,7 @@ TEST(LookAt, GivesARowToWhatFails) {
 TEST(LookAt, ReadsNoMoreThanASampleOfAHugeFile) {
   const TempFolder folder;
   const std::string path = folder.file("huge", "");
-  if (truncate(path.c_str(), 1'000'000'000'000) != 0) GTEST_SKIP() << "no such file here";
+  ASSERT_EQ(truncate(path.c_str(), 1'000'000'000'000), 0);
   const CatalogRow row = look_at(path, {});
   EXPECT_EQ(row.status, RowStatus::no_table);
   EXPECT_EQ(row.size, 1'000'000'000'000U);
