@@ -609,7 +609,8 @@ std::string_view to_string(Evidence evidence) {
       "framed",        "named",    "clauses",     "numbers-cut", "gaps-inside", "by-names",
       "tab",           "comma",    "semicolon",   "colon",       "bar",         "blank",
       "caret",         "control",  "several",     "rare",        "no-table",    "prose",
-      "code",          "markup",   "keyed",       "indented",    "spaced",      "brief"};
+      "code",          "markup",   "nested",      "keyed",       "indented",    "spaced",
+      "brief"};
   return kNames[static_cast<std::size_t>(evidence)];
 }
 

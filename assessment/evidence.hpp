@@ -65,10 +65,11 @@ enum class Evidence {
   prose,     // share of lines of running text
   code,      // share of lines as in source code
   markup,    // share of lines as in documents with tags or brackets
+  nested,    // 1 if brackets or tags nest from the first character on, as in JSON and XML
   keyed,     // share of lines of one key and its value, and of headings in brackets
   indented,  // share of lines that begin further in or out than the line before
   spaced,    // share of lines after a blank line
-  brief,     // 1 / lines
+  brief,     // 1 / lines; 0 if nested
 };
 inline constexpr std::size_t kNumEvidence = static_cast<std::size_t>(Evidence::brief) + 1;
 

@@ -126,6 +126,8 @@ std::string sentence_of(Evidence evidence, const Verdict& verdict, const Hypothe
     case Evidence::markup:
       return fmt::format("{} of the lines look like a document with tags or brackets",
                          percent(amount));
+    case Evidence::nested:
+      return "its brackets or tags nest from the first to the last";
     case Evidence::keyed:
       return fmt::format("{} of the lines are a key and its value", percent(amount));
     case Evidence::indented:
@@ -184,6 +186,7 @@ std::string names_reason(const NamesVerdict& names, bool has_names) {
 }
 
 std::string kind_of_text(const EvidenceAmounts& amounts) {
+  if (amounts[static_cast<std::size_t>(Evidence::nested)] > 0) return "a document";
   static constexpr std::array<std::pair<Evidence, const char*>, 4> kKinds = {
       {{Evidence::prose, "running text"},
        {Evidence::code, "source code"},

@@ -7,6 +7,7 @@
 
 #include <vltextstream/assessment/cuts.hpp>
 #include <vltextstream/assessment/find_unit.hpp>
+#include <vltextstream/assessment/nesting.hpp>
 
 namespace textio::assessment {
 namespace {
@@ -54,9 +55,26 @@ bool has_tight_separator(View line) {
   return false;
 }
 
+// Chinese and Japanese have no blanks between words.
+bool is_unspaced_letter(char16_t unit) {
+  const bool is_kana = unit >= 0x3041 && unit <= 0x30FF;
+  const bool is_han = (unit >= 0x3400 && unit <= 0x4DBF) || (unit >= 0x4E00 && unit <= 0x9FFF);
+  return is_kana || is_han;
+}
+
+// A line of such letters with the end of a sentence in it.
+bool is_unspaced_prose(View line) {
+  constexpr std::ptrdiff_t kFewestLetters = 8;
+  constexpr View kSentenceEnds = u"\u3002\uFF01\uFF1F";
+  if (line.find_first_of(kSentenceEnds) == line.npos) return false;
+  const std::ptrdiff_t letters = std::count_if(line.begin(), line.end(), is_unspaced_letter);
+  return letters >= kFewestLetters && 4 * letters >= 3 * static_cast<std::ptrdiff_t>(line.size());
+}
+
 bool is_prose(View line, CharacterSet characters) {
   if (has(characters, kSeparators) && has_tight_separator(line)) return false;
   if (has(characters, set_of(u'\t')) && line.find(u'\t') != line.npos) return false;
+  if (has(characters, kBeyondAscii) && is_unspaced_prose(line)) return true;
   std::size_t words = 0;
   std::size_t plain = 0;
   std::size_t wide_gaps = 0;
@@ -89,6 +107,9 @@ bool is_code(View line, CharacterSet characters) {
   const bool is_bracketed = has(characters, kBrackets);
   if (is_one_of(line.back(), u"{\\")) return true;
   if (is_bracketed && line.find_first_not_of(u"{}()[];,") == line.npos) return true;
+  // A command of TeX. A lone letter after the backslash may be a missing value.
+  if (line.front() == u'\\' && line.size() > 2 && is_letter(line[1]) && is_letter(line[2]))
+    return true;
   // One of a list of tuples.
   if (line.front() == u'(' && (line.ends_with(u"),") || line.ends_with(u");"))) return true;
   const bool ends_statement = line.back() == u';' && line.find(u';') + 1 == line.size();
@@ -120,7 +141,13 @@ bool is_keyed(View line) {
   if (line.empty() || !is_letter(line[0])) return false;
   std::size_t i = 0;
   while (i < line.size() && (is_name_unit(line[i]) || is_one_of(line[i], u".-/"))) ++i;
-  const View rest = trimmed(line.substr(i));
+  View rest = trimmed(line.substr(i));
+  // "DTSTART;TZID=Europe/Berlin:20200101", as in calendars and address books
+  if (rest.substr(0, 1) == u";") {
+    const std::size_t equals = rest.find(u'=');
+    const std::size_t colon = rest.find(u':');
+    if (equals != rest.npos && colon != rest.npos && equals < colon) rest = rest.substr(colon);
+  }
   const bool is_address = rest.substr(0, 3) == u"://";
   if (rest.empty() || is_address) return false;
   // Many colons separate fields.
@@ -159,13 +186,14 @@ TextTraits traits_of(const SampledLines& lines, std::size_t most) {
     traits.keyed += is_keyed(line);
   }
   if (texts == 0) return traits;
+  traits.nested = is_nested(lines.text().substr(0, lines.end())) ? 1 : 0;
   traits.prose /= texts;
   traits.code /= texts;
   traits.markup /= texts;
   traits.keyed /= texts;
   traits.indented /= texts;
   traits.spaced /= texts;
-  traits.brief = 1 / texts;
+  traits.brief = traits.nested > 0 ? 0 : 1 / texts;
   return traits;
 }
 

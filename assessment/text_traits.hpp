@@ -12,7 +12,8 @@ namespace textio::assessment {
 
 // Shares of the lines that are not blank.
 struct TextTraits {
-  // Running text: at least five words, most of them plain, one blank between them.
+  // Running text: at least five words, most of them plain, one blank between them; of Chinese and
+  // Japanese, letters with the end of a sentence among them.
   double prose = 0;
 
   // As in source code: a bracket or semicolon at the end, a call, a comment, a preprocessor line.
@@ -20,6 +21,9 @@ struct TextTraits {
 
   // As in documents with tags or brackets: tags, or quoted keys, or brackets at an end.
   double markup = 0;
+
+  // 1 if all of the text is nested brackets or tags, see is_nested(); else 0.
+  double nested = 0;
 
   // One key and its value with `=` or `:` between them, or a heading in brackets.
   double keyed = 0;
@@ -30,7 +34,7 @@ struct TextTraits {
   // Lines after a blank line, the first one not counted.
   double spaced = 0;
 
-  // 1 / lines: few lines tell little.
+  // 1 / lines: few lines tell little. 0 if brackets or tags nest, which one line can tell.
   double brief = 0;
 };
 

@@ -73,6 +73,7 @@ EvidenceAmounts weigh_text(const SampledLines& lines, std::size_t most) {
   set(Evidence::prose, traits.prose);
   set(Evidence::code, traits.code);
   set(Evidence::markup, traits.markup);
+  set(Evidence::nested, traits.nested);
   set(Evidence::keyed, traits.keyed);
   set(Evidence::indented, traits.indented);
   set(Evidence::spaced, traits.spaced);

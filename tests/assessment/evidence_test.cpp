@@ -404,6 +404,7 @@ TEST(EvidenceNames, AreDifferentWordsWithHyphens) {
   EXPECT_EQ(to_string(Evidence::cut_values), "cut-values");
   EXPECT_EQ(to_string(Evidence::numbers_cut), "numbers-cut");
   EXPECT_EQ(to_string(Evidence::indented), "indented");
+  EXPECT_EQ(to_string(Evidence::nested), "nested");
   EXPECT_EQ(to_string(Evidence::spaced), "spaced");
 }
 

@@ -49,6 +49,7 @@ const SentenceCase kSentences[] = {
     {"Torn", Evidence::torn, 0.5,
      "50 % of the records have a cell with one of two brackets or quotes"},
     {"NoTable", Evidence::no_table, 1, "most files are tables"},
+    {"Nested", Evidence::nested, 1, "its brackets or tags nest from the first to the last"},
     {"Brief", Evidence::brief, 0.5, "the text is short"},
     {"ByNames", Evidence::by_names, 1, "the names show where columns begin"},
     {"GapsInside", Evidence::gaps_inside, 0.5,
@@ -220,6 +221,8 @@ TEST(KindOfText, IsThatOfMostLines) {
     for (const auto& [other, name] : kinds) amounts[at(other)] = 0.25;
     amounts[at(evidence)] = 0.5;
     EXPECT_EQ(kind_of_text(amounts), kind);
+    amounts[at(Evidence::nested)] = 1;
+    EXPECT_EQ(kind_of_text(amounts), "a document");
   }
 }
 

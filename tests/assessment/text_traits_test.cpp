@@ -40,6 +40,15 @@ const LineCase kProseLines[] = {
     {"TwoWideGaps", &TextTraits::prose, u"red  green  blue black white", false},
     {"Tab", &TextTraits::prose, u"It was\ta dark night.", false},
     {"TightComma", &TextTraits::prose, u"it was,not a dark night", false},
+    // Eight letters and the end of a sentence; seven; eight without an end; a cell between separators.
+    {"Japanese", &TextTraits::prose, u"\u6628\u65E5\u306F\u96E8\u304C\u964D\u3063\u305F\u3002",
+     true},
+    {"ShortJapanese", &TextTraits::prose, u"\u6628\u65E5\u306F\u96E8\u3060\u3063\u305F\u3002",
+     false},
+    {"JapaneseWords", &TextTraits::prose, u"\u6628\u65E5\u306F\u96E8\u304C\u964D\u3063\u305F",
+     false},
+    {"JapaneseBetweenCommas", &TextTraits::prose,
+     u"1,\u6628\u65E5\u306F\u96E8\u304C\u964D\u3063\u305F\u3002,2", false},
     {"CommaWithinANumber", &TextTraits::prose, u"There were 1,234 dogs here today", true},
 };
 
@@ -60,6 +69,9 @@ const LineCase kCodeLines[] = {
     {"Comparison", &TextTraits::code, u"a==b", true},
     {"Arrow", &TextTraits::code, u"a->b", true},
     {"Words", &TextTraits::code, u"red green blue", false},
+    {"CommandOfTex", &TextTraits::code, u"\\section{One}", true},
+    {"MissingValueFirst", &TextTraits::code, u"\\N 1 2", false},
+    {"NetworkPath", &TextTraits::code, u"\\\\host\\share", false},
     {"TupleOfAList", &TextTraits::code, u"(1,'a',2.5),", true},
     {"LastTuple", &TextTraits::code, u"(1,'a',2.5);", true},
     {"TupleAlone", &TextTraits::code, u"(1, 2)", false},
@@ -94,6 +106,9 @@ const LineCase kKeyedLines[] = {
     {"OnlyAKey", &TextTraits::keyed, u"key", false},
     {"TimeAsTheValue", &TextTraits::keyed, u"start: 10:15:30", true},
     {"FourColons", &TextTraits::keyed, u"root:x:0:0:/bin/sh", false},
+    {"KeyWithParameter", &TextTraits::keyed, u"DTSTART;TZID=Europe/Berlin:20200101T100000", true},
+    {"ParameterWithoutValue", &TextTraits::keyed, u"TEL;HOME:123", false},
+    {"SemicolonsBetweenPairs", &TextTraits::keyed, u"a;b=1;c=2", false},
     {"Address", &TextTraits::keyed, u"https://example.org/a", false},
     {"AddressAsTheValue", &TextTraits::keyed, u"home: https://example.org/a", true},
 };
@@ -138,6 +153,9 @@ const ShareCase kShareCases[] = {
 
     {"BriefWithOneLine", &TextTraits::brief, u"a\n", 1},
     {"BriefWithFour", &TextTraits::brief, u"a\nb\n\nc\nd\n", 0.25},
+    {"NestedIsNotBrief", &TextTraits::brief, u"[1]\n", 0},
+    {"Nested", &TextTraits::nested, u"\n[1,\n2]\n", 1},
+    {"NotNested", &TextTraits::nested, u"[1]\nkey=2\n", 0},
     {"BriefWithoutAny", &TextTraits::brief, u"\n", 0},
 };
 
