@@ -99,6 +99,16 @@ bool has_call(View line) {
   return false;
 }
 
+// A block at the end of the line, as in style sheets: a curly bracket directly after a name or a parenthesis, and its
+// counterpart.
+bool ends_with_block(View line) {
+  if (line.back() != u'}') return false;
+  for (std::size_t i = line.find(u'{'); i != line.npos; i = line.find(u'{', i + 1)) {
+    if (i > 0 && (is_name_unit(line[i - 1]) || line[i - 1] == u')')) return true;
+  }
+  return false;
+}
+
 constexpr View kOpeningsOfCode[] = {u"//",       u"/*",      u"* ",      u"#!",
                                     u"#include", u"#define", u"import ", u"from ",
                                     u"def ",     u"return",  u"}",       u")"};
@@ -116,17 +126,26 @@ bool is_code(View line, CharacterSet characters) {
   if (ends_statement && has(characters, set_of(u'(') | set_of(u'='))) return true;
   const auto opens = [line](View start) { return starts_with(line, start); };
   if (std::any_of(std::begin(kOpeningsOfCode), std::end(kOpeningsOfCode), opens)) return true;
-  if (is_bracketed && has_call(line)) return true;
+  if (is_bracketed && (has_call(line) || ends_with_block(line))) return true;
   const bool may_assign = has(characters, set_of(u'='));
   return (may_assign && line.find(u" = ") != line.npos) ||
          (has(characters, set_of(u'>')) && line.find(u"->") != line.npos) ||
          (may_assign && line.find(u"==") != line.npos);
 }
 
-bool is_markup(View line) {
+// A branch of a tree that is drawn with lines: U+251C or U+2514, two of U+2500, and a blank.
+bool is_branch(View line) {
+  const std::size_t at = line.find_first_not_of(u" \u00A0\u2502");
+  if (at == line.npos || line.size() < at + 4) return false;
+  return is_one_of(line[at], u"\u251C\u2514") && line.substr(at + 1, 2) == u"\u2500\u2500" &&
+         is_space(line[at + 3]);
+}
+
+bool is_markup(View line, CharacterSet characters) {
   if (line.front() == u'<') return true;
   if (is_one_of(line.front(), u"{}[]") && is_one_of(line.back(), u"{}[],;:")) return true;
   if (line.back() == u'>' && line.find(u"</") != line.npos) return true;
+  if (has(characters, kBeyondAscii) && is_branch(line)) return true;
   // "key": value
   if (line.front() != u'"') return false;
   const std::size_t close = line.find(u'"', 1);
@@ -182,7 +201,7 @@ TextTraits traits_of(const SampledLines& lines, std::size_t most) {
     ++texts;
     traits.prose += is_prose(line, characters);
     traits.code += is_code(line, characters);
-    traits.markup += is_markup(line);
+    traits.markup += is_markup(line, characters);
     traits.keyed += is_keyed(line);
   }
   if (texts == 0) return traits;

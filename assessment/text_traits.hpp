@@ -16,10 +16,10 @@ struct TextTraits {
   // Japanese, letters with the end of a sentence among them.
   double prose = 0;
 
-  // As in source code: a bracket or semicolon at the end, a call, a comment, a preprocessor line.
+  // As in source code: a bracket or semicolon at the end, a call, a block, a comment, a preprocessor line.
   double code = 0;
 
-  // As in documents with tags or brackets: tags, or quoted keys, or brackets at an end.
+  // As in documents with tags or brackets: tags, or quoted keys, or brackets at an end; or the branches of a tree.
   double markup = 0;
 
   // 1 if all of the text is nested brackets or tags, see is_nested(); else 0.

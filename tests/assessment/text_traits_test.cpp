@@ -69,6 +69,10 @@ const LineCase kCodeLines[] = {
     {"Comparison", &TextTraits::code, u"a==b", true},
     {"Arrow", &TextTraits::code, u"a->b", true},
     {"Words", &TextTraits::code, u"red green blue", false},
+    {"Block", &TextTraits::code, u"a:hover{color:red;margin:0}", true},
+    {"BlockOfAFunction", &TextTraits::code, u"var f=function(){}", true},
+    {"BracesInACell", &TextTraits::code, u"1;2;{x}", false},
+    {"BlockBeforeText", &TextTraits::code, u"x{y} 12", false},
     {"CommandOfTex", &TextTraits::code, u"\\section{One}", true},
     {"MissingValueFirst", &TextTraits::code, u"\\N 1 2", false},
     {"NetworkPath", &TextTraits::code, u"\\\\host\\share", false},
@@ -90,6 +94,11 @@ const LineCase kMarkupLines[] = {
     {"QuotedText", &TextTraits::markup, u"\"text\", 1", false},
     {"OpenQuote", &TextTraits::markup, u"\"text", false},
     {"Words", &TextTraits::markup, u"red", false},
+    {"BranchOfATree", &TextTraits::markup, u"\u2502   \u251C\u2500\u2500 a.txt", true},
+    {"LastBranch", &TextTraits::markup, u"\u2514\u2500\u2500\u00A0a", true},
+    {"BranchWithoutAName", &TextTraits::markup, u"\u251C\u2500\u2500", false},
+    {"RuleOfAFrame", &TextTraits::markup, u"\u251C\u2500\u2500\u2500\u253C a", false},
+    {"CellInAFrame", &TextTraits::markup, u"\u2502 a \u2502 b \u2502", false},
 };
 
 const LineCase kKeyedLines[] = {
