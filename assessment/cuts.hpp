@@ -18,8 +18,9 @@ namespace textio::assessment {
 Records cut_delimited(const SampledLines& lines, const Reading& reading,
                       std::size_t most_unclosed = 8, Records used = Records({}));
 
-// Frames: rules are left out, and so are bars at the ends of lines.
-Records cut_framed(const SampledLines& lines);
+// Frames: rules are left out, and so are bars at the ends of lines. A bar after `escape` belongs to its cell; 0: all
+// bars separate.
+Records cut_framed(const SampledLines& lines, char16_t escape = 0);
 
 // Runs of at least `least_blanks` blanks, or a tab, separate cells. A time belongs to the date before it. The
 // last of `most_cells` cells takes the rest of its line; 0: no limit.

@@ -20,6 +20,7 @@ bool may_be_quoted(const Reading& reading) {
 }
 
 void obey(const Given& given, Reading& reading) {
+  if (reading.form == Form::framed && given.escape) reading.escape = *given.escape;
   if (!may_be_quoted(reading)) return;
   if (given.quote) reading.quote = *given.quote;
   if (given.escape) reading.escape = *given.escape;

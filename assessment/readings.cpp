@@ -217,7 +217,7 @@ class Finder {
     for (const char16_t unit : unusual_signs()) try_sign(unit);
     for (const std::u16string_view mark : kMarks) try_mark(mark);
     for (const std::u16string_view mark : kPaddedSigns) try_mark(mark);
-    if (has_frame()) add({Form::framed, std::u16string(1, most_frequent_bar())});
+    if (has_frame()) add_framed();
     add_aligned();
     add_by_names();
     add_rest_of_line();
@@ -315,6 +315,12 @@ class Finder {
     return most;
   }
 
+  void add_framed() {
+    const char16_t bar = most_frequent_bar();
+    if (escaped_.find(bar) != escaped_.npos) add({Form::framed, std::u16string(1, bar), 0, u'\\'});
+    add({Form::framed, std::u16string(1, bar)});
+  }
+
   // Bars in most lines that are no rules, and rules or bars at both ends of lines.
   bool has_frame() const {
     if ((lines_.characters() & (set_of(u'|') | kBeyondAscii)) == 0) return false;
@@ -401,7 +407,7 @@ Records cut(const SampledLines& lines, const Reading& reading) {
     case Form::none:
       return cut_delimited(lines, reading);
     case Form::framed:
-      return cut_framed(lines);
+      return cut_framed(lines, reading.escape);
     case Form::runs:
       return cut_runs(lines, reading.least_blanks, reading.most_cells);
     case Form::gaps:

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include <vltextstream/assessment/cuts.hpp>
 #include <vltextstream/assessment/sampled_lines.hpp>
 #include <vltextstream/assessment/unit_scan.hpp>
 #include <vltextstream/text/utf8.hpp>
@@ -207,6 +208,10 @@ class RowMaker {
     return finish_copy(copy, out, true);
   }
 
+  bool may_escape(char16_t unit) const {
+    return !shape_.escapes_bars_alone || assessment::is_bar(unit);
+  }
+
   CellText unescaped(const Cell& cell) {
     const std::u16string_view text = block_.text.view();
     if (marks_.next(cell.begin, cell.end) == cell.end) {
@@ -215,7 +220,7 @@ class RowMaker {
     char16_t* const copy = room_for_copy(cell);
     char16_t* out = copy;
     for (std::size_t i = cell.begin; i < cell.end; ++i) {
-      if (text[i] == shape_.escape && i + 1 < cell.end) ++i;
+      if (text[i] == shape_.escape && i + 1 < cell.end && may_escape(text[i + 1])) ++i;
       *out++ = text[i];
     }
     return finish_copy(copy, out, false);

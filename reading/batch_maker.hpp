@@ -33,6 +33,9 @@ struct RecordShape {
   standalone::LayoutMode mode = standalone::LayoutMode::delimited;
   char16_t quote = 0;
   char16_t escape = 0;
+
+  // Whether an escape before anything but a bar is a character of the cell.
+  bool escapes_bars_alone = false;
   bool blanks_after_delimiters = false;
   std::vector<std::size_t> widths;
 };

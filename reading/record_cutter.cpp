@@ -43,7 +43,7 @@ class JudgedCutter final : public RecordCutter {
   Records cut(const SampledLines& lines, Records used) override {
     switch (reading_.form) {
       case Form::framed:
-        return assessment::cut_framed(lines);
+        return assessment::cut_framed(lines, reading_.escape);
       case Form::runs:
         return assessment::cut_runs(lines, reading_.least_blanks, reading_.most_cells);
       default:
@@ -102,7 +102,9 @@ Reading reading_of(const Layout& layout, std::u16string_view head, const LineEnd
             layout.rest_in_last ? layout.num_variables : 0};
   }
   if (layout.mode == LayoutMode::delimited) {
-    if (layout.is_framed) return {Form::framed, layout.delimiters.at(0)};
+    if (layout.is_framed) {
+      return {Form::framed, layout.delimiters.at(0), 0, layout.escape.value_or(0)};
+    }
     return delimited_reading(layout, head, endings);
   }
   Reading reading{Form::one, u"", layout.quote.value_or(0), layout.escape.value_or(0)};

@@ -37,7 +37,11 @@ bool omits_columns(const parser::options& rules) {
 }
 
 RecordShape shape_of(const Layout& layout, const RecordCutter& cutter) {
-  return {layout.mode, cutter.quote(), cutter.escape(), layout.dialect.blanks_after_delimiters,
+  return {layout.mode,
+          cutter.quote(),
+          cutter.escape(),
+          layout.is_framed,
+          layout.dialect.blanks_after_delimiters,
           layout.widths};
 }
 

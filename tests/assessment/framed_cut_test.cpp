@@ -50,6 +50,23 @@ TEST_P(CutFramed, IntoTheseCells) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, CutFramed, testing::ValuesIn(kCutCases), ByRule());
 
+// With a backslash as the escape.
+const CutCase kEscapedCases[] = {
+    {"BarInACell", u"|a\\|b|c|\n", "0[a\\|b][c]"},
+    {"BarAtTheEnd", u"|a|b\\|\n", "0[a][b\\|]"},
+    {"BarAtTheStart", u"\\|a|b|\n", "0[\\|a][b]"},
+    {"OtherBackslashes", u"|a\\b|\\|\n", "0[a\\b][\\|]"},
+    {"OnlyABar", u"|\n", "0[]"},
+    {"LinesOfABox", u"\u2502a\\\u2502b\u2502c\u2502\n", "0[a\\\\u2502b][c]"},
+};
+
+class CutEscaped : public testing::TestWithParam<CutCase> {};
+TEST_P(CutEscaped, IntoTheseCells) {
+  const Sample sample(GetParam().text);
+  EXPECT_EQ(shown(cut_framed(sample.lines(), u'\\')), GetParam().records);
+}
+INSTANTIATE_TEST_SUITE_P(Table, CutEscaped, testing::ValuesIn(kEscapedCases), ByRule());
+
 // --- rules and bars --------------------------------------------------------------------------
 
 struct RuleCase {

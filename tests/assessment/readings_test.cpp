@@ -159,6 +159,9 @@ const ReadingsCase kQuoteCases[] = {
 
 const ReadingsCase kFrameCases[] = {
     {"BarsAtBothEnds", u"|a|b|\n|1|2|\n", {"delimited |", "framed |"}},
+    {"EscapedBarInAFrame",
+     u"|a\\|b|c|\n|1|2|\n",
+     {"delimited |", "delimited | \\", "delimited \\", "framed | \\", "framed |"}},
     {"BarsAndARule", u"a|b\n---\n1|2\n", {"delimited |", "framed |"}},
     {"BarsOnly", u"a|b\n1|2\n", {"delimited |"}},
     {"BarsAtBothEndsOfFewLines", u"|a|b|\n1|2\n3|4\n", {"delimited |"}},

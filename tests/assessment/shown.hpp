@@ -44,7 +44,7 @@ inline std::string shown(const assessment::Reading& reading) {
     case Form::delimited:
       return "delimited " + readable(reading.delimiter) + quotes;
     case Form::framed:
-      return "framed " + readable(reading.delimiter);
+      return "framed " + readable(reading.delimiter) + quotes;
     case Form::runs:
       return "runs " + std::to_string(reading.least_blanks) +
              (reading.most_cells > 0 ? ", " + std::to_string(reading.most_cells) + " cells" : "");

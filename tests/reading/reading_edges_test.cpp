@@ -367,5 +367,16 @@ TEST(FormerReadingBugs, AnOpenQuoteOfTheCascadeGoesOn) {
   EXPECT_EQ(rows[25], (std::vector<std::string>{"a", "b\nc"}));
 }
 
+// The backslash goes with the bar that it escapes; before anything else it is a character of the cell.
+TEST(EscapedBars, LoseTheirBackslashInAFrame) {
+  Layout layout = commas(2);
+  layout.delimiters = {u"|"};
+  layout.is_framed = true;
+  layout.escape = u'\\';
+  TableReader reader =
+      TableReader::of_bytes("| a\\|b | c\\d |\n|---|---|\n| \\| | e\\ |\n", layout, texts());
+  EXPECT_EQ(rows_of(reader), (Rows{{"a|b", "c\\d"}, {"|", "e\\"}}));
+}
+
 }  // namespace
 }  // namespace textio::reading

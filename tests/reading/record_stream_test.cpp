@@ -111,6 +111,12 @@ Layout framed() {
   return layout;
 }
 
+Layout framed_with_escapes() {
+  Layout layout = framed();
+  layout.escape = u'\\';
+  return layout;
+}
+
 Layout comments(const char16_t* prefix) {
   Layout layout = commas();
   layout.dialect.comment_prefix = prefix;
@@ -243,6 +249,11 @@ const StreamCase kStreams[] = {
      framed(),
      {"a|b", "1|2"},
      "data 1, rule 2, data 3"},
+    {"EscapedBarsInAFrame",
+     "|a\\|b|c\\d|\n|\\\\|2|\n",
+     framed_with_escapes(),
+     {"a\\|b|c\\d", "\\\\|2"},
+     "data 1-2"},
     {"OneColumn", "a b\n\nc,d\n", one_column(), {"a b", "c,d"}, "data 1, blank 2, data 3"},
     {"Aligned", "1  2\n3\t4\n", aligned(1), {"1|2", "3|4"}, "data 1-2"},
     {"BlanksInCells", "a b  2\nc d  4\n", aligned(2), {"a b|2", "c d|4"}, "data 1-2"},
