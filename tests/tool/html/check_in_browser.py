@@ -1,9 +1,10 @@
 """Shows pages of `vltext FILE... --html OUT` in a browser, without a window, and checks what a person meets there.
 
-    check_in_browser.py TOOL AXE SCREENSHOT
+    check_in_browser.py TOOL AXE SCREENSHOT FOLDER
 
-TOOL is the program, AXE the script of the accessibility checker. Each page is looked at in light and dark, on a narrow
-and on a wide screen. What is wrong is printed, and the exit status is 1. SCREENSHOT is written.
+TOOL is the program, AXE the script of the accessibility checker. Each page is looked at in light and dark, on the screen
+of a telephone, and as wide as 80 and 200 letters of a terminal. What is wrong is printed, and the exit status is 1.
+SCREENSHOT is written, and to FOLDER a picture of each look.
 scripts/check-report calls this program with all it needs.
 """
 import os
@@ -18,7 +19,8 @@ from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent.parent
-WIDTHS = (400, 1000, 1600)
+WIDTHS = (400, 720, 1800)
+MOST_SHOWN = 3000  # pixels of a page in its picture, from above
 SCHEMES = ("light", "dark")
 SECONDS = 20
 
@@ -29,6 +31,8 @@ MADE_UP = {
     "odd.csv": "id,level\n" + "".join(f"{i},{i * 3}\n" for i in range(300)) + "oops,n.v.\n301\n302,4,5\n",
     "japanese.csv": "\u65e5\u4ed8,\u6c34\u4f4d [cm],\u30e1\u30e2\n"
     + "".join(f"2024-01-{i + 1:02},{100 + i},\u826f\u597d\U0001f600\n" for i in range(25)),
+    "hebrew-emoji.csv": "\u05ea\u05d0\u05e8\u05d9\u05da;\u05e9\u05dd;\U0001f468\u200d\U0001f469\u200d\U0001f467;n\n"
+    + "".join(f"2024-03-{i + 1:02};\u05d3\u05e0\u05d4 {i};\U0001f44d\U0001f3fd;{i}\n" for i in range(25)),
     "arabic.csv": "\u0627\u0644\u062a\u0627\u0631\u064a\u062e,\u0627\u0644\u0627\u0633\u0645,n\n"
     + "".join(f"2024-02-{i + 1:02},\u0645\u062d\u0645\u062f \u0639\u0644\u064a,{i}\n" for i in range(25)),
     "wide.csv": ",".join(f"column number {i}" for i in range(400)) + "\n"
@@ -76,12 +80,18 @@ def write_page(tool: str, files: list[pathlib.Path], page: pathlib.Path) -> None
 
 # --- every page, in every look -----------------------------------------------------------------
 
-def check_look(browser: webdriver.Chrome, page: pathlib.Path, axe: str, width: int, scheme: str) -> None:
+def check_look(browser: webdriver.Chrome, page: pathlib.Path, axe: str, width: int, scheme: str,
+               pictures: pathlib.Path) -> None:
     where = f"{page.name}, {width} wide, {scheme}"
     show(browser, page, width, scheme)
     browser.execute_script("for (const each of document.querySelectorAll('details')) each.open = true;")
     page_width = browser.execute_script("return document.documentElement.scrollWidth")
     expect(page_width <= width, f"{where}: the page is {page_width} wide")
+    page_height = int(browser.execute_script("return document.documentElement.scrollHeight"))
+    browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
+                            {"width": width, "height": min(page_height, MOST_SHOWN), "deviceScaleFactor": 1,
+                             "mobile": False})
+    browser.save_screenshot(str(pictures / f"{page.stem}-{width}-{scheme}.png"))
     browser.execute_script(axe)
     found = browser.execute_async_script(
         "const done = arguments[0]; axe.run({resultTypes: ['violations']}).then((r) => done(r.violations));")
@@ -192,7 +202,9 @@ def check_hostile(browser: webdriver.Chrome, page: pathlib.Path) -> None:
 
 
 def main() -> int:
-    tool, axe_path, screenshot = (str(pathlib.Path(each).resolve()) for each in sys.argv[1:])
+    tool, axe_path, screenshot, pictures_path = (str(pathlib.Path(each).resolve()) for each in sys.argv[1:])
+    pictures = pathlib.Path(pictures_path)
+    pictures.mkdir(exist_ok=True)
     axe = pathlib.Path(axe_path).read_text(encoding="utf-8")
     os.chdir(ROOT)
     with tempfile.TemporaryDirectory() as folder_name:
@@ -218,7 +230,7 @@ def main() -> int:
             for page in pages + [several, example]:
                 for scheme in SCHEMES:
                     for width in WIDTHS:
-                        check_look(browser, page, axe, width, scheme)
+                        check_look(browser, page, axe, width, scheme, pictures)
             check_hostile(browser, pages[-1])
             check_hostile(browser, several)
             show(browser, example, 900, height=1050)
