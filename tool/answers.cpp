@@ -34,6 +34,7 @@
 #include "tool/progress_line.hpp"
 #include "tool/report.hpp"
 #include "tool/safe_text.hpp"
+#include "tool/showing/line_breaks.hpp"
 #include "tool/showing/picture.hpp"
 
 namespace textio::tool {
@@ -278,8 +279,12 @@ std::string what_next(const std::string& file, const Layout& layout, const Argum
 
 std::string text_answer(const std::string& file, const reading::FileTop& top,
                         const Arguments& arguments, std::string_view kind) {
-  std::string text = report(file, top.layout, arguments.given, kind, arguments.explains_cascade);
-  if (!arguments.picture) return text;
+  if (!arguments.picture)
+    return report(file, top.layout, arguments.given, kind, arguments.explains_cascade);
+  constexpr std::size_t kMostColumns = 20;  // the beginning of the answer is to be on the screen
+  std::string text = broken_to(
+      report(file, top.layout, arguments.given, kind, arguments.explains_cascade, kMostColumns),
+      arguments.picture->width);
   const std::optional<Picture> picture = picture_of(top);
   if (picture) text += '\n' + terminal_text(*picture, *arguments.picture);
   return text + what_next(file, top.layout, arguments);

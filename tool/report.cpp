@@ -170,15 +170,13 @@ std::vector<std::string> details_of(const Layout& layout, const standalone::Colu
   return details;
 }
 
-constexpr std::size_t kMostColumns = 60;
-
 std::string_view kind_of_column(const Layout& layout, std::size_t column) {
   return column < layout.columns.size() ? to_string(layout.columns[column].kind)
                                         : to_string(layout.classes[column]);
 }
 
-void add_columns(std::string& out, const Layout& layout) {
-  const std::size_t shown = std::min(layout.classes.size(), kMostColumns);
+void add_columns(std::string& out, const Layout& layout, std::size_t most) {
+  const std::size_t shown = std::min(layout.classes.size(), most);
   std::size_t width = 8;  // of the longest class
   for (std::size_t i = 0; i < shown; ++i) width = std::max(width, kind_of_column(layout, i).size());
   for (std::size_t i = 0; i < shown; ++i) {
@@ -523,11 +521,11 @@ void add_given(std::string& out, const std::vector<GivenOption>& given) {
   }
 }
 
-void add_table(std::string& out, const Layout& layout) {
+void add_table(std::string& out, const Layout& layout, std::size_t most_columns) {
   add_top(out, layout);
   fmt::format_to(Out(out), "  names           {}\n", names(layout));
   fmt::format_to(Out(out), "  columns         {}\n", layout.num_variables);
-  add_columns(out, layout);
+  add_columns(out, layout, most_columns);
   if (const std::string details = dialect_details(layout); !details.empty())
     fmt::format_to(Out(out), "  written         {}\n", details);
 }
@@ -557,12 +555,12 @@ void add_reasons(std::string& out, const Layout& layout, bool explains_cascade) 
 
 std::string report(const std::string& file, const Layout& layout,
                    const std::vector<GivenOption>& given, std::string_view file_kind,
-                   bool explains_cascade) {
+                   bool explains_cascade, std::size_t most_columns) {
   const bool is_table = layout.no_table.empty();
   std::string out = printable(file) + "\n";
   add_answer(out, layout, file_kind);
   add_given(out, given);
-  if (is_table) add_table(out, layout);
+  if (is_table) add_table(out, layout, most_columns);
   fmt::format_to(Out(out), "  encoding        {}\n", encoding(layout));
   fmt::format_to(Out(out), "  line ending     {}\n", ending(layout));
   if (is_table) add_lines(out, layout);

@@ -14,10 +14,10 @@ namespace textio::tool {
 
 // The layout of one file, in lines. If it has a trace, how it came about is told; with the candidates and filters of
 // the cascade if these chose it, or on request. What was given on the command line is repeated, and so is the kind of a
-// file without a table.
+// file without a table. Of a table with many columns the first are listed.
 std::string report(const std::string& file, const standalone::Layout& layout,
                    const std::vector<GivenOption>& given = {}, std::string_view file_kind = {},
-                   bool explains_cascade = false);
+                   bool explains_cascade = false, std::size_t most_columns = 60);
 
 // What the report says, part by part, for those who arrange it otherwise. All texts are printable; those without
 // anything to say are empty.

@@ -4,6 +4,8 @@
 
 #include <vltextstream/text/utf8.hpp>
 
+#include "tool/showing/places.hpp"
+
 namespace textio::tool {
 namespace {
 
@@ -36,13 +38,14 @@ void append(std::string& out, char32_t code) {
 std::string html(std::string_view text) { return html_cut(text, text.size()); }
 
 std::string html_cut(std::string_view text, std::size_t most) {
+  const std::size_t length = text.size() <= most ? text.size() : length_of_characters(text, most);
   std::string out;
-  for (std::size_t count = 0; !text.empty(); ++count) {
-    if (count == most) return out.append(kEllipsis);
-    const Utf8Character character = first_character(text);
+  for (std::size_t pos = 0; pos < length;) {
+    const Utf8Character character = first_character(text.substr(pos));
     append(out, character.code);
-    text.remove_prefix(character.length);
+    pos += character.length;
   }
+  if (length < text.size()) out.append(kEllipsis);
   return out;
 }
 

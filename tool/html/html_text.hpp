@@ -18,7 +18,7 @@ namespace textio::tool {
 
 std::string html(std::string_view text);
 
-// At most `most` characters of the text, and an ellipsis if there are more.
+// At most `most` characters of the text, and an ellipsis if there are more; never within a letter with marks or an emoji.
 std::string html_cut(std::string_view text, std::size_t most);
 
 // The lines of a program: line breaks and tabs are kept.

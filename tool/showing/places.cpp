@@ -29,6 +29,8 @@ std::size_t own_width(char32_t code) {
 
 class Places {
  public:
+  explicit Places(bool joins_emoji) : joins_emoji_(joins_emoji) {}
+
   // How many places the character adds to those before it.
   std::size_t add(char32_t code) {
     if (code < 0x80) {
@@ -53,7 +55,7 @@ class Places {
     }
     const bool is_joined =
         (is_after_joiner_ || has(code, UCHAR_EMOJI_MODIFIER)) && is_pictograph(last_);
-    if (is_joined && is_pictograph(code)) width = 0;
+    if (joins_emoji_ && is_joined && is_pictograph(code)) width = 0;
     if (width == 0) {
       is_after_joiner_ = code == kJoiner;
       ++num_marks_;
@@ -78,6 +80,7 @@ class Places {
     num_marks_ = 0;
   }
 
+  const bool joins_emoji_;
   char32_t last_ = 0;  // that took places
   std::size_t width_ = 0;
   std::size_t flag_letters_ = 0;
@@ -85,10 +88,53 @@ class Places {
   bool is_after_joiner_ = false;
 };
 
-}  // namespace
+// What a reader takes for one letter or emoji, by the rules of Unicode (UAX #29).
+class Clusters {
+ public:
+  // Whether the next character begins one.
+  bool begins(char32_t code) {
+    const int kind = code < 0x80 ? static_cast<int>(U_GCB_OTHER)
+                                 : u_getIntPropertyValue(static_cast<UChar32>(code),
+                                                         UCHAR_GRAPHEME_CLUSTER_BREAK);
+    const bool is_pictograph = code >= 0x80 && has(code, UCHAR_EXTENDED_PICTOGRAPHIC);
+    const bool is_joined = has_before_ && joins(kind, is_pictograph);
+    num_flag_letters_ = kind == U_GCB_REGIONAL_INDICATOR ? num_flag_letters_ + 1 : 0;
+    if (!(kind == U_GCB_EXTEND || kind == U_GCB_ZWJ)) is_after_pictograph_ = is_pictograph;
+    before_ = kind;
+    has_before_ = true;
+    return !is_joined;
+  }
 
-std::size_t display_width(std::string_view text) {
-  Places places;
+ private:
+  bool joins(int kind, bool is_pictograph) const {
+    if (kind == U_GCB_EXTEND || kind == U_GCB_ZWJ || kind == U_GCB_SPACING_MARK) return true;
+    switch (before_) {
+      case U_GCB_PREPEND:
+        return true;
+      case U_GCB_L:
+        return kind == U_GCB_L || kind == U_GCB_V || kind == U_GCB_LV || kind == U_GCB_LVT;
+      case U_GCB_LV:
+      case U_GCB_V:
+        return kind == U_GCB_V || kind == U_GCB_T;
+      case U_GCB_LVT:
+      case U_GCB_T:
+        return kind == U_GCB_T;
+      case U_GCB_ZWJ:
+        return is_after_pictograph_ && is_pictograph;
+      case U_GCB_REGIONAL_INDICATOR:
+        return kind == U_GCB_REGIONAL_INDICATOR && num_flag_letters_ % 2 == 1;
+      default:
+        return false;
+    }
+  }
+
+  bool has_before_ = false;
+  int before_ = U_GCB_OTHER;
+  bool is_after_pictograph_ = false;  // with nothing but marks and joiners between
+  std::size_t num_flag_letters_ = 0;  // one after the other
+};
+
+std::size_t width_of(std::string_view text, Places places) {
   std::size_t width = 0;
   while (!text.empty()) {
     const Utf8Character c = first_character(text);
@@ -98,14 +144,37 @@ std::size_t display_width(std::string_view text) {
   return width;
 }
 
+}  // namespace
+
+std::size_t display_width(std::string_view text) { return width_of(text, Places(true)); }
+
+std::size_t most_width(std::string_view text) { return width_of(text, Places(false)); }
+
 std::size_t length_within(std::string_view text, std::size_t most) {
-  Places places;
+  Places places(false);
+  Clusters clusters;
+  std::size_t whole = 0;  // bytes
   std::size_t length = 0;
   std::size_t width = 0;
   while (length < text.size()) {
     const Utf8Character c = first_character(text.substr(length));
+    if (clusters.begins(c.code)) whole = length;
     width += places.add(c.code);
-    if (width > most || places.num_marks() > kMostMarks) break;
+    if (width > most) return whole;
+    if (places.num_marks() > kMostMarks) return length;
+    length += c.length;
+  }
+  return length;
+}
+
+std::size_t length_of_characters(std::string_view text, std::size_t most) {
+  Clusters clusters;
+  std::size_t whole = 0;  // bytes
+  std::size_t length = 0;
+  for (std::size_t count = 0; length < text.size(); ++count) {
+    const Utf8Character c = first_character(text.substr(length));
+    if (clusters.begins(c.code)) whole = length;
+    if (count == most) return whole;
     length += c.length;
   }
   return length;

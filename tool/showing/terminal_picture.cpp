@@ -43,7 +43,7 @@ void add(std::vector<Piece>& pieces, SpanRole role, std::size_t column, std::str
   const std::size_t length = length_within(text, text.size() * 2);
   std::string shown(text.substr(0, length));
   if (length < text.size()) shown += kEllipsis;
-  pieces.push_back({role, column, shown, display_width(shown)});
+  pieces.push_back({role, column, shown, most_width(shown)});
 }
 
 bool is_cell(SpanRole role) {
@@ -96,7 +96,7 @@ void shorten(Piece& piece, std::size_t width) {
   if (piece.width <= width && length_within(piece.text, width) == piece.text.size()) return;
   piece.text.resize(length_within(piece.text, width - 1));
   piece.text += kEllipsis;
-  piece.width = display_width(piece.text);
+  piece.width = most_width(piece.text);
 }
 
 // The most places for a cell with which all of them take no more than `room`; 0 if that is too few.
@@ -136,7 +136,7 @@ bool cut_at_end(std::vector<Piece>& pieces, std::size_t width) {
   Piece& last = pieces[i];
   last.text.resize(length_within(last.text, width - 1 - used));
   last.text += kEllipsis;
-  last.width = display_width(last.text);
+  last.width = most_width(last.text);
   pieces.resize(i + 1);
   return true;
 }
@@ -144,27 +144,36 @@ bool cut_at_end(std::vector<Piece>& pieces, std::size_t width) {
 // ---------------------------------------------------------------------------------------------
 // Colours
 
+// Themes of terminals change the first 16 colours, and some of those cannot be read on white or on black. These are of
+// the other 240 and of middle brightness, so that they can be read on both.
+constexpr std::string_view kNames[] = {"\x1B[1;38;5;30m", "\x1B[1;38;5;133m"};  // teal and purple
+constexpr std::string_view kUnits[] = {"\x1B[3;38;5;30m", "\x1B[3;38;5;133m"};
+constexpr std::string_view kCells[] = {"\x1B[38;5;30m", "\x1B[38;5;133m"};
+constexpr std::string_view kDelimiters = "\x1B[1;38;5;161m";  // red
+constexpr std::string_view kComments = "\x1B[38;5;28m";       // green
+constexpr std::string_view kFaint = "\x1B[38;5;243m";         // grey
+
 std::string_view color_of(const Piece& piece, RowRole row) {
-  const bool is_odd = piece.column != kNoColumn && piece.column % 2 == 1;
+  const std::size_t shade = piece.column == kNoColumn ? 0 : piece.column % 2;
   switch (piece.role) {
     case SpanRole::name:
-      return is_odd ? "\x1B[1;35m" : "\x1B[1;36m";
+      return kNames[shade];
     case SpanRole::unit:
-      return is_odd ? "\x1B[3;35m" : "\x1B[3;36m";
+      return kUnits[shade];
     case SpanRole::cell:
-      return is_odd ? "\x1B[35m" : "\x1B[36m";
+      return kCells[shade];
     case SpanRole::quote:
-      return "\x1B[2m";
+      return kFaint;
     case SpanRole::delimiter:
     case SpanRole::border:
-      return "\x1B[1;31m";
+      return kDelimiters;
     case SpanRole::padding:
       return {};
     case SpanRole::text:
       break;
   }
-  if (row == RowRole::comment) return "\x1B[32m";
-  return row == RowRole::text || row == RowRole::data ? std::string_view() : "\x1B[2m";
+  if (row == RowRole::comment) return kComments;
+  return row == RowRole::text || row == RowRole::data ? std::string_view() : kFaint;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -214,7 +223,6 @@ class TerminalWriter {
 
   // The role is written where it changes.
   void write_row(const Row& row, bool has_same_role) {
-    constexpr std::string_view kFaint = "\x1B[2m";
     const bool is_line = row.role != RowRole::hidden && row.role != RowRole::unseen;
     std::string number = row.line ? std::to_string(*row.line) : std::string();
     if (!is_line) number = kMore;
@@ -256,7 +264,7 @@ class TerminalWriter {
                     number_width_ - 1, kMore, grouped(shown_columns_),
                     grouped(picture_.num_columns)));
     cut_at_end(note, std::max(style_.width, kLeastWidth));
-    write("\x1B[2m", note.front().text);
+    write(kFaint, note.front().text);
     out_ += '\n';
   }
 

@@ -2,9 +2,9 @@
 
     check_in_browser.py TOOL AXE SCREENSHOT FOLDER
 
-TOOL is the program, AXE the script of the accessibility checker. Each page is looked at in light and dark, on the screen
-of a telephone, and as wide as 80 and 200 letters of a terminal. What is wrong is printed, and the exit status is 1.
-SCREENSHOT is written, and to FOLDER a picture of each look.
+TOOL is the program, AXE the script of the accessibility checker. Each page is looked at in light and dark, on the
+screen of a telephone, and as wide as 80 and 200 letters of a terminal. What is wrong is printed, and the exit status
+is 1. SCREENSHOT is written, and to FOLDER a picture of each look.
 scripts/check-report calls this program with all it needs.
 """
 import os
@@ -59,7 +59,8 @@ def open_browser() -> webdriver.Chrome:
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
     browser = webdriver.Chrome(options=options, service=webdriver.ChromeService("/usr/bin/chromedriver"))
     browser.set_script_timeout(60)
-    browser.execute_cdp_cmd("Browser.grantPermissions", {"permissions": ["clipboardReadWrite", "clipboardSanitizedWrite"]})
+    browser.execute_cdp_cmd("Browser.grantPermissions",
+                            {"permissions": ["clipboardReadWrite", "clipboardSanitizedWrite"]})
     return browser
 
 

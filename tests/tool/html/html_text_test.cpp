@@ -63,6 +63,7 @@ const CutCase kCuts[] = {
     {"NeverWithinAnEntity", "<<<", 2, "&lt;&lt;\xE2\x80\xA6"},
     {"NothingFits", "a", 0, "\xE2\x80\xA6"},
     {"NothingIsThere", "", 0, ""},
+    {"NeverWithinALetterWithMarks", "ab\xCC\x88", 2, "a\xE2\x80\xA6"},
 };
 
 class HtmlCut : public testing::TestWithParam<CutCase> {};

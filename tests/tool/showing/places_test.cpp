@@ -16,6 +16,7 @@ struct WidthCase {
   const char* rule;
   std::string text;
   std::size_t width;
+  std::size_t apart = width;  // where nothing is joined
 };
 std::ostream& operator<<(std::ostream& out, const WidthCase& row) { return out << row.rule; }
 
@@ -42,10 +43,10 @@ const WidthCase kWidths[] = {
     {"Emoji", "\xF0\x9F\x98\x80", 2},
     {"ZeroWidthJoiner", "a\xE2\x80\x8D", 1},
     {"JoinerBetweenLetters", "a" JOINER "b", 2},
-    {"Couple", WOMAN JOINER MAN, 2},
+    {"Couple", WOMAN JOINER MAN, 2, 4},
     {"CoupleSideBySide", WOMAN MAN, 4},
-    {"WithAColour", WOMAN BROWN, 2},
-    {"WithAColourAtALaptop", WOMAN BROWN JOINER LAPTOP, 2},
+    {"WithAColour", WOMAN BROWN, 2, 4},
+    {"WithAColourAtALaptop", WOMAN BROWN JOINER LAPTOP, 2, 6},
     {"ColourAlone", BROWN, 2},
     {"ColourAfterALetter", "a" BROWN, 3},
     {"SunAsText", SUN, 1},
@@ -60,9 +61,12 @@ const WidthCase kWidths[] = {
 
 class DisplayWidth : public testing::TestWithParam<WidthCase> {};
 TEST_P(DisplayWidth, CountsPlaces) { EXPECT_EQ(display_width(GetParam().text), GetParam().width); }
+TEST_P(DisplayWidth, IsMoreWhereEmojiAreNotJoined) {
+  EXPECT_EQ(most_width(GetParam().text), GetParam().apart);
+}
 TEST_P(DisplayWidth, IsThatOfTheWholeText) {
   const WidthCase& row = GetParam();
-  EXPECT_EQ(length_within(row.text, row.width), row.text.size());
+  EXPECT_EQ(length_within(row.text, row.apart), row.text.size());
 }
 INSTANTIATE_TEST_SUITE_P(Table, DisplayWidth, testing::ValuesIn(kWidths), ByRule());
 
@@ -83,6 +87,17 @@ const LengthCase kLengths[] = {
      "b",
      1, 3},
     {"NotHalfAFlag", "a" LETTER_D LETTER_E, 2, 1},
+    {"OneOfTwoFlags", LETTER_D LETTER_E LETTER_E LETTER_D, 3, 8},
+    {"NotHalfACouple", "a" WOMAN JOINER MAN, 4, 1},
+    {"CoupleSideBySide", "a" WOMAN JOINER MAN "b", 5, 12},
+    {"NotWithoutItsColour", "a" WOMAN BROWN, 4, 1},
+    {"ColourBelongsToTheLetterBeforeIt", "a" BROWN, 2, 0},
+    {"JoinersJoinNoLetters", "a" JOINER "b", 1, 4},
+    {"NotHalfAKey", "a1" AS_EMOJI "\xE2\x83\xA3", 2, 1},
+    {"NotHalfASyllable", "a\xE1\x84\x92\xE1\x85\xA1\xE1\x86\xAB", 2, 1},
+    {"SyllableWithAnEnd", "\xED\x95\x98\xE1\x86\xAB\xED\x95\x9C", 3, 6},
+    {"SyllablesOfTheirOwn", "\xED\x95\x9C\xED\x95\x9C", 3, 3},
+    {"VowelSignTakesAPlace", "a\xE0\xA4\xA8\xE0\xA4\xBE", 2, 1},
     {"EightMarks",
      "a\xCC\x88\xCC\x88\xCC\x88\xCC\x88\xCC\x88\xCC\x88\xCC\x88\xCC\x88"
      "b",
@@ -97,6 +112,25 @@ TEST_P(LengthWithin, EndsWhereTheNextLetterDoesNotFit) {
   EXPECT_EQ(length_within(row.text, row.most), row.length);
 }
 INSTANTIATE_TEST_SUITE_P(Table, LengthWithin, testing::ValuesIn(kLengths), ByRule());
+
+const LengthCase kCharacters[] = {
+    {"Fewer", "ab", 3, 2},
+    {"AsMany", "abc", 3, 3},
+    {"OneMore", "abcd", 3, 3},
+    {"None", "abc", 0, 0},
+    {"Han", "\xE6\xBC\xA2\xE5\xAD\x97", 1, 3},
+    {"WithMarks", "ab\xCC\x88", 2, 1},
+    {"Couple", "a" WOMAN JOINER MAN, 3, 1},
+    {"WholeCouple", WOMAN JOINER MAN "a", 3, 11},
+    {"TwoFlags", LETTER_D LETTER_E LETTER_E LETTER_D, 3, 8},
+};
+
+class LengthOfCharacters : public testing::TestWithParam<LengthCase> {};
+TEST_P(LengthOfCharacters, EndsBetweenLetters) {
+  const LengthCase& row = GetParam();
+  EXPECT_EQ(length_of_characters(row.text, row.most), row.length);
+}
+INSTANTIATE_TEST_SUITE_P(Table, LengthOfCharacters, testing::ValuesIn(kCharacters), ByRule());
 
 TEST(HasRightToLeft, FindsLetters) {
   EXPECT_TRUE(has_right_to_left("a \xD7\xA9"));                  // Hebrew

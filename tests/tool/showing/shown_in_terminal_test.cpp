@@ -58,7 +58,8 @@ TEST_F(ShownInTerminal, ThePictureFollowsTheAnswer) {
 }
 
 TEST_F(ShownInTerminal, InColours) {
-  EXPECT_THAT(vltext({file_}), HasSubstr("\x1B[36m1\x1B[0m\x1B[1;31m,\x1B[0m\x1B[35ma\x1B[0m\n"));
+  EXPECT_THAT(vltext({file_}),
+              HasSubstr("\x1B[38;5;30m1\x1B[0m\x1B[1;38;5;161m,\x1B[0m\x1B[38;5;133ma\x1B[0m\n"));
 }
 
 TEST_F(ShownInTerminal, WithoutColoursIfItIsAskedForOrHasNone) {
@@ -82,6 +83,29 @@ TEST_F(ShownInTerminal, AsWideAsTheTerminal) {
   EXPECT_EQ(longest({"TERM=dumb"}, 200), 202U);
   EXPECT_EQ(longest({"TERM=dumb", "COLUMNS=40"}, 200), 42U);
   EXPECT_EQ(longest({"TERM=dumb"}, 0), 82U);
+}
+
+TEST_F(ShownInTerminal, SentencesAreBrokenBetweenWords) {
+  const std::string file =
+      folder_.file("note", "Dear Lena,\nthanks for your letter.\nSee you soon\n");
+  EXPECT_THAT(in_pipe({file}), HasSubstr("  layout          one column, each line a cell\n"));
+  EXPECT_THAT(vltext({"--color", "never", file}, {}, 40),
+              HasSubstr("  layout          one column, each line\n"
+                        "                  a cell\n"));
+}
+
+// So that the answer itself is on the screen.
+TEST_F(ShownInTerminal, FewerColumnsAreListed) {
+  std::string names = "c1";
+  std::string row = "1";
+  for (int i = 2; i <= 30; ++i) {
+    names += ",c" + std::to_string(i);
+    row += ",1";
+  }
+  const std::string file = folder_.file("wide.csv", names + '\n' + row + '\n' + row + '\n');
+  EXPECT_THAT(in_pipe({file}), HasSubstr("\n              30  integer   c30\n"));
+  EXPECT_THAT(vltext({"--color", "never", file}), HasSubstr("\n              20  integer   c20\n"
+                                                            "             ...  10 more columns\n"));
 }
 
 TEST_F(ShownInTerminal, NotIfSomethingElseIsAskedFor) {
@@ -112,7 +136,7 @@ TEST_F(ShownInTerminal, NothingOfItInAPipeUnlessAskedFor) {
   EXPECT_EQ(in_pipe({"--no-picture", file_}), answer);
   EXPECT_EQ(in_pipe({"--color", "never", file_}), answer);
   EXPECT_THAT(in_pipe({"--picture", file_}), HasSubstr("\n\n" + kPicture));
-  EXPECT_THAT(in_pipe({"--color", "always", file_}), HasSubstr("\x1B[36m1\x1B[0m"));
+  EXPECT_THAT(in_pipe({"--color", "always", file_}), HasSubstr("\x1B[38;5;30m1\x1B[0m"));
   EXPECT_THAT(in_pipe({"--picture", file_, file_}), HasSubstr(kPicture));
 }
 

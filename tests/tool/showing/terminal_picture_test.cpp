@@ -1,6 +1,10 @@
 #include "tool/showing/terminal_picture.hpp"
 
+#include <algorithm>
+#include <cmath>
 #include <ostream>
+#include <regex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,6 +35,18 @@ Row row(RowRole role, std::uint64_t line, std::vector<Span> spans) {
   return {role, line, false, std::move(spans)};
 }
 Row hidden(std::uint64_t count) { return {RowRole::hidden, std::nullopt, false, {}, count}; }
+
+#define PLAIN "\x1B[0m"
+#define GREY "\x1B[38;5;243m"
+#define TEAL "\x1B[38;5;30m"
+#define BOLD_TEAL "\x1B[1;38;5;30m"
+#define ITALIC_TEAL "\x1B[3;38;5;30m"
+#define PURPLE "\x1B[38;5;133m"
+#define BOLD_PURPLE "\x1B[1;38;5;133m"
+#define ITALIC_PURPLE "\x1B[3;38;5;133m"
+#define RED "\x1B[1;38;5;161m"
+#define GREEN "\x1B[38;5;28m"
+#define FAMILY "\xF0\x9F\x91\xA8\xE2\x80\x8D\xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x91\xA7"
 
 struct TextCase {
   const char* rule;
@@ -137,12 +153,33 @@ const TextCase kTexts[] = {
     {"ColoursAlternate",
      {{row(RowRole::data, 1, {cell(0, "1"), comma(), cell(1, "2"), comma(), cell(2, "3")})}, 3},
      {80, true},
-     "\x1B[2m 1  data  \x1B[0m\x1B[36m1\x1B[0m\x1B[1;31m,\x1B[0m\x1B[35m2\x1B[0m\x1B[1;31m,"
-     "\x1B[0m\x1B[36m3\x1B[0m\n"},
+     GREY " 1  data  " PLAIN TEAL "1" PLAIN RED "," PLAIN PURPLE "2" PLAIN RED "," PLAIN TEAL
+          "3" PLAIN "\n"},
     {"BlanksSufficeBetweenColours",
      {{row(RowRole::data, 1, {cell(0, "1"), blanks(2), border(), cell(1, "2")})}, 2, true},
      {80, true},
-     "\x1B[2m 1  data  \x1B[0m\x1B[36m1\x1B[0m  \x1B[35m2\x1B[0m\n"},
+     GREY " 1  data  " PLAIN TEAL "1" PLAIN "  " PURPLE "2" PLAIN "\n"},
+    {"RolesHaveColours",
+     {{row(RowRole::comment, 1, {text("% x")}), row(RowRole::above, 2, {text("y")}),
+       row(RowRole::names, 3, {name(0, "a"), {SpanRole::quote, 1, "'"}, name(1, "b")}),
+       row(RowRole::units, 4, {{SpanRole::unit, 0, "m"}, {SpanRole::unit, 1, "s"}}),
+       row(RowRole::text, 5, {text("z")})},
+      2},
+     {80, true},
+     GREY " 1  comment  " PLAIN GREEN "% x" PLAIN "\n" GREY " 2  above    " PLAIN GREY "y" PLAIN
+          "\n" GREY " 3  names    " PLAIN BOLD_TEAL "a" PLAIN GREY "'" PLAIN BOLD_PURPLE "b" PLAIN
+          "\n" GREY " 4  units    " PLAIN ITALIC_TEAL "m" PLAIN ITALIC_PURPLE "s" PLAIN "\n" GREY
+          " 5           " PLAIN "z\n"},
+    {"MarksAndJoinedEmojiAreNotCutApart",
+     {{row(RowRole::data, 1, {text("abcde" FAMILY)}),
+       row(RowRole::data, 2, {text("abcdefgh" FAMILY)})}},
+     {20},
+     " 1  data  abcde\xE2\x80\xA6\n"
+     " 2        abcdefgh\xE2\x80\xA6\n"},
+    {"JoinedEmojiHaveThePlacesThatTheyTakeSideBySide",
+     {{row(RowRole::data, 1, {text("abcd" FAMILY)})}},
+     {20},
+     " 1  data  abcd" FAMILY "\n"},
 };
 
 class TerminalText : public testing::TestWithParam<TextCase> {};
@@ -163,8 +200,8 @@ TEST(TerminalText, BoundsMarksOnALetter) {
 }
 
 std::string random_text() {
-  const auto piece =
-      rc::gen::element<std::string>("a", "bc", " ", kHan, kHebrew, "a\xCC\x88", "\xF0\x9F\x98\x80");
+  const auto piece = rc::gen::element<std::string>("a", "bc", " ", kHan, kHebrew, "a\xCC\x88",
+                                                   "\xF0\x9F\x98\x80", FAMILY);
   std::string out;
   for (const std::string& each : *rc::gen::container<std::vector<std::string>>(piece)) out += each;
   return out;
@@ -192,10 +229,52 @@ TEST(TerminalText, NeverExceedsTheWidth) {
     std::size_t begin = 0;
     for (std::size_t end = shown.find('\n'); end != shown.npos; end = shown.find('\n', begin)) {
       const std::string line = shown.substr(begin, end - begin);
-      RC_ASSERT(display_width(line) <= width);
+      RC_ASSERT(most_width(line) <= width);
       begin = end + 1;
     }
   }));
+}
+
+// As the recommendations for web pages define it (WCAG 2, "contrast ratio"), from 1 to 21. Large text needs 3, small
+// text 4.5; on white and on black together no colour has more than 4.58.
+double contrast(double a, double b) { return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05); }
+
+// The luminance of a colour of the 6 x 6 x 6 cube or of the greys of a terminal, 0 to 1.
+double luminance_of(unsigned color) {
+  constexpr unsigned kLevels[] = {0, 95, 135, 175, 215, 255};
+  const auto linear = [](unsigned level) {
+    const double part = level / 255.0;
+    return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  if (color >= 232) return linear(8 + 10 * (color - 232));
+  const unsigned place = color - 16;
+  return 0.2126 * linear(kLevels[place / 36]) + 0.7152 * linear(kLevels[place / 6 % 6]) +
+         0.0722 * linear(kLevels[place % 6]);
+}
+
+TEST(TerminalText, ColoursCanBeReadOnWhiteAndOnBlack) {
+  Picture picture;
+  for (const RowRole role : {RowRole::above, RowRole::comment, RowRole::data})
+    picture.rows.push_back(row(role, 1, {text("x")}));
+  for (const SpanRole role : {SpanRole::cell, SpanRole::name, SpanRole::unit, SpanRole::quote,
+                              SpanRole::delimiter, SpanRole::border}) {
+    picture.rows.push_back(row(RowRole::data, 1, {{role, 0, "x"}, {role, 1, "y"}}));
+  }
+  const std::string shown = terminal_text(picture, {80, true});
+  const std::regex color("\x1B\\[([0-9;]*)m");
+  std::set<unsigned> seen;
+  for (std::sregex_iterator each(shown.begin(), shown.end(), color), end; each != end; ++each) {
+    const std::string found = (*each)[1].str();
+    if (found == "0") continue;
+    const std::size_t at = found.find("38;5;");
+    ASSERT_NE(at, found.npos) << found;
+    const auto number = static_cast<unsigned>(std::stoul(found.substr(at + 5)));
+    ASSERT_GE(number, 16U);
+    seen.insert(number);
+    EXPECT_GE(contrast(luminance_of(number), 1.0), 4.0) << number;
+    EXPECT_GE(contrast(luminance_of(number), 0.0), 4.0) << number;
+  }
+  EXPECT_EQ(seen.size(), 5U);  // grey, green, red, and two for columns
 }
 
 }  // namespace
