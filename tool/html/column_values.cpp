@@ -1,4 +1,5 @@
-// Whole numbers in a small range have a bar each. Otherwise there are as many bars as fit, of the same width.
+// Whole numbers in a small range have a bar each, and in a larger one each bar has as many of them: bars for 1 and for 2
+// in turn would look like a pattern of the data. Otherwise there are as many bars as fit, of the same width.
 #include "tool/html/column_values.hpp"
 
 #include <algorithm>
@@ -37,6 +38,9 @@ std::optional<double> number_at(const Column& column, std::size_t row) {
   return std::nullopt;
 }
 
+// A range in which the bars of whole numbers differ; in a larger one the steps are too fine to matter.
+constexpr double kLargestWhole = 1e6;
+
 bool counts_whole_steps(ColumnType type) {
   return type == ColumnType::integer || type == ColumnType::date;
 }
@@ -52,19 +56,24 @@ struct PlacedRow {
   std::size_t row = 0;
 };
 
+// How many numbers have a bar of whole numbers.
+double whole_step(double least, double most) {
+  return std::floor((most - least) / static_cast<double>(kMostBars)) + 1;
+}
+
 std::vector<std::size_t> bars_of(const std::vector<PlacedRow>& ascending, ColumnType type) {
   const double least = ascending.front().number;
   const double most = ascending.back().number;
-  const bool has_bar_for_each =
-      counts_whole_steps(type) && most - least < static_cast<double>(kMostBars);
+  const bool is_whole = counts_whole_steps(type) && most - least < kLargestWhole;
+  const double step = whole_step(least, most);
   const std::size_t num_bars =
-      has_bar_for_each ? static_cast<std::size_t>(most - least) + 1 : kMostBars;
+      is_whole ? static_cast<std::size_t>((most - least) / step) + 1 : kMostBars;
   std::vector<std::size_t> bars(num_bars, 0);
   for (const PlacedRow& each : ascending) {
     // Halves, since the distance of two large numbers may be more than a double can hold.
     const double share = (each.number / 2 - least / 2) / (most / 2 - least / 2);
     const double place =
-        has_bar_for_each ? each.number - least : share * static_cast<double>(num_bars);
+        is_whole ? (each.number - least) / step : share * static_cast<double>(num_bars);
     ++bars[std::min(static_cast<std::size_t>(place), num_bars - 1)];
   }
   return bars;
