@@ -47,6 +47,8 @@ std::string column_words(const CatalogColumn& column, std::size_t place) {
   return fmt::format("{} ({}{})", name, family_of(column.kind), unit);
 }
 
+}  // namespace
+
 // What a reader would not expect is said, and what separates the fields.
 std::string layout_words(const CatalogRow& row) {
   Words words = {printable(separator_words(row)), printable(row.encoding)};
@@ -58,13 +60,43 @@ std::string layout_words(const CatalogRow& row) {
   return fmt::format("{}", fmt::join(words, ", "));
 }
 
+std::string columns_words(const CatalogRow& row, std::size_t most) {
+  Words columns;
+  for (std::size_t i = 0; i < row.columns.size(); ++i)
+    columns.push_back(column_words(row.columns[i], i));
+  return first_of(columns, most);
+}
+
+std::size_t num_large_groups(const Grouping& found) {
+  const auto is_single = [](const FileGroup& group) { return group.files.size() == 1; };
+  const auto end = std::find_if(found.groups.begin(), found.groups.end(), is_single);
+  return static_cast<std::size_t>(end - found.groups.begin());
+}
+
+std::string summary_words(const Grouping& found) {
+  const std::size_t num_groups = num_large_groups(found);
+  std::size_t num_odd = 0;
+  for (const FileGroup& group : found.groups) num_odd += group.odd.size();
+  Words parts = {counted(num_groups, "group")};
+  const std::size_t num_singles = found.groups.size() - num_groups;
+  if (num_singles > 0) parts.push_back(grouped(num_singles) + " unlike all others");
+  if (num_odd > 0) parts.push_back(counted(num_odd, "odd one"));
+  if (!found.doubtful.empty()) parts.push_back(grouped(found.doubtful.size()) + " doubtful");
+  if (!found.no_tables.empty())
+    parts.push_back(grouped(found.no_tables.size()) + " without a table");
+  if (!found.failures.empty()) parts.push_back(grouped(found.failures.size()) + " not read");
+  return fmt::format("{}: {}", counted(found.num_files, "file"), fmt::join(parts, ", "));
+}
+
+namespace {
+
 class TextReport {
  public:
   TextReport(const Grouping& found, const GroupTextSettings& settings)
-      : found_(found), settings_(settings), num_groups_(count_groups(found)) {}
+      : found_(found), settings_(settings), num_groups_(num_large_groups(found)) {}
 
   std::string text() {
-    add_summary();
+    text_ = summary_words(found_) + '\n';
     const std::size_t shown = std::min(num_groups_, most(kMostGroups));
     for (std::size_t i = 0; i < shown; ++i) add_group(i);
     if (shown < num_groups_) {
@@ -81,37 +113,14 @@ class TextReport {
   }
 
  private:
-  // Those of several files, which come first.
-  static std::size_t count_groups(const Grouping& found) {
-    const auto is_single = [](const FileGroup& group) { return group.files.size() == 1; };
-    const auto end = std::find_if(found.groups.begin(), found.groups.end(), is_single);
-    return static_cast<std::size_t>(end - found.groups.begin());
-  }
-
   std::size_t most(std::size_t usual) const { return settings_.is_complete ? kEverything : usual; }
-
-  void add_summary() {
-    std::size_t num_odd = 0;
-    for (const FileGroup& group : found_.groups) num_odd += group.odd.size();
-    Words parts = {counted(num_groups_, "group")};
-    const std::size_t num_singles = found_.groups.size() - num_groups_;
-    if (num_singles > 0) parts.push_back(grouped(num_singles) + " unlike all others");
-    if (num_odd > 0) parts.push_back(counted(num_odd, "odd one"));
-    if (!found_.doubtful.empty()) parts.push_back(grouped(found_.doubtful.size()) + " doubtful");
-    if (!found_.no_tables.empty())
-      parts.push_back(grouped(found_.no_tables.size()) + " without a table");
-    if (!found_.failures.empty()) parts.push_back(grouped(found_.failures.size()) + " not read");
-    text_ += fmt::format("{}: {}\n", counted(found_.num_files, "file"), fmt::join(parts, ", "));
-  }
 
   void add_group(std::size_t index) {
     const FileGroup& group = found_.groups[index];
     text_ += fmt::format("\nGroup {}: {}, {}\n", index + 1, counted(group.files.size(), "file"),
                          layout_words(group.example));
-    Words columns;
-    for (std::size_t i = 0; i < group.example.columns.size(); ++i)
-      columns.push_back(column_words(group.example.columns[i], i));
-    if (!columns.empty()) text_ += "  columns  " + first_of(columns, most(kMostColumns)) + '\n';
+    if (!group.example.columns.empty())
+      text_ += "  columns  " + columns_words(group.example, most(kMostColumns)) + '\n';
     Words files;
     for (const std::string& path : group.files) files.push_back(printable(path));
     text_ += "  files    " + first_of(files, most(kMostFiles)) + '\n';

@@ -17,6 +17,7 @@
 #include <vltextstream/text/utf8.hpp>
 
 #include "tool/answers.hpp"
+#include "tool/catalog/catalog_row.hpp"
 #include "tool/emit/targets.hpp"
 #include "tool/grouped.hpp"
 #include "tool/html/column_values.hpp"
@@ -356,13 +357,12 @@ std::string whole_file(const std::string& file, const std::string& anchor,
   }
 }
 
-std::string all_names(const LayoutWords& words) {
-  std::string names;
-  for (const ColumnWords& column : words.columns) {
-    if (!names.empty()) names += ", ";
-    names += column.name;
-  }
-  return names;
+// With the names as the page has them.
+CatalogRow row_for(const std::string& file, const Layout& layout, const LayoutWords& words) {
+  CatalogRow row = row_of(file, layout);
+  const std::size_t num_shown = std::min(row.columns.size(), words.columns.size());
+  for (std::size_t i = 0; i < num_shown; ++i) row.columns[i].name = words.columns[i].name;
+  return row;
 }
 
 }  // namespace
@@ -389,10 +389,7 @@ PageFile section_of(const std::string& file, std::size_t index, const Arguments&
   page.path = file;
   page.confidence = words.confidence;
   page.is_doubtful = is_table && is_doubtful(layout, arguments);
-  page.layout = is_table ? fmt::format("{}, {} column{}", words.layout,
-                                       grouped(layout.num_variables), plural(layout.num_variables))
-                         : "no table: " + layout.no_table;
-  page.names = is_table ? all_names(words) : std::string();
+  page.row = row_for(file, layout, words);
   page.section = verdict(layout, words) + confidence(words, page.is_doubtful) + reasons(words);
   if (picture) page.section += "<h3>First lines</h3>\n" + picture_html(*picture);
   if (is_table) {

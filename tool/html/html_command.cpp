@@ -51,7 +51,7 @@ Answer answer_of(std::size_t index, const Arguments& arguments, PageFile& page) 
   Answer answer;
   try {
     page = section_of(file, index, arguments);
-    answer.is_doubtful = page.is_doubtful || page.layout.starts_with("no table");
+    answer.is_doubtful = page.is_doubtful || page.row.status == RowStatus::no_table;
     return answer;
   } catch (const std::bad_alloc&) {
     answer.lacked_memory = true;
@@ -94,7 +94,7 @@ int write_page(const Arguments& arguments, const Streams& streams) {
   const bool is_all_lost = std::all_of(pages.begin(), pages.end(),
                                        [](const PageFile& page) { return !page.problem.empty(); });
   if (is_all_lost) return kFailed;
-  const std::string page = page_of(pages);
+  const std::string page = page_of(pages, static_cast<double>(arguments.least_percent) / 100.0);
   if (*arguments.html == kStandardStream) return write_out(page, "", streams) ? status : kFailed;
   try {
     write_to_file(*arguments.html, page);

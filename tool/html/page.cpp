@@ -1,15 +1,12 @@
 #include "tool/html/page.hpp"
 
-#include <algorithm>
-#include <map>
-#include <utility>
-
 #include <fmt/format.h>
 
 #include <vltextstream/version.hpp>
 
 #include "tool/grouped.hpp"
 #include "tool/html/html_text.hpp"
+#include "tool/html/overview.hpp"
 #include "tool/html/page_assets.hpp"
 
 namespace textio::tool {
@@ -28,57 +25,6 @@ std::string head(const std::string& title) {
       "<meta name=\"color-scheme\" content=\"light dark\">\n"
       "<title>{}</title>\n<style>{}</style>\n</head>\n",
       policy_source(kPageStyleDigest), policy_source(kPageScriptDigest), title, kPageStyle);
-}
-
-struct Group {
-  std::string layout;
-  std::string names;
-  std::vector<std::size_t> files;
-};
-
-// The largest first, and among those of one size the one whose first file comes first.
-std::vector<Group> grouped_by_layout(const std::vector<PageFile>& files) {
-  std::map<std::pair<std::string, std::string>, std::size_t> places;
-  std::vector<Group> groups;
-  for (std::size_t i = 0; i < files.size(); ++i) {
-    if (!files[i].problem.empty()) continue;
-    const auto [entry, is_new] =
-        places.emplace(std::pair(files[i].layout, files[i].names), groups.size());
-    if (is_new) groups.push_back({files[i].layout, files[i].names, {}});
-    groups[entry->second].files.push_back(i);
-  }
-  std::stable_sort(groups.begin(), groups.end(),
-                   [](const Group& a, const Group& b) { return a.files.size() > b.files.size(); });
-  return groups;
-}
-
-std::string link_to(const std::vector<PageFile>& files, std::size_t index) {
-  const PageFile& file = files[index];
-  std::string out = fmt::format("<li><a href=\"#{}\"><bdi>{}</bdi></a>", anchor_of(index),
-                                html_cut(file.path, kLongestPath));
-  if (!file.confidence.empty()) out += fmt::format(", {} sure", html(file.confidence));
-  if (file.is_doubtful) out += " <strong class=\"doubt\">doubtful</strong>";
-  return out + "</li>\n";
-}
-
-std::string overview(const std::vector<PageFile>& files) {
-  const std::vector<Group> groups = grouped_by_layout(files);
-  std::string out = fmt::format(
-      "<nav class=\"overview\" aria-labelledby=\"overview\">\n<h2 id=\"overview\">Files by "
-      "layout</h2>\n"
-      "<p>{} file{} of {} layout{}.</p>\n",
-      grouped(files.size()), files.size() == 1 ? "" : "s", grouped(groups.size()),
-      groups.size() == 1 ? "" : "s");
-  for (const Group& group : groups) {
-    out += fmt::format("<h3>{}</h3>\n", html(group.layout));
-    if (!group.names.empty())
-      out += fmt::format("<p class=\"note\">Columns: <bdi>{}</bdi></p>\n",
-                         html_cut(group.names, kLongestNames));
-    out += "<ul>\n";
-    for (const std::size_t index : group.files) out += link_to(files, index);
-    out += "</ul>\n";
-  }
-  return out + "</nav>\n";
 }
 
 std::string problems(const std::vector<PageFile>& files) {
@@ -105,15 +51,15 @@ std::string title_of(const std::vector<PageFile>& files) {
 
 std::string anchor_of(std::size_t index) { return fmt::format("file-{}", index + 1); }
 
-std::string page_of(const std::vector<PageFile>& files) {
+std::string page_of(const std::vector<PageFile>& files, double least_confidence) {
   const bool has_several = files.size() > 1;
   std::string out = head(title_of(files));
   out += fmt::format(
       "<body>\n<a class=\"skip\" href=\"#main\">Skip to the report</a>\n"
       "<header>\n<p class=\"tool\">vltext report</p>\n<h1>{}</h1>\n</header>\n",
-      has_several ? fmt::format("How {} tables are laid out", grouped(files.size()))
+      has_several ? fmt::format("How {} files are laid out", grouped(files.size()))
                   : std::string("How the table is laid out"));
-  if (has_several) out += overview(files);
+  if (has_several) out += overview_html(files, least_confidence);
   out += "<main id=\"main\" tabindex=\"-1\">\n" + problems(files);
   for (std::size_t i = 0; i < files.size(); ++i) {
     if (!files[i].problem.empty()) continue;

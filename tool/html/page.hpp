@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "tool/catalog/catalog_row.hpp"
+
 namespace textio::tool {
 
 struct PageFile {
@@ -20,9 +22,8 @@ struct PageFile {
   // Why nothing is known of the file; otherwise empty.
   std::string problem;
 
-  // Files with the same layout are together in the overview: "delimited by ',', 4 columns", and the names.
-  std::string layout;
-  std::string names;
+  // As in a catalogue; for the overview.
+  CatalogRow row;
 
   std::string confidence;  // "98 %"; empty if nothing was weighed
   bool is_doubtful = false;
@@ -34,6 +35,7 @@ struct PageFile {
 // The place of the file in the page: "file-1" for the first.
 std::string anchor_of(std::size_t index);
 
-std::string page_of(const std::vector<PageFile>& files);
+// Files that are less sure than this are counted as doubtful.
+std::string page_of(const std::vector<PageFile>& files, double least_confidence = 0.5);
 
 }  // namespace textio::tool

@@ -179,6 +179,9 @@ def check_keyboard(browser: webdriver.Chrome, page: pathlib.Path) -> None:
 
 def check_overview(browser: webdriver.Chrome, page: pathlib.Path, num_files: int) -> None:
     show(browser, page)
+    summary = text_of(browser, "nav p")
+    expect(summary == "10 files: 1 group, 5 unlike all others, 1 odd one, 2 without a table.",
+           f"the summary is: {summary}")
     links = browser.find_elements(By.CSS_SELECTOR, "nav a")
     expect(len(links) == num_files, f"{len(links)} links for {num_files} files")
     for link in links:
@@ -217,8 +220,11 @@ def main() -> int:
         pages = [folder / f"page{i}.html" for i in range(len(files))]
         for file, page in zip(files, pages):
             write_page(tool, [file], page)
+        more = [folder / name for name in ("second.csv", "third.csv")]
+        more[0].write_text(MADE_UP["plain.csv"], encoding="utf-8")
+        more[1].write_text(MADE_UP["plain.csv"].replace(",", ";"), encoding="utf-8")
         several = folder / "several.html"
-        write_page(tool, files, several)
+        write_page(tool, files + more, several)
         example = folder / "example.html"
         write_page(tool, [pathlib.Path("examples/preamble.csv")], example)
 
@@ -227,7 +233,7 @@ def main() -> int:
             check_texts(browser, pages[0])
             check_copying(browser, tool, files[0], pages[0])
             check_keyboard(browser, pages[0])
-            check_overview(browser, several, len(files))
+            check_overview(browser, several, len(files + more))
             for page in pages + [several, example]:
                 for scheme in SCHEMES:
                     for width in WIDTHS:

@@ -132,7 +132,7 @@ TEST(HtmlCommand, TakesTheFilesOfAFolder) {
   const TempFolder folder;
   folder.file("a.csv", kTable);
   folder.file("b.csv", kTable);
-  EXPECT_THAT(vltext({folder.path(), "--html", "-"}).out, HasSubstr("2 files of 1 layout."));
+  EXPECT_THAT(vltext({folder.path(), "--html", "-"}).out, HasSubstr("<p>2 files: 1 group.</p>"));
 }
 
 TEST(HtmlCommand, DoesNotReplaceAnInput) {
@@ -254,7 +254,7 @@ TEST(HtmlCommand, HasThreeProgramsForEachOfManyFiles) {
     arguments.push_back(folder.file("t" + std::to_string(i) + ".csv", kTable));
   arguments.insert(arguments.end(), {"--html", "-"});
   const CommandResult result = vltext(arguments);
-  EXPECT_THAT(result.out, HasSubstr("21 files of 1 layout."));
+  EXPECT_THAT(result.out, HasSubstr("<p>21 files: 1 group.</p>"));
   EXPECT_THAT(result.out, HasSubstr("id=\"file-21-pandas\""));
   EXPECT_THAT(result.out, HasSubstr("id=\"file-21-duckdb\""));
   EXPECT_THAT(result.out, HasSubstr("id=\"file-21-readr\""));

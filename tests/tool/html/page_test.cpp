@@ -14,11 +14,18 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-PageFile file(std::string path, std::string layout, std::string names = "") {
+// A table with two columns, separated by `delimiter`.
+PageFile file(std::string path, std::string delimiter = ",", std::string second_name = "y") {
   PageFile page;
   page.path = std::move(path);
-  page.layout = std::move(layout);
-  page.names = std::move(names);
+  page.row.status = RowStatus::table;
+  page.row.mode = "delimited";
+  page.row.delimiters = {std::move(delimiter)};
+  page.row.encoding = "UTF-8";
+  page.row.line_ending = "\n";
+  page.row.columns = {{"x", "integer", "cm"}, {std::move(second_name), "text", ""}};
+  page.row.layout_fingerprint = page.row.delimiters.front();
+  page.row.schema_fingerprint = page.row.columns.back().name;
   page.confidence = "98 %";
   page.section = "<p>it is</p>\n";
   return page;
@@ -39,7 +46,7 @@ TEST(PolicySource, IsTheDigestInBase64) {
 }
 
 TEST(PageOf, ForbidsAllButItsOwnStyleAndScript) {
-  const std::string page = page_of({file("a.csv", "delimited by comma, 2 columns")});
+  const std::string page = page_of({file("a.csv")});
   EXPECT_THAT(page, HasSubstr("content=\"default-src 'none'; style-src '" +
                               policy_source(kPageStyleDigest) + "'; script-src '" +
                               policy_source(kPageScriptDigest) +
@@ -56,50 +63,79 @@ TEST(PageAssets, HaveNoTags) {
 }
 
 TEST(PageOf, HasNoOverviewOfOneFile) {
-  const std::string page = page_of({file("data/a.csv", "delimited by comma, 2 columns")});
+  const std::string page = page_of({file("data/a.csv")});
   EXPECT_THAT(page, HasSubstr("<title>a.csv - vltext report</title>"));
   EXPECT_THAT(page, HasSubstr("<h2 id=\"file-1-name\"><bdi>data/a.csv</bdi></h2>\n<p>it is</p>"));
   EXPECT_THAT(page, Not(HasSubstr("<nav")));
 }
 
-TEST(PageOf, GroupsFilesByLayoutTheMostFilesFirst) {
-  std::vector<PageFile> files = {file("odd.csv", "delimited by semicolon, 2 columns", "x, y"),
-                                 file("a.csv", "delimited by comma, 2 columns", "x, y"),
-                                 file("other.csv", "delimited by comma, 2 columns", "x, z"),
-                                 file("b.csv", "delimited by comma, 2 columns", "x, y")};
+// As `vltext groups` says it.
+TEST(PageOf, GroupsFilesAndSaysHowTheOddOnesDiffer) {
+  std::vector<PageFile> files = {file("odd.csv", ";"),        file("a.csv"),
+                                 file("other.csv", ",", "z"), file("b.csv"),
+                                 file("alone.csv", "|"),      file("letter.txt")};
   files[3].is_doubtful = true;
-  EXPECT_THAT(page_of(files),
-              HasSubstr("<p>4 files of 3 layouts.</p>\n"
-                        "<h3>delimited by comma, 2 columns</h3>\n"
-                        "<p class=\"note\">Columns: <bdi>x, y</bdi></p>\n<ul>\n"
-                        "<li><a href=\"#file-2\"><bdi>a.csv</bdi></a>, 98 % sure</li>\n"
-                        "<li><a href=\"#file-4\"><bdi>b.csv</bdi></a>, 98 % sure "
-                        "<strong class=\"doubt\">doubtful</strong></li>\n</ul>\n"
-                        "<h3>delimited by semicolon, 2 columns</h3>\n"
-                        "<p class=\"note\">Columns: <bdi>x, y</bdi></p>\n<ul>\n"
-                        "<li><a href=\"#file-1\"><bdi>odd.csv</bdi></a>, 98 % sure</li>\n</ul>\n"
-                        "<h3>delimited by comma, 2 columns</h3>\n"
-                        "<p class=\"note\">Columns: <bdi>x, z</bdi></p>\n"));
+  files[4].row.columns = {{"q", "text", ""}, {"r", "text", ""}, {"s", "text", ""}};
+  files[4].row.schema_fingerprint = "qrs";
+  files[5].row.status = RowStatus::no_table;
+  files[5].row.no_table = "running text";
+  EXPECT_THAT(
+      page_of(files),
+      HasSubstr("<p>6 files: 1 group, 1 unlike all others, 2 odd ones, 1 without a table.</p>\n"
+                "<h3>comma, UTF-8, 2 columns</h3>\n"
+                "<p class=\"note\">Columns: <bdi>x (number, cm), y (text)</bdi></p>\n<ul>\n"
+                "<li><a href=\"#file-2\"><bdi>a.csv</bdi></a>, 98 % sure</li>\n"
+                "<li><a href=\"#file-4\"><bdi>b.csv</bdi></a>, 98 % sure "
+                "<strong class=\"doubt\">doubtful</strong></li>\n</ul>\n"
+                "<p>Odd beside these:</p>\n<ul>\n"
+                "<li><a href=\"#file-1\"><bdi>odd.csv</bdi></a>: <bdi>semicolon</bdi>, 98 % "
+                "sure</li>\n"
+                "<li><a href=\"#file-3\"><bdi>other.csv</bdi></a>: <bdi>column 2 is named z, not "
+                "y</bdi>, 98 % "
+                "sure</li>\n</ul>\n"
+                "<h3>Unlike all others</h3>\n<ul>\n"
+                "<li><a href=\"#file-5\"><bdi>alone.csv</bdi></a>: <bdi>bar, UTF-8, 3 "
+                "columns</bdi>, 98 % sure</li>\n</ul>\n"
+                "<h3>Without a table</h3>\n<ul>\n"
+                "<li><a href=\"#file-6\"><bdi>letter.txt</bdi></a>: <bdi>running text</bdi>, 98 % "
+                "sure</li>\n</ul>\n</nav>\n"));
+}
+
+TEST(PageOf, CountsTheDoubtfulOnes) {
+  std::vector<PageFile> files = {file("a.csv"), file("b.csv")};
+  files[0].row.confidence = 0.6;
+  files[1].row.confidence = 0.7;
+  EXPECT_THAT(page_of(files), HasSubstr("<p>2 files: 1 group.</p>"));
+  EXPECT_THAT(page_of(files, 0.65), HasSubstr("<p>2 files: 1 group, 1 doubtful.</p>"));
+}
+
+// Each has its own place on the page.
+TEST(PageOf, TheSameFileTwice) {
+  EXPECT_THAT(page_of({file("a.csv"), file("a.csv")}),
+              HasSubstr("<li><a href=\"#file-1\"><bdi>a.csv</bdi></a>, 98 % sure</li>\n"
+                        "<li><a href=\"#file-2\"><bdi>a.csv</bdi></a>, 98 % sure</li>\n"));
 }
 
 TEST(PageOf, NamesTheFilesThatCouldNotBeRead) {
   PageFile lost;
   lost.path = "lost.csv";
   lost.problem = "lost.csv: No such <file>";
-  const std::string page = page_of({lost, file("a.csv", "delimited by comma, 2 columns")});
+  const std::string page = page_of({lost, file("a.csv")});
   EXPECT_THAT(page, HasSubstr("<li><bdi>lost.csv: No such &lt;file&gt;</bdi></li>"));
   EXPECT_THAT(page, Not(HasSubstr("id=\"file-1\"")));
-  EXPECT_THAT(page, HasSubstr("<p>2 files of 1 layout.</p>"));
+  EXPECT_THAT(page, HasSubstr("<p>2 files: 0 groups, 1 unlike all others, 1 not read.</p>"));
 }
 
 TEST(PageOf, EscapesPathsNamesAndLayouts) {
-  const std::string page = page_of({file("\"><script>.csv", "delimited by '<'", "<i>, \"&\""),
-                                    file("b.csv", "delimited by '<'", "<i>, \"&\"")});
+  const std::string page =
+      page_of({file("\"><script>.csv", "<", "<i>, \"&\""), file("b.csv", "<", "<i>, \"&\""),
+               file("c.csv", "<b>", "<i>, \"&\"")});
   EXPECT_EQ(count_of("<script", page), 1U);
-  EXPECT_EQ(count_of("<i>", page), 0U);
+  EXPECT_EQ(count_of("<i>", page) + count_of("<b>", page), 0U);
   EXPECT_THAT(page, HasSubstr("&quot;&gt;&lt;script&gt;.csv"));
-  EXPECT_THAT(page, HasSubstr("<h3>delimited by &#39;&lt;&#39;</h3>"));
+  EXPECT_THAT(page, HasSubstr("<h3>&#39;&lt;&#39;, UTF-8, 2 columns</h3>"));
   EXPECT_THAT(page, HasSubstr("&lt;i&gt;, &quot;&amp;&quot;"));
+  EXPECT_THAT(page, HasSubstr(": <bdi>&#39;&lt;b&gt;&#39;</bdi>"));
 }
 
 }  // namespace
