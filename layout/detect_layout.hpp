@@ -56,7 +56,7 @@ struct VLTEXTSTREAM_EXPORT DetectSettings {
   // each, when `parser_type` is fixedwidth.
   parser::options options;
 
-  // Fill Layout::trace.
+  // Fill Layout::trace and Layout::considered.
   bool trace = false;
 
   // The most bytes that are read of a file, before and after decompression; FileError when more

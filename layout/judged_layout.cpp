@@ -140,6 +140,7 @@ class VerdictDescription {
     describe_dialect(verdict_, table_, layout_);
     describe_evidence();
     describe_rivals();
+    if (settings_.trace) describe_considered();
     layout_.characters_sampled = verdict_.lines.end();
     compare_with_cascade();
   }
@@ -552,6 +553,28 @@ class VerdictDescription {
                                 assessment::deciding_sentence(verdict_, hypothesis),
                                 no_table_of(cut.reading, hypothesis)});
     }
+  }
+
+  // A reading was weighed with each number of columns that is likely for it.
+  void describe_considered() {
+    std::vector<ConsideredReading> found(verdict_.cuts.size());
+    std::vector<bool> was_weighed(found.size(), false);
+    for (const Hypothesis& each : verdict_.hypotheses) {
+      found[each.cut].probability += each.probability;
+      was_weighed[each.cut] = true;
+    }
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      if (!was_weighed[i]) continue;
+      const Reading& reading = verdict_.cuts[i].reading;
+      found[i].mode = mode_of(reading);
+      found[i].delimiter = reading.delimiter;
+      found[i].is_table = reading.form != Form::none;
+      layout_.considered.push_back(std::move(found[i]));
+    }
+    std::stable_sort(layout_.considered.begin(), layout_.considered.end(),
+                     [](const ConsideredReading& a, const ConsideredReading& b) {
+                       return a.probability > b.probability;
+                     });
   }
 
   void compare_with_cascade() {

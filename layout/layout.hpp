@@ -45,6 +45,17 @@ struct VLTEXTSTREAM_EXPORT Rival {
   std::string no_table;
 };
 
+// A way to read the text that was weighed: as a table of this mode or, if `is_table` is false, as no table.
+struct VLTEXTSTREAM_EXPORT ConsideredReading {
+  LayoutMode mode = LayoutMode::line_reader;
+  std::u16string delimiter;  // of a delimited one
+
+  // There may be several with the same mode and delimiter: with other quotes, or more blanks between columns.
+  double probability = 0.0;
+
+  bool is_table = true;
+};
+
 // What the cascade answers.
 struct VLTEXTSTREAM_EXPORT CascadeAnswer {
   LayoutMode mode = LayoutMode::line_reader;
@@ -215,6 +226,9 @@ struct VLTEXTSTREAM_EXPORT Layout {
   // Of a file without a table that is not empty: its first bytes, unpacked, at most 16,384, for a look at
   // what it is. Empty if they cannot be read again.
   std::string first_bytes;
+
+  // All readings that the assessment weighed, the likeliest first; only on request, with the trace.
+  std::vector<ConsideredReading> considered;
 };
 
 // Mode, delimiters and widths of `layout`. An unpaired surrogate in a delimiter becomes U+FFFD.

@@ -1,6 +1,7 @@
 #include "tool/report.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <iterator>
@@ -380,26 +381,64 @@ void add_confidence(std::string& out, const Layout& layout) {
 // -------------------------------------------------------------------------------------------------
 // How the answer came about
 
-// Each layout once: the answer, its rivals, and what else the characters of the text could mean.
-std::vector<std::string> considered(const Layout& layout) {
-  std::vector<std::string> found;
-  const auto add = [&](const std::string& text) {
-    if (std::find(found.begin(), found.end(), text) == found.end()) found.push_back(text);
-  };
-  const auto short_name = [](LayoutMode mode, const std::vector<std::string>& delimiters) {
-    return in_words(Dialect{mode, delimiters, {}});
-  };
-  const Dialect answer = dialect_of(layout);
-  add(layout.no_table.empty() ? short_name(answer.mode, answer.delimiters)
-                              : "no table: " + layout.no_table);
-  for (const standalone::Rival& rival : layout.rivals) {
-    const Dialect dialect = dialect_with(rival.mode, rival.delimiters);
-    add(rival.no_table.empty() ? short_name(dialect.mode, dialect.delimiters)
-                               : "no table: " + rival.no_table);
+constexpr std::size_t kMostDelimiters = 6;
+
+// "comma, semicolon, tab and 4 more"
+std::string first_of(const std::vector<std::string>& names) {
+  const std::size_t shown = std::min(names.size(), kMostDelimiters);
+  std::string out = fmt::format(
+      "{}", fmt::join(names.begin(), names.begin() + static_cast<std::ptrdiff_t>(shown), ", "));
+  if (names.size() > shown) out += fmt::format(" and {} more", names.size() - shown);
+  return out;
+}
+
+void add_once(std::vector<std::string>& names, const std::string& name) {
+  if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+}
+
+std::string in_ways(std::string_view what, std::size_t count) {
+  return count == 1 ? std::string(what) : fmt::format("{}, in {} ways", what, count);
+}
+
+// What was weighed, in the words of the tool, a line for each kind; the likeliest kind first.
+std::vector<std::string> considered_kinds(const Layout& layout) {
+  enum Kind { characters, marks, runs, fixed, one, none, kKinds };
+  std::array<std::size_t, kKinds> counts = {};
+  std::vector<Kind> order;
+  std::vector<std::string> names[2];
+  for (const standalone::ConsideredReading& each : layout.considered) {
+    Kind kind = each.is_table ? one : none;
+    if (each.mode == LayoutMode::delimited) kind = each.delimiter.size() > 1 ? marks : characters;
+    if (each.mode == LayoutMode::space_aligned) kind = runs;
+    if (each.mode == LayoutMode::fixed_width) kind = fixed;
+    if (kind == characters || kind == marks) add_once(names[kind], shown(each.delimiter));
+    if (counts[kind]++ == 0) order.push_back(kind);
   }
-  for (const CandidateTrace& candidate : layout.trace->candidates)
-    add(short_name(candidate.dialect.mode, candidate.dialect.delimiters));
-  return found;
+  std::vector<std::string> lines;
+  for (const Kind kind : order) {
+    switch (kind) {
+      case characters:
+      case marks: {
+        const std::size_t count = names[kind].size();
+        lines.push_back(fmt::format("{} {}{}: {}", count,
+                                    kind == marks ? "mark of several characters" : "delimiter",
+                                    count == 1 ? "" : "s", first_of(names[kind])));
+        break;
+      }
+      case runs:
+        lines.push_back(in_ways("columns aligned with blanks", counts[kind]));
+        break;
+      case fixed:
+        lines.push_back(in_ways("columns of fixed width", counts[kind]));
+        break;
+      case one:
+        lines.push_back(in_ways("one column", counts[kind]));
+        break;
+      default:
+        lines.emplace_back("no table");
+    }
+  }
+  return lines;
 }
 
 // What a piece of evidence is worth, in a word.
@@ -429,7 +468,12 @@ std::string why_lost(const standalone::Rival& rival) {
 }
 
 void add_story(std::string& out, const Layout& layout) {
-  fmt::format_to(Out(out), "\n  considered      {}\n", fmt::join(considered(layout), "; "));
+  out += '\n';
+  std::string_view label = "considered";
+  for (const std::string& line : considered_kinds(layout)) {
+    fmt::format_to(Out(out), "  {:<14}  {}\n", label, line);
+    label = {};
+  }
   add_sentences(out, layout, "for the answer", true);
   add_sentences(out, layout, "against it", false);
   if (layout.rivals.empty()) {

@@ -70,6 +70,12 @@ void visit(Archive& archive, T& run) {
   archive(role, first_line, last_line, count);
 }
 
+template <typename Archive, Is<standalone::ConsideredReading> T>
+void visit(Archive& archive, T& reading) {
+  auto& [mode, delimiter, probability, is_table] = reading;
+  archive(mode, delimiter, probability, is_table);
+}
+
 template <typename Archive, Is<standalone::Rival> T>
 void visit(Archive& archive, T& rival) {
   auto& [mode, delimiters, widths, quote, num_variables, probability, reason, no_table] = rival;
@@ -148,16 +154,16 @@ void visit(Archive& archive, T& layout) {
          characters_sampled, has_more_text, selection_end, decided_by, trace, looks_binary,
          confidence, quote, escape, least_blanks, joins_times, rest_in_last, is_framed, rivals,
          evidence, names_probability, names_candidate, no_table, cascade, dialect, columns,
-         names_unique, lines_estimated, tail, spread, descriptions_line, descriptions,
-         first_bytes] = layout;
+         names_unique, lines_estimated, tail, spread, descriptions_line, descriptions, first_bytes,
+         considered] = layout;
   archive(mode, delimiters, widths, header_lines, names_source, names_reason, names_line, names,
           units_line, units, num_variables, classes, encoding, encoding_found, encoding_confidence,
           ill_formed_parts, line_ending, lines, ragged_lines, first_ragged_line, lines_sampled,
           characters_sampled, has_more_text, selection_end, decided_by, trace, looks_binary,
           confidence, quote, escape, least_blanks, joins_times, rest_in_last, is_framed, rivals,
           evidence, names_probability, names_candidate, no_table, cascade, dialect, columns,
-          names_unique, lines_estimated, tail, spread, descriptions_line, descriptions,
-          first_bytes);
+          names_unique, lines_estimated, tail, spread, descriptions_line, descriptions, first_bytes,
+          considered);
 }
 
 // --- numbers, texts and lists -----------------------------------------------------------------------

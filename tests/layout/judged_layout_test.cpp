@@ -1,11 +1,13 @@
 // Which lines are a footer, met through detect_layout.
 #include <vltextstream/layout/judged_layout.hpp>
 
+#include <algorithm>
 #include <cstddef>
 #include <ostream>
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -183,6 +185,39 @@ TEST(FooterProperty, EveryLineIsInOneRunAndTheFooterIsLast) {
     EXPECT_TRUE(has_data || !is_below);
     EXPECT_EQ(layout.ragged_lines > 0, layout.first_ragged_line.has_value());
   }
+}
+
+// Marks that occur are tried, and what every text may be: columns by place, one column, no table.
+TEST(ConsideredReadings, AreThereOnRequestTheLikeliestFirst) {
+  const std::u16string text = u"town;rain\nBonn;12,5\nEmden;9,1\nGera;7,4\n";
+  EXPECT_TRUE(layout_of(text).considered.empty());
+  DetectSettings settings;
+  settings.trace = true;
+  const std::vector<ConsideredReading> found = layout_of(text, settings).considered;
+  const auto has = [&](LayoutMode mode, std::u16string_view delimiter, bool is_table) {
+    return std::any_of(found.begin(), found.end(), [&](const ConsideredReading& each) {
+      return each.mode == mode && each.delimiter == delimiter && each.is_table == is_table;
+    });
+  };
+  ASSERT_FALSE(found.empty());
+  EXPECT_EQ(found.front().mode, LayoutMode::delimited);
+  EXPECT_EQ(found.front().delimiter, u";");
+  EXPECT_TRUE(has(LayoutMode::delimited, u",", true));
+  EXPECT_TRUE(has(LayoutMode::line_reader, u"", true));
+  EXPECT_TRUE(has(LayoutMode::line_reader, u"", false));
+  double sum = 0;
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    sum += found[i].probability;
+    EXPECT_TRUE(i == 0 || found[i].probability <= found[i - 1].probability);
+  }
+  EXPECT_NEAR(sum, 1.0, 1e-9);
+}
+
+TEST(ConsideredReadings, AreNoneOfTheCascade) {
+  DetectSettings settings;
+  settings.trace = true;
+  settings.judge = Judge::cascade;
+  EXPECT_TRUE(layout_of(u"a,b\n1,2\n3,4\n", settings).considered.empty());
 }
 
 }  // namespace

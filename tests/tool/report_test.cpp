@@ -237,19 +237,51 @@ TEST(Report, NamesAnAnswerOnce) {
             std::string::npos);
 }
 
+// A line for each kind; a delimiter that was weighed with several quotes is there once.
+TEST(Report, TellsWhatWasConsidered) {
+  Layout layout;
+  layout.confidence = 0.6;
+  layout.trace.emplace();
+  const auto add = [&](LayoutMode mode, std::u16string delimiter) {
+    layout.considered.push_back({mode, std::move(delimiter), 0.0});
+  };
+  add(LayoutMode::fixed_width, u"");
+  for (const char16_t* delimiter : {u";", u",", u";", u"\t", u" ", u"|", u":", u"/", u"~"})
+    add(LayoutMode::delimited, delimiter);
+  add(LayoutMode::delimited, u"::");
+  for (int i = 0; i < 3; ++i) add(LayoutMode::space_aligned, u"");
+  add(LayoutMode::line_reader, u"");
+  add(LayoutMode::line_reader, u"");
+  EXPECT_NE(
+      report("f", layout)
+          .find("\n\n  considered      columns of fixed width\n"
+                "                  8 delimiters: semicolon, comma, tab, space, bar, colon and "
+                "2 more\n"
+                "                  1 mark of several characters: \"::\"\n"
+                "                  columns aligned with blanks, in 3 ways\n"
+                "                  one column, in 2 ways\n"
+                "  for the answer"),
+      std::string::npos)
+      << report("f", layout);
+}
+
 TEST(Report, TellsWhyTheNextBestLost) {
   Layout layout;
   layout.confidence = 0.6;
   layout.trace.emplace();
   layout.evidence = {{"a", 3.0, "it is so"}, {"b", -2.9, "it is odd"}, {"c", 0.9, "it is nice"}};
+  layout.considered = {{LayoutMode::line_reader, u"", 0.6},
+                       {LayoutMode::delimited, u",", 0.3},
+                       {LayoutMode::delimited, u";", 0.05},
+                       {LayoutMode::line_reader, u"", 0.03, false}};
   layout.rivals = {
       {LayoutMode::delimited, {u","}, {}, std::nullopt, 2, 0.3, "of the answer, it is so", ""},
       {LayoutMode::delimited, {u";"}, {}, std::nullopt, 3, 0.05, "there is more", ""}};
   EXPECT_NE(
       report("f", layout)
-          .find("\n\n  considered      one column, each line a cell; delimited by comma; delimited "
-                "by "
-                "semicolon\n"
+          .find("\n\n  considered      one column\n"
+                "                  2 delimiters: comma, semicolon\n"
+                "                  no table\n"
                 "  for the answer  strongly: it is so\n"
                 "                  slightly: it is nice\n"
                 "  against it      clearly: it is odd\n"

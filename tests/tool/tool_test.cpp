@@ -74,8 +74,9 @@ TEST_F(Tool, ExplainsWithCandidatesAndFilters) {
 TEST_F(Tool, TellsHowTheAnswerCameAbout) {
   const std::string file = folder_.file("t.csv", "a b,c\n1 2,3\n4 5,6\n");
   const std::string told = vltext({"--explain", file}).out;
-  EXPECT_THAT(told, HasSubstr("\n  considered      delimited by comma; columns of fixed width; "
-                              "columns aligned with blanks; delimited by space\n"));
+  EXPECT_THAT(told, HasSubstr("\n  considered      2 delimiters: comma, space\n"));
+  EXPECT_THAT(told, HasSubstr("\n                  columns of fixed width"));
+  EXPECT_THAT(told, HasSubstr("\n                  no table\n"));
   EXPECT_THAT(told, HasSubstr("\n  for the answer  strongly: "));
   EXPECT_THAT(told, HasSubstr("\n  against it      strongly: there are only 2 columns\n"));
   EXPECT_THAT(told, HasSubstr("\n  next best       columns of fixed width, 2 columns, "));
