@@ -120,6 +120,7 @@ const FormCase kForms[] = {
     {"Words", false, {"--jobs", "1", "--delimiter", ","}},
     {"ExplainedWords", false, {"--jobs", "1", "--explain"}},
     {"Pictures", false, {"--jobs", "1", "--picture", "--color", "never"}},
+    {"PicturesInColours", false, {"--jobs", "1", "--color", "always", "--width", "24"}},
     {"Json", true, {"--jobs", "1", "--json", "--option", "Delimiter:=[\",\",\";\"]"}},
     {"JsonOfTwoThreads", true, {"--jobs", "2", "--json"}},
     {"ExplainedJson", true, {"--jobs", "1", "--json", "--explain"}},
@@ -207,6 +208,61 @@ TEST_P(ConvertWithoutMemory, LeavesTheOutputAndSaysSo) {
 }
 INSTANTIATE_TEST_SUITE_P(Table, ConvertWithoutMemory, testing::Values("csv", "jsonl", "sqlite"),
                          [](const auto& each) { return std::string(each.param); });
+
+class PageWithoutMemory : public testing::TestWithParam<FaultKind> {
+ protected:
+  const TempFolder folder_;
+  const std::string table_ = folder_.file("table", "day,level\n2024-01-01,1.5\n2024-01-02,x\n");
+  const std::string out_ = folder_.path_of("page.html");
+};
+
+// Pages are long: a failure does not print them.
+TEST_P(PageWithoutMemory, LeavesTheOldOneAndSaysSo) {
+  const Words words = {"--jobs", "1", table_, "--html", out_};
+  ASSERT_EQ(undisturbed(words).status, 0);
+  const std::string complete = content_of(out_);
+  std::string before = complete;
+  for_each_fault(words, GetParam(), [&](const CommandResult& result) {
+    if (result.status == 2) {
+      EXPECT_TRUE(content_of(out_) == before);
+      EXPECT_THAT(result.err, StartsWith("vltext: "));
+      EXPECT_THAT(result.err, HasSubstr("Cannot allocate memory\n"));
+    } else {
+      EXPECT_EQ(result.status, 0);
+      EXPECT_TRUE(content_of(out_) == complete);
+      EXPECT_EQ(result.err, "");
+    }
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(num_files_in(folder_.path()), 2U);
+    folder_.file("page.html", before = "old");
+  });
+}
+
+// A page of several files is complete: one that lacked memory is named on it.
+TEST_P(PageWithoutMemory, NamesTheFileThatLackedIt) {
+  const std::string note =
+      folder_.file("note", "Dear Lena,\nthanks for your letter, dear.\n\nBye\n");
+  const std::string second = folder_.file("second", "x = 1;\ny = 2;\nreturn x + y;\n");
+  const Words words = {"--jobs", "1", note, second, "--html", "-"};
+  const CommandResult whole = undisturbed(words);
+  ASSERT_EQ(whole.status, 1);
+  for_each_fault(words, GetParam(), [&](const CommandResult& result) {
+    if (result.status == 1) {
+      EXPECT_TRUE(result.out == whole.out);
+      return;
+    }
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("Cannot allocate memory\n"));
+    const bool names_it =
+        result.out.find(": Cannot allocate memory</bdi></li>") != std::string::npos;
+    EXPECT_TRUE(result.out.empty() || (names_it && result.out.ends_with("</html>\n")));
+  });
+}
+INSTANTIATE_TEST_SUITE_P(Kinds, PageWithoutMemory,
+                         testing::Values(FaultKind::single, FaultKind::from_then_on),
+                         [](const auto& each) {
+                           return each.param == FaultKind::single ? "Once" : "ForGood";
+                         });
 
 TEST(AnswerFor, SaysThatItLackedMemoryUntilItsEnd) {
   if (!allocations_can_fail()) return;
