@@ -25,6 +25,7 @@
 #include "tool/conventions/completions.hpp"
 #include "tool/conventions/manual_page.hpp"
 #include "tool/convert_command.hpp"
+#include "tool/emit/emit_words.hpp"
 #include "tool/emit_command.hpp"
 #include "tool/file_kind.hpp"
 #include "tool/head_command.hpp"
@@ -270,10 +271,13 @@ reading::FileTop top_of(const std::string& file, const Arguments& arguments) {
 std::string what_next(const std::string& file, const Layout& layout, const Arguments& arguments) {
   const bool is_asked_already = arguments.explain || !arguments.given.empty();
   if (is_asked_already || !layout.no_table.empty() || file == "-") return {};
-  const bool is_plain = file.find_first_not_of(
+  const std::string path = file.starts_with("-") ? "./" + file : file;
+  const bool is_plain = path.find_first_not_of(
                             "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
                             "0123456789._/-") == std::string::npos;
-  const std::string name = is_plain && !file.starts_with("-") ? file : "FILE";
+  // What is not shown as it is could not be copied as it is.
+  const std::string quoted = printable(path) == path ? shell_text(path) : "FILE";
+  const std::string& name = is_plain ? path : quoted;
   return fmt::format("\nWhy: vltext --explain {0}\nTo read it: vltext {0} --emit pandas\n", name);
 }
 

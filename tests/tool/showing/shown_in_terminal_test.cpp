@@ -57,6 +57,19 @@ TEST_F(ShownInTerminal, ThePictureFollowsTheAnswer) {
   EXPECT_THAT(shown, EndsWith("\nTo read it: vltext " + file_ + " --emit pandas\n"));
 }
 
+// As a shell takes it.
+TEST_F(ShownInTerminal, ThePathOfTheNextCommandIsQuoted) {
+  const auto next = [&](const std::string& name) {
+    const std::string shown = vltext({folder_.file(name, kTable)});
+    const std::size_t begin = shown.find("To read it: ");
+    return shown.substr(begin, shown.find('\n', begin) - begin);
+  };
+  const std::string folder = folder_.path() + "/";
+  EXPECT_EQ(next("a b.csv"), "To read it: vltext '" + folder + "a b.csv' --emit pandas");
+  EXPECT_EQ(next("it's.csv"), "To read it: vltext '" + folder + "it'\\''s.csv' --emit pandas");
+  EXPECT_EQ(next("\x1B[31m.csv"), "To read it: vltext FILE --emit pandas");
+}
+
 TEST_F(ShownInTerminal, InColours) {
   EXPECT_THAT(vltext({file_}),
               HasSubstr("\x1B[38;5;30m1\x1B[0m\x1B[1;38;5;161m,\x1B[0m\x1B[38;5;133ma\x1B[0m\n"));
