@@ -96,6 +96,65 @@ TEST(HtmlCommand, SaysWhatDoesNotFitInTheWholeFile) {
   EXPECT_THAT(page, HasSubstr("0 to 98, middle 49"));
 }
 
+// Twenty bytes and eight are above the table.
+TEST(HtmlCommand, AccountsForEveryLine) {
+  std::string text = "Levels of the river\nby hand\n\nday;level\n";
+  for (int i = 1; i <= 25; ++i)
+    text += (i < 10 ? "0" : "") + std::to_string(i) + ".01.2024;13" + std::to_string(i) + "\n";
+  const std::string page = page_of_text(text + "\n(25 rows)\n");
+  EXPECT_THAT(page,
+              HasSubstr("<th scope=\"row\">above the table</th><td class=\"number\">2</td><td "
+                        "class=\"number\">28</td>"));
+  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">blank</th><td class=\"number\">2</td><td "
+                              "class=\"number\">2</td>"));
+  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">names</th><td class=\"number\">1</td><td "
+                              "class=\"number\">10</td>"));
+  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">data</th><td class=\"number\">25</td>"));
+  EXPECT_THAT(page, HasSubstr("<th scope=\"row\">footer</th><td class=\"number\">1</td><td "
+                              "class=\"number\">10</td>"));
+}
+
+TEST(HtmlCommand, NamesTheFirstOfManyOddities) {
+  std::string text = "id,level\n";
+  for (int i = 0; i < 300; ++i) text += std::to_string(i) + "," + std::to_string(3 * i) + "\n";
+  for (int i = 0; i < 60; ++i) text += "7,8,9\n";
+  const std::string page = page_of_text(text);
+  EXPECT_THAT(page, HasSubstr("<li>Line 302: a row with more cells than there are columns"));
+  EXPECT_THAT(page, HasSubstr("<p class=\"note\">And 10 more.</p>"));
+}
+
+TEST(HtmlCommand, SaysWhenItIsInDoubt) {
+  const TempFolder folder;
+  const std::string file = folder.file("t.csv", kTable);
+  const CommandResult result = vltext({file, "--html", "-", "--strict", "100"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.out, HasSubstr(" sure of this: look at the first lines, and at the other "
+                                    "answers."));
+}
+
+TEST(HtmlCommand, SaysWhatContradictsTheFile) {
+  const TempFolder folder;
+  const CommandResult result =
+      vltext({folder.file("a.csv", kTable), "--html", "-", "--names-line", "9"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(result.err, HasSubstr("a.csv: "));
+}
+
+TEST(HtmlCommand, ColumnsMayHaveNoNames) {
+  EXPECT_THAT(page_of_text("1,2.5\n2,3.5\n3,4.5\n4,5.5\n"),
+              HasSubstr("<th scope=\"row\"><bdi><em>no name</em></bdi></th>"));
+}
+
+TEST(HtmlCommand, NoPageIsLostUnnoticed) {
+  const TempFolder folder;
+  const std::string file = folder.file("t.csv", kTable);
+  const CommandResult result =
+      run_command("/bin/sh", {"-c", VLTEXT_PROGRAM " " + file + " --html - >/dev/full"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.err, HasSubstr("No space left on device"));
+}
+
 TEST(HtmlCommand, SaysThatThereIsNoTable) {
   const std::string page =
       page_of_text("Dear reader,\n\nthis is a letter, not a table.\nGoodbye to you.\n");

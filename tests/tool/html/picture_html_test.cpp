@@ -40,6 +40,15 @@ TEST(PictureHtml, SaysWhatEachPartIs) {
                 "<bdi class=\"name odd\">a&lt;b</bdi><bdi class=\"quote\">&quot;</bdi></td></tr>"));
 }
 
+TEST(PictureHtml, UnitsHaveTheColoursOfTheirColumns) {
+  Picture picture;
+  picture.rows.push_back(
+      {RowRole::units, 2, false, {{SpanRole::unit, 0, "s"}, {SpanRole::unit, 1, "cm"}}});
+  EXPECT_THAT(picture_html(picture), HasSubstr("<td class=\"role\">units</td><td class=\"line\">"
+                                               "<bdi class=\"unit\">s</bdi>"
+                                               "<bdi class=\"unit odd\">cm</bdi></td>"));
+}
+
 TEST(PictureHtml, ShowsABlankThatSeparates) {
   EXPECT_THAT(html_of({RowRole::data, 1, false, {{SpanRole::delimiter, kNoColumn, " "}}}),
               HasSubstr("<bdi class=\"delimiter\">\xC2\xB7</bdi>"));

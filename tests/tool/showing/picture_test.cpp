@@ -183,5 +183,81 @@ TEST(PictureOf, ShowsThreeLinesOfAFooter) {
                   "- hidden 1:"}));
 }
 
+// A line of one cell without an end.
+reading::CutLine line(std::uint64_t number, reading::LineFate fate, std::u16string text) {
+  const std::size_t size = text.size();
+  return {number, fate, std::move(text), false, {{0, 0, size}}};
+}
+
+Rows rows_of(const reading::FileTop& top) {
+  Rows rows;
+  const auto picture = picture_of(top);
+  if (!picture) return {"no picture"};
+  for (const Row& row : picture->rows) rows.push_back(shown(row));
+  return rows;
+}
+
+TEST(PictureOf, HasARoleForEachFate) {
+  using reading::LineFate;
+  reading::FileTop top;
+  top.lines = {{1, LineFate::preamble, u"a", false, {}}, {2, LineFate::rule, u"--", false, {}},
+               line(3, LineFate::names, u"n"),           line(4, LineFate::units, u"u"),
+               line(5, LineFate::descriptions, u"d"),    line(6, LineFate::omitted, u"o"),
+               line(7, LineFate::failed, u"f"),          {8, LineFate::comment, u"#", false, {}},
+               {9, LineFate::blank, u"", false, {}},     {10, LineFate::footer, u"t", false, {}}};
+  EXPECT_EQ(
+      rows_of(top),
+      (Rows{"1 above: t[a]", "2 rule: t[--]", "3 names: n0[n]", "4 units: u0[u]", "5 notes: c0[d]",
+            "6 data: c0[o]", "7 data: c0[f]", "8 comment: t[#]", "9 blank:", "10 footer: t[t]"}));
+  top.layout.no_table = "source code";
+  EXPECT_EQ(rows_of(top)[0], "1 text: t[a]");
+  EXPECT_EQ(rows_of(top)[1], "2 text: t[--]");
+  EXPECT_EQ(rows_of(top)[7], "8 text: t[#]");
+}
+
+// Whatever the first line of the table is.
+TEST(PictureOf, ShowsTheTableAfterManyLinesAboveIt) {
+  using reading::LineFate;
+  for (const LineFate fate :
+       {LineFate::names, LineFate::units, LineFate::descriptions, LineFate::data}) {
+    reading::FileTop top;
+    for (std::uint64_t i = 1; i <= 20; ++i)
+      top.lines.push_back({i, LineFate::preamble, u"a", false, {}});
+    top.lines.push_back(line(21, fate, u"x"));
+    const Rows rows = rows_of(top);
+    ASSERT_EQ(rows.size(), 5U);
+    EXPECT_EQ(rows[3], "- hidden 17:");
+    EXPECT_EQ(rows[4].substr(0, 3), "21 ");
+  }
+}
+
+TEST(PictureOf, LinesWithoutATableHaveNone) {
+  using reading::LineFate;
+  reading::FileTop top;
+  EXPECT_EQ(rows_of(top), Rows{"no picture"});
+  for (std::uint64_t i = 1; i <= 3; ++i)
+    top.lines.push_back({i, LineFate::comment, u"#", false, {}});
+  EXPECT_EQ(rows_of(top), (Rows{"1 comment: t[#]", "2 comment: t[#]", "3 comment: t[#]"}));
+  top.layout.no_table = "binary data";
+  EXPECT_EQ(rows_of(top), Rows{"no picture"});
+}
+
+TEST(PictureOf, ShowsThreeLinesOfALongFooterFarBelow) {
+  reading::FileTop top;
+  top.lines = {line(1, reading::LineFate::data, u"x")};
+  top.layout.lines = {{standalone::LineRole::data, 1, 1, 1}};
+  top.layout.has_more_text = true;
+  top.layout.tail.emplace();
+  top.layout.tail->footer_lines = 7;
+  top.layout.tail->footer = {u"a", u"b", u"c", u"d", u"e"};
+  const Rows expected = {"1 data: c0[x]",  "- unseen about:", "- footer: t[a]",
+                         "- footer: t[b]", "- footer: t[c]",  "- hidden 4:"};
+  EXPECT_EQ(rows_of(top), expected);
+  top.layout.lines_estimated = 8;  // no more than those
+  EXPECT_EQ(rows_of(top), expected);
+  top.layout.lines_estimated = 9;
+  EXPECT_EQ(rows_of(top)[1], "- unseen about 1:");
+}
+
 }  // namespace
 }  // namespace textio::tool

@@ -97,6 +97,28 @@ const LengthCase kLengths[] = {
     {"NotHalfASyllable", "a\xE1\x84\x92\xE1\x85\xA1\xE1\x86\xAB", 2, 1},
     {"SyllableWithAnEnd", "\xED\x95\x98\xE1\x86\xAB\xED\x95\x9C", 3, 6},
     {"SyllablesOfTheirOwn", "\xED\x95\x9C\xED\x95\x9C", 3, 3},
+    {"TwoInitialsOfASyllable", "\xE1\x84\x80\xE1\x84\x80\xEA\xB0\x80", 5, 0},
+    {"InitialAndClosedSyllable", "a\xE1\x84\x80\xEA\xB0\x81", 4, 1},
+    {"InitialAndLetter",
+     "\xE1\x84\x80"
+     "a",
+     2, 3},
+    {"ClosedSyllableWithAnEnd",
+     "\xEA\xB0\x81\xE1\x86\xA8"
+     "a",
+     2, 6},
+    {"OpenSyllableWithAVowel",
+     "\xEA\xB0\x80\xE1\x85\xA1"
+     "a",
+     2, 6},
+    {"OpenSyllableAndLetter",
+     "\xEA\xB0\x80"
+     "a",
+     2, 3},
+    {"SignBeforeANumber", "a\xD8\x80\xD9\xA1", 1, 1},
+    {"JoinerAfterAnEmojiJoinsNoLetter", WOMAN JOINER "a", 2, 7},
+    {"LetterOfAFlagAndAnother", LETTER_D "a", 2, 4},
+    {"LetterIsNoEmoji", "a" AS_EMOJI "b", 1, 4},
     {"VowelSignTakesAPlace", "a\xE0\xA4\xA8\xE0\xA4\xBE", 2, 1},
     {"EightMarks",
      "a\xCC\x88\xCC\x88\xCC\x88\xCC\x88\xCC\x88\xCC\x88\xCC\x88\xCC\x88"
