@@ -114,6 +114,50 @@ TEST(HtmlCommand, AccountsForEveryLine) {
                               "class=\"number\">10</td>"));
 }
 
+struct AccountCase {
+  const char* rule;
+  std::string text;
+  const char* fate;
+  const char* lines_and_bytes;
+};
+std::ostream& operator<<(std::ostream& out, const AccountCase& row) { return out << row.rule; }
+
+const std::string kWithUnits = "time,level\ns,cm\n# dry\n1.5,143\n2.5,147\n3.5,148\n";
+
+const AccountCase kAccounts[] = {
+    {"Units", kWithUnits, "units", "1</td><td class=\"number\">5<"},
+    {"Comments", kWithUnits, "comments", "1</td><td class=\"number\">6<"},
+    {"DataOfThreeLines", kWithUnits, "data", "3</td><td class=\"number\">24<"},
+    {"All", kWithUnits, "all", "6</td><td class=\"number\">46<"},
+    {"DrawnRules", "| id | n |\n|----|---|\n| 1 | 2 |\n| 3 | 4 |\n| 5 | 6 |\n", "drawn rules",
+     "1</td><td class=\"number\">11<"},
+};
+
+class HtmlAccount : public testing::TestWithParam<AccountCase> {};
+TEST_P(HtmlAccount, HasTheLinesAndBytes) {
+  const AccountCase& row = GetParam();
+  EXPECT_THAT(page_of_text(row.text),
+              HasSubstr(std::string("<th scope=\"row\">") + row.fate +
+                        "</th><td class=\"number\">" + row.lines_and_bytes));
+}
+INSTANTIATE_TEST_SUITE_P(Table, HtmlAccount, testing::ValuesIn(kAccounts), ByRule());
+
+TEST(HtmlCommand, NamesBytesThatAreNoText) {
+  EXPECT_THAT(page_of_text("id,n\n1,ab\xFF\n2,cd\n3,ef\n", {"--encoding", "UTF-8"}),
+              HasSubstr("<li>Line 2: bytes that are not valid in the encoding"));
+}
+
+TEST(HtmlCommand, LeavesOutLongPrograms) {
+  std::string text;
+  for (int row = 0; row < 5; ++row) {
+    for (int i = 0; i < 3000; ++i)
+      text += (i > 0 ? "," : "") + (row == 0 ? "column " : std::string()) + std::to_string(i * row);
+    text += '\n';
+  }
+  EXPECT_THAT(page_of_text(text),
+              HasSubstr("<p>It is long: <code>vltext --emit pandas</code> prints it.</p>"));
+}
+
 TEST(HtmlCommand, NamesTheFirstOfManyOddities) {
   std::string text = "id,level\n";
   for (int i = 0; i < 300; ++i) text += std::to_string(i) + "," + std::to_string(3 * i) + "\n";
