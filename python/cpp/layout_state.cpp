@@ -166,6 +166,27 @@ void visit(Archive& archive, T& layout) {
           considered);
 }
 
+// A span without a column has a number that would take ten bytes.
+template <typename Archive, Is<tool::Span> T>
+void visit(Archive& archive, T& span) {
+  auto& [role, column, text] = span;
+  std::size_t number = column + 1;
+  archive(role, number, text);
+  if constexpr (!std::is_const_v<T>) column = number - 1;
+}
+
+template <typename Archive, Is<tool::Row> T>
+void visit(Archive& archive, T& row) {
+  auto& [role, line, is_continued, spans, num_lines, is_estimate] = row;
+  archive(role, line, is_continued, spans, num_lines, is_estimate);
+}
+
+template <typename Archive, Is<tool::Picture> T>
+void visit(Archive& archive, T& picture) {
+  auto& [rows, num_columns, is_by_place] = picture;
+  archive(rows, num_columns, is_by_place);
+}
+
 // --- numbers, texts and lists -----------------------------------------------------------------------
 
 // Seven bits in each byte; the last has the eighth bit clear.
@@ -239,7 +260,7 @@ class Reader {
  private:
   [[noreturn]] static void refuse() {
     throw std::invalid_argument(
-        "Expected the state of a layout, as this version of vltext gives it.");
+        "Expected the state of a layout or picture, as this version of vltext gives it.");
   }
 
   std::uint8_t byte() {
@@ -311,25 +332,38 @@ class Reader {
 
 std::string opening() { return std::string(libvltextstream_version) + '\n'; }
 
-}  // namespace
-
-std::string state_of(const Layout& layout) {
+template <typename Value>
+std::string bytes_of(const Value& value) {
   Writer writer;
-  writer(layout);
+  writer(value);
   return opening() + writer.take();
 }
 
-Layout layout_of(std::string_view state) {
+// `kind` is "a layout".
+template <typename Value>
+Value value_of(std::string_view state, const std::string& kind) {
   const std::string expected = opening();
-  Layout layout;
+  Value value;
   if (!state.starts_with(expected)) {
-    throw std::invalid_argument("Expected a layout of this version of vltext, " +
+    throw std::invalid_argument("Expected " + kind + " of this version of vltext, " +
                                 std::string(libvltextstream_version) + ".");
   }
   Reader reader(state.substr(expected.size()));
-  reader(layout);
-  if (!reader.is_at_end()) throw std::invalid_argument("Expected nothing after the layout.");
-  return layout;
+  reader(value);
+  if (!reader.is_at_end()) throw std::invalid_argument("Expected nothing after " + kind + ".");
+  return value;
+}
+
+}  // namespace
+
+std::string state_of(const Layout& layout) { return bytes_of(layout); }
+
+Layout layout_of(std::string_view state) { return value_of<Layout>(state, "a layout"); }
+
+std::string state_of(const tool::Picture& picture) { return bytes_of(picture); }
+
+tool::Picture picture_of_state(std::string_view state) {
+  return value_of<tool::Picture>(state, "a picture");
 }
 
 }  // namespace textio::python

@@ -22,7 +22,6 @@
 #include <nanobind/stl/tuple.h>
 #include <nanobind/stl/vector.h>
 
-#include <vltextstream/layout/detect_input.hpp>
 #include <vltextstream/layout/detect_layout.hpp>
 #include <vltextstream/reading/table_plan.hpp>
 #include <vltextstream/reading/table_reader.hpp>
@@ -32,6 +31,7 @@
 #include "python/cpp/arrow_export.hpp"
 #include "python/cpp/catalog_lines.hpp"
 #include "python/cpp/emit_dict.hpp"
+#include "python/cpp/layout_picture.hpp"
 #include "python/cpp/layout_state.hpp"
 #include "python/cpp/parts.hpp"
 #include "python/cpp/table_data.hpp"
@@ -196,23 +196,44 @@ struct Input {
 
 class LayoutBox {
  public:
-  explicit LayoutBox(Layout layout) : layout_(std::make_shared<const Layout>(std::move(layout))) {}
-  explicit LayoutBox(std::shared_ptr<const Layout> layout) : layout_(std::move(layout)) {}
+  explicit LayoutBox(Layout layout, PictureSource picture = {})
+      : layout_(std::make_shared<const Layout>(std::move(layout))), picture_(std::move(picture)) {}
+  explicit LayoutBox(std::pair<Layout, PictureSource> found)
+      : LayoutBox(std::move(found.first), std::move(found.second)) {}
+  explicit LayoutBox(std::shared_ptr<const Layout> layout, PictureSource picture = {})
+      : layout_(std::move(layout)), picture_(std::move(picture)) {}
 
   const Layout& get() const { return *layout_; }
   const std::shared_ptr<const Layout>& shared() const { return layout_; }
 
+  const PictureSource& picture() const { return picture_; }
+
  private:
   std::shared_ptr<const Layout> layout_;
+  PictureSource picture_;
 };
+
+SharedDetectSettings shared_detect(const SharedSettings& settings) {
+  return {settings, &settings->read.detect};
+}
 
 LayoutBox detect(const nb::object& source, const SharedSettings& settings) {
   const Input input(source);
   const nb::gil_scoped_release without_lock;
-  const standalone::DetectSettings& how = settings->read.detect;
-  if (!input.held) return LayoutBox(standalone::detect_layout(input.path, how));
-  standalone::InputText text(standalone::FileContent{input.held->view()}, how);
-  return LayoutBox(detect_input(text, how));
+  const SharedDetectSettings how = shared_detect(settings);
+  return LayoutBox(input.held ? detect_pictured_bytes(input.held->view(), how)
+                              : detect_pictured(input.path, how));
+}
+
+// To be called before the input is read. Of bytes the picture is drawn later.
+PictureSource picture_before(const Input& input, const SharedSettings& settings) {
+  return input.held ? PictureSource() : PictureSource(input.path, shared_detect(settings));
+}
+
+LayoutBox pictured(const Input& input, const Layout& layout, const PictureSource& before,
+                   const SharedSettings& settings) {
+  if (!input.held) return LayoutBox(layout, before);
+  return LayoutBox(layout, PictureSource(input.held->view(), layout, shared_detect(settings)));
 }
 
 // The member of `files` in the JSON of the tool.
@@ -233,14 +254,33 @@ std::string report_of(const LayoutBox& layout, const nb::bytes& file) {
                       first.empty() ? std::string() : tool::file_kind(first));
 }
 
+// What a notebook shows.
+std::string html_of_box(const LayoutBox& layout, const nb::bytes& file) {
+  const std::string name = bytes_of(file);
+  const nb::gil_scoped_release without_lock;
+  return html_of(name, layout.get(), layout.picture());
+}
+
 nb::bytes state_of_box(const LayoutBox& layout) {
   const std::string state = state_of(layout.get());
   return nb::bytes(state.data(), state.size());
 }
 
-LayoutBox box_of_state(const nb::bytes& state) {
+// As it is drawn now.
+nb::bytes picture_of_box(const LayoutBox& layout) {
+  std::string picture;
+  {
+    const nb::gil_scoped_release without_lock;
+    picture = layout.picture().draw(layout.get());
+  }
+  return nb::bytes(picture.data(), picture.size());
+}
+
+LayoutBox box_of_state(const nb::bytes& state, const nb::bytes& picture) {
   try {
-    return LayoutBox(layout_of({state.c_str(), state.size()}));
+    const std::string shown = bytes_of(picture);
+    if (!shown.empty()) static_cast<void>(picture_of_state(shown));
+    return LayoutBox(layout_of({state.c_str(), state.size()}), PictureSource(shown));
   } catch (const std::invalid_argument& refused) {
     throw nb::value_error(refused.what());
   }
@@ -466,12 +506,10 @@ void keep_widened(const Account& first, Account& second) {
                    [](const auto& a, const auto& b) { return a.line < b.line; });
 }
 
-// As read_table: where a later batch needs a wider type, the input is read once more.
-std::shared_ptr<const TableData> read_all(const nb::object& source,
+// As read_table: where a later batch needs a wider type, the input is read once more. Called without the lock.
+std::shared_ptr<const TableData> read_all(const Input& input,
                                           const std::optional<LayoutBox>& layout,
                                           const ReadSettings& settings) {
-  const Input input(source);
-  const nb::gil_scoped_release without_lock;
   auto table = std::make_shared<TableData>();
   std::optional<TableReader> reader(open(input, layout, settings));
   read_batches(*reader, *table);
@@ -495,11 +533,19 @@ std::shared_ptr<const TableData> read_all(const nb::object& source,
 
 struct TableBox {
   std::shared_ptr<const TableData> table;
+  LayoutBox layout;
 };
 
+// The picture of a layout that is given is the caller's.
 TableBox read(const nb::object& source, const SharedSettings& settings,
               const std::optional<LayoutBox>& layout) {
-  return {read_all(source, layout, settings->read)};
+  const Input input(source);
+  const nb::gil_scoped_release without_lock;
+  const PictureSource before = picture_before(input, settings);
+  auto table = read_all(input, layout, settings->read);
+  LayoutBox own =
+      layout ? LayoutBox(table->layout) : pictured(input, *table->layout, before, settings);
+  return {std::move(table), std::move(own)};
 }
 
 void append_values(const BatchBox& box, std::size_t field, nb::list& values) {
@@ -525,9 +571,10 @@ class Scan {
  public:
   Scan(const nb::object& source, const SharedSettings& settings,
        const std::optional<LayoutBox>& layout, bool two_passes)
-      : input_(source), settings_(settings->read) {
+      : input_(source), shared_(settings), settings_(settings->read) {
     settings_.two_passes = two_passes;
     const nb::gil_scoped_release without_lock;
+    picture_ = picture_before(input_, settings);
     reader_.emplace(open(input_, layout, settings_));
   }
 
@@ -544,13 +591,18 @@ class Scan {
     return BatchBox{batch, schema_of(reader_->layout(), reader_->names(), {batch}, settings_)};
   }
 
-  LayoutBox layout() const { return LayoutBox(reader_->layout()); }
+  LayoutBox layout() const {
+    const nb::gil_scoped_release without_lock;
+    return pictured(input_, reader_->layout(), picture_, shared_);
+  }
   nb::dict account() const { return dict_of(reader_->account()); }
   std::vector<std::string> names() const { return reader_->names(); }
 
  private:
   Input input_;
+  SharedSettings shared_;
   ReadSettings settings_;
+  PictureSource picture_;
   std::optional<TableReader> reader_;
 };
 
@@ -695,7 +747,7 @@ TableBox read_typed(const nb::object& source, const LayoutBox& layout,
   table->layout = layout.shared();
   table->schema = std::move(schema);
   table->account = reader.account();
-  return {std::move(table)};
+  return {std::move(table), layout};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -759,7 +811,9 @@ NB_MODULE(_core, module) {
   nb::class_<LayoutBox>(module, "Layout")
       .def("json", json_of)
       .def("report", report_of)
+      .def("html", html_of_box)
       .def("state", state_of_box)
+      .def("picture", picture_of_box)
       .def_static("of_state", box_of_state)
       .def_prop_ro("mode", [](const LayoutBox& box) { return word_of(box.get().mode); })
       .def_prop_ro("delimiters", [](const LayoutBox& box) { return utf8_of(box.get().delimiters); })
@@ -788,7 +842,7 @@ NB_MODULE(_core, module) {
   nb::class_<TableBox>(module, "Table")
       .def_prop_ro("num_rows", [](const TableBox& box) { return box.table->num_rows(); })
       .def_prop_ro("fields", [](const TableBox& box) { return fields_of(*box.table->schema); })
-      .def_prop_ro("layout", [](const TableBox& box) { return LayoutBox(box.table->layout); })
+      .def_prop_ro("layout", [](const TableBox& box) { return box.layout; })
       .def_prop_ro("account", [](const TableBox& box) { return dict_of(box.table->account); })
       .def("values", column_values)
       .def("schema", [](const TableBox& box) { return schema_capsule(*box.table->schema); })

@@ -22,8 +22,8 @@
 #include "tool/grouped.hpp"
 #include "tool/html/column_values.hpp"
 #include "tool/html/html_text.hpp"
+#include "tool/html/layout_html.hpp"
 #include "tool/html/picture_html.hpp"
-#include "tool/html/values_html.hpp"
 #include "tool/report.hpp"
 #include "tool/safe_text.hpp"
 #include "tool/showing/picture.hpp"
@@ -39,23 +39,11 @@ using standalone::Layout;
 constexpr std::size_t kFewFiles = 20;
 constexpr std::size_t kMostRivals = 3;
 constexpr std::size_t kMostEvidence = 8;
-constexpr std::size_t kLongestName = 80;     // characters
-constexpr std::size_t kLongestDetail = 200;  // characters
 
 std::string_view plural(std::uint64_t count) { return count == 1 ? "" : "s"; }
 
 // ---------------------------------------------------------------------------------------------
 // The answer
-
-std::string verdict(const Layout& layout, const LayoutWords& words) {
-  if (!layout.no_table.empty())
-    return fmt::format("<p class=\"verdict\">No table was found: <strong>{}</strong>.</p>\n",
-                       html(words.no_table));
-  return fmt::format(
-      "<p class=\"verdict\">The table is <strong>{}</strong>, with {} column{}.</p>\n",
-      html_cut(words.layout, kLongestDetail), grouped(layout.num_variables),
-      plural(layout.num_variables));
-}
 
 std::string confidence(const LayoutWords& words, bool is_doubtful) {
   if (words.confidence.empty()) return {};
@@ -124,35 +112,6 @@ std::vector<ColumnValues> sampled_values(const std::string& file, const Layout& 
   return values;
 }
 
-// A layout has one place for each character of a name, and so not all of an emoji: the picture does.
-void complete_names(const Picture& picture, LayoutWords& words) {
-  for (const Row& row : picture.rows) {
-    if (row.role != RowRole::names) continue;
-    for (const Span& span : row.spans) {
-      if (span.role != SpanRole::name || span.column >= words.columns.size()) continue;
-      std::string& name = words.columns[span.column].name;
-      if (name.find(kReplacementUtf8) != std::string::npos) name = span.text;
-    }
-  }
-}
-
-std::string row_of_column(const LayoutWords& words, const std::vector<ColumnValues>& values,
-                          std::size_t i) {
-  const ColumnWords& column = words.columns[i];
-  std::string details;
-  for (const std::string& each : column.details) {
-    if (!details.empty()) details += "; ";
-    details += each;
-  }
-  return fmt::format(
-      "<tr><td class=\"number\">{}</td><th scope=\"row\"><bdi>{}</bdi></th><td "
-      "class=\"kind\">{}</td>"
-      "<td><bdi>{}</bdi></td><td><bdi>{}</bdi></td><td class=\"values\">{}</td></tr>\n",
-      i + 1, column.name.empty() ? "<em>no name</em>" : html_cut(column.name, kLongestName),
-      html(column.kind), html_cut(column.unit, kLongestName), html_cut(details, kLongestDetail),
-      i < values.size() ? values_html(values[i]) : std::string());
-}
-
 // The rows that the values are of.
 std::string which_rows(const Layout& layout, std::size_t num_rows) {
   if (!layout.has_more_text)
@@ -160,25 +119,6 @@ std::string which_rows(const Layout& layout, std::size_t num_rows) {
                        plural(num_rows));
   return fmt::format("The values are those of the {} sampled row{}, not of the whole file.",
                      grouped(num_rows), plural(num_rows));
-}
-
-std::string columns_table(const Layout& layout, const LayoutWords& words,
-                          const std::vector<ColumnValues>& values) {
-  const std::size_t num_rows = values.empty() ? 0 : values.front().num_rows;
-  std::string out = fmt::format(
-      "<h3>Columns</h3>\n<p class=\"note\">{}</p>\n"
-      "<div class=\"scroll\" role=\"group\" aria-label=\"Columns\" tabindex=\"0\">\n"
-      "<table class=\"columns\">\n<thead><tr><th scope=\"col\" class=\"number\">No.</th><th "
-      "scope=\"col\">Name</th>"
-      "<th scope=\"col\">Kind</th><th scope=\"col\">Unit</th><th scope=\"col\">Written</th>"
-      "<th scope=\"col\">Values</th></tr></thead>\n<tbody>\n",
-      which_rows(layout, num_rows));
-  for (std::size_t i = 0; i < words.columns.size(); ++i) out += row_of_column(words, values, i);
-  out += "</tbody>\n</table>\n</div>\n";
-  if (words.columns.size() < layout.num_variables)
-    out += fmt::format("<p class=\"note\">Of the {} columns the first {} are shown.</p>\n",
-                       grouped(layout.num_variables), grouped(words.columns.size()));
-  return out;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -235,10 +175,10 @@ std::string place_of(const reading::OddPlace& place, const Facts& facts) {
     out += fmt::format(", column {}", place.column);
     if (place.column <= facts.columns.size())
       out += fmt::format(" (<bdi>{}</bdi>)",
-                         html_cut(facts.columns[place.column - 1].name, kLongestName));
+                         html_cut(facts.columns[place.column - 1].name, kLongestShownName));
   }
   return fmt::format("<li>{}: {}: <q><bdi>{}</bdi></q></li>\n", out, words_for(place.oddity),
-                     html_cut(place.text, kLongestName));
+                     html_cut(place.text, kLongestShownName));
 }
 
 std::string misfits(const Facts& facts, std::size_t most) {
@@ -390,11 +330,13 @@ PageFile section_of(const std::string& file, std::size_t index, const Arguments&
   page.confidence = words.confidence;
   page.is_doubtful = is_table && is_doubtful(layout, arguments);
   page.row = row_for(file, layout, words);
-  page.section = verdict(layout, words) + confidence(words, page.is_doubtful) + reasons(words);
+  page.section = verdict_html(layout, words) + confidence(words, page.is_doubtful) + reasons(words);
   if (picture) page.section += "<h3>First lines</h3>\n" + picture_html(*picture);
   if (is_table) {
-    page.section +=
-        columns_table(layout, words, sampled_values(file, layout, arguments, limits.num_columns));
+    const auto values = sampled_values(file, layout, arguments, limits.num_columns);
+    page.section += fmt::format("<h3>Columns</h3>\n<p class=\"note\">{}</p>\n",
+                                which_rows(layout, values.empty() ? 0 : values.front().num_rows)) +
+                    columns_html(layout, words, values);
   }
   page.section += "<h3>How it is written</h3>\n" + facts_list(words);
   if (is_table) page.section += whole_file(file, anchor_of(index), arguments, limits);

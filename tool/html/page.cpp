@@ -55,8 +55,8 @@ std::string page_of(const std::vector<PageFile>& files, double least_confidence)
   const bool has_several = files.size() > 1;
   std::string out = head(title_of(files));
   out += fmt::format(
-      "<body>\n<a class=\"skip\" href=\"#main\">Skip to the report</a>\n"
-      "<header>\n<p class=\"tool\">vltext report</p>\n<h1>{}</h1>\n</header>\n",
+      "<body class=\"vltext\">\n<a class=\"skip\" href=\"#main\">Skip to the report</a>\n"
+      "<header>\n<p class=\"note\">vltext report</p>\n<h1>{}</h1>\n</header>\n",
       has_several ? fmt::format("How {} files are laid out", grouped(files.size()))
                   : std::string("How the table is laid out"));
   if (has_several) out += overview_html(files, least_confidence);

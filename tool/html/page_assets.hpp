@@ -1,4 +1,4 @@
-// The style sheet and the script of the page, as tool/html/page.css and page.js have them.
+// The style sheets and the script of the page, as tool/html/layout.css, page.css and page.js have them.
 #pragma once
 
 #include <string>
@@ -6,10 +6,12 @@
 
 namespace textio::tool {
 
+// Of the answer, the picture and the columns, within an element of the class "vltext". It is the first part of kPageStyle.
+extern const std::string_view kLayoutStyle;
 extern const std::string_view kPageStyle;
 extern const std::string_view kPageScript;
 
-// Their SHA-256, in hexadecimal digits.
+// SHA-256 of the latter two, in hexadecimal digits.
 extern const std::string_view kPageStyleDigest;
 extern const std::string_view kPageScriptDigest;
 

@@ -2,7 +2,6 @@
 from __future__ import annotations
 
 import dataclasses
-import html
 import json
 import os
 from typing import TYPE_CHECKING, Any
@@ -86,7 +85,8 @@ class Layout:
     ('level [m]', 'decimal', 'm')
 
     Layouts are equal if they say the same, of whatever file. They can be pickled, and read by processes with the same
-    version of the package.
+    version of the package. A notebook shows the first lines of a file that has not changed since; those of bytes are
+    kept, and both travel with a pickled layout.
     """
 
     __slots__ = ("_found", "_source", "_arguments", "_members", "_state")
@@ -272,7 +272,7 @@ class Layout:
         return hash(self._bytes())
 
     def __reduce__(self) -> tuple[Any, ...]:
-        return _layout_of_state, (self._bytes(), self._source, self._arguments)
+        return _layout_of_state, (self._bytes(), self._source, self._arguments, self._found.picture())
 
     def __repr__(self) -> str:
         if self.no_table is not None:
@@ -294,7 +294,8 @@ class Layout:
         return self._found.report(os.fsencode(self._source or "-")).rstrip("\n")
 
     def _repr_html_(self) -> str:
-        return _html_of(self)
+        """The answer, the first lines as the tool shows them, and the columns."""
+        return self._found.html(os.fsencode(self._source or ""))
 
 
 def _percent(probability: float) -> int:
@@ -302,48 +303,8 @@ def _percent(probability: float) -> int:
     return min(round(probability * 100), 99) if probability < 1 else 100
 
 
-def _layout_of_state(state: bytes, source: str | None, arguments: Arguments) -> Layout:
-    return Layout._of(_core.Layout.of_state(state), source, arguments)
-
-
-# --- the picture --------------------------------------------------------------------------------------
-
-_MOST_COLUMNS = 50
-
-
-def _row(tag: str, cells: list[str]) -> str:
-    return "<tr>" + "".join(f"<{tag}>{cell}</{tag}>" for cell in cells) + "</tr>"
-
-
-def _escaped(text: str | None) -> str:
-    shown = "".join(c if c.isprintable() or c == " " else "\N{REPLACEMENT CHARACTER}"
-                    for c in text or "")
-    return html.escape(shown)
-
-
-def _lines_word(run: LineRun) -> str:
-    if run.first_line == run.last_line:
-        return f"line {run.first_line}"
-    return f"lines {run.first_line} to {run.last_line}"
-
-
-def _html_of(layout: Layout) -> str:
-    """The roles of the lines, and the columns with their first different cells."""
-    columns = layout.columns[:_MOST_COLUMNS]
-    rows = [_row("th", [_escaped(column.unique_name) for column in columns])]
-    if any(column.unit for column in columns):
-        rows.append(_row("th", [_escaped(column.unit) for column in columns]))
-    rows.append(_row("th", [f"<i>{_escaped(column.kind)}</i>" for column in columns]))
-    longest = max((len(column.examples) for column in columns), default=0)
-    for i in range(longest):
-        rows.append(_row("td", [_escaped(column.examples[i]) if i < len(column.examples) else ""
-                                for column in columns]))
-    lines = "; ".join(f"{_lines_word(run)}: {_escaped(run.role)}" for run in layout.lines[:20])
-    source = f"<b>{_escaped(layout.source)}</b>: " if layout.source else ""
-    more = len(layout.columns) - len(columns)
-    note = f"<div>and {more} more columns</div>" if more > 0 else ""
-    return (f"<div>{source}{_escaped(repr(layout)[len('<vltext.Layout: '):-1])}</div>"
-            f"<div><small>{lines}</small></div><table>{''.join(rows)}</table>{note}")
+def _layout_of_state(state: bytes, source: str | None, arguments: Arguments, picture: bytes = b"") -> Layout:
+    return Layout._of(_core.Layout.of_state(state, picture), source, arguments)
 
 
 # --- making one ------------------------------------------------------------------------------------------

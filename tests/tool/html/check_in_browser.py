@@ -1,10 +1,11 @@
 """Shows pages of `vltext FILE... --html OUT` in a browser, without a window, and checks what a person meets there.
 
-    check_in_browser.py TOOL AXE SCREENSHOT FOLDER
+    check_in_browser.py TOOL AXE SCREENSHOT FOLDER [PYTHON]
 
-TOOL is the program, AXE the script of the accessibility checker. Each page is looked at in light and dark, on the
-screen of a telephone, and as wide as 80 and 200 letters of a terminal. What is wrong is printed, and the exit status
-is 1. SCREENSHOT is written, and to FOLDER a picture of each look.
+TOOL is the program, AXE the script of the accessibility checker. PYTHON is an interpreter with the package vltext: with
+it, what notebooks show is looked at too. Each page is looked at in light and dark, on the screen of a telephone, and as
+wide as 80 and 200 letters of a terminal. What is wrong is printed, and the exit status is 1. SCREENSHOT is written, and
+to FOLDER a picture of each look.
 scripts/check-report calls this program with all it needs.
 """
 import os
@@ -205,8 +206,58 @@ def check_hostile(browser: webdriver.Chrome, page: pathlib.Path) -> None:
     expect(not browser.execute_script("return window.ran"), "a script that is not the page's own has run")
 
 
+# --- notebooks ---------------------------------------------------------------------------------
+
+FRAGMENT = "import sys, vltext; sys.stdout.buffer.write(vltext.detect(sys.argv[1])._repr_html_().encode())"
+
+# A page as notebooks are, with rules for all tables, in colours of its own.
+NOTEBOOK = """<!DOCTYPE html><html lang="en"><head><meta charset="utf-8"><title>Notebook</title>
+<meta name="color-scheme" content="light dark"><style>
+.output {{ font: 14px sans-serif; }}
+.output table {{ border: none; font-size: 12px; margin: 0 auto; table-layout: fixed; }}
+.output td, .output th {{ max-width: none; text-align: right; white-space: normal; }}
+.output tbody tr:nth-child(even) {{ background: #777; }}
+</style></head><body><main><h1>Notebook</h1><div class="output">{}<table id="other"><tbody>
+<tr><td class="cell">other</td></tr></tbody></table></div></main></body></html>
+"""
+
+
+def write_notebook(python: str, file: pathlib.Path, page: pathlib.Path) -> None:
+    done = subprocess.run([python, "-c", FRAGMENT, str(file)], capture_output=True, text=True, check=True)
+    page.write_text(NOTEBOOK.format(done.stdout), encoding="utf-8")
+
+
+def style_of(browser: webdriver.Chrome, selector: str, name: str) -> str:
+    return browser.find_element(By.CSS_SELECTOR, selector).value_of_css_property(name)
+
+
+def check_notebook(browser: webdriver.Chrome, page: pathlib.Path) -> None:
+    show(browser, page)
+    rows = browser.find_elements(By.CSS_SELECTOR, ".picture tbody tr")
+    expect(rows[0].text == "1 names day,level [cm],note", f"a notebook: the first line is {rows[0].text}")
+    colours = [style_of(browser, ".picture .cell", "color"), style_of(browser, ".picture .odd", "color"),
+               style_of(browser, ".picture .delimiter", "color"), style_of(browser, "#other .cell", "color")]
+    expect(len(set(colours)) == 4, f"a notebook: cells, odd cells, delimiters and other tables are {colours}")
+    expect(style_of(browser, ".picture .line", "text-align") == "left", "a notebook: its rules reach the picture")
+    expect(style_of(browser, ".picture tbody tr:nth-child(2)", "background-color") == "rgba(0, 0, 0, 0)",
+           "a notebook: its stripes reach the picture")
+    expect(style_of(browser, "#other td", "text-align") == "right", "a notebook: the rules of the picture reach others")
+    show(browser, page, scheme="dark")
+    expect(style_of(browser, ".picture .cell", "color") != colours[0], "a notebook: light and dark are the same")
+
+
+def check_hostile_notebook(browser: webdriver.Chrome, page: pathlib.Path) -> None:
+    show(browser, page)
+    counts = browser.execute_script(
+        "return ['script', 'img', 'main', 'svg', '[onerror]'].map((each) => document.querySelectorAll(each).length)")
+    expect(counts == [0, 0, 1, 0, 0], f"a notebook has elements that came from a file: {counts}")
+    text = browser.execute_script("return document.body.textContent")
+    expect("<script>alert(2)</script>" in text, "a notebook: the name of a column is not shown")
+    expect("\u202e" not in text, "a notebook: a text can turn the direction around")
+
+
 def main() -> int:
-    tool, axe_path, screenshot, pictures_path = (str(pathlib.Path(each).resolve()) for each in sys.argv[1:])
+    tool, axe_path, screenshot, pictures_path, *pythons = (os.path.abspath(each) for each in sys.argv[1:])
     pictures = pathlib.Path(pictures_path)
     pictures.mkdir(exist_ok=True)
     axe = pathlib.Path(axe_path).read_text(encoding="utf-8")
@@ -227,6 +278,9 @@ def main() -> int:
         write_page(tool, files + more, several)
         example = folder / "example.html"
         write_page(tool, [pathlib.Path("examples/preamble.csv")], example)
+        notebooks = [folder / f"notebook{i}.html" for i in range(len(files) if pythons else 0)]
+        for file, page in zip(files, notebooks):
+            write_notebook(pythons[0], file, page)
 
         browser = open_browser()
         try:
@@ -234,7 +288,10 @@ def main() -> int:
             check_copying(browser, tool, files[0], pages[0])
             check_keyboard(browser, pages[0])
             check_overview(browser, several, len(files + more))
-            for page in pages + [several, example]:
+            if notebooks:
+                check_notebook(browser, notebooks[0])
+                check_hostile_notebook(browser, notebooks[-1])
+            for page in pages + [several, example] + notebooks:
                 for scheme in SCHEMES:
                     for width in WIDTHS:
                         check_look(browser, page, axe, width, scheme, pictures)
@@ -246,7 +303,7 @@ def main() -> int:
             browser.quit()
     for problem in problems:
         print(problem, file=sys.stderr)
-    print(f"{len(pages) + 2} pages in {len(SCHEMES) * len(WIDTHS)} looks: "
+    print(f"{len(pages) + 2} pages and {len(notebooks)} notebooks in {len(SCHEMES) * len(WIDTHS)} looks: "
           f"{len(problems)} problem{'' if len(problems) == 1 else 's'}")
     return 1 if problems else 0
 

@@ -315,7 +315,7 @@ TEST_P(HtmlOfHostile, IsTextEverywhere) {
     text += std::to_string(i) + ",\"" + name + "\"," + std::to_string(i % 3) + "\n";
   }
   std::string page = page_of_text(text, {"--delimiter", ","});
-  page.erase(0, page.find("<body>"));  // what is above it has style sheets of its own
+  page.erase(0, page.find("<body"));  // what is above it has style sheets of its own
   EXPECT_THAT(page, HasSubstr(std::string("<bdi>") + GetParam().shown + "</bdi>"));
   EXPECT_THAT(page,
               HasSubstr(std::string("<bdi class=\"cell odd\">") + GetParam().shown + "</bdi>"));
