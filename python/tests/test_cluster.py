@@ -17,6 +17,7 @@ import pytest
 import vltext
 from vltext import _fleet
 from vltext._fleet import Batch, Entry, Work
+from vltext._rows import Rows
 
 distributed = pytest.importorskip("distributed")
 pytest.importorskip("pyarrow")
@@ -88,7 +89,7 @@ def test_a_killed_worker_loses_no_row_and_makes_none_twice(folder: pathlib.Path,
     assert paths_of(made) == all_once()
 
 
-def deadly(batch: Batch, work: Work) -> list[str]:
+def deadly(batch: Batch, work: Work) -> Rows:
     """A task whose worker dies of one file, as by a lack of memory."""
     if any(entry.path.endswith("007.csv") for entry in batch.entries):
         os.kill(os.getpid(), signal.SIGKILL)
@@ -98,14 +99,15 @@ def deadly(batch: Batch, work: Work) -> list[str]:
 def test_a_file_that_kills_each_worker_is_a_row(folder: pathlib.Path, client: Any) -> None:
     entries = [Entry(str(path)) for path in sorted(folder.iterdir())[:12]]
     batches = [Batch(tuple(entries[start:start + 4])) for start in range(0, 12, 4)]
-    lines = [line for _, found in _fleet.look_on_cluster(batches, Work(jobs=1), client, deadly) for line in found]
+    found = list(_fleet.look_on_cluster(batches, Work(jobs=1), client, deadly))
+    lines = [line for _, rows in found for line in rows.lines()]
     made = vltext.Catalog(lines)
     assert made.errors == {str(folder / "007.csv"): _fleet.DIED}
     assert sorted(paths_of(made)) == [f"{number:03}.csv" for number in range(12)]
 
 
 def test_what_is_wrong_with_the_task_is_raised(folder: pathlib.Path, client: Any) -> None:
-    def wrong(batch: Batch, work: Work) -> list[str]:
+    def wrong(batch: Batch, work: Work) -> Rows:
         raise ValueError("not of a file")
 
     with pytest.raises(ValueError, match="not of a file"):
@@ -117,9 +119,9 @@ import os, sys, distributed, vltext
 from vltext import _catalog
 write = _catalog._Folder.write
 done = []
-def killing(self, batch, lines):
+def killing(self, batch, rows):
     if len(done) == 5: os.kill(os.getpid(), 9)
-    write(self, batch, lines); done.append(batch)
+    write(self, batch, rows); done.append(batch)
 _catalog._Folder.write = killing
 with distributed.Client(sys.argv[1]) as client:
     vltext.catalog(sys.argv[2], to=sys.argv[3], client=client, batch_size=7)

@@ -65,6 +65,6 @@ def test_a_bar_counts_files_and_bytes_on_a_terminal(folder: pathlib.Path) -> Non
 def test_without_a_bar_the_counts_are_kept() -> None:
     progress = Progress(2, "files", shown=False)
     progress.add(10)
-    progress.add(0, failed=True)
+    progress.add(0, num_failed=1)
     progress.close()
     assert (progress._bytes, progress._failed) == (10, 1)

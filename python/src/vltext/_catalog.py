@@ -5,7 +5,6 @@ import contextlib
 import datetime
 import fcntl
 import glob
-import io
 import json
 import os
 import re
@@ -13,12 +12,13 @@ import uuid
 from collections.abc import Iterable, Iterator, Sequence
 from typing import TYPE_CHECKING, Any, Union
 
-from . import _core, _fleet
+from . import _core, _fleet, _rows
 from ._drift import Drift, drift
 from ._fleet import Batch, Entry, Work
 from ._groups import Groups, groups
 from ._options import DETECT_NAMES, arguments_of, detect_settings
 from ._progress import Progress
+from ._rows import Rows
 
 if TYPE_CHECKING:
     from types import TracebackType
@@ -32,7 +32,6 @@ Row = dict[str, Any]
 
 _IS_ADDRESS = re.compile(r"[A-Za-z][A-Za-z0-9+.-]*(://|::)")
 _PART = re.compile(r"part-[0-9a-f-]{36}\.parquet")
-_SIZE = re.compile(r'"size": (\d+)')
 _USUAL_BATCH = 1000
 
 
@@ -63,7 +62,7 @@ class Catalog:
     def __len__(self) -> int:
         if self._folder is None:
             return len(self._lines)
-        parquet = _parquet()
+        parquet = _rows.parquet()
         return sum(parquet.read_metadata(part).num_rows for part in _parts_in(self._folder))
 
     def __iter__(self) -> Iterator[Row]:
@@ -77,10 +76,10 @@ class Catalog:
         import pyarrow  # type: ignore[import-untyped,unused-ignore]
 
         if self._folder is None:
-            return _table_of(self._lines)
-        parquet = _parquet()
-        tables = [parquet.read_table(part, schema=_schema()) for part in _parts_in(self._folder)]
-        table = pyarrow.concat_tables([_schema().empty_table(), *tables])
+            return _rows.table_of(self._lines)
+        parquet = _rows.parquet()
+        tables = [parquet.read_table(part, schema=_rows.schema()) for part in _parts_in(self._folder)]
+        table = pyarrow.concat_tables([_rows.schema().empty_table(), *tables])
         paths = table.column("path").to_pylist()
         return table.take(sorted(range(len(paths)), key=lambda place: paths[place].split("/")))
 
@@ -130,12 +129,12 @@ def catalog(paths: Path | Iterable[Path], *, to: Path | None = None, recursive: 
     pyarrow, and one process at a time may write to it.
 
     `client` is a client of Dask, whose workers then look at the files in batches; they need this package and the
-    files. Without one, `jobs` threads do it (0: one for each processor), in a process of their own unless `isolate`
+    files, and pyarrow with `to`. Without one, `jobs` threads do it (0: one for each processor), in a process of their own unless `isolate`
     is false: a file that crashes it is a row with an error, as one is that it takes longer than `timeout` seconds for.
 
     `progress` shows how far the work is with tqdm; None: on a terminal, and in notebooks."""
     work = Work(arguments_of(options, DETECT_NAMES), 1 if client is not None and jobs == 0 else jobs, isolate, timeout,
-                storage_options or {})
+                storage_options or {}, to is not None)
     detect_settings(work.arguments)
     entries = _entries_of(paths, recursive, work.storage_options)
     folder = None if to is None else _Folder(os.fspath(to))
@@ -147,16 +146,16 @@ def catalog(paths: Path | Iterable[Path], *, to: Path | None = None, recursive: 
         batches = [Batch(tuple(entries[start:start + batch_size])) for start in range(0, len(entries), batch_size)]
         results = (_fleet.look_here(batches, work) if client is None
                    else _fleet.look_on_cluster(batches, work, client))
-        found: dict[Batch, list[str]] = {}
-        for batch, lines in results:
+        found: dict[Batch, Rows] = {}
+        for batch, rows in results:
             if folder is None:
-                found[batch] = lines
+                found[batch] = rows
             else:
-                folder.write(batch, lines)
-            _add(bar, lines)
+                folder.write(batch, rows)
+            bar.add(rows.num_bytes, rows.num_failed, rows.num_files)
     if folder is not None:
         return Catalog(folder=folder.path)
-    return Catalog([line for batch in batches for line in found[batch]])
+    return Catalog([line for batch in batches for line in found.pop(batch).lines()])
 
 
 # --- which files ------------------------------------------------------------------------------------------
@@ -227,40 +226,6 @@ def _time_of(nanoseconds: int) -> str:
 # --- Parquet ----------------------------------------------------------------------------------------------
 
 
-def _parquet() -> Any:
-    import pyarrow.parquet  # type: ignore[import-untyped,unused-ignore]
-
-    return pyarrow.parquet
-
-
-def _schema() -> Any:
-    import pyarrow as pa
-
-    text, number = pa.string(), pa.int64()
-    column = pa.struct([("name", text), ("kind", text), ("unit", text)])
-    return pa.schema([
-        ("catalog", number), ("path", text), ("path_bytes", text), ("size", number), ("modified", text),
-        ("etag", text), ("status", text), ("error", text), ("no_table", text), ("file_kind", text),
-        ("confidence", pa.float64()), ("lines", number), ("layout_fingerprint", text),
-        ("schema_fingerprint", text), ("mode", text), ("delimiters", pa.list_(text)), ("widths", pa.list_(number)),
-        ("quote", text), ("decimal", text), ("grouping", text), ("comment_prefix", text), ("encoding", text),
-        ("byte_order_mark", pa.bool_()), ("line_ending", text), ("header_lines", number), ("names_line", number),
-        ("units_line", number), ("num_variables", number), ("columns", pa.list_(column)),
-    ])
-
-
-def _table_of(lines: Sequence[str]) -> Any:
-    from pyarrow import json as arrow_json  # type: ignore[import-untyped,unused-ignore]
-
-    if not lines:
-        return _schema().empty_table()
-    content = "".join(lines).encode()
-    how = arrow_json.ParseOptions(explicit_schema=_schema(), unexpected_field_behavior="ignore")
-    longest = max(len(line) for line in lines) * 4 + 1024
-    return arrow_json.read_json(io.BytesIO(content), parse_options=how,
-                                read_options=arrow_json.ReadOptions(block_size=max(1 << 20, longest)))
-
-
 def _parts_in(folder: str) -> list[str]:
     return sorted(os.path.join(folder, name) for name in os.listdir(folder) if _PART.fullmatch(name))
 
@@ -298,7 +263,8 @@ class _Folder:
         wanted = {entry.path: entry for entry in entries}
         known: set[str] = set()
         for part in _parts_in(self.path):
-            rows = _parquet().read_table(part, columns=["path", "path_bytes", "size", "modified", "etag", "status"])
+            names = ["path", "path_bytes", "size", "modified", "etag", "status"]
+            rows = _rows.parquet().read_table(part, columns=names)
             keep = []
             for row in rows.to_pylist():
                 path = _path_of(row)
@@ -312,18 +278,20 @@ class _Folder:
 
     def _keep(self, part: str, keep: list[bool]) -> None:
         if any(keep):
-            self._replace(part, _parquet().read_table(part, schema=_schema()).filter(keep))
+            table = _rows.parquet().read_table(part, schema=_rows.schema()).filter(keep)
+            self._replace(part, _rows.parquet_of(table))
         else:
             os.unlink(part)
             self._settle()
 
-    def write(self, batch: Batch, lines: list[str]) -> None:
-        self._replace(os.path.join(self.path, f"part-{batch.name}.parquet"), _table_of(lines))
+    def write(self, batch: Batch, rows: Rows) -> None:
+        """Rows that are Parquet."""
+        self._replace(os.path.join(self.path, f"part-{batch.name}.parquet"), rows.content)
 
-    def _replace(self, part: str, table: Any) -> None:
+    def _replace(self, part: str, content: bytes) -> None:
         temporary = os.path.join(self.path, f".part-{uuid.uuid4().hex}")
         with open(temporary, "wb") as file:
-            _parquet().write_table(table, file, compression="zstd")
+            file.write(content)
             file.flush()
             os.fsync(file.fileno())
         os.replace(temporary, part)
@@ -356,10 +324,3 @@ def _is_unchanged(entry: Entry, row: Row) -> bool:
     except OSError:
         return False
     return (about.st_size, _time_of(about.st_mtime_ns)) == (row["size"], row["modified"])
-
-
-def _add(bar: Progress, lines: list[str]) -> None:
-    for line in lines:
-        head, _, status = line.partition('"status": ')
-        size = _SIZE.search(head)
-        bar.add(int(size[1]) if size else 0, status.startswith('"error"'))

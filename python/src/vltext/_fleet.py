@@ -24,6 +24,7 @@ from typing import Any, cast
 
 from . import _core
 from ._options import Arguments, detect_settings
+from ._rows import Rows
 
 #: The version of the rows.
 VERSION = 1
@@ -60,6 +61,8 @@ class Work:
     isolate: bool = True
     timeout: float = 600.0
     storage_options: dict[str, Any] = dataclasses.field(default_factory=dict)
+    #: Whether the rows are to be a Parquet file, not lines of JSON.
+    as_parquet: bool = False
 
 
 @dataclasses.dataclass(frozen=True)
@@ -191,7 +194,7 @@ class Looker:
     """Looks at batches, with a process of its own if that is wanted. For one thread at a time."""
 
     def __init__(self, work: Work) -> None:
-        self._work = work
+        self.work = work
         self._process = Isolated() if work.isolate else None
         self._is_stopped = False
 
@@ -214,7 +217,7 @@ class Looker:
         if remote:
             with tempfile.TemporaryDirectory(prefix="vltext-") as folder, \
                     ThreadPoolExecutor(min(_REMOTE_THREADS, len(remote))) as threads:
-                files = _FetchedFiles(folder, self._work.storage_options)
+                files = _FetchedFiles(folder, self.work.storage_options)
                 # The next files are fetched while one is looked at, no more than there are threads.
                 waiting: deque[Any] = deque()
                 for place in remote:
@@ -231,12 +234,12 @@ class Looker:
             raise InterruptedError("the work was ended")
         if self._process is None:
             return _REQUESTS[name](*arguments)
-        return self._process.ask(name, *arguments, timeout=self._work.timeout)
+        return self._process.ask(name, *arguments, timeout=self.work.timeout)
 
     def _local_lines(self, entries: list[Entry]) -> list[str]:
         paths = [os.fsencode(entry.path) for entry in entries]
         try:
-            lines: list[str] = self._ask("lines", paths, self._work.arguments, self._work.jobs)
+            lines: list[str] = self._ask("lines", paths, self.work.arguments, self.work.jobs)
             return lines
         except ProcessDied as died:
             if len(entries) == 1:
@@ -250,7 +253,7 @@ class Looker:
                 return failed_line(entry, fetched.problem)
             try:
                 line, characters = self._ask("named", os.fsencode(fetched.path), os.fsencode(entry.path),
-                                             self._work.arguments)
+                                             self.work.arguments)
             except ProcessDied as died:
                 return failed_line(entry, str(died))
             finally:
@@ -318,11 +321,11 @@ class _FetchedFiles:
 
 # --- on one machine ---------------------------------------------------------------------------------------
 
-Result = tuple[Batch, list[str]]
+Result = tuple[Batch, Rows]
 
 
 def look_here(batches: Iterable[Batch], work: Work) -> Iterator[Result]:
-    """The lines of each batch. The next batch is looked at while the caller works on one."""
+    """The rows of each batch. The next batch is looked at while the caller works on one."""
     looker = Looker(work)
     try:
         with ThreadPoolExecutor(1) as thread:
@@ -331,11 +334,9 @@ def look_here(batches: Iterable[Batch], work: Work) -> Iterator[Result]:
                 for batch in batches:
                     pending.append((batch, thread.submit(looker.look_at, batch)))
                     if len(pending) > 2:
-                        done, lines = pending.popleft()
-                        yield done, lines.result()
+                        yield _packed(*pending.popleft(), work)
                 while pending:
-                    done, lines = pending.popleft()
-                    yield done, lines.result()
+                    yield _packed(*pending.popleft(), work)
             finally:
                 for _, lines in pending:
                     lines.cancel()
@@ -345,27 +346,33 @@ def look_here(batches: Iterable[Batch], work: Work) -> Iterator[Result]:
         looker.close()
 
 
+def _packed(batch: Batch, lines: Any, work: Work) -> Result:
+    return batch, Rows.of(lines.result(), work.as_parquet)
+
+
 # --- on a cluster -----------------------------------------------------------------------------------------
 
 _own = threading.local()
 
 
-def look_on_worker(batch: Batch, work: Work) -> list[str]:
-    """The task of a worker. Each of its threads keeps a process."""
+def look_on_worker(batch: Batch, work: Work) -> Rows:
+    """The task of a worker. Each of its threads keeps a process.
+
+    What a row becomes is made here, where there are many processors, and is small: scheduler and client pass it on."""
     looker: Looker | None = getattr(_own, "looker", None)
-    if looker is None or _own.work != work:
+    if looker is None or looker.work.isolate != work.isolate:
         if looker is not None:
             looker.close()
         looker = _own.looker = Looker(work)
-        _own.work = work
-    return looker.look_at(batch)
+    looker.work = work
+    return Rows.of(looker.look_at(batch), work.as_parquet)
 
 
-Task = Callable[[Batch, Work], list[str]]
+Task = Callable[[Batch, Work], Rows]
 
 
 def look_on_cluster(batches: Iterable[Batch], work: Work, client: Any, task: Task = look_on_worker) -> Iterator[Result]:
-    """The lines of each batch, in the order in which they are done.
+    """The rows of each batch, in the order in which they are done.
 
     The scheduler has no more than a few batches for each thread of the workers at a time, so its memory does not grow
     with the number of files. A batch whose worker died is given to another by the scheduler; if that happens too often,
@@ -394,13 +401,13 @@ def look_on_cluster(batches: Iterable[Batch], work: Work, client: Any, task: Tas
             future = next(completed)
             batch = running.pop(future)
             try:
-                lines = future.result()
+                rows = future.result()
             except Exception as error:
                 if not _is_lost(error):
                     raise
                 unlucky.append(batch)
             else:
-                yield batch, lines
+                yield batch, rows
             del future
             while len(running) < at_once.number() and submit():
                 pass
@@ -408,7 +415,8 @@ def look_on_cluster(batches: Iterable[Batch], work: Work, client: Any, task: Tas
         for future in running:
             future.cancel()
     for batch in unlucky:
-        yield batch, _alone(batch, work, client, task)
+        lines = _alone(batch, dataclasses.replace(work, as_parquet=False), client, task)
+        yield batch, Rows.of(lines, work.as_parquet)
 
 
 class _AtOnce:
@@ -440,7 +448,7 @@ def _alone(batch: Batch, work: Work, client: Any, task: Task) -> list[str]:
     """A batch that nothing else is looked at beside; if its workers die, its files one at a time."""
     future = client.submit(task, batch, work, key=f"vltext-alone-{uuid.uuid4().hex}", pure=False)
     try:
-        lines: list[str] = future.result()
+        lines: list[str] = future.result().lines()
         return lines
     except Exception as error:
         if not _is_lost(error):

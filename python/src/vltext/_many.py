@@ -280,7 +280,7 @@ def read_many(paths: Paths | Catalog, *, misfits: Misfits = "error", progress: b
                 bar.add(account.num_bytes)
             except Error as error:
                 failed[path] = str(error)
-                bar.add(0, failed=True)
+                bar.add(0, num_failed=1)
     finally:
         bar.close()
     unfit = _find_misfits(learned)

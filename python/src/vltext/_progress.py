@@ -16,7 +16,7 @@ class Progress:
 
     >>> progress = Progress(2, "files", shown=False)
     >>> progress.add(1000)
-    >>> progress.add(0, failed=True)
+    >>> progress.add(0, num_failed=1)
     >>> progress.close()
     """
 
@@ -32,17 +32,17 @@ class Progress:
             return
         self._bar = tqdm(total=total, unit=f" {unit}", leave=False)
 
-    def add(self, num_bytes: int, failed: bool = False) -> None:
-        """One more is done."""
+    def add(self, num_bytes: int, num_failed: int = 0, count: int = 1) -> None:
+        """So many bytes are done, in one more file or in several."""
         self._bytes += num_bytes
-        self._failed += failed
+        self._failed += num_failed
         if self._bar is None:
             return
         words = {"MB": f"{self._bytes / 1e6:.1f}"}
         if self._failed:
             words["failed"] = str(self._failed)
         self._bar.set_postfix(words, refresh=False)
-        self._bar.update()
+        self._bar.update(count)
 
     def close(self) -> None:
         """Takes the bar away."""
