@@ -179,18 +179,20 @@ def _is_pattern(path: str) -> bool:
 
 
 def _remote_entries(address: str, recursive: bool, options: dict[str, Any]) -> list[Entry]:
+    """The files of an address. What cannot be listed is a file that cannot be looked at."""
     import fsspec  # type: ignore[import-untyped,unused-ignore]
 
-    files, name = fsspec.core.url_to_fs(address, **options)
-    if glob.has_magic(name):
-        found = files.glob(name, detail=True)
-    elif files.isdir(name):
-        found = files.find(name, maxdepth=None if recursive else 1, detail=True)
-    else:
-        try:
+    try:
+        files, name = fsspec.core.url_to_fs(address, **options)
+        files.invalidate_cache()  # of an earlier listing
+        if glob.has_magic(name):
+            found = files.glob(name, detail=True)
+        elif files.isdir(name):
+            found = files.find(name, maxdepth=None if recursive else 1, detail=True)
+        else:
             found = {name: files.info(name)}
-        except Exception:
-            return [Entry(address, is_local=False)]  # to look at it says why it is not there
+    except Exception as error:
+        return [Entry(address, is_local=False, problem=_fleet.words_for(error))]
     inner = address.split("::", 1)[1:]
     return [_remote_entry(files, path, info, inner) for path, info in sorted(found.items())
             if info.get("type") != "directory" and not path.rsplit("/", 1)[-1].startswith(".")]

@@ -50,6 +50,8 @@ class Entry:
     modified: str | None = None
     etag: str | None = None
     is_local: bool = True
+    #: Why it cannot be looked at, if that is known already.
+    problem: str | None = None
 
 
 @dataclasses.dataclass(frozen=True)
@@ -75,6 +77,11 @@ class Batch:
     def name(self) -> str:
         paths = "\0".join(entry.path for entry in self.entries)
         return str(uuid.uuid5(uuid.NAMESPACE_URL, paths.encode("utf-8", "surrogatepass").hex()))
+
+
+def words_for(error: Exception) -> str:
+    """What is said about a file elsewhere that cannot be listed or read."""
+    return f"{type(error).__name__}: {error}"
 
 
 def failed_line(entry: Entry, reason: str) -> str:
@@ -209,11 +216,12 @@ class Looker:
 
     def look_at(self, batch: Batch) -> list[str]:
         """A line for each file, in their order."""
-        lines: dict[int, str] = {}
+        lines = {place: failed_line(entry, entry.problem) for place, entry in enumerate(batch.entries)
+                 if entry.problem is not None}
         local = [place for place, entry in enumerate(batch.entries) if entry.is_local]
         if local:
             lines |= zip(local, self._local_lines([batch.entries[place] for place in local]))
-        remote = [place for place, entry in enumerate(batch.entries) if not entry.is_local]
+        remote = [place for place, entry in enumerate(batch.entries) if not entry.is_local and place not in lines]
         if remote:
             with tempfile.TemporaryDirectory(prefix="vltext-") as folder, \
                     ThreadPoolExecutor(min(_REMOTE_THREADS, len(remote))) as threads:
@@ -296,7 +304,7 @@ class _FetchedFiles:
         except Exception as error:
             with contextlib.suppress(OSError):
                 os.unlink(path)
-            return _Fetched(problem=f"{type(error).__name__}: {error}")
+            return _Fetched(problem=words_for(error))
 
     def _fetch(self, entry: Entry, head: int, path: str) -> _Fetched:
         import fsspec  # type: ignore[import-untyped,unused-ignore]
