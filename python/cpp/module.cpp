@@ -677,6 +677,34 @@ struct StreamItem {
   }
 };
 
+// Ends a stream whose consumer runs in the main thread when a signal asks for it. What the handler of the signal raised
+// cannot go through the consumer, which has an error of its own: the main thread raises it as soon as that is done.
+class SignalWatch {
+ public:
+  // The caller has the lock.
+  SignalWatch()
+      : main_thread_(nb::cast<unsigned long>(
+            nb::module_::import_("threading").attr("main_thread")().attr("ident"))) {}
+
+  void obey() const {
+    if (PyThread_get_thread_ident() != main_thread_) return;
+    const nb::gil_scoped_acquire with_lock;
+    if (PyErr_CheckSignals() == 0) return;
+    auto kept = std::make_unique<nb::python_error>();
+    if (Py_AddPendingCall(raise_kept, kept.get()) == 0) static_cast<void>(kept.release());
+    throw reading::ReadError("the reading was interrupted", 0, 0);
+  }
+
+ private:
+  static int raise_kept(void* argument) {
+    const std::unique_ptr<nb::python_error> kept(static_cast<nb::python_error*>(argument));
+    kept->restore();
+    return -1;
+  }
+
+  unsigned long main_thread_;
+};
+
 class StreamOfItems : public BatchSource {
  public:
   StreamOfItems(std::vector<StreamItem> items, SharedSchema schema)
@@ -685,6 +713,7 @@ class StreamOfItems : public BatchSource {
   SharedSchema schema() override { return schema_; }
 
   SharedBatch next(SharedSchema& schema) override {
+    signals_.obey();
     for (; next_ < items_.size(); ++next_, reader_.reset()) {
       if (!reader_) reader_.emplace(items_[next_].open());
       schema = items_[next_].schema;
@@ -696,6 +725,7 @@ class StreamOfItems : public BatchSource {
  private:
   std::vector<StreamItem> items_;
   SharedSchema schema_;
+  SignalWatch signals_;
   std::size_t next_ = 0;
   std::optional<TableReader> reader_;
 };

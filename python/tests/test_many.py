@@ -3,6 +3,8 @@ from __future__ import annotations
 
 import datetime
 import pathlib
+import subprocess
+import sys
 
 import pyarrow as pa
 import pytest
@@ -140,3 +142,62 @@ def test_a_frame_of_dask_has_the_rows_of_all_files(folder: pathlib.Path) -> None
     assert computed["note"].tolist() == EXPECTED["note"]
     assert list(frame.dtypes) == list(computed.dtypes)
     assert float(frame["level"].sum().compute()) == 50.0
+
+
+# --- interrupts -------------------------------------------------------------------------------------------
+
+# A file is learned, and then is a pipe that never ends: the consumer is within the stream when the signal comes, and what
+# is written after it is read only if nobody obeys.
+INTERRUPTED = """
+import os, signal, sys, threading, vltext
+path, consumer = sys.argv[1:]
+rows = b"1,2\\n" * 100_000
+with open(path, "wb") as file:
+    file.write(b"a,b\\n" + rows)
+many = vltext.read_many(path)
+os.unlink(path)
+os.mkfifo(path)
+written = []
+
+def write():
+    with open(path, "wb", buffering=0) as pipe:
+        try:
+            pipe.write(b"a,b\\n")
+            for number in range(2000):
+                if number == 20:
+                    os.kill(os.getpid(), signal.SIGINT)
+                pipe.write(rows)
+                written.append(number)
+        except BrokenPipeError:
+            pass
+
+def consume():
+    if consumer == "pyarrow":
+        import pyarrow
+        return pyarrow.table(many)
+    import polars
+    return polars.DataFrame(many)
+
+__import__(consumer)  # not in the middle of an import
+writer = threading.Thread(target=write)
+writer.start()
+caught = []
+try:
+    try:
+        consume()
+    except Exception as error:  # that of the consumer; the interrupt comes after it
+        caught.append(str(error))
+        len(caught)
+except KeyboardInterrupt:
+    caught.append("KeyboardInterrupt")
+writer.join()
+print(len(written) < 1000, caught)
+"""
+
+
+@pytest.mark.parametrize("consumer", ["pyarrow", "polars"])
+def test_a_consumer_of_a_stream_can_be_interrupted(tmp_path: pathlib.Path, consumer: str) -> None:
+    done = subprocess.run([sys.executable, "-c", INTERRUPTED, tmp_path / "table.csv", consumer], timeout=100,
+                          capture_output=True, text=True, check=False)
+    assert done.stdout.startswith("True ["), done.stderr
+    assert "KeyboardInterrupt" in done.stdout
