@@ -443,6 +443,13 @@ void obey_signals() {
   if (PyErr_CheckSignals() != 0) throw nb::python_error();
 }
 
+// The same, and tells the caller how many bytes are read, if it wants to know. Called without the lock.
+void pause_at(std::uint64_t num_bytes, const nb::object& progress) {
+  const nb::gil_scoped_acquire with_lock;
+  obey_signals();
+  if (!progress.is_none()) progress(num_bytes);
+}
+
 TableReader detected(const Input& input, const ReadSettings& settings) {
   TableReader reader = input.held ? TableReader::of_bytes(input.held->view(), settings)
                                   : TableReader(input.path, settings);
@@ -460,13 +467,12 @@ TableReader open(const Input& input, const std::optional<LayoutBox>& layout,
 }
 
 // All batches of one pass. Called without the lock.
-void read_batches(TableReader& reader, TableData& table) {
+void read_batches(TableReader& reader, TableData& table, const nb::object& progress) {
   for (;;) {
     std::optional<Batch> batch = reader.next();
     if (!batch) break;
     table.batches.push_back(std::make_shared<const Batch>(std::move(*batch)));
-    const nb::gil_scoped_acquire with_lock;
-    obey_signals();
+    pause_at(reader.account().num_bytes, progress);
   }
 }
 
@@ -509,17 +515,18 @@ void keep_widened(const Account& first, Account& second) {
 // As read_table: where a later batch needs a wider type, the input is read once more. Called without the lock.
 std::shared_ptr<const TableData> read_all(const Input& input,
                                           const std::optional<LayoutBox>& layout,
-                                          const ReadSettings& settings) {
+                                          const ReadSettings& settings,
+                                          const nb::object& progress) {
   auto table = std::make_shared<TableData>();
   std::optional<TableReader> reader(open(input, layout, settings));
-  read_batches(*reader, *table);
+  read_batches(*reader, *table, progress);
   std::optional<Account> first;
   if (!are_alike(table->batches)) {
     first = reader->account();
     const ReadSettings again = settled(settings, *reader, *table);
     table->batches.clear();
     reader.emplace(open(input, LayoutBox(reader->layout()), again));
-    read_batches(*reader, *table);
+    read_batches(*reader, *table, progress);
   }
   if (!are_alike(table->batches)) {
     throw standalone::FileError("cannot read the table: the file changed while it was read");
@@ -538,11 +545,11 @@ struct TableBox {
 
 // The picture of a layout that is given is the caller's.
 TableBox read(const nb::object& source, const SharedSettings& settings,
-              const std::optional<LayoutBox>& layout) {
+              const std::optional<LayoutBox>& layout, const nb::object& progress) {
   const Input input(source);
   const nb::gil_scoped_release without_lock;
   const PictureSource before = picture_before(input, settings);
-  auto table = read_all(input, layout, settings->read);
+  auto table = read_all(input, layout, settings->read, progress);
   LayoutBox own =
       layout ? LayoutBox(table->layout) : pictured(input, *table->layout, before, settings);
   return {std::move(table), std::move(own)};
@@ -596,6 +603,7 @@ class Scan {
     return pictured(input_, reader_->layout(), picture_, shared_);
   }
   nb::dict account() const { return dict_of(reader_->account()); }
+  std::uint64_t num_bytes() const { return reader_->account().num_bytes; }
   std::vector<std::string> names() const { return reader_->names(); }
 
  private:
@@ -769,11 +777,12 @@ TableBox read_typed(const nb::object& source, const LayoutBox& layout,
   schema->fields = fields_of(all);
   schema->order = order;
   schema->order.resize(all.size());
+  const nb::object no_progress = nb::none();
   const ReadSettings typed = with_types(settings->read, layout.get(), fields_of(own));
   const nb::gil_scoped_release without_lock;
   auto table = std::make_shared<TableData>();
   TableReader reader = open(input, layout, typed);
-  read_batches(reader, *table);
+  read_batches(reader, *table, no_progress);
   table->layout = layout.shared();
   table->schema = std::move(schema);
   table->account = reader.account();
@@ -784,15 +793,13 @@ TableBox read_typed(const nb::object& source, const LayoutBox& layout,
 // Parts of a file
 
 nb::tuple parts_of(const nb::bytes& path, const SharedSettings& settings, const LayoutBox& layout,
-                   std::uint64_t least_bytes) {
+                   std::uint64_t least_bytes, const nb::object& progress) {
   const std::string name = bytes_of(path);
   FileParts parts;
   {
     const nb::gil_scoped_release without_lock;
-    parts = find_parts(name, layout.get(), settings->read, least_bytes, [] {
-      const nb::gil_scoped_acquire with_lock;
-      obey_signals();
-    });
+    parts = find_parts(name, layout.get(), settings->read, least_bytes,
+                       [&](std::uint64_t num_bytes) { pause_at(num_bytes, progress); });
   }
   nb::list found;
   const std::size_t count = parts.begins.size();
@@ -883,7 +890,8 @@ NB_MODULE(_core, module) {
           batches.push_back({batch, box.table->schema});
         return batches;
       });
-  module.def("read", read, nb::arg("source"), nb::arg("settings"), nb::arg("layout").none());
+  module.def("read", read, nb::arg("source"), nb::arg("settings"), nb::arg("layout").none(),
+             nb::arg("progress").none());
 
   nb::class_<Scan>(module, "Scan")
       .def(nb::init<const nb::object&, const SharedSettings&, const std::optional<LayoutBox>&,
@@ -892,6 +900,7 @@ NB_MODULE(_core, module) {
       .def("next", &Scan::next)
       .def_prop_ro("layout", &Scan::layout)
       .def_prop_ro("account", &Scan::account)
+      .def_prop_ro("num_bytes", &Scan::num_bytes)
       .def_prop_ro("names", &Scan::names);
 
   nb::class_<Learned>(module, "Learned")
@@ -903,7 +912,8 @@ NB_MODULE(_core, module) {
   module.def("stream_of", stream_of, nb::arg("items"), nb::arg("settings"), nb::arg("fields"));
   module.def("read_typed", read_typed, nb::arg("source"), nb::arg("layout"), nb::arg("settings"),
              nb::arg("own"), nb::arg("all"), nb::arg("order"));
-  module.def("parts_of", parts_of);
+  module.def("parts_of", parts_of, nb::arg("path"), nb::arg("settings"), nb::arg("layout"),
+             nb::arg("least_bytes"), nb::arg("progress").none());
   module.def("schema_of", [](const std::vector<FieldWords>& words) {
     TableSchema schema;
     schema.fields = fields_of(words);

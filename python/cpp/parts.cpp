@@ -77,7 +77,7 @@ void note_types(const Batch& batch, std::vector<Column>& types) {
 }  // namespace
 
 FileParts find_parts(const std::string& path, const Layout& layout, const ReadSettings& settings,
-                     std::uint64_t least_bytes, const std::function<void()>& pause) {
+                     std::uint64_t least_bytes, const std::function<void(std::uint64_t)>& pause) {
   std::ifstream file(path, std::ios::binary);
   const bool can_part = layout.has_more_text && !begins_with_one_of(bytes_at(file, 0), kPacked);
   ReadSettings narrow = settings;
@@ -97,7 +97,7 @@ FileParts find_parts(const std::string& path, const Layout& layout, const ReadSe
     if (can_part && is_large && may_begin_text(bytes_at(file, end))) {
       parts.begins.push_back({end, reader.account().num_lines + 1});
     }
-    pause();
+    pause(end);
   }
   parts.num_bytes = reader.account().num_bytes;
   for (const reading::OddPlace& place : reader.account().places) {

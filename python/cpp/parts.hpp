@@ -39,11 +39,11 @@ struct FileParts {
   char16_t quote = 0;
 };
 
-// The file at `path`, in parts of at least `least_bytes`; what is compressed is one part. `pause` is called now and then,
-// and may throw.
+// The file at `path`, in parts of at least `least_bytes`; what is compressed is one part. `pause` is called now and then
+// with the number of bytes that were read, and may throw.
 FileParts find_parts(const std::string& path, const standalone::Layout& layout,
                      const reading::ReadSettings& settings, std::uint64_t least_bytes,
-                     const std::function<void()>& pause);
+                     const std::function<void(std::uint64_t)>& pause);
 
 // The layout to read a part by: only the first has lines above the data, only the last may have a footer.
 standalone::Layout layout_of_part(const standalone::Layout& layout, char16_t quote, bool is_first,

@@ -146,8 +146,8 @@ def test_a_frame_of_dask_has_the_rows_of_all_files(folder: pathlib.Path) -> None
 
 # --- interrupts -------------------------------------------------------------------------------------------
 
-# A file is learned, and then is a pipe that never ends: the consumer is within the stream when the signal comes, and what
-# is written after it is read only if nobody obeys.
+# A file is learned, and then is a pipe that never ends: the consumer is within the stream when the signal comes, and
+# what is written after it is read only if nobody obeys.
 INTERRUPTED = """
 import os, signal, sys, threading, vltext
 path, consumer = sys.argv[1:]

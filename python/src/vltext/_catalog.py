@@ -129,9 +129,9 @@ def catalog(paths: Path | Iterable[Path], *, to: Path | None = None, recursive: 
     pyarrow, and one process at a time may write to it.
 
     `client` is a client of Dask, whose workers then look at the files in batches; they need this package, the files,
-    and pyarrow with `to`. Without one, `jobs` threads do it (0: one for each processor), in a process of their own unless
-    `isolate` is false: a file that crashes it is a row with an error, as one is that it takes longer than `timeout`
-    seconds for.
+    and pyarrow with `to`. Without one, `jobs` threads do it (0: one for each processor), in a process of their own
+    unless `isolate` is false: a file that crashes it is a row with an error, as one is that it takes longer than
+    `timeout` seconds for.
 
     `progress` shows how far the work is with tqdm; None: on a terminal, and in notebooks."""
     work = Work(arguments_of(options, DETECT_NAMES), 1 if client is not None and jobs == 0 else jobs, isolate, timeout,

@@ -1,6 +1,7 @@
 """One file in parts that can be read apart from one another, also by other processes."""
 from __future__ import annotations
 
+import contextlib
 import dataclasses
 import os
 from collections.abc import Iterator, Sequence
@@ -13,6 +14,7 @@ from ._frames import frame_of
 from ._inputs import refuse_unrepeatable
 from ._layout import Layout, _layout_of_state, detect
 from ._options import DETECT_NAMES, READ_NAMES, Arguments, arguments_of, read_settings
+from ._progress import ByteProgress
 from ._table import Table
 
 if TYPE_CHECKING:
@@ -100,12 +102,12 @@ class Parts(Sequence[Part]):
 
 
 def parts(path: str | os.PathLike[str], blocksize: int = BLOCKSIZE, *,
-          layout: Layout | None = None, **options: Unpack[ReadOptions]) -> Parts:
+          layout: Layout | None = None, progress: bool | None = None, **options: Unpack[ReadOptions]) -> Parts:
     """The file in parts of about `blocksize` bytes, each of which begins where a record begins.
 
     The file is read once for that, in constant memory: by the code that reads tables, so that a line ending within
     quotes is no border, and for the types of all columns. What is compressed, or short, is a single part. The accounts
-    of the parts add up to that of vltext.read().
+    of the parts add up to that of vltext.read(). `progress` is as in read().
 
     >>> import vltext, tempfile, os
     >>> with tempfile.TemporaryDirectory() as folder:
@@ -127,8 +129,9 @@ def parts(path: str | os.PathLike[str], blocksize: int = BLOCKSIZE, *,
         if layout.no_table is not None:
             raise ReadError(f"no table was found in it: {layout.no_table}", name)
     try:
-        fields, found, widened = _core.parts_of(os.fsencode(name), read_settings(arguments), layout._found,
-                                       blocksize)
+        with contextlib.closing(ByteProgress(os.fsencode(name), progress)) as bar:
+            fields, found, widened = _core.parts_of(os.fsencode(name), read_settings(arguments), layout._found,
+                                                    blocksize, bar.reached)
     except ReadError as error:
         error.file = name
         raise
@@ -146,6 +149,8 @@ def _places_in(places: tuple[Place, ...], first: int, end: int | None) -> tuple[
 
 
 def read_parts(path: str | os.PathLike[str], blocksize: int = BLOCKSIZE, *,
-               layout: Layout | None = None, **options: Unpack[ReadOptions]) -> Any:
-    """One file as a dask.dataframe.DataFrame, whose partitions are the parts() of the file."""
-    return parts(path, blocksize, layout=layout, **options).to_dask()
+               layout: Layout | None = None, progress: bool | None = None, **options: Unpack[ReadOptions]) -> Any:
+    """One file as a dask.dataframe.DataFrame, whose partitions are the parts() of the file.
+
+    To find these, the file is read once; `progress` shows how far that is."""
+    return parts(path, blocksize, layout=layout, progress=progress, **options).to_dask()

@@ -1,6 +1,7 @@
 """Tables, read as a whole or batch after batch, as Arrow data."""
 from __future__ import annotations
 
+import contextlib
 import datetime
 import decimal
 from collections.abc import Callable, Iterator
@@ -12,6 +13,7 @@ from ._errors import ReadError
 from ._inputs import Source, input_of, kept, refuse_unrepeatable
 from ._layout import Layout
 from ._options import READ_NAMES, arguments_of, read_settings
+from ._progress import ByteProgress
 
 if TYPE_CHECKING:
     import pandas
@@ -200,12 +202,14 @@ def pandas_frame_of(table: pyarrow.Table) -> pandas.DataFrame:
     return table.to_pandas(types_mapper=types.get, date_as_object=False)
 
 
-def read(source: Source, *, layout: Layout | None = None,
+def read(source: Source, *, layout: Layout | None = None, progress: bool | None = None,
          **options: Unpack[ReadOptions]) -> Table:
     """The whole table in `source`, which is as in detect(); a file object is read to its end.
 
     With a layout, the table is read by it. All batches have columns of the same types: if a cell further down needs a
     wider type, the file is read once more.
+
+    `progress` shows how far the reading is with tqdm; None: of 50 MB and more, on a terminal and in notebooks.
 
     >>> import vltext
     >>> table = vltext.read(b"a,b\\n1,x\\n2,y\\n3,z\\n")
@@ -220,7 +224,8 @@ def read(source: Source, *, layout: Layout | None = None,
     arguments = arguments_of(options, READ_NAMES)
     core = kept(core)
     try:
-        table = _core.read(core, read_settings(arguments), layout._found if layout else None)
+        with contextlib.closing(ByteProgress(core, progress)) as bar:
+            table = _core.read(core, read_settings(arguments), layout._found if layout else None, bar.reached)
     except ReadError as error:
         error.file = name
         raise
@@ -239,13 +244,15 @@ class Scan(Iterator[Batch]):
     then the input is read twice, the first time for the types.
     """
 
-    def __init__(self, source: Source, layout: Layout | None, options: dict[str, object]) -> None:
+    def __init__(self, source: Source, layout: Layout | None, progress: bool | None,
+                 options: dict[str, object]) -> None:
         self._input, self._name = input_of(source)
         self._arguments = arguments_of(options, READ_NAMES)
         self._settings = read_settings(self._arguments)
         self._given = layout
         self._core = _core.Scan(self._input, self._settings, layout._found if layout else None,
                                 False)
+        self._bar = ByteProgress(self._input, progress)
 
     @property
     def layout(self) -> Layout:
@@ -270,11 +277,16 @@ class Scan(Iterator[Batch]):
     def __next__(self) -> Batch:
         try:
             batch = self._core.next()
-        except ReadError as error:
-            error.file = self._name
+        except BaseException as error:
+            self._bar.close()
+            if isinstance(error, ReadError):
+                error.file = self._name
             raise
         if batch is None:
+            self._bar.close()
             raise StopIteration
+        if self._bar.reached is not None:
+            self._bar.reach(self._core.num_bytes)
         return Batch(batch)
 
     def __repr__(self) -> str:
@@ -289,7 +301,7 @@ class Scan(Iterator[Batch]):
         return _core.stream_of([item], self._settings, fields)
 
 
-def scan(source: Source, *, layout: Layout | None = None,
+def scan(source: Source, *, layout: Layout | None = None, progress: bool | None = None,
          **options: Unpack[ReadOptions]) -> Scan:
     """The table in `source`, batch after batch. See Scan; the arguments are those of read()."""
-    return Scan(source, layout, dict(options))
+    return Scan(source, layout, progress, dict(options))
