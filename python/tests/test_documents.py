@@ -116,7 +116,7 @@ def run_console(text: str) -> None:
     commands = re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", text, re.MULTILINE)
     assert commands
     for command, printed in commands:
-        if "venv" in command:
+        if "venv" in command or command.startswith("scripts/"):
             continue
         assert command.startswith("python3 -m vltext ")
         done = subprocess.run([sys.executable, *command.split()[1:]], capture_output=True, text=True,

@@ -54,8 +54,12 @@ PIECES = st.lists(st.sampled_from([b"a", b"17", b"3,5", b",", b";", b"\t", b'"',
                   max_size=40).map(b"".join)
 
 
+#: Of what seems to be compressed, the tool says that it is damaged.
+BYTES = st.binary(max_size=300).filter(lambda content: not content.startswith((b"\x1f\x8b", b"\x28\xb5\x2f\xfd")))
+
+
 @settings(deadline=None, max_examples=30, suppress_health_check=[HealthCheck.too_slow])
-@given(contents=st.lists(st.one_of(PIECES, st.binary(max_size=300)), min_size=20, max_size=20))
+@given(contents=st.lists(st.one_of(PIECES, BYTES), min_size=20, max_size=20))
 def test_any_bytes_have_the_layout_of_the_tool(contents: list[bytes],
                                                tmp_path_factory: pytest.TempPathFactory) -> None:
     folder = tmp_path_factory.mktemp("bytes")

@@ -6,6 +6,7 @@ import os
 import pathlib
 import pickle
 import re
+import threading
 
 import pytest
 
@@ -129,11 +130,10 @@ def test_all_layouts_have_one() -> None:
 def test_a_pipe_is_pictured_while_it_is_read(tmp_path: pathlib.Path) -> None:
     pipe = tmp_path / "pipe"
     os.mkfifo(pipe)
-    if os.fork() == 0:
-        pipe.write_bytes(CONTENT)
-        os._exit(0)
+    writer = threading.Thread(target=pipe.write_bytes, args=(CONTENT,))
+    writer.start()
     assert len(roles_in(vltext.detect(pipe)._repr_html_())) == 6
-    os.wait()
+    writer.join()
 
 
 def test_the_picture_does_not_count_where_layouts_are_compared() -> None:
