@@ -41,7 +41,7 @@ class Progress:
         self._bar = _bar(shown, total=total, unit=f" {unit}")
 
     def add(self, num_bytes: int, num_failed: int = 0, count: int = 1) -> None:
-        """So many bytes are done, in one more file or in several."""
+        """Adds bytes that are done, of one more file or of several."""
         self._bytes += num_bytes
         self._failed += num_failed
         if self._bar is None:
@@ -100,7 +100,7 @@ class ByteProgress:
         return None if self._bar is None else self.reach
 
     def reach(self, num_bytes: int) -> None:
-        """So many are read. Fewer than before: of a second reading."""
+        """Takes how many bytes are read by now; fewer than before belong to a second reading."""
         if self._bar is None:
             return
         if num_bytes < self._bar.n:
