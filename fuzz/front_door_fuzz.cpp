@@ -223,6 +223,7 @@ void check_tracing(std::u16string_view text, DetectSettings settings) {
   require(traced.has_value() == untraced.has_value(), "tracing refuses nothing");
   if (!traced) return;
   traced->trace.reset();
+  traced->considered.clear();
   require_same_lines("layout without a trace", describe(*untraced), describe(*traced));
 }
 

@@ -214,6 +214,16 @@ void write_rival(JsonWriter& json, const standalone::Rival& rival) {
   json.end_object();
 }
 
+void write_considered(JsonWriter& json, const standalone::ConsideredReading& reading) {
+  json.begin_object();
+  json.member("mode", to_string(reading.mode));
+  const bool is_delimited = reading.mode == LayoutMode::delimited;
+  json.member("delimiter", or_null(is_delimited ? reading.delimiter : std::u16string()));
+  json.member("is_table", reading.is_table);
+  json.member("probability", reading.probability);
+  json.end_object();
+}
+
 void write_cascade(JsonWriter& json, const standalone::CascadeAnswer& cascade) {
   json.begin_object();
   write_separators(json, cascade);
@@ -441,6 +451,10 @@ void write_members(JsonWriter& json, const std::string& file, const Layout& layo
   json.member("decided_by", or_null(layout.decided_by));
   json.key("trace");
   write_trace(json, layout.trace);
+  if (!layout.considered.empty()) {
+    json.key("considered");
+    json.array(layout.considered, [&](const auto& each) { write_considered(json, each); });
+  }
   if (layout.looks_binary) json.member("looks_binary", true);
   if (layout.descriptions_line) {
     json.member("descriptions_line", layout.descriptions_line);

@@ -77,6 +77,25 @@ TEST(ToolJson, WithTheTraceFitsTheSchema) {
   EXPECT_FALSE(document["files"][0]["trace"]["candidates"].empty());
 }
 
+// Commas alone separate anything here: besides them there are a single column and no table.
+TEST(ToolJson, WithTheTraceHasEveryReading) {
+  const TempFolder folder;
+  const std::string file = folder.file("t.csv", "x,y\n1,2\n3,4\n");
+  const json all = printed({"--json", "--explain", file})["files"][0]["considered"];
+  std::vector<std::string> kinds;
+  double sum = 0;
+  for (const json& each : all) {
+    kinds.push_back(each["is_table"] == false     ? "none"
+                    : each["delimiter"].is_null() ? each["mode"].get<std::string>()
+                                                  : each["delimiter"].get<std::string>());
+    sum += each["probability"].get<double>();
+  }
+  EXPECT_EQ(kinds.front(), ",");
+  EXPECT_THAT(kinds, testing::UnorderedElementsAre(",", "line-reader", "none"));
+  EXPECT_NEAR(sum, 1, 1e-9);
+  EXPECT_FALSE(printed({"--json", file})["files"][0].contains("considered"));
+}
+
 TEST(ToolJson, WithOptionsFitsTheSchema) {
   const TempFolder folder;
   const std::string file = folder.file("t.csv", "% note\nx;y\n1;2\n\n3\n");
