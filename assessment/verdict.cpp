@@ -358,7 +358,6 @@ std::vector<std::u16string_view> cells_of_line(const SampledLines& lines, std::s
 
 namespace {
 
-// The names in line `line`, counted from 1; 0: there are none.
 // A comment sign before the names is not part of the first name, unless it is all of it.
 void drop_comment_sign(std::u16string_view line, const Given& given,
                        std::vector<std::u16string_view>& names) {
@@ -368,6 +367,7 @@ void drop_comment_sign(std::u16string_view line, const Given& given,
   if (!name.empty()) names[0] = name;
 }
 
+// The names in the line that is given, counted from 1; 0: there are none.
 NamesVerdict given_names(const SampledLines& lines, const Cut& cut, const TableFrame& table,
                          const Given& given) {
   const std::size_t line = *given.names_line;
